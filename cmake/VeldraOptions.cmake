@@ -1,0 +1,28 @@
+# What can be chosen, and what holds for everything that is built here.
+
+option(VELDRA_BUILD_TOOLS "Build the programs that use the library" ${PROJECT_IS_TOP_LEVEL})
+option(VELDRA_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
+option(VELDRA_BUILD_BENCHMARKS "Build the benchmarks" OFF)
+option(VELDRA_WARNINGS_AS_ERRORS "Stop at warnings" ${PROJECT_IS_TOP_LEVEL})
+set(VELDRA_SANITIZERS "" CACHE STRING "Sanitizers to build with, such as address,undefined")
+option(VELDRA_COVERAGE "Measure which lines are run" OFF)
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Kind of build" FORCE)
+endif()
+
+add_library(veldra_options INTERFACE)
+target_compile_options(veldra_options INTERFACE -Wall -Wextra -Wpedantic)
+if(VELDRA_WARNINGS_AS_ERRORS)
+  target_compile_options(veldra_options INTERFACE -Werror)
+endif()
+if(VELDRA_SANITIZERS)
+  # Errors of undefined behaviour must end the program, or no test would see them.
+  set(flags -fsanitize=${VELDRA_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_options(veldra_options INTERFACE ${flags})
+  target_link_options(veldra_options INTERFACE ${flags})
+endif()
+if(VELDRA_COVERAGE)
+  target_compile_options(veldra_options INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(veldra_options INTERFACE --coverage)
+endif()

@@ -1,0 +1,7 @@
+#ifndef VELDRA_EXPORT_HPP
+#define VELDRA_EXPORT_HPP
+
+/// Marks what the shared library exports; everything else in it is hidden.
+#define VELDRA_EXPORT __attribute__((visibility("default")))
+
+#endif

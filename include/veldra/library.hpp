@@ -1,0 +1,289 @@
+#ifndef VELDRA_LIBRARY_HPP
+#define VELDRA_LIBRARY_HPP
+
+#include <veldra/composition.hpp>
+#include <veldra/criteria.hpp>
+#include <veldra/exceptions.hpp>
+#include <veldra/idmapping.hpp>
+
+#include <map>
+#include <memory>
+#include <set>
+#include <vector>
+
+namespace veldra {
+
+/// An open library file.
+///
+///     auto library = veldra::Library::create("walls.lib", veldra::Unit::Millimetres, "");
+///
+///     auto brick = veldra::Material::create("Brick");
+///     library->save(brick);
+///
+///     std::vector<std::shared_ptr<veldra::Material>> found;
+///     library->search(found, "%brick%");
+///
+/// The file is open until the last `std::shared_ptr` to the handle goes; objects do not keep it
+/// open. Every operation that writes is one transaction: it is done in full, or not at all. What
+/// is read is a snapshot in memory: two reads give two objects.
+///
+/// `T` stands for `Tag`, `MaterialType`, `Layer`, `CustomProperty`, `Material` and `Composition`.
+///
+/// Errors. What the library itself has to say is thrown as `veldra::Exception`. Errors of the
+/// database pass as the exceptions of the persistence runtime (`odb::exception`, derived from
+/// `std::exception`) out of opening, reading, saving and copying, and translated into
+/// `veldra::Exception` out of removal, purging and the setters of `Library`. A file that another
+/// process holds is waited for up to 5 seconds; then reading, saving and copying throw
+/// `odb::timeout`. Text that is not UTF-8 in the file, or not UTF-16 in an object, raises the
+/// exceptions of utf8-cpp. After a throw the file is as it was, and so is every object in memory.
+///
+/// Thread rule: a library and its objects are used from one thread at a time; different libraries
+/// may be used in different threads.
+class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
+ public:
+  /// What a library tells its host, and asks it. Override what is of interest.
+  ///
+  /// `resolveNameConflict`, `objectSaved`, `mayRemove` and `objectRemoved` are called within the
+  /// transaction of the operation. Reading from the same library is allowed there and sees what
+  /// the operation has done so far, and so is anything on other libraries; starting a write on the
+  /// same library throws `odb::already_in_transaction`. `typeChanged` and `libraryChanged` are
+  /// called when the operation has ended, also when it failed; there everything is allowed.
+  ///
+  /// An exception that a reactor throws ends the operation and reaches its caller.
+  class VELDRA_EXPORT Reactor {
+   public:
+    /// The answers to a name that is taken.
+    enum Decision : int {
+      UseExisting = 1,  ///< the stored object stands for the one that was to be saved
+      Overwrite = 2,    ///< the stored object gets the values of the one that was to be saved
+      Rename = 3        ///< the object is saved under the name as it was changed
+    };
+
+    virtual ~Reactor() = 0;
+
+    /// Asked when the name of a material or composition that is being saved is taken. Returns one
+    /// of the decisions; for `Rename` it has changed `name`. Any other number asks again, without
+    /// end. By default throws `ObjectNotUnique`.
+    virtual int resolveNameConflict(Library& library, ObjectType type, String& name);
+
+    /// Told of each object that was inserted or updated.
+    virtual void objectSaved(Library& library, const ObjectKey& key);
+
+    /// Asked before each removal; anything but 0 refuses it. By default returns 0.
+    virtual int mayRemove(Library& library, const ObjectKey& key);
+
+    /// Told of each object that was removed.
+    virtual void objectRemoved(Library& library, const ObjectKey& key);
+
+    /// Told once at the end of an operation that changed something, after `typeChanged`.
+    virtual void libraryChanged(Library& library);
+
+    /// Told at the end of an operation, once for each kind that it changed, in ascending order.
+    virtual void typeChanged(Library& library, ObjectType type);
+
+    /// Not called.
+    virtual void reserved();
+  };
+
+  /// Opens the library in the file `filename`; a missing or empty file becomes a new library.
+  ///
+  /// A new library has the unit, no locale, no region, and thirteen material types, whose names
+  /// the host may translate (`Translations`). Its GUID is `guid` if that is the text of one; a
+  /// random one if `guid` is empty; and else one that is derived from the text, always the same
+  /// for the same text. An existing library stays what it is, and `unit` and `guid` are ignored; a
+  /// file of an older version is brought to the current one.
+  ///
+  /// A name such as "memdb:///walls" opens "/walls" through the SQLite VFS "memdb".
+  ///
+  /// Throws what the persistence runtime throws, with the file in its text, when the file cannot
+  /// be opened or is no library (`odb::sqlite::database_exception`), has an unknown version
+  /// (`odb::unknown_schema_version`) or is held by others (`odb::timeout`). The file is then as it
+  /// was, and a new one remains empty.
+  static std::shared_ptr<Library> create(const String& filename, Unit unit, const String& guid);
+
+  /// Opens the library in the existing file `filename`; an empty file becomes a new library in
+  /// millimetres with a random GUID. Throws as `create` does, also when there is no such file.
+  ///
+  /// With `readOnly` the library refuses all changes. A file of an older version is brought to the
+  /// current one all the same, so it must be writable.
+  static std::shared_ptr<Library> open(const String& filename, bool readOnly);
+
+  Library(const Library&) = delete;
+  Library& operator=(const Library&) = delete;
+  ~Library();
+
+  /// The name that was given to `create` or `open`.
+  const String& filename() const noexcept;
+
+  /// The identity of the library: 36 characters, hexadecimal in lower case with hyphens.
+  const String& guid() const noexcept;
+
+  /// The unit of all lengths in the library. It never changes.
+  Unit unit() const noexcept;
+
+  /// The locale of the texts in the library, and the region that it is meant for. As read when the
+  /// library was opened; what other handles set since does not show.
+  const String& locale() const noexcept;
+  const String& region() const noexcept;
+
+  /// Sets the value and writes it to the file at once.
+  ///
+  /// Throws `LibraryReadOnly`, and `UnknownError` for any other failure. The file is then as it
+  /// was, while this handle keeps the new value.
+  void locale(const String& locale);
+  void region(const String& region);
+
+  /// The version of the file's schema: 150302.
+  unsigned long long version() const noexcept;
+
+  /// Whether changes are refused: the library was opened so, or the file can only be read.
+  bool readOnly() const;
+
+  /// Installs the reactor that is asked and told from now on; null installs the default one. It
+  /// stays the host's and must live until it is replaced or the library closes.
+  void setReactor(Reactor* reactor);
+
+  // Reading. Objects that are read belong to this library and are clean. Lists append to `out`,
+  // in the order in which the database gives the objects; custom properties come in the order of
+  // their names. An object that cannot be read whole, because something that it refers to is not
+  // in the file, counts as not there.
+  //
+  // Throw odb::exception and the exceptions of utf8-cpp, and then leave `out` as it was.
+
+  /// The object with that id or name; empty when there is none, and for id 0 or an empty name.
+  template <class T>
+  std::shared_ptr<T> get(unsigned id) const;
+  template <class T>
+  std::shared_ptr<T> get(const String& name) const;
+
+  /// The objects with those ids; an id that is not there is skipped.
+  template <class T>
+  void get(std::vector<std::shared_ptr<T>>& out, const std::set<unsigned>& ids) const;
+
+  /// All objects of the kind, or those that the criteria select.
+  template <class T>
+  void get(std::vector<std::shared_ptr<T>>& out) const;
+  template <class T>
+  void get(std::vector<std::shared_ptr<T>>& out,
+           const typename CriteriaOf<T>::type& criteria) const;
+
+  /// The objects whose names match `text`, a pattern of SQL's LIKE: "%" stands for any text, "_"
+  /// for any character; ASCII letters match in either case. An empty text matches nothing.
+  template <class T>
+  void search(std::vector<std::shared_ptr<T>>& out, const String& text) const;
+  template <class T>
+  void search(std::vector<std::shared_ptr<T>>& out, const String& text,
+              const typename CriteriaOf<T>::type& criteria) const;
+
+  /// How many objects of the kind there are, or the criteria select.
+  template <class T>
+  unsigned long long count() const;
+  template <class T>
+  unsigned long long count(const typename CriteriaOf<T>::type& criteria) const;
+
+  // Saving.
+
+  /// Saves a dirty object, and first what it refers to, in one transaction; an object that is not
+  /// dirty is left alone with all that it refers to.
+  ///
+  /// An object that belongs to no library, or to this one, is saved itself: it is inserted when
+  /// its id is 0 and updated otherwise, belongs to this library and is clean afterwards, and is
+  /// returned. An object of another library stays as it is; a copy of it is saved, in the unit of
+  /// this library, and returned. So are the tags, material types, drawing layers, custom
+  /// properties and materials that it refers to; assets are not saved, and a reference to an asset
+  /// of another library is dropped.
+  ///
+  /// A tag, material type, drawing layer or custom property whose name is taken becomes the stored
+  /// object of that name. For a material or composition the reactor decides. A material without a
+  /// type gets the type "Generic". A tag that has an id is never written again.
+  ///
+  /// Returns empty for an empty pointer.
+  ///
+  /// Throws `ObjectNotUnique` when a name (without text) or a code (with text) is taken and the
+  /// reactor did not decide otherwise, `ObjectNotFound` when an object with an id is not in the
+  /// file any more, what the reactor throws, and `odb::exception` for all else; among them
+  /// `odb::sqlite::database_exception` for a read-only library. After a throw the file and all
+  /// objects are as they were.
+  template <class T>
+  std::shared_ptr<T> save(const std::shared_ptr<T>& object);
+
+  /// The same with a mapping: an object of another library that is in the mapping is not saved
+  /// again, and the object that stands for it is read and returned. All that is saved is entered.
+  /// Entries stay when the call throws, and may then name ids that were taken back.
+  template <class T>
+  std::shared_ptr<T> save(const std::shared_ptr<T>& object, IdMapping& mapping);
+
+  // Removing. An object goes only if nothing in the library refers to it and the reactor does not
+  // refuse. Each object is a transaction of its own.
+  //
+  // Throw `LibraryReadOnly`, `ObjectNotFound` when there is no such object, `UnknownError` for any
+  // other failure of the database, and what the reactor throws. What was removed before stays
+  // removed.
+
+  /// Removes one object. Returns false when the reactor refused, or `object` is empty. The object
+  /// in memory keeps its id and belongs to no library any more.
+  /// Throws `ObjectInUse` when another object refers to it; `ObjectNotFound` also when the object
+  /// belongs to another library.
+  template <class T>
+  bool remove(const std::shared_ptr<T>& object);
+  template <class T>
+  bool remove(unsigned id);
+
+  /// Removes the objects that can go, in ascending order of their ids. `result` gets an entry for
+  /// each, unless it has one: true, the object was removed; false, it is still there.
+  template <class T>
+  void remove(const std::set<unsigned>& ids, std::map<ObjectKey, bool>& result);
+  template <class T>
+  void remove(const std::set<unsigned>& ids);
+
+  /// The same for objects of several kinds: compositions, materials, material types, drawing
+  /// layers, custom properties, tags, so that what refers goes before what it refers to.
+  void remove(const std::set<ObjectKey>& keys, std::map<ObjectKey, bool>& result);
+  void remove(const std::set<ObjectKey>& keys);
+
+  /// Removes every object of the kind, of the kinds, or of all six kinds that nothing refers to.
+  template <class T>
+  void purge(std::map<ObjectKey, bool>& result);
+  template <class T>
+  void purge();
+  void purge(const std::set<ObjectType>& kinds, std::map<ObjectKey, bool>& result);
+  void purge(const std::set<ObjectType>& kinds);
+  void purge(std::map<ObjectKey, bool>& result);
+  void purge();
+
+  // Copying, called on the destination. Saves objects of `source` here by the rules of `save`, in
+  // one transaction: what they refer to comes along, lengths are converted to the unit of this
+  // library, and the reactor of this library decides about names that are taken. The source is
+  // only read. An empty source, and ids that it does not have, copy nothing.
+  //
+  // Throw as `save` does; then nothing of the copy stays.
+
+  template <class T>
+  void copy(const std::shared_ptr<const Library>& source, const std::set<unsigned>& ids,
+            IdMapping& mapping);
+  template <class T>
+  void copy(const std::shared_ptr<const Library>& source, const std::set<unsigned>& ids);
+
+  /// The same for objects of several kinds. Copying from this very library writes nothing and
+  /// enters every key as standing for itself.
+  void copy(const std::shared_ptr<const Library>& source, const std::set<ObjectKey>& keys,
+            IdMapping& mapping);
+  void copy(const std::shared_ptr<const Library>& source, const std::set<ObjectKey>& keys);
+
+  /// Copies all objects of the six kinds. Memory does not grow with the size of the source, apart
+  /// from the mapping.
+  void copyAll(const std::shared_ptr<const Library>& source, IdMapping& mapping);
+  void copyAll(const std::shared_ptr<const Library>& source);
+
+ private:
+  friend class LibraryAccess;
+  class Impl;
+
+  explicit Library(std::unique_ptr<Impl> impl);
+
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace veldra
+
+#endif

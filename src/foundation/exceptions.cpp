@@ -1,0 +1,54 @@
+#include <veldra/exceptions.hpp>
+
+#include "foundation/constant_text.hpp"
+
+namespace veldra {
+
+Exception::~Exception() = default;
+UnknownError::~UnknownError() = default;
+LibraryReadOnly::~LibraryReadOnly() = default;
+ObjectNotFound::~ObjectNotFound() = default;
+InappropriateCustomProperty::~InappropriateCustomProperty() = default;
+ConsistencyError::~ConsistencyError() = default;
+ObjectInUse::~ObjectInUse() = default;
+
+const unsigned short* UnknownError::what() const {
+  // The spelling is part of the interface: hosts compare it.
+  static constexpr auto text = constant_text("Unkown error");
+  return text.units;
+}
+
+const unsigned short* LibraryReadOnly::what() const {
+  static constexpr auto text = constant_text("Library is read only");
+  return text.units;
+}
+
+const unsigned short* ObjectNotFound::what() const {
+  static constexpr auto text = constant_text("Object not found");
+  return text.units;
+}
+
+const unsigned short* InappropriateCustomProperty::what() const {
+  static constexpr auto text = constant_text("Inappropriate custom property");
+  return text.units;
+}
+
+const unsigned short* ObjectInUse::what() const {
+  static constexpr auto text = constant_text("Object is still referenced by other object");
+  return text.units;
+}
+
+ObjectNotUnique::ObjectNotUnique() = default;
+ObjectNotUnique::ObjectNotUnique(const String& text) : text_(text) {}
+ObjectNotUnique::ObjectNotUnique(const ObjectNotUnique& other) = default;
+ObjectNotUnique& ObjectNotUnique::operator=(const ObjectNotUnique& other) = default;
+ObjectNotUnique::~ObjectNotUnique() = default;
+
+const unsigned short* ObjectNotUnique::what() const {
+  static constexpr auto text = constant_text("An other object with the same values exists");
+  return text.units;
+}
+
+const String& ObjectNotUnique::text() const noexcept { return text_; }
+
+}  // namespace veldra

@@ -1,0 +1,148 @@
+#include <veldra/string.hpp>
+
+#include "foundation/encoding.hpp"
+
+#include <utf8.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+namespace veldra {
+
+namespace {
+
+const unsigned short no_text[] = {0};
+
+using Units = std::unique_ptr<unsigned short[]>;
+
+Units copy_of(const unsigned short* text) {
+  if (text == nullptr || *text == 0) return nullptr;
+  const std::size_t size = text_length(text) + 1;
+  Units units(new unsigned short[size]);
+  std::copy(text, text + size, units.get());
+  return units;
+}
+
+/// How many code units the decoding takes. Exact for well-formed text, and never less than what
+/// is written before malformed text is met: each character is counted at its first byte.
+std::size_t decoded_size(const char* text, std::size_t size) noexcept {
+  std::size_t units = 0;
+  for (std::size_t i = 0; i != size; ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    units +=
+        static_cast<std::size_t>((byte & 0xC0) != 0x80) + static_cast<std::size_t>(byte >= 0xF0);
+  }
+  return units;
+}
+
+Units decode(const char* text, std::size_t size) {
+  if (size == 0) return nullptr;
+  Units units(new unsigned short[decoded_size(text, size) + 1]);
+  try {
+    *utf8::utf8to16(text, text + size, units.get()) = 0;
+  } catch (const utf8::invalid_utf8&) {
+    throw;
+  } catch (const utf8::exception&) {
+    // The converter tells a cut-off character and an impossible code point apart from other
+    // malformed text; callers need not.
+    throw utf8::invalid_utf8(static_cast<unsigned char>(*utf8::find_invalid(text, text + size)));
+  }
+  return units;
+}
+
+}  // namespace
+
+std::size_t text_length(const unsigned short* text) noexcept {
+  const unsigned short* end = text;
+  while (*end != 0) ++end;
+  return static_cast<std::size_t>(end - text);
+}
+
+char* encode_utf8(const unsigned short* text, std::size_t units, char* out) {
+  return utf8::utf16to8(text, text + units, out);
+}
+
+String::String() noexcept : text_(nullptr) {}
+
+String::String(const unsigned short* text) : text_(copy_of(text).release()) {}
+
+String::String(const char* utf8_text)
+    : text_(utf8_text == nullptr ? nullptr : decode(utf8_text, std::strlen(utf8_text)).release()) {}
+
+String::String(const String& other) : String(other.text_) {}
+
+String::String(String&& other) noexcept : text_(other.text_) { other.text_ = nullptr; }
+
+String::~String() { delete[] text_; }
+
+String& String::operator=(const unsigned short* text) {
+  if (text == text_) return *this;
+  // The new text may be a part of the old one, so it is copied before that goes.
+  return *this = String(text);
+}
+
+String& String::operator=(const String& other) { return *this = other.text_; }
+
+String& String::operator=(String&& other) noexcept {
+  if (this == &other) return *this;
+  delete[] text_;
+  text_ = other.text_;
+  other.text_ = nullptr;
+  return *this;
+}
+
+String& String::operator=(const char* utf8_text) { return *this = String(utf8_text); }
+
+bool String::empty() const noexcept { return text_ == nullptr || *text_ == 0; }
+
+const unsigned short* String::c_str() const noexcept { return text_ == nullptr ? no_text : text_; }
+
+String::operator bool() const noexcept { return !empty(); }
+
+std::string String::utf8() const {
+  const std::size_t units = text_length(c_str());
+  std::string text(utf8_bound(units), '\0');
+  if (units != 0) {
+    const char* end = encode_utf8(text_, units, &text[0]);
+    text.resize(static_cast<std::size_t>(end - text.data()));
+  }
+  return text;
+}
+
+void String::utf8(const std::string& text) { utf8(text.data(), text.size()); }
+
+void String::utf8(const char* text, std::size_t size) {
+  const void* zero = size == 0 ? nullptr : std::memchr(text, 0, size);
+  if (zero != nullptr) size = static_cast<std::size_t>(static_cast<const char*>(zero) - text);
+  Units units = decode(text, size);
+  delete[] text_;
+  text_ = units.release();
+}
+
+bool operator==(const String& left, const unsigned short* right) noexcept {
+  const unsigned short* unit = left.c_str();
+  for (; *unit == *right; ++unit, ++right) {
+    if (*unit == 0) return true;
+  }
+  return false;
+}
+
+bool operator!=(const String& left, const unsigned short* right) noexcept {
+  return !(left == right);
+}
+
+bool operator==(const String& left, const String& right) noexcept { return left == right.c_str(); }
+
+bool operator!=(const String& left, const String& right) noexcept { return !(left == right); }
+
+bool operator<(const String& left, const String& right) noexcept {
+  const unsigned short* a = left.c_str();
+  const unsigned short* b = right.c_str();
+  for (; *a == *b; ++a, ++b) {
+    if (*a == 0) return false;
+  }
+  return *a < *b;
+}
+
+}  // namespace veldra

@@ -1,0 +1,14 @@
+#ifndef VELDRA_OBJECTS_LAYER_IMPL_HPP
+#define VELDRA_OBJECTS_LAYER_IMPL_HPP
+
+#include "objects/record.hpp"
+
+#include <veldra/layer.hpp>
+
+namespace veldra {
+
+struct Layer::Impl : ObjectRecord {};
+
+}  // namespace veldra
+
+#endif

@@ -1,0 +1,11 @@
+#include "objects/handle_members.hpp"
+#include "objects/materialtype_impl.hpp"
+
+namespace veldra {
+
+VELDRA_HANDLE_MEMBERS(MaterialType);
+VELDRA_NAMED_MEMBERS(MaterialType)
+
+void MaterialType::name(const String& name) { change(impl(), impl().name, name); }
+
+}  // namespace veldra

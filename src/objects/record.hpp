@@ -1,0 +1,22 @@
+#ifndef VELDRA_OBJECTS_RECORD_HPP
+#define VELDRA_OBJECTS_RECORD_HPP
+
+#include <veldra/string.hpp>
+
+#include <memory>
+
+namespace veldra {
+
+class Library;
+
+/// What the record of every object begins with.
+struct ObjectRecord {
+  unsigned id = 0;
+  String name;
+  std::weak_ptr<Library> library;  // weak: an object must not keep its file open
+  bool dirty = false;
+};
+
+}  // namespace veldra
+
+#endif

@@ -1,0 +1,14 @@
+#ifndef VELDRA_OBJECTS_TAG_IMPL_HPP
+#define VELDRA_OBJECTS_TAG_IMPL_HPP
+
+#include "objects/record.hpp"
+
+#include <veldra/tag.hpp>
+
+namespace veldra {
+
+struct Tag::Impl : ObjectRecord {};
+
+}  // namespace veldra
+
+#endif

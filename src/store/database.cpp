@@ -1,0 +1,50 @@
+#include "store/database.hpp"
+
+#include <sqlite3.h>
+
+#include <memory>
+
+namespace veldra {
+
+namespace {
+
+const int busy_milliseconds = 5000;
+
+/// Hands out one connection again and again, so that a name in memory means one database and
+/// prepared statements are kept.
+class OneConnection : public odb::sqlite::connection_factory {
+ public:
+  odb::sqlite::connection_ptr connect() override { return connection_; }
+
+  void database(database_type& database) override {
+    connection_.reset(new (odb::details::shared) odb::sqlite::connection(database));
+    sqlite3_busy_timeout(connection_->handle(), busy_milliseconds);
+  }
+
+ private:
+  odb::sqlite::connection_ptr connection_;
+};
+
+struct FileName {
+  std::string vfs;
+  std::string path;
+};
+
+FileName parse(const std::string& name) {
+  const std::string separator = "://";
+  const auto at = name.find(separator);
+  if (at == std::string::npos) return {"", name};
+  return {name.substr(0, at), name.substr(at + separator.size())};
+}
+
+}  // namespace
+
+// A shared cache would make two handles on one file wait for each other for ever.
+Database::Database(const std::string& name, int flags)
+    : odb::sqlite::database(parse(name).path, flags | SQLITE_OPEN_PRIVATECACHE, true,
+                            parse(name).vfs,
+                            std::unique_ptr<odb::sqlite::connection_factory>(new OneConnection)) {}
+
+odb::sqlite::connection& Database::connection_in_use() { return *connection(); }
+
+}  // namespace veldra

@@ -1,0 +1,34 @@
+#ifndef VELDRA_STORE_ERRORS_HPP
+#define VELDRA_STORE_ERRORS_HPP
+
+#include <veldra/exceptions.hpp>
+
+#include <odb/exceptions.hxx>
+#include <odb/sqlite/exceptions.hxx>
+
+#include <sqlite3.h>
+
+namespace veldra {
+
+/// Runs `work`, and throws what fails in the database as the library's own exceptions. A write that
+/// was started within another one of the same library is no failure of the database and passes.
+template <class Work>
+auto translating_errors(Work work) {
+  try {
+    return work();
+  } catch (const odb::sqlite::database_exception& error) {
+    if (error.error() == SQLITE_READONLY) throw LibraryReadOnly();
+    if (error.error() == SQLITE_CONSTRAINT) throw ObjectInUse();
+    throw UnknownError();
+  } catch (const odb::object_not_persistent&) {
+    throw ObjectNotFound();
+  } catch (const odb::already_in_transaction&) {
+    throw;
+  } catch (const odb::exception&) {
+    throw UnknownError();
+  }
+}
+
+}  // namespace veldra
+
+#endif

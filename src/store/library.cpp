@@ -1,0 +1,100 @@
+#include "store/errors.hpp"
+#include "store/library_impl.hpp"
+#include "store/mapping-odb.hpp"
+#include "store/transactions.hpp"
+
+#include <sqlite3.h>
+
+namespace veldra {
+
+namespace {
+
+class DefaultReactor : public Library::Reactor {};
+
+Library::Reactor& default_reactor() {
+  static DefaultReactor reactor;
+  return reactor;
+}
+
+std::shared_ptr<Library> open_library(const String& filename, FileAccess access, Unit unit,
+                                      const String& guid) {
+  return LibraryAccess::make(std::unique_ptr<LibraryAccess::Impl>(
+      new LibraryAccess::Impl(filename, open_library_file(filename, access, unit, guid))));
+}
+
+}  // namespace
+
+Library::Reactor::~Reactor() = default;
+int Library::Reactor::resolveNameConflict(Library&, ObjectType, String&) {
+  throw ObjectNotUnique();
+}
+void Library::Reactor::objectSaved(Library&, const ObjectKey&) {}
+int Library::Reactor::mayRemove(Library&, const ObjectKey&) { return 0; }
+void Library::Reactor::objectRemoved(Library&, const ObjectKey&) {}
+void Library::Reactor::libraryChanged(Library&) {}
+void Library::Reactor::typeChanged(Library&, ObjectType) {}
+void Library::Reactor::reserved() {}
+
+Library::Impl::Impl(const String& name, LibraryFile file)
+    : filename(name),
+      database(std::move(file.database)),
+      version(file.version),
+      meta(std::move(file.meta)),
+      reactor(&default_reactor()) {}
+
+std::shared_ptr<Library> LibraryAccess::make(std::unique_ptr<Impl> impl) {
+  std::shared_ptr<Library> library(new Library(std::move(impl)));
+  library->impl_->self = library;
+  return library;
+}
+
+Library::Library(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
+Library::~Library() = default;
+
+std::shared_ptr<Library> Library::create(const String& filename, Unit unit, const String& guid) {
+  return open_library(filename, FileAccess::Create, unit, guid);
+}
+
+std::shared_ptr<Library> Library::open(const String& filename, bool readOnly) {
+  return open_library(filename, readOnly ? FileAccess::ReadOnly : FileAccess::ReadWrite,
+                      Unit::Millimetres, String());
+}
+
+const String& Library::filename() const noexcept { return impl_->filename; }
+const String& Library::guid() const noexcept { return impl_->meta.guid; }
+Unit Library::unit() const noexcept { return impl_->meta.unit; }
+const String& Library::locale() const noexcept { return impl_->meta.locale; }
+const String& Library::region() const noexcept { return impl_->meta.region; }
+unsigned long long Library::version() const noexcept { return impl_->version; }
+
+namespace {
+
+// Deliberate: a failed write leaves the new value in the handle and the old one in the file.
+void set_and_write(Database& database, Meta& meta, String& field, const String& value) {
+  field = value;
+  translating_errors([&] {
+    WriteTransaction transaction(database);
+    database.update(meta);
+    transaction.commit();
+  });
+}
+
+}  // namespace
+
+void Library::locale(const String& locale) {
+  set_and_write(*impl_->database, impl_->meta, impl_->meta.locale, locale);
+}
+
+void Library::region(const String& region) {
+  set_and_write(*impl_->database, impl_->meta, impl_->meta.region, region);
+}
+
+bool Library::readOnly() const {
+  return sqlite3_db_readonly(impl_->database->connection_in_use().handle(), nullptr) == 1;
+}
+
+void Library::setReactor(Reactor* reactor) {
+  impl_->reactor = reactor == nullptr ? &default_reactor() : reactor;
+}
+
+}  // namespace veldra

@@ -1,0 +1,156 @@
+#include "store/library_file.hpp"
+
+#include "foundation/translated.hpp"
+#include "store/guid.hpp"
+#include "store/mapping-odb.hpp"
+#include "store/statement.hpp"
+#include "store/transactions.hpp"
+
+#include <odb/exceptions.hxx>
+#include <odb/schema-catalog.hxx>
+#include <odb/sqlite/exceptions.hxx>
+
+#include <sqlite3.h>
+
+namespace veldra {
+
+namespace {
+
+/// The runtime's exception for a file of a version that is not ours, with the file in its text.
+class UnknownVersion : public odb::unknown_schema_version {
+ public:
+  UnknownVersion(const std::string& name, const odb::unknown_schema_version& error)
+      : odb::unknown_schema_version(error), what_(name + ": " + error.what()) {}
+  ~UnknownVersion() noexcept override = default;
+
+  const char* what() const noexcept override { return what_.c_str(); }
+  UnknownVersion* clone() const override { return new UnknownVersion(*this); }
+
+ private:
+  std::string what_;
+};
+
+/// Foreign keys must not be enforced while tables are made and altered.
+class ForeignKeysOff {
+ public:
+  explicit ForeignKeysOff(odb::sqlite::connection& connection) : connection_(connection) {
+    connection_.execute("PRAGMA foreign_keys=OFF");
+  }
+  ForeignKeysOff(const ForeignKeysOff&) = delete;
+  ForeignKeysOff& operator=(const ForeignKeysOff&) = delete;
+  ~ForeignKeysOff() {
+    if (!on_)
+      sqlite3_exec(connection_.handle(), "PRAGMA foreign_keys=ON", nullptr, nullptr, nullptr);
+  }
+
+  void on_again() {
+    connection_.execute("PRAGMA foreign_keys=ON");
+    on_ = true;
+  }
+
+ private:
+  odb::sqlite::connection& connection_;
+  bool on_ = false;
+};
+
+odb::schema_version current_version() {
+  return odb::schema_catalog::current_version(odb::id_sqlite, "");
+}
+
+bool has_version_table(odb::sqlite::connection& connection) {
+  return Statement(connection,
+                   "SELECT 1 FROM sqlite_master WHERE name='schema_version' COLLATE NOCASE")
+      .next();
+}
+
+/// The version of the file; 0 for an empty one. The runtime would take a version that is no number
+/// for an empty file, and end the process over two versions; so the row is looked at first.
+odb::schema_version file_version(odb::sqlite::connection& connection) {
+  if (!has_version_table(connection)) return 0;
+  Statement row(connection, "SELECT \"version\" FROM \"schema_version\" WHERE \"name\"=''");
+  if (!row.next()) return 0;
+
+  const bool understood = row.is_integer(0);
+  const auto version = static_cast<odb::schema_version>(row.integer(0));
+  const auto base = odb::schema_catalog::base_version(odb::id_sqlite, "");
+  if (!understood || row.next() || version < base || version > current_version()) {
+    throw odb::unknown_schema_version(version);
+  }
+  return version;
+}
+
+void fill(Database& database, Unit unit, const String& guid) {
+  Meta meta;
+  meta.guid = make_guid(guid);
+  meta.unit = unit;
+  database.persist(meta);
+
+  for (const char* name : {"Ceramic", "Concrete", "Earth", "Generic", "Glass", "Liquid", "Masonry",
+                           "Metal", "Paint", "Plastic", "Stone", "Textile", "Wood"}) {
+    database.persist(*MaterialType::create(translated(name)));
+  }
+}
+
+bool is_current(Database& database) {
+  ReadTransaction transaction(database);
+  return file_version(database.connection_in_use()) == current_version();
+}
+
+/// Makes the file a library of the current version. One that is already is only read, so that
+/// nothing of it changes and nobody has to wait.
+void bring_up_to_date(Database& database, Unit unit, const String& guid) {
+  if (is_current(database)) return;
+
+  ForeignKeysOff foreign_keys(database.connection_in_use());
+  WriteTransaction transaction(database);
+  // Another process may have been faster while the lock was waited for.
+  const odb::schema_version version = file_version(database.connection_in_use());
+  if (version == 0) {
+    odb::schema_catalog::create_schema(database, "", true);
+    fill(database, unit, guid);
+  } else if (version < current_version()) {
+    odb::schema_catalog::migrate(database);
+  }
+  transaction.commit();
+  foreign_keys.on_again();
+}
+
+Meta load_meta(Database& database) {
+  ReadTransaction transaction(database);
+  Meta meta;
+  database.load(0ULL, meta);
+  return meta;
+}
+
+LibraryFile open(const std::string& name, FileAccess access, Unit unit, const String& guid) {
+  const int create = access == FileAccess::Create ? SQLITE_OPEN_CREATE : 0;
+  LibraryFile file;
+  file.database.reset(new Database(name, SQLITE_OPEN_READWRITE | create));
+  bring_up_to_date(*file.database, unit, guid);
+  if (access == FileAccess::ReadOnly) {
+    // The second connection is there before the first goes, since a database in memory goes with
+    // its last connection.
+    std::unique_ptr<Database> reading(new Database(name, SQLITE_OPEN_READONLY));
+    file.database = std::move(reading);
+  }
+  file.version = current_version();
+  file.meta = load_meta(*file.database);
+  return file;
+}
+
+}  // namespace
+
+LibraryFile open_library_file(const String& filename, FileAccess access, Unit unit,
+                              const String& guid) {
+  const std::string name = filename.utf8();
+  try {
+    return open(name, access, unit, guid);
+  } catch (const odb::sqlite::database_exception& error) {
+    throw odb::sqlite::database_exception(error.error(), error.extended_error(),
+                                          name + ": " + error.message());
+  } catch (const odb::unknown_schema_version& error) {
+    throw UnknownVersion(name, error);
+  }
+}
+
+}  // namespace veldra

@@ -1,0 +1,27 @@
+#ifndef VELDRA_STORE_LIBRARY_FILE_HPP
+#define VELDRA_STORE_LIBRARY_FILE_HPP
+
+#include "store/database.hpp"
+#include "store/meta.hpp"
+
+#include <memory>
+
+namespace veldra {
+
+/// An open file that holds a library of the current version.
+struct LibraryFile {
+  std::unique_ptr<Database> database;
+  unsigned long long version;
+  Meta meta;
+};
+
+enum class FileAccess { Create, ReadWrite, ReadOnly };
+
+/// Opens the file and makes it a library of the current version: one that is older is migrated,
+/// one that is empty is filled with `unit`, a GUID made from `guid`, and the default types.
+LibraryFile open_library_file(const String& filename, FileAccess access, Unit unit,
+                              const String& guid);
+
+}  // namespace veldra
+
+#endif

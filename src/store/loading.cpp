@@ -1,0 +1,121 @@
+#include "store/loading.hpp"
+
+#include "store/kinds.hpp"
+#include "store/library_impl.hpp"
+
+#include <odb/exceptions.hxx>
+
+#include <algorithm>
+#include <numeric>
+
+namespace veldra {
+
+namespace {
+
+// What an object of each kind refers to.
+
+template <class T, class Visit>
+void visit_references(T&, Visit) {}
+
+template <class Visit>
+void visit_references(Asset& asset, Visit visit) {
+  for (const auto& tag : ObjectAccess::impl(asset).tags) visit(tag);
+}
+
+template <class Visit>
+void visit_references(Material& material, Visit visit) {
+  auto& record = ObjectAccess::impl(material);
+  for (const auto& tag : record.tags) visit(tag);
+  visit(record.type);
+  visit(record.cut_layer);
+  visit(record.structural_asset);
+  visit(record.thermal_asset);
+  for (const auto& value : record.custom_values) visit(ObjectAccess::property(value.first));
+}
+
+template <class Visit>
+void visit_references(Composition& composition, Visit visit) {
+  auto& record = ObjectAccess::impl(composition);
+  for (const auto& tag : record.tags) visit(tag);
+  visit(record.entity_layer);
+  for (const auto& layer : record.layers) visit(layer.material());
+  for (const auto& value : record.custom_values) visit(ObjectAccess::property(value.first));
+}
+
+/// Links an object and all that it refers to.
+struct Linker {
+  const std::weak_ptr<Library>& library;
+
+  template <class T>
+  void operator()(const std::shared_ptr<T>& reference) const {
+    if (reference != nullptr) link_object(const_cast<std::remove_const_t<T>&>(*reference));
+  }
+
+  template <class T>
+  void link_object(T& object) const {
+    auto& record = static_cast<ObjectRecord&>(ObjectAccess::impl(object));
+    record.library = library;
+    visit_references(object, *this);
+  }
+
+  void link_object(StructuralAsset& asset) const { link_object<Asset>(asset); }
+  void link_object(ThermalAsset& asset) const { link_object<Asset>(asset); }
+};
+
+/// The places of a list in the order in which its objects lie in the file.
+std::vector<std::size_t> places_by_id(const std::vector<unsigned>& ids) {
+  std::vector<std::size_t> places(ids.size());
+  std::iota(places.begin(), places.end(), std::size_t{0});
+  if (!std::is_sorted(ids.begin(), ids.end())) {
+    std::sort(places.begin(), places.end(),
+              [&ids](std::size_t a, std::size_t b) { return ids[a] < ids[b]; });
+  }
+  return places;
+}
+
+}  // namespace
+
+template <class T>
+void link(T& object, const std::weak_ptr<Library>& library) {
+  Linker{library}.link_object(object);
+}
+
+template <class T>
+std::shared_ptr<T> load(const Library& library, unsigned id) {
+  const auto& impl = LibraryAccess::impl(library);
+  std::shared_ptr<T> object;
+  try {
+    object = impl.database->find<T>(id);
+  } catch (const odb::object_not_persistent&) {
+    // Something that the object refers to is missing.
+  }
+  if (object != nullptr) link(*object, impl.self);
+  return object;
+}
+
+CacheScope::CacheScope(Database& database, ObjectCache& cache)
+    : database_(database), former_(database.cache) {
+  database_.cache = &cache;
+}
+
+CacheScope::~CacheScope() { database_.cache = former_; }
+
+template <class T>
+std::vector<std::shared_ptr<T>> load_all(const Library& library, const std::vector<unsigned>& ids) {
+  std::vector<std::shared_ptr<T>> objects(ids.size());
+  for (const std::size_t place : places_by_id(ids)) {
+    objects[place] = load<T>(library, ids[place]);
+  }
+  objects.erase(std::remove(objects.begin(), objects.end(), nullptr), objects.end());
+  return objects;
+}
+
+#define VELDRA_INSTANTIATE(T)                                          \
+  template void link<T>(T&, const std::weak_ptr<Library>&);            \
+  template std::shared_ptr<T> load<T>(const Library&, unsigned);       \
+  template std::vector<std::shared_ptr<T>> load_all<T>(const Library&, \
+                                                       const std::vector<unsigned>&);
+
+VELDRA_FOR_EACH_KIND(VELDRA_INSTANTIATE)
+
+}  // namespace veldra

@@ -1,0 +1,32 @@
+#include "store/notifications.hpp"
+
+#include "store/library_impl.hpp"
+
+namespace veldra {
+
+Notifications::Notifications(Library& library) : library_(library) {
+  ++LibraryAccess::impl(library_).operations;
+}
+
+Notifications::~Notifications() {
+  if (delivered_) return;
+  try {
+    deliver();
+  } catch (...) {
+  }
+}
+
+void Notifications::deliver() {
+  delivered_ = true;
+  auto& impl = LibraryAccess::impl(library_);
+  if (--impl.operations != 0) return;
+
+  // The reactor may start operations of its own now, which collect and deliver anew.
+  const std::shared_ptr<Library> keep = impl.self.lock();
+  std::set<ObjectType> changed;
+  changed.swap(impl.changed);
+  for (const ObjectType type : changed) impl.reactor->typeChanged(library_, type);
+  if (!changed.empty()) impl.reactor->libraryChanged(library_);
+}
+
+}  // namespace veldra

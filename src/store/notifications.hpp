@@ -1,0 +1,30 @@
+#ifndef VELDRA_STORE_NOTIFICATIONS_HPP
+#define VELDRA_STORE_NOTIFICATIONS_HPP
+
+#include <veldra/library.hpp>
+
+namespace veldra {
+
+/// One public operation, as the reactor is told of it: at its end, also when it failed, each kind
+/// that it changed is notified once, and then the library. Operations within it tell nothing of
+/// their own.
+class Notifications {
+ public:
+  explicit Notifications(Library& library);
+  Notifications(const Notifications&) = delete;
+  Notifications& operator=(const Notifications&) = delete;
+
+  /// Ends a failed operation: what the reactor throws now would hide why it failed.
+  ~Notifications();
+
+  /// Ends a successful operation; what the reactor throws reaches the host.
+  void deliver();
+
+ private:
+  Library& library_;
+  bool delivered_ = false;
+};
+
+}  // namespace veldra
+
+#endif

@@ -1,0 +1,47 @@
+#ifndef VELDRA_STORE_QUERIES_HPP
+#define VELDRA_STORE_QUERIES_HPP
+
+#include "store/database.hpp"
+
+#include <veldra/criteria.hpp>
+
+#include <set>
+#include <vector>
+
+namespace veldra {
+
+// Questions about the tables of a kind. A transaction must be current. Ids come in the order of the
+// database; those of custom properties in the order of the names.
+
+template <class T>
+std::vector<unsigned> all_ids(Database& database);
+
+/// Those of the ids that are there.
+template <class T>
+std::vector<unsigned> existing_ids(Database& database, const std::set<unsigned>& ids);
+
+template <class T>
+std::vector<unsigned> selected_ids(Database& database,
+                                   const typename CriteriaOf<T>::type& criteria);
+
+/// Those whose names match `pattern` as well, which is not empty.
+template <class T>
+std::vector<unsigned> matching_ids(Database& database, const String& pattern,
+                                   const typename CriteriaOf<T>::type& criteria);
+
+/// The id of the object with that name; 0 for none.
+template <class T>
+unsigned id_of_name(Database& database, const String& name);
+
+/// The same among the custom properties for a kind of object.
+unsigned id_of_property(Database& database, const String& name, ObjectType type);
+
+template <class T>
+unsigned long long count_all(Database& database);
+
+template <class T>
+unsigned long long count_selected(Database& database, const typename CriteriaOf<T>::type& criteria);
+
+}  // namespace veldra
+
+#endif

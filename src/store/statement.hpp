@@ -1,0 +1,39 @@
+#ifndef VELDRA_STORE_STATEMENT_HPP
+#define VELDRA_STORE_STATEMENT_HPP
+
+#include <odb/sqlite/connection.hxx>
+
+#include <string>
+
+struct sqlite3_stmt;
+
+namespace veldra {
+
+/// A statement of our own, for the few questions that the mapping cannot ask. Errors arrive as the
+/// runtime's exceptions.
+class Statement {
+ public:
+  Statement(odb::sqlite::connection& connection, const char* text);
+  Statement(const Statement&) = delete;
+  Statement& operator=(const Statement&) = delete;
+  ~Statement();
+
+  void bind(int parameter, long long value);
+
+  /// Goes to the next row; false when there is none.
+  bool next();
+
+  bool is_integer(int column) const;
+  long long integer(int column) const;
+  std::string text(int column) const;
+
+ private:
+  void check(int result) const;
+
+  odb::sqlite::connection& connection_;
+  sqlite3_stmt* statement_ = nullptr;
+};
+
+}  // namespace veldra
+
+#endif

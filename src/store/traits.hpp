@@ -1,0 +1,53 @@
+#ifndef VELDRA_STORE_TRAITS_HPP
+#define VELDRA_STORE_TRAITS_HPP
+
+#include "foundation/encoding.hpp"
+#include "objects/object_access.hpp"
+
+#include <odb/sqlite/traits.hxx>
+#include <odb/traits.hxx>
+
+namespace odb {
+
+namespace sqlite {
+
+/// Texts in columns of type TEXT.
+template <>
+class value_traits<veldra::String, id_text> {
+ public:
+  using value_type = veldra::String;
+  using query_type = veldra::String;
+  using image_type = details::buffer;
+
+  static void set_value(veldra::String& value, const details::buffer& buffer, std::size_t size,
+                        bool is_null) {
+    value.utf8(buffer.data(), is_null ? 0 : size);
+  }
+
+  static void set_image(details::buffer& buffer, std::size_t& size, bool& is_null,
+                        const veldra::String& value) {
+    const std::size_t units = veldra::text_length(value.c_str());
+    const std::size_t bound = veldra::utf8_bound(units);
+    if (bound > buffer.capacity()) buffer.capacity(bound);
+    size = static_cast<std::size_t>(veldra::encode_utf8(value.c_str(), units, buffer.data()) -
+                                    buffer.data());
+    is_null = false;
+  }
+};
+
+}  // namespace sqlite
+
+/// Objects that are loaded are made like all others. (The runtime's own way frees an object twice
+/// when memory runs out half-way.)
+template <class T>
+class access::object_factory<T, std::shared_ptr<T>> {
+ public:
+  using object_type = T;
+  using pointer_type = std::shared_ptr<T>;
+
+  static pointer_type create() { return veldra::ObjectAccess::make<T>(); }
+};
+
+}  // namespace odb
+
+#endif
