@@ -1,0 +1,42 @@
+#ifndef VELDRA_TESTS_SUPPORT_BUILDERS_HPP
+#define VELDRA_TESTS_SUPPORT_BUILDERS_HPP
+
+#include <veldra/veldra.hpp>
+
+#include <memory>
+#include <string>
+
+namespace veldra_tests {
+
+/// A new, unsaved object of the kind and the name. A custom property is one for materials.
+///
+///     auto layer = named<veldra::Layer>("Section");
+template <class T>
+std::shared_ptr<T> named(const std::string& name) {
+  return T::create(veldra::String(name.c_str()));
+}
+
+template <>
+inline std::shared_ptr<veldra::CustomProperty> named(const std::string& name) {
+  return veldra::CustomProperty::create(veldra::String(name.c_str()), veldra::ObjectType::Material);
+}
+
+/// A new property for compositions.
+std::shared_ptr<veldra::CustomProperty> composition_property(const std::string& name);
+
+/// A new material in which every field but the assets differs from its default and from the other
+/// fields. What it refers to is new as well and is named after it, "Oak": its tags are "Oak tag 1",
+/// "Oak tag 2", "Oak tag 1", its type "Oak type", its layer "Oak layer", its properties
+/// "Oak property 1" and "Oak property 2", its code is "Oak code", its thicknesses 12.5 and 50.
+std::shared_ptr<veldra::Material> full_material(const std::string& name);
+
+/// A new composition in which every field differs from its default and from the other fields. What
+/// it refers to is new as well and is named after it, "Wall": its tags are "Wall tag 1",
+/// "Wall tag 2", its layer is "Wall layer", its properties are "Wall property 1" and
+/// "Wall property 2". It has four layers, of the full materials "Wall outside", "Wall core",
+/// "Wall core" again (the same object) and "Wall inside".
+std::shared_ptr<veldra::Composition> full_composition(const std::string& name);
+
+}  // namespace veldra_tests
+
+#endif
