@@ -5,6 +5,8 @@
 
 #include <veldra/criteria.hpp>
 
+#include <set>
+
 // What the operations, which are written once for all kinds, must know of each.
 
 namespace veldra {
@@ -75,6 +77,16 @@ void for_each_kind(Operation operation) {
   operation(OfKind<Layer>());
   operation(OfKind<CustomProperty>());
   operation(OfKind<Tag>());
+}
+
+/// The ids of the keys of a kind.
+inline std::set<unsigned> ids_of_kind(const std::set<ObjectKey>& keys, ObjectType type) {
+  std::set<unsigned> ids;
+  const auto end = keys.end();
+  for (auto key = keys.lower_bound({type, 0}); key != end && key->type == type; ++key) {
+    ids.insert(ids.end(), key->id);
+  }
+  return ids;
 }
 
 /// Instantiates a macro for each kind.
