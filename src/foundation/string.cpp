@@ -36,11 +36,18 @@ std::size_t decoded_size(const char* text, std::size_t size) noexcept {
   return units;
 }
 
-Units decode(const char* text, std::size_t size) {
-  if (size == 0) return nullptr;
-  Units units(new unsigned short[decoded_size(text, size) + 1]);
+/// Most texts are ASCII, which needs no conversion.
+bool is_ascii(const char* text, std::size_t size) noexcept {
+  unsigned char bits = 0;
+  for (std::size_t i = 0; i != size; ++i) bits |= static_cast<unsigned char>(text[i]);
+  return bits < 0x80;
+}
+
+/// Writes the decoding to `units` and returns its end.
+unsigned short* convert(const char* text, std::size_t size, unsigned short* units) {
+  if (is_ascii(text, size)) return std::copy(text, text + size, units);
   try {
-    *utf8::utf8to16(text, text + size, units.get()) = 0;
+    return utf8::utf8to16(text, text + size, units);
   } catch (const utf8::invalid_utf8&) {
     throw;
   } catch (const utf8::exception&) {
@@ -48,6 +55,12 @@ Units decode(const char* text, std::size_t size) {
     // malformed text; callers need not.
     throw utf8::invalid_utf8(static_cast<unsigned char>(*utf8::find_invalid(text, text + size)));
   }
+}
+
+Units decode(const char* text, std::size_t size) {
+  if (size == 0) return nullptr;
+  Units units(new unsigned short[decoded_size(text, size) + 1]);
+  *convert(text, size, units.get()) = 0;
   return units;
 }
 
@@ -60,7 +73,10 @@ std::size_t text_length(const unsigned short* text) noexcept {
 }
 
 char* encode_utf8(const unsigned short* text, std::size_t units, char* out) {
-  return utf8::utf16to8(text, text + units, out);
+  const unsigned short* end = text + units;
+  const auto not_ascii = [](unsigned short unit) { return unit >= 0x80; };
+  if (std::none_of(text, end, not_ascii)) return std::copy(text, end, out);
+  return utf8::utf16to8(text, end, out);
 }
 
 String::String() noexcept : text_(nullptr) {}

@@ -8,6 +8,7 @@
 
 #include <odb/exceptions.hxx>
 #include <odb/schema-catalog.hxx>
+#include <odb/sqlite/error.hxx>
 #include <odb/sqlite/exceptions.hxx>
 
 #include <sqlite3.h>
@@ -91,9 +92,33 @@ void fill(Database& database, Unit unit, const String& guid) {
   }
 }
 
+long long setting(odb::sqlite::connection& connection, const char* pragma) {
+  Statement row(connection, pragma);
+  return row.next() ? row.integer(0) : 0;
+}
+
+/// SQLite notices when whole pages are missing, but takes the rest of a last page that was cut off
+/// for zeros.
+void check_last_page(odb::sqlite::connection& connection) {
+  sqlite3_file* file = nullptr;
+  sqlite3_file_control(connection.handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+  if (file == nullptr || file->pMethods == nullptr) return;  // a database in memory
+  sqlite3_int64 size = 0;
+  const int result = file->pMethods->xFileSize(file, &size);
+  if (result != SQLITE_OK) odb::sqlite::translate_error(result, connection);
+  const auto pages = setting(connection, "PRAGMA page_count");
+  if (size < pages * setting(connection, "PRAGMA page_size")) {
+    throw odb::sqlite::database_exception(SQLITE_CORRUPT, SQLITE_CORRUPT,
+                                          sqlite3_errstr(SQLITE_CORRUPT));
+  }
+}
+
 bool is_current(Database& database) {
   ReadTransaction transaction(database);
-  return file_version(database.connection_in_use()) == current_version();
+  auto& connection = database.connection_in_use();
+  const bool current = file_version(connection) == current_version();
+  check_last_page(connection);
+  return current;
 }
 
 /// Makes the file a library of the current version. One that is already is only read, so that
