@@ -1,0 +1,163 @@
+#include "support/processes.hpp"
+
+#include "support/database.hpp"
+#include "support/thrown.hpp"
+
+#include <dirent.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+
+namespace veldra_tests {
+
+namespace {
+
+class Pipe {
+ public:
+  Pipe() {
+    if (::pipe(ends_) != 0) throw std::runtime_error("no pipe");
+  }
+  Pipe(const Pipe&) = delete;
+  Pipe& operator=(const Pipe&) = delete;
+  ~Pipe() {
+    close_end(0);
+    close_end(1);
+  }
+
+  void close_reading() { close_end(0); }
+  void close_writing() { close_end(1); }
+
+  // Until every process has closed its writing end.
+  std::string read_all() {
+    std::string text;
+    char buffer[1024];
+    ssize_t size;
+    while ((size = ::read(ends_[0], buffer, sizeof buffer)) > 0) {
+      text.append(buffer, static_cast<std::size_t>(size));
+    }
+    return text;
+  }
+
+  void write(const std::string& text) {
+    if (::write(ends_[1], text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
+      throw std::runtime_error("cannot write to a pipe");
+    }
+  }
+
+ private:
+  void close_end(int end) {
+    if (ends_[end] >= 0) ::close(ends_[end]);
+    ends_[end] = -1;
+  }
+
+  int ends_[2];
+};
+
+pid_t fork_process() {
+  const pid_t process = ::fork();
+  if (process < 0) throw std::runtime_error("no process");
+  return process;
+}
+
+std::string result_of(const std::function<std::string()>& call) {
+  std::string result;
+  const Thrown thrown = thrown_by([&] { result = call(); });
+  if (thrown == "") return result;
+  std::ostringstream text;
+  text << "thrown: " << thrown;
+  return text.str();
+}
+
+// Nothing may escape from a forked process into the test program that it is a copy of, hence the
+// noexcept here and below.
+
+// A process that runs a call once `start` is closed for writing.
+class WaitingProcess {
+ public:
+  WaitingProcess(Pipe& start, const std::function<std::string()>& call) : process_(fork_process()) {
+    if (process_ == 0) run(start, call);
+    result_.close_writing();
+  }
+
+  std::string result() {
+    const std::string text = result_.read_all();
+    int status = 0;
+    ::waitpid(process_, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? text : "died";
+  }
+
+ private:
+  [[noreturn]] void run(Pipe& start, const std::function<std::string()>& call) noexcept {
+    start.close_writing();
+    start.read_all();
+    result_.write(result_of(call));
+    ::_exit(0);
+  }
+
+  Pipe result_;
+  pid_t process_;
+};
+
+[[noreturn]] void hold_lock(const std::string& path, const std::string& begin, int milliseconds,
+                            Pipe& locked) noexcept {
+  PlainDatabase database(path);
+  database.execute(begin);
+  locked.close_writing();
+  ::usleep(static_cast<useconds_t>(milliseconds) * 1000);
+  database.execute("COMMIT");
+  ::_exit(0);
+}
+
+std::string target_of(const std::string& link) {
+  char target[4096];
+  const ssize_t size = ::readlink(link.c_str(), target, sizeof target);
+  return size < 0 ? std::string() : std::string(target, static_cast<std::size_t>(size));
+}
+
+}  // namespace
+
+std::vector<std::string> run_at_once(const std::vector<std::function<std::string()>>& calls) {
+  Pipe start;
+  std::vector<std::unique_ptr<WaitingProcess>> processes;
+  for (const auto& call : calls) processes.emplace_back(new WaitingProcess(start, call));
+  start.close_writing();
+  std::vector<std::string> results;
+  for (const auto& process : processes) results.push_back(process->result());
+  return results;
+}
+
+LockingProcess::LockingProcess(const std::string& path, const std::string& begin,
+                               int milliseconds) {
+  Pipe locked;
+  process_ = fork_process();
+  if (process_ == 0) hold_lock(path, begin, milliseconds, locked);
+  locked.close_writing();
+  locked.read_all();
+}
+
+LockingProcess::~LockingProcess() {
+  ::kill(process_, SIGKILL);
+  ::waitpid(process_, nullptr, 0);
+}
+
+std::vector<std::string> open_files(const std::string& folder) {
+  const std::unique_ptr<DIR, int (*)(DIR*)> links(::opendir("/proc/self/fd"), ::closedir);
+  if (!links) throw std::runtime_error("no list of open files");
+  std::vector<std::string> names;
+  while (const dirent* link = ::readdir(links.get())) {
+    const std::string target = target_of(std::string("/proc/self/fd/") + link->d_name);
+    if (target.compare(0, folder.size() + 1, folder + "/") == 0) {
+      names.push_back(target.substr(folder.size() + 1));
+    }
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+}  // namespace veldra_tests
