@@ -1,6 +1,7 @@
 #include "support/catalogues.hpp"
 #include "support/database.hpp"
 #include "support/library_fixture.hpp"
+#include "support/rows.hpp"
 
 #include <gmock/gmock.h>
 
@@ -148,17 +149,8 @@ class FileRules : public LibraryFixture {
 
   PlainDatabase& database() { return *database_; }
 
-  // A material of the given key columns; all others are 0 or empty.
-  void insert_material(int id, const std::string& name, const std::string& code) {
-    std::string columns = "id, name, type, code";
-    std::string values = std::to_string(id) + ", '" + name + "', 1, " + code;
-    for (const Row& column :
-         database().query("SELECT name FROM pragma_table_info('Material') WHERE \"notnull\" = 1 "
-                          "AND name NOT IN ('id', 'name', 'type')")) {
-      columns += ", " + column[0].substr(1, column[0].size() - 2);
-      values += ", ''";
-    }
-    database().execute("INSERT INTO Material (" + columns + ") VALUES (" + values + ")");
+  void insert_material(const std::string& id, const std::string& name, const std::string& code) {
+    put_material(database(), {{"id", id}, {"name", quoted(name)}, {"code", code}});
   }
 
   std::string refusal(const std::string& statement) {
@@ -179,14 +171,14 @@ class FileRules : public LibraryFixture {
 };
 
 TEST_F(FileRules, several_materials_may_lack_a_code) {
-  insert_material(1, "Oak", "NULL");
-  insert_material(2, "Ash", "NULL");
+  insert_material("1", "Oak", "NULL");
+  insert_material("2", "Ash", "NULL");
   EXPECT_EQ(number_of("Material"), "2");
 }
 
 TEST_F(FileRules, a_code_is_unique) {
-  insert_material(1, "Oak", "'W'");
-  insert_material(2, "Ash", "'V'");
+  insert_material("1", "Oak", "'W'");
+  insert_material("2", "Ash", "'V'");
   EXPECT_THAT(refusal("UPDATE Material SET code = 'W' WHERE id = 2"),
               HasSubstr("UNIQUE constraint failed: Material.code"));
 }
@@ -205,8 +197,8 @@ TEST_F(FileRules, names_are_unique_within_a_kind) {
 }
 
 TEST_F(FileRules, material_names_are_unique) {
-  insert_material(1, "Oak", "NULL");
-  insert_material(2, "Ash", "NULL");
+  insert_material("1", "Oak", "NULL");
+  insert_material("2", "Ash", "NULL");
   EXPECT_THAT(refusal("UPDATE Material SET name = 'Oak' WHERE id = 2"),
               HasSubstr("UNIQUE constraint failed: Material.name"));
 }
@@ -231,7 +223,7 @@ TEST_F(FileRules, ids_are_not_used_again) {
 }
 
 TEST_F(FileRules, a_material_takes_its_lists_with_it) {
-  insert_material(1, "Oak", "NULL");
+  insert_material("1", "Oak", "NULL");
   database().execute(
       "INSERT INTO Tag VALUES (1, 'a'); INSERT INTO Material_tags VALUES (1, 0, 1);"
       "INSERT INTO Material_thicknesses VALUES (1, 22.0);"
@@ -255,7 +247,7 @@ TEST_F(FileRules, an_asset_takes_its_properties_and_tags_with_it) {
 }
 
 TEST_F(FileRules, a_reference_is_checked_at_the_commit) {
-  insert_material(1, "Oak", "NULL");
+  insert_material("1", "Oak", "NULL");
   EXPECT_EQ(refusal("BEGIN; INSERT INTO Material_tags VALUES (1, 0, 5);"
                     "INSERT INTO Tag VALUES (5, 'late'); COMMIT"),
             "accepted");
