@@ -1,0 +1,25 @@
+#ifndef VELDRA_TOOL_ARGUMENTS_HPP
+#define VELDRA_TOOL_ARGUMENTS_HPP
+
+#include <veldra/veldra.hpp>
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+#include <vector>
+
+namespace veldra_tool {
+
+// Arguments that several commands have, and that they name alike.
+
+void add_file(CLI::App& command, std::string& file);
+void add_kind(CLI::App& command, veldra::ObjectType& kind);
+void add_json(CLI::App& command, bool& json);
+void add_unit(CLI::App& command, veldra::Unit& unit);
+
+/// Ends the help of a command.
+void add_example(CLI::App& command, const std::string& example);
+
+}  // namespace veldra_tool
+
+#endif

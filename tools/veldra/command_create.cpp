@@ -1,0 +1,48 @@
+#include "arguments.hpp"
+#include "failure.hpp"
+#include "host.hpp"
+#include "opening.hpp"
+#include "text.hpp"
+
+#include <fmt/format.h>
+
+namespace veldra_tool {
+
+namespace {
+
+struct Arguments {
+  std::string file;
+  veldra::Unit unit = veldra::Unit::Millimetres;
+  std::string guid;
+  std::string locale;
+  std::string region;
+};
+
+void create(const Arguments& arguments) {
+  const auto locale = library_text(arguments.locale);
+  const auto region = library_text(arguments.region);
+  const auto library = create_library(arguments.file, arguments.unit, arguments.guid);
+  working_on(arguments.file, [&] {
+    if (locale) library->locale(locale);
+    if (region) library->region(region);
+  });
+  fmt::print("{}\n", library->guid().utf8());
+}
+
+}  // namespace
+
+void add_create(Host& host) {
+  auto& command = *host.arguments.add_subcommand(
+      "create", "Make a new library and print its GUID; refuses a file that is there already");
+  const auto arguments = std::make_shared<Arguments>();
+  add_file(command, arguments->file);
+  add_unit(command, arguments->unit);
+  command.add_option("--guid", arguments->guid,
+                     "The GUID, or a text that it is derived from; random by default");
+  command.add_option("--locale", arguments->locale, "The locale of the texts, such as de_AT");
+  command.add_option("--region", arguments->region, "The region that it is for, such as AT");
+  add_example(command, "veldra create office.lib --unit mm --locale de_AT --region AT");
+  command.callback([arguments] { create(*arguments); });
+}
+
+}  // namespace veldra_tool

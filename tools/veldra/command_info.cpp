@@ -1,0 +1,83 @@
+#include "arguments.hpp"
+#include "failure.hpp"
+#include "host.hpp"
+#include "json.hpp"
+#include "kinds.hpp"
+#include "opening.hpp"
+#include "text.hpp"
+
+#include <fmt/format.h>
+
+namespace veldra_tool {
+
+namespace {
+
+struct Arguments {
+  std::string file;
+  bool json = false;
+};
+
+Json facts_of(const veldra::Library& library) {
+  Json facts = Json::object();
+  facts["guid"] = library.guid().utf8();
+  facts["unit"] = name_of(library.unit());
+  facts["locale"] = library.locale().utf8();
+  facts["region"] = library.region().utf8();
+  facts["schema_version"] = library.version();
+  for (const auto kind : all_kinds()) {
+    with_class_of(kind, [&](auto of) {
+      facts["counts"][plural_of(kind)] = library.count<typename decltype(of)::type>();
+    });
+  }
+  return facts;
+}
+
+/// Whether the library can only be read shows when it is opened for writing.
+bool only_readable(const std::string& file) {
+  try {
+    open_library(file, Access::Write);
+    return false;
+  } catch (const Failure&) {
+    return true;
+  }
+}
+
+void print_facts(const Json& facts) {
+  const auto line = [](const std::string& name, const std::string& value) {
+    fmt::print("{:<16}{}\n", name, printable(value));
+  };
+  const auto text = [](const Json& value) {
+    return value.get<std::string>().empty() ? "(none)" : value.get<std::string>();
+  };
+  line("GUID", text(facts["guid"]));
+  line("Unit", text(facts["unit"]));
+  line("Locale", text(facts["locale"]));
+  line("Region", text(facts["region"]));
+  line("Schema version", fmt::format("{}", facts["schema_version"].get<unsigned long long>()));
+  line("Read-only", facts["read_only"].get<bool>() ? "yes" : "no");
+  for (const auto& [kind, count] : facts["counts"].items()) {
+    line(kind, fmt::format("{}", count.get<unsigned long long>()));
+  }
+}
+
+void info(const Arguments& arguments) {
+  const auto library = open_library(arguments.file, Access::Read);
+  Json facts = working_on(arguments.file, [&] { return facts_of(*library); });
+  facts["read_only"] = only_readable(arguments.file);
+  if (arguments.json) return print_json(facts);
+  print_facts(facts);
+}
+
+}  // namespace
+
+void add_info(Host& host) {
+  auto& command =
+      *host.arguments.add_subcommand("info", "Tell what a library is and how much is in it");
+  const auto arguments = std::make_shared<Arguments>();
+  add_file(command, arguments->file);
+  add_json(command, arguments->json);
+  add_example(command, "veldra info office.lib");
+  command.callback([arguments] { info(*arguments); });
+}
+
+}  // namespace veldra_tool

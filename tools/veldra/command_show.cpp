@@ -1,0 +1,234 @@
+#include "arguments.hpp"
+#include "failure.hpp"
+#include "fields.hpp"
+#include "host.hpp"
+#include "json.hpp"
+#include "kinds.hpp"
+#include "lookup.hpp"
+#include "opening.hpp"
+#include "summary.hpp"
+#include "table.hpp"
+#include "text.hpp"
+#include "thermal.hpp"
+
+#include <fmt/format.h>
+
+namespace veldra_tool {
+
+namespace {
+
+struct Arguments {
+  std::string file;
+  veldra::ObjectType kind{};
+  std::string object;
+  bool json = false;
+};
+
+void line(const std::string& title, const std::string& value) {
+  if (value.empty()) return;
+  const std::size_t width = display_width(title);
+  const std::string padding(width < 22 ? 22 - width : 1, ' ');
+  fmt::print("{}{}{}\n", printable(title), padding, printable(value));
+}
+
+template <class T>
+void print_head(const T& object) {
+  line("id", fmt::format("{}", object.id()));
+  line("name", object.name().utf8());
+}
+
+template <class Owner>
+void print_custom_values(const Owner& owner) {
+  for (const auto& [property, value] : owner.custom_values()) {
+    line("  " + property->name().utf8(), value.utf8());
+  }
+}
+
+std::string color_text(const veldra::Color& color) {
+  if (color == veldra::Color()) return "";
+  return fmt::format("red {}, green {}, blue {}, alpha {}", exact_number(color.red),
+                     exact_number(color.green), exact_number(color.blue),
+                     exact_number(color.alpha));
+}
+
+std::string pattern_text(const veldra::Pattern& pattern) {
+  if (pattern == veldra::Pattern()) return "";
+  return fmt::format("{} (type {}), scale {}, angle {}{}",
+                     pattern.name ? pattern.name.utf8() : "unnamed", static_cast<int>(pattern.type),
+                     exact_number(pattern.scale), exact_number(pattern.angle),
+                     pattern.cross ? ", crossed" : "");
+}
+
+template <class Asset>
+void print_asset(const std::string& title, const std::shared_ptr<Asset>& asset) {
+  if (!asset) return;
+  line(title, asset->name().utf8());
+  line("  subclass", asset->subclass().utf8());
+  line("  density", rounded_number(asset->density(), 6));
+  line("  specific heat", rounded_number(asset->specific_heat(), 6));
+  line("  conductivity", rounded_number(asset->thermal_conductivity(), 6));
+}
+
+void print_details(const veldra::Material& material, veldra::Unit unit) {
+  if (material.type()) line("type", material.type()->name().utf8());
+  if (material.has_code()) {
+    line("code", material.code() ? material.code().utf8() : "(empty)");
+  }
+  for (const auto& text : material_texts) line(text.key, (material.*text.get)().utf8());
+  line("tags", tags_text(material));
+  line("thicknesses", material.thicknesses().empty()
+                          ? ""
+                          : thicknesses_text(material, unit) + " " + name_of(unit));
+  line("other thicknesses", material.allow_custom_thickness() ? "allowed" : "not allowed");
+  line("function", fmt::format("{}", static_cast<int>(material.function())));
+  line("shading", material.shading_use_appearance() ? "from the appearance" : "from its colour");
+  for (const auto& color : material_colors) line(color.key, color_text((material.*color.get)()));
+  for (const auto& pattern : material_patterns) {
+    line(pattern.key, pattern_text((material.*pattern.get)()));
+  }
+  const auto& alignment = material.surface_pattern_alignment();
+  if (alignment != veldra::Point2d()) {
+    line("surface alignment",
+         fmt::format("{}, {}", exact_number(alignment.x), exact_number(alignment.y)));
+  }
+  if (material.cut_layer()) line("cut layer", material.cut_layer()->name().utf8());
+  if (!material.custom_values().empty()) line("custom values", " ");
+  print_custom_values(material);
+  print_asset("structural asset", material.structuralAsset());
+  print_asset("thermal asset", material.thermalAsset());
+}
+
+std::string roles_text(const veldra::Composition& composition, std::size_t index) {
+  std::string text;
+  const auto add = [&](bool holds, const char* role) {
+    if (holds) text += (text.empty() ? "" : ", ") + std::string(role);
+  };
+  add(index >= composition.first_core_layer() && index <= composition.last_core_layer(), "core");
+  add(index == composition.structural_layer(), "structural");
+  add(composition.has_variable_layer() && index == composition.variable_layer(), "variable");
+  return text;
+}
+
+void print_layers(const veldra::Composition& composition, const Transmission& transmission,
+                  veldra::Unit unit) {
+  Table table({{"layer", Align::Right},
+               {"material"},
+               {fmt::format("thickness [{}]", name_of(unit)), Align::Right},
+               {"R [m²K/W]", Align::Right},
+               {"function", Align::Right},
+               {"role"}});
+  for (std::size_t i = 0; i < composition.layers().size(); ++i) {
+    const auto& layer = composition.layers()[i];
+    const auto& resistance = transmission.layers[i];
+    table.add({fmt::format("{}", i + 1), layer.material()->name().utf8(),
+               length_text(layer.thickness(), unit),
+               resistance ? fmt::format("{:.3f}", *resistance) : "–",
+               fmt::format("{}", static_cast<int>(layer.function())), roles_text(composition, i)});
+  }
+  fmt::print("\nLayers from outside to inside\n\n{}\n", table.text());
+}
+
+std::string variable_text(const veldra::Composition& composition, veldra::Unit unit) {
+  std::string text = fmt::format("layer {}, from {}", composition.variable_layer() + 1ULL,
+                                 length_text(composition.variable_layer_min_thickness(), unit));
+  if (composition.has_variable_layer_max_thickness()) {
+    text += fmt::format(" to {}", length_text(composition.variable_layer_max_thickness(), unit));
+  }
+  return text + " " + name_of(unit);
+}
+
+void print_transmission(const veldra::Composition& composition, const Transmission& transmission) {
+  if (const auto total = transmission.total_resistance()) {
+    line("resistance R_T", fmt::format("{:.3f} m²K/W (surfaces: outside {:.2f}, inside {:.2f})",
+                                       *total, transmission.outside, transmission.inside));
+    line("transmittance U", fmt::format("{:.3f} W/(m²K)", *transmission.transmittance()));
+    return;
+  }
+  for (std::size_t i = 0; i < transmission.layers.size(); ++i) {
+    if (transmission.layers[i]) continue;
+    line("no U-value",
+         fmt::format("layer {}, {}, has neither a conductivity nor a resistance", i + 1,
+                     quoted(composition.layers()[i].material()->name().utf8())));
+  }
+}
+
+void print_details(const veldra::Composition& composition, veldra::Unit unit) {
+  line("type", name_of(composition.type()));
+  line("description", composition.description().utf8());
+  line("comments", composition.comments().utf8());
+  line("tags", tags_text(composition));
+  if (composition.entity_layer()) line("entity layer", composition.entity_layer()->name().utf8());
+  if (!composition.custom_values().empty()) line("custom values", " ");
+  print_custom_values(composition);
+  const auto transmission = transmission_of(composition, unit);
+  if (!composition.layers().empty()) print_layers(composition, transmission, unit);
+  line("total", length_text(total_thickness(composition), unit) + " " + name_of(unit));
+  line("core", fmt::format("layers {} to {}", composition.first_core_layer() + 1ULL,
+                           composition.last_core_layer() + 1ULL));
+  line("structural layer", fmt::format("{}", composition.structural_layer() + 1ULL));
+  if (composition.has_variable_layer()) line("variable layer", variable_text(composition, unit));
+  print_transmission(composition, transmission);
+}
+
+void print_details(const veldra::CustomProperty& property, veldra::Unit) {
+  const Json kind = owner_kind_to_json(property.object_type());
+  line("for", kind.is_string() ? kind.get<std::string>() : kind.dump());
+}
+
+template <class Named>
+void print_details(const Named&, veldra::Unit) {}
+
+Json optional_number(const std::optional<double>& number) {
+  return number ? number_to_json(*number) : Json();
+}
+
+void add_thermal(Json& json, const veldra::Composition& composition, veldra::Unit unit) {
+  const auto transmission = transmission_of(composition, unit);
+  json["total_thickness"] = number_to_json(total_thickness(composition));
+  Json& thermal = json["thermal"];
+  for (const auto& resistance : transmission.layers) {
+    thermal["layer_resistances"].push_back(optional_number(resistance));
+  }
+  thermal["outside_surface_resistance"] = transmission.outside;
+  thermal["inside_surface_resistance"] = transmission.inside;
+  thermal["total_resistance"] = optional_number(transmission.total_resistance());
+  thermal["transmittance"] = optional_number(transmission.transmittance());
+}
+
+template <class T>
+void add_thermal(Json&, const T&, veldra::Unit) {}
+
+template <class T>
+void show_object(const veldra::Library& library, const Arguments& arguments) {
+  const auto object = find_object<T>(library, arguments.object);
+  if (arguments.json) {
+    Json json = summary_of(*object);
+    add_thermal(json, *object, library.unit());
+    return print_json(json);
+  }
+  print_head(*object);
+  print_details(*object, library.unit());
+}
+
+void show(const Arguments& arguments) {
+  const auto library = open_library(arguments.file, Access::Read);
+  working_on(arguments.file, [&] {
+    with_class_of(arguments.kind,
+                  [&](auto of) { show_object<typename decltype(of)::type>(*library, arguments); });
+  });
+}
+
+}  // namespace
+
+void add_show(Host& host) {
+  auto& command = *host.arguments.add_subcommand("show", "Show everything about one object");
+  const auto arguments = std::make_shared<Arguments>();
+  add_file(command, arguments->file);
+  add_kind(command, arguments->kind);
+  command.add_option("OBJECT", arguments->object, "The name of the object, or its id")->required();
+  add_json(command, arguments->json);
+  add_example(command, "veldra show office.lib composition 'Cavity wall'");
+  command.callback([arguments] { show(*arguments); });
+}
+
+}  // namespace veldra_tool

@@ -1,0 +1,32 @@
+#ifndef VELDRA_TOOL_HOST_HPP
+#define VELDRA_TOOL_HOST_HPP
+
+#include <CLI/CLI.hpp>
+
+namespace veldra_tool {
+
+/// The program: its arguments, and the exit status that the command sets.
+struct Host {
+  Host();
+
+  CLI::App arguments;
+  int status = 0;
+};
+
+// Each adds one command with its arguments; the command runs while the arguments are parsed.
+void add_create(Host& host);
+void add_info(Host& host);
+void add_list(Host& host);
+void add_show(Host& host);
+void add_where_used(Host& host);
+void add_import(Host& host);
+void add_export(Host& host);
+void add_copy(Host& host);
+void add_remove(Host& host);
+void add_purge(Host& host);
+void add_check(Host& host);
+void add_draw(Host& host);
+
+}  // namespace veldra_tool
+
+#endif

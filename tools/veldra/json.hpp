@@ -1,0 +1,35 @@
+#ifndef VELDRA_TOOL_JSON_HPP
+#define VELDRA_TOOL_JSON_HPP
+
+#include <veldra/veldra.hpp>
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+namespace veldra_tool {
+
+/// JSON whose members stay in the order in which they were added.
+using Json = nlohmann::ordered_json;
+
+/// A number; null for NaN, and a text for what else JSON has no number for.
+Json number_to_json(double number);
+
+// The objects as they stand in exported files: names instead of ids, and no members for what has
+// its default value.
+Json to_json(const veldra::Material& material);
+Json to_json(const veldra::Composition& composition);
+Json to_json(const veldra::CustomProperty& property);
+
+/// The library's own values, its GUID apart: that belongs to one file.
+Json settings_to_json(const veldra::Library& library);
+
+/// The kind of object that a property is for, as a name where it has one.
+Json owner_kind_to_json(veldra::ObjectType kind);
+
+/// Prints a value and a line break.
+void print_json(const Json& json);
+
+}  // namespace veldra_tool
+
+#endif

@@ -1,0 +1,36 @@
+#ifndef VELDRA_TOOL_TABLE_HPP
+#define VELDRA_TOOL_TABLE_HPP
+
+#include <string>
+#include <vector>
+
+namespace veldra_tool {
+
+enum class Align { Left, Right };
+
+/// A table for a terminal, with columns as wide as what stands in them.
+class Table {
+ public:
+  struct Column {
+    std::string title;
+    Align align = Align::Left;
+  };
+
+  explicit Table(std::vector<Column> columns);
+
+  /// Adds a row of as many cells as there are columns. Control characters become escapes.
+  void add(std::vector<std::string> cells);
+
+  bool empty() const { return rows_.empty(); }
+
+  /// The whole table, one line a row.
+  std::string text() const;
+
+ private:
+  std::vector<Column> columns_;
+  std::vector<std::vector<std::string>> rows_;
+};
+
+}  // namespace veldra_tool
+
+#endif

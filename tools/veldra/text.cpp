@@ -1,0 +1,137 @@
+#include "text.hpp"
+
+#include "failure.hpp"
+
+#include <fmt/format.h>
+
+#include <climits>
+#include <clocale>
+#include <cmath>
+#include <cwchar>
+#include <cwctype>
+
+namespace veldra_tool {
+
+namespace {
+
+/// Calls `visit(character, bytes)` for each character; returns false at the first that is
+/// malformed.
+template <class Visit>
+bool for_each_character(std::string_view text, Visit visit) {
+  std::mbstate_t state{};
+  while (!text.empty()) {
+    wchar_t character = 0;
+    const std::size_t read = std::mbrtowc(&character, text.data(), text.size(), &state);
+    if (read == static_cast<std::size_t>(-1) || read == static_cast<std::size_t>(-2)) return false;
+    const std::size_t bytes = read == 0 ? 1 : read;
+    visit(character, text.substr(0, bytes));
+    text.remove_prefix(bytes);
+  }
+  return true;
+}
+
+void append_character(std::string& text, wchar_t character) {
+  char bytes[MB_LEN_MAX];
+  std::mbstate_t state{};
+  const std::size_t written = std::wcrtomb(bytes, character, &state);
+  if (written != static_cast<std::size_t>(-1)) text.append(bytes, written);
+}
+
+bool is_control(wchar_t character) {
+  return character < 0x20 || (character >= 0x7f && character < 0xa0) || character == 0x2028 ||
+         character == 0x2029;
+}
+
+/// Characters that turn the direction of the text around them.
+bool is_direction_mark(wchar_t character) {
+  return (character >= 0x202a && character <= 0x202e) ||
+         (character >= 0x2066 && character <= 0x2069);
+}
+
+std::string escape_of(wchar_t character) {
+  switch (character) {
+    case L'\n':
+      return "\\n";
+    case L'\r':
+      return "\\r";
+    case L'\t':
+      return "\\t";
+  }
+  return fmt::format(character < 0x100 ? "\\x{:02x}" : "\\u{:04x}",
+                     static_cast<unsigned>(character));
+}
+
+}  // namespace
+
+void use_unicode() { std::setlocale(LC_CTYPE, "C.UTF-8"); }
+
+bool is_utf8(std::string_view text) {
+  return for_each_character(text, [](wchar_t, std::string_view) {});
+}
+
+std::string from_latin1(std::string_view text) {
+  std::string result;
+  for (const char byte : text) {
+    append_character(result, static_cast<wchar_t>(static_cast<unsigned char>(byte)));
+  }
+  return result;
+}
+
+std::string folded(std::string_view text) {
+  std::string result;
+  for_each_character(text, [&](wchar_t character, std::string_view) {
+    append_character(result, static_cast<wchar_t>(std::towlower(static_cast<wint_t>(character))));
+  });
+  return result;
+}
+
+std::string trimmed(std::string_view text) {
+  constexpr const char* blanks = " \t\r\n\v\f";
+  const auto first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return {};
+  return std::string(text.substr(first, text.find_last_not_of(blanks) - first + 1));
+}
+
+std::size_t display_width(std::string_view text) {
+  std::size_t width = 0;
+  for_each_character(text, [&](wchar_t character, std::string_view) {
+    const int columns = ::wcwidth(character);
+    if (columns > 0) width += static_cast<std::size_t>(columns);
+  });
+  return width;
+}
+
+std::string printable(std::string_view text) {
+  std::string result;
+  for_each_character(text, [&](wchar_t character, std::string_view bytes) {
+    if (is_control(character) || is_direction_mark(character)) {
+      result += escape_of(character);
+    } else {
+      result += bytes;
+    }
+  });
+  return result;
+}
+
+veldra::String library_text(const std::string& text) {
+  if (!is_utf8(text)) throw Failure("a text is not UTF-8");
+  if (text.find('\0') != std::string::npos) throw Failure("a text has the character U+0000");
+  veldra::String result;
+  result.utf8(text);
+  return result;
+}
+
+std::string exact_number(double number) { return fmt::format("{}", number); }
+
+std::string rounded_number(double number, int decimals) {
+  if (!std::isfinite(number)) return std::isnan(number) ? "?" : fmt::format("{}", number);
+  std::string text = fmt::format("{:.{}f}", number, decimals);
+  if (text.find('.') != std::string::npos) {
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.back() == '.') text.pop_back();
+  }
+  if (text == "-0" || text == "0") return number == 0 ? "0" : fmt::format("{:.2g}", number);
+  return text;
+}
+
+}  // namespace veldra_tool

@@ -1,0 +1,100 @@
+#include "thermal.hpp"
+
+#include "text.hpp"
+
+#include <charconv>
+#include <cmath>
+
+namespace veldra_tool {
+
+namespace {
+
+struct SurfaceResistances {
+  double outside;
+  double inside;
+};
+
+/// ISO 6946, table 7: upward through roofs, downward through floors, horizontally through all
+/// else.
+SurfaceResistances surface_resistances(veldra::Composition::Type type) {
+  switch (type) {
+    case veldra::Composition::Type::Roof:
+      return {0.04, 0.10};
+    case veldra::Composition::Type::Floor:
+      return {0.04, 0.17};
+    default:
+      return {0.04, 0.13};
+  }
+}
+
+double metres(double length, veldra::Unit unit) {
+  return unit == veldra::Unit::Inches ? length * 0.0254 : length / 1000.0;
+}
+
+std::optional<double> resistance_of(const veldra::Composition::Layer& layer, veldra::Unit unit) {
+  if (!layer.material()) return std::nullopt;
+  if (const auto resistance = number_value(*layer.material(), property::resistance)) {
+    return resistance;
+  }
+  const auto conductivity = conductivity_of(*layer.material());
+  if (!conductivity || !(*conductivity > 0) || !(layer.thickness() >= 0)) return std::nullopt;
+  return metres(layer.thickness(), unit) / *conductivity;
+}
+
+}  // namespace
+
+std::optional<double> Transmission::total_resistance() const {
+  if (!resistance) return std::nullopt;
+  return outside + *resistance + inside;
+}
+
+std::optional<double> Transmission::transmittance() const {
+  const auto total = total_resistance();
+  if (!total) return std::nullopt;
+  return 1.0 / *total;
+}
+
+Transmission transmission_of(const veldra::Composition& composition, veldra::Unit unit) {
+  Transmission result;
+  const auto surfaces = surface_resistances(composition.type());
+  result.outside = surfaces.outside;
+  result.inside = surfaces.inside;
+  if (composition.layers().empty()) return result;
+  double sum = 0;
+  bool all_known = true;
+  for (const auto& layer : composition.layers()) {
+    result.layers.push_back(resistance_of(layer, unit));
+    all_known = all_known && result.layers.back();
+    sum += result.layers.back().value_or(0);
+  }
+  if (all_known) result.resistance = sum;
+  return result;
+}
+
+std::optional<double> number_value(const veldra::Material& material, const char* property) {
+  const auto value = material.custom_value(veldra::String(property));
+  if (value.null()) return std::nullopt;
+  const std::string text = trimmed(value.get().utf8());
+  double number = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (result.ec != std::errc() || result.ptr != text.data() + text.size()) return std::nullopt;
+  if (!std::isfinite(number)) return std::nullopt;
+  return number;
+}
+
+std::optional<double> conductivity_of(const veldra::Material& material) {
+  if (const auto conductivity = number_value(material, property::conductivity)) {
+    return conductivity;
+  }
+  const auto& asset = material.thermalAsset();
+  if (!asset || std::isnan(asset->thermal_conductivity())) return std::nullopt;
+  return asset->thermal_conductivity();
+}
+
+double total_thickness(const veldra::Composition& composition) {
+  double sum = 0;
+  for (const auto& layer : composition.layers()) sum += layer.thickness();
+  return sum;
+}
+
+}  // namespace veldra_tool
