@@ -1,31 +1,12 @@
 #ifndef VELDRA_TESTS_STORE_REMOVAL_FIXTURE_HPP
 #define VELDRA_TESTS_STORE_REMOVAL_FIXTURE_HPP
 
-#include "support/builders.hpp"
-#include "support/database.hpp"
-#include "support/recording_reactor.hpp"
-#include "support/temporary.hpp"
-#include "support/thrown.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/library_test.hpp"
 
 #include <map>
 #include <memory>
-#include <ostream>
 #include <set>
 #include <string>
-
-namespace veldra {
-
-/// What a failed expectation shows of a key.
-inline void PrintTo(const ObjectKey& key, std::ostream* out) {
-  *out << veldra_tests::kind_name(key.type) << " " << key.id;
-}
-
-}  // namespace veldra
 
 namespace veldra_tests {
 
@@ -41,36 +22,26 @@ veldra::ObjectKey key_of(const std::shared_ptr<T>& object) {
   return key_of<T>(object->id());
 }
 
-/// A library in a folder of its own, with a reactor that records but is not installed yet.
-class RemovalTest : public testing::Test {
+class RemovalTest : public LibraryTest {
  protected:
-  RemovalTest() { create(); }
-
-  std::string path() const { return folder_ / "library.lib"; }
-
-  void create() {
-    library_ = veldra::Library::create(path().c_str(), veldra::Unit::Millimetres, "");
+  void reopen_for_reading() {
+    library.reset();
+    library = veldra::Library::open(path.c_str(), true);
   }
 
-  void reopen(bool read_only = false) {
-    library_.reset();
-    library_ = veldra::Library::open(path().c_str(), read_only);
-  }
-
-  void listen() { library_->setReactor(&reactor_); }
-
-  std::string rows() const { return dump(path()); }
+  /// Forgets what the reactor wrote down so far.
+  void listen() { reactor.calls.clear(); }
 
   /// How many rows a table has, as plain SQLite sees it.
   std::string rows_in(const std::string& table) const {
-    return PlainDatabase(path()).value("SELECT count(*) FROM \"" + table + "\"");
+    return PlainDatabase(path).value("SELECT count(*) FROM \"" + table + "\"");
   }
 
   /// A stored object that nothing refers to.
   template <class T>
   std::shared_ptr<T> stored(const std::string& name) {
     const auto object = named<T>(name);
-    library_->save(object);
+    library->save(object);
     return object;
   }
 
@@ -81,22 +52,18 @@ class RemovalTest : public testing::Test {
   /// Whether the handle and other connections can write.
   void expect_usable() {
     EXPECT_EQ(thrown_by([&] { stored<veldra::Tag>("written afterwards"); }), "");
-    EXPECT_EQ(
-        thrown_by([&] { PlainDatabase(path()).execute("UPDATE \"Meta\" SET \"id\"=\"id\""); }), "");
-    EXPECT_EQ(damage(path()), "");
+    EXPECT_EQ(thrown_by([&] { PlainDatabase(path).execute("UPDATE \"Meta\" SET \"id\"=\"id\""); }),
+              "");
+    EXPECT_EQ(damage(path), "");
   }
 
   /// Makes SQLite fail with `statement` whenever a row of the table is deleted.
   void on_delete_from(const std::string& table, const std::string& statement) {
-    PlainDatabase(path()).execute("CREATE TRIGGER \"broken\" BEFORE DELETE ON \"" + table +
-                                  "\" BEGIN " + statement + "; END");
+    PlainDatabase(path).execute("CREATE TRIGGER \"broken\" BEFORE DELETE ON \"" + table +
+                                "\" BEGIN " + statement + "; END");
   }
 
-  void mend() { PlainDatabase(path()).execute("DROP TRIGGER \"broken\""); }
-
-  TemporaryFolder folder_;
-  RecordingReactor reactor_;
-  std::shared_ptr<veldra::Library> library_;
+  void mend() { PlainDatabase(path).execute("DROP TRIGGER \"broken\""); }
 };
 
 /// A failure that is no violated constraint.
@@ -106,56 +73,45 @@ template <>
 inline std::shared_ptr<veldra::Tag> RemovalTest::referenced(const std::string& name) {
   const auto owner = named<veldra::Material>("owner of " + name);
   owner->addTag(named<veldra::Tag>(name));
-  library_->save(owner);
-  return library_->get<veldra::Tag>(name.c_str());
+  library->save(owner);
+  return library->get<veldra::Tag>(name.c_str());
 }
 
 template <>
 inline std::shared_ptr<veldra::MaterialType> RemovalTest::referenced(const std::string& name) {
   const auto owner = named<veldra::Material>("owner of " + name);
   owner->type(named<veldra::MaterialType>(name));
-  library_->save(owner);
-  return library_->get<veldra::MaterialType>(name.c_str());
+  library->save(owner);
+  return library->get<veldra::MaterialType>(name.c_str());
 }
 
 template <>
 inline std::shared_ptr<veldra::Layer> RemovalTest::referenced(const std::string& name) {
   const auto owner = named<veldra::Material>("owner of " + name);
   owner->cut_layer(named<veldra::Layer>(name));
-  library_->save(owner);
-  return library_->get<veldra::Layer>(name.c_str());
+  library->save(owner);
+  return library->get<veldra::Layer>(name.c_str());
 }
 
 template <>
 inline std::shared_ptr<veldra::CustomProperty> RemovalTest::referenced(const std::string& name) {
   const auto owner = named<veldra::Material>("owner of " + name);
   owner->custom_value(named<veldra::CustomProperty>(name), "value");
-  library_->save(owner);
-  return library_->get<veldra::CustomProperty>(name.c_str());
+  library->save(owner);
+  return library->get<veldra::CustomProperty>(name.c_str());
 }
 
 template <>
 inline std::shared_ptr<veldra::Material> RemovalTest::referenced(const std::string& name) {
   const auto owner = named<veldra::Composition>("owner of " + name);
   owner->appendLayer({named<veldra::Material>(name), veldra::Material::Function::None, 10.0});
-  library_->save(owner);
-  return library_->get<veldra::Material>(name.c_str());
+  library->save(owner);
+  return library->get<veldra::Material>(name.c_str());
 }
-
-using StoredKinds = testing::Types<veldra::Tag, veldra::MaterialType, veldra::Layer,
-                                   veldra::CustomProperty, veldra::Material, veldra::Composition>;
 
 /// Nothing refers to compositions.
 using ReferencedKinds = testing::Types<veldra::Tag, veldra::MaterialType, veldra::Layer,
                                        veldra::CustomProperty, veldra::Material>;
-
-/// Names the typed tests after the kinds.
-struct KindNames {
-  template <class T>
-  static std::string GetName(int) {
-    return kind_name(veldra::ObjectTraits<T>::type);
-  }
-};
 
 }  // namespace veldra_tests
 

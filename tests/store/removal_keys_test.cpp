@@ -25,7 +25,7 @@ class RemovalOfKeys : public RemovalTest {
   }
 
   std::vector<std::string> removed_in_order() const {
-    return reactor_.calls_starting_with("removed");
+    return reactor.calls_starting_with("removed");
   }
 
   std::set<ObjectKey> keys_;
@@ -41,7 +41,7 @@ TEST_F(RemovalOfKeys, kinds_go_in_a_fixed_order_and_ids_ascending) {
   choose_two<Layer>();
   listen();
 
-  library_->remove(keys_, result_);
+  library->remove(keys_, result_);
 
   // A new library has material types with the ids 1 to 13.
   EXPECT_THAT(
@@ -60,9 +60,9 @@ TEST_F(RemovalOfKeys, each_object_is_asked_for_right_before_it_goes) {
   choose_two<Composition>();
   listen();
 
-  library_->remove(keys_);
+  library->remove(keys_);
 
-  EXPECT_THAT(reactor_.calls,
+  EXPECT_THAT(reactor.calls,
               ElementsAre("may remove Composition 1", "removed Composition 1",
                           "may remove Composition 2", "removed Composition 2", "may remove Layer 1",
                           "removed Layer 1", "may remove Layer 2", "removed Layer 2",
@@ -71,46 +71,45 @@ TEST_F(RemovalOfKeys, each_object_is_asked_for_right_before_it_goes) {
 
 TEST_F(RemovalOfKeys, what_refers_goes_before_what_it_refers_to) {
   const auto wall = full_composition("Wall");
-  library_->save(wall);
+  library->save(wall);
   std::set<ObjectKey> keys{key_of(wall),
-                           key_of(library_->get<Material>("Wall core")),
-                           key_of(library_->get<MaterialType>("Wall core type")),
-                           key_of(library_->get<Layer>("Wall core layer")),
-                           key_of(library_->get<CustomProperty>("Wall core property 1")),
-                           key_of(library_->get<Tag>("Wall core tag 1"))};
+                           key_of(library->get<Material>("Wall core")),
+                           key_of(library->get<MaterialType>("Wall core type")),
+                           key_of(library->get<Layer>("Wall core layer")),
+                           key_of(library->get<CustomProperty>("Wall core property 1")),
+                           key_of(library->get<Tag>("Wall core tag 1"))};
 
-  library_->remove(keys, result_);
+  library->remove(keys, result_);
 
   EXPECT_EQ(result_.size(), keys.size());
   for (const auto& entry : result_)
     EXPECT_TRUE(entry.second) << testing::PrintToString(entry.first);
-  EXPECT_NE(library_->get<Material>("Wall inside"), nullptr);
-  EXPECT_EQ(damage(path()), "");
+  EXPECT_NE(library->get<Material>("Wall inside"), nullptr);
+  EXPECT_EQ(damage(path), "");
 }
 
 TEST_F(RemovalOfKeys, what_is_still_in_use_stays_and_the_rest_goes) {
   const auto wall = full_composition("Wall");
-  library_->save(wall);
-  const ObjectKey core = key_of(library_->get<Material>("Wall core"));
-  const ObjectKey type = key_of(library_->get<MaterialType>("Wall core type"));
-  const ObjectKey wood = key_of(library_->get<MaterialType>("Wood"));
+  library->save(wall);
+  const ObjectKey core = key_of(library->get<Material>("Wall core"));
+  const ObjectKey type = key_of(library->get<MaterialType>("Wall core type"));
+  const ObjectKey wood = key_of(library->get<MaterialType>("Wood"));
 
-  library_->remove({core, type, wood}, result_);
+  library->remove({core, type, wood}, result_);
 
   EXPECT_THAT(result_, testing::UnorderedElementsAre(Pair(core, false), Pair(type, false),
                                                      Pair(wood, true)));
-  EXPECT_NE(library_->get<Material>("Wall core"), nullptr);
-  EXPECT_EQ(library_->get<MaterialType>("Wood"), nullptr);
+  EXPECT_NE(library->get<Material>("Wall core"), nullptr);
+  EXPECT_EQ(library->get<MaterialType>("Wood"), nullptr);
   expect_usable();
 }
 
 TEST_F(RemovalOfKeys, a_key_of_no_removable_kind_is_skipped) {
   const auto tag = stored<Tag>("one");
-  PlainDatabase(path()).execute(
+  PlainDatabase(path).execute(
       "INSERT INTO \"Asset\" VALUES (1, 'veldra::StructuralAsset', 'Steel', '')");
 
-  library_->remove({{ObjectType::Asset, 1}, {static_cast<ObjectType>(99), 1}, key_of(tag)},
-                   result_);
+  library->remove({{ObjectType::Asset, 1}, {static_cast<ObjectType>(99), 1}, key_of(tag)}, result_);
 
   EXPECT_THAT(result_, ElementsAre(Pair(key_of(tag), true)));
   EXPECT_EQ(rows_in("Asset"), "1");
@@ -121,9 +120,9 @@ TEST_F(RemovalOfKeys, one_result_collects_several_calls) {
   const auto free = stored<Tag>("free");
   const auto layer = stored<Layer>("layer");
 
-  library_->remove({key_of(used)}, result_);
-  library_->remove({key_of(free)}, result_);
-  library_->remove<Layer>(std::set<unsigned>{layer->id()}, result_);
+  library->remove({key_of(used)}, result_);
+  library->remove({key_of(free)}, result_);
+  library->remove<Layer>(std::set<unsigned>{layer->id()}, result_);
 
   EXPECT_THAT(result_, ElementsAre(Pair(key_of(used), false), Pair(key_of(free), true),
                                    Pair(key_of(layer), true)));
@@ -135,43 +134,43 @@ TEST_F(RemovalOfKeys, an_unknown_key_ends_the_call_and_the_kinds_before_stay_rem
   listen();
 
   EXPECT_EQ(thrown_by([&] {
-              library_->remove({key_of(wall), key_of<Layer>(77), key_of(tag)}, result_);
+              library->remove({key_of(wall), key_of<Layer>(77), key_of(tag)}, result_);
             }),
             "veldra::ObjectNotFound");
 
   EXPECT_THAT(result_, ElementsAre(Pair(key_of(wall), true)));
-  EXPECT_EQ(library_->get<Composition>("Wall"), nullptr);
-  EXPECT_NE(library_->get<Tag>("tag"), nullptr);
+  EXPECT_EQ(library->get<Composition>("Wall"), nullptr);
+  EXPECT_NE(library->get<Tag>("tag"), nullptr);
   expect_usable();
 }
 
 TEST_F(RemovalOfKeys, a_removed_object_takes_its_side_rows_along) {
-  library_->save(full_composition("Wall"));
-  library_->save(full_composition("Roof"));
-  const auto wall = library_->get<Composition>("Wall");
+  library->save(full_composition("Wall"));
+  library->save(full_composition("Roof"));
+  const auto wall = library->get<Composition>("Wall");
   ASSERT_EQ(rows_in("Composition_layers"), "8");
 
-  library_->remove(wall);
+  library->remove(wall);
 
   EXPECT_EQ(rows_in("Composition"), "1");
   EXPECT_EQ(rows_in("Composition_layers"), "4");
   EXPECT_EQ(rows_in("Composition_tags"), "2");
   EXPECT_EQ(rows_in("Composition_custom_values"), "2");
-  library_->remove(library_->get<Material>("Wall core"));
+  library->remove(library->get<Material>("Wall core"));
   EXPECT_EQ(rows_in("Material"), "5");
   EXPECT_EQ(rows_in("Material_tags"), "15");
   EXPECT_EQ(rows_in("Material_thicknesses"), "10");
   EXPECT_EQ(rows_in("Material_custom_values"), "10");
-  EXPECT_EQ(damage(path()), "");
+  EXPECT_EQ(damage(path), "");
 }
 
 TEST_F(RemovalOfKeys, hundreds_of_objects_go_in_one_call) {
   std::set<unsigned> ids;
   for (int i = 0; i != 300; ++i) ids.insert(stored<Tag>("tag " + std::to_string(i))->id());
 
-  library_->remove<Tag>(ids);
+  library->remove<Tag>(ids);
 
-  EXPECT_EQ(library_->count<Tag>(), 0u);
+  EXPECT_EQ(library->count<Tag>(), 0u);
 }
 
 }  // namespace

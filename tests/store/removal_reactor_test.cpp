@@ -36,21 +36,20 @@ class RemovalReactor : public RemovalTest {
 
   /// What each way of writing to the library throws.
   std::vector<Thrown> thrown_by_writing() {
-    veldra::IdMapping mapping(library_.get());
+    veldra::IdMapping mapping(library.get());
     return {
-        thrown_by([&] { library_->save(named<Layer>("nested")); }),
-        thrown_by([&] { library_->remove<Layer>(1u); }),
-        thrown_by([&] { library_->remove<Layer>(std::set<unsigned>{1}); }),
-        thrown_by([&] { library_->remove({key_of<Layer>(1)}); }),
-        thrown_by([&] { library_->purge<Layer>(); }),
-        thrown_by([&] { library_->copy<Tag>(elsewhere_, std::set<unsigned>{1}); }),
-        thrown_by([&] { library_->copy(elsewhere_, {key_of<Tag>(1)}); }),
-        thrown_by([&] { library_->copyAll(elsewhere_, mapping); }),
+        thrown_by([&] { library->save(named<Layer>("nested")); }),
+        thrown_by([&] { library->remove<Layer>(1u); }),
+        thrown_by([&] { library->remove<Layer>(std::set<unsigned>{1}); }),
+        thrown_by([&] { library->remove({key_of<Layer>(1)}); }),
+        thrown_by([&] { library->purge<Layer>(); }),
+        thrown_by([&] { library->copy<Tag>(elsewhere_, std::set<unsigned>{1}); }),
+        thrown_by([&] { library->copy(elsewhere_, {key_of<Tag>(1)}); }),
+        thrown_by([&] { library->copyAll(elsewhere_, mapping); }),
     };
   }
 
-  const std::shared_ptr<Library> elsewhere_ =
-      Library::create((folder_ / "elsewhere.lib").c_str(), Unit::Millimetres, "");
+  const std::shared_ptr<Library> elsewhere_ = create("elsewhere.lib");
 };
 
 void expect_all_refused(const std::vector<Thrown>& thrown) {
@@ -62,9 +61,9 @@ TEST_F(RemovalReactor, a_removal_is_asked_for_and_told_and_then_the_kind_and_the
   const auto tag = stored<Tag>("tag");
   listen();
 
-  library_->remove(tag);
+  library->remove(tag);
 
-  EXPECT_THAT(reactor_.calls,
+  EXPECT_THAT(reactor.calls,
               ElementsAre("may remove Tag 1", "removed Tag 1", "type Tag", "library"));
 }
 
@@ -73,10 +72,10 @@ TEST_F(RemovalReactor, each_single_removal_delivers_its_own_notifications) {
   stored<Layer>("two");
   listen();
 
-  library_->remove<Tag>(1u);
-  library_->remove<Layer>(1u);
+  library->remove<Tag>(1u);
+  library->remove<Layer>(1u);
 
-  EXPECT_THAT(reactor_.calls,
+  EXPECT_THAT(reactor.calls,
               ElementsAre("may remove Tag 1", "removed Tag 1", "type Tag", "library",
                           "may remove Layer 1", "removed Layer 1", "type Layer", "library"));
 }
@@ -89,39 +88,39 @@ TEST_F(RemovalReactor, the_kinds_of_one_call_are_told_once_in_ascending_order) {
       key_of(stored<Tag>("g"))};
   listen();
 
-  library_->remove(keys);
+  library->remove(keys);
 
-  ASSERT_EQ(reactor_.calls.size(), 2 * keys.size() + 7);
-  EXPECT_THAT(std::vector<std::string>(reactor_.calls.end() - 7, reactor_.calls.end()),
+  ASSERT_EQ(reactor.calls.size(), 2 * keys.size() + 7);
+  EXPECT_THAT(std::vector<std::string>(reactor.calls.end() - 7, reactor.calls.end()),
               ElementsAre("type Tag", "type MaterialType", "type Material", "type Composition",
                           "type CustomProperty", "type Layer", "library"));
 }
 
 TEST_F(RemovalReactor, a_kind_of_which_nothing_went_is_not_told) {
   const std::set<ObjectKey> keys{key_of(stored<Layer>("a")), key_of(stored<Tag>("b"))};
-  reactor_.on_may_remove = [](Library&, const ObjectKey& key) {
+  reactor.on_may_remove = [](Library&, const ObjectKey& key) {
     return key.type == ObjectType::Layer ? 1 : 0;
   };
   listen();
 
-  library_->remove(keys);
+  library->remove(keys);
 
-  EXPECT_THAT(reactor_.calls, ElementsAre("may remove Layer 1", "may remove Tag 1", "removed Tag 1",
-                                          "type Tag", "library"));
+  EXPECT_THAT(reactor.calls, ElementsAre("may remove Layer 1", "may remove Tag 1", "removed Tag 1",
+                                         "type Tag", "library"));
 }
 
 TEST_F(RemovalReactor, an_unknown_id_is_asked_for_but_nothing_is_told) {
   listen();
-  EXPECT_EQ(thrown_by([&] { library_->remove<Tag>(99u); }), "veldra::ObjectNotFound");
-  EXPECT_THAT(reactor_.calls, ElementsAre("may remove Tag 99"));
+  EXPECT_EQ(thrown_by([&] { library->remove<Tag>(99u); }), "veldra::ObjectNotFound");
+  EXPECT_THAT(reactor.calls, ElementsAre("may remove Tag 99"));
 }
 
 TEST_F(RemovalReactor, a_failing_statement_tells_nothing) {
   stored<Tag>("one");
   on_delete_from("Tag", kOverflow);
   listen();
-  EXPECT_EQ(thrown_by([&] { library_->remove<Tag>(1u); }), "veldra::UnknownError");
-  EXPECT_THAT(reactor_.calls, ElementsAre("may remove Tag 1"));
+  EXPECT_EQ(thrown_by([&] { library->remove<Tag>(1u); }), "veldra::UnknownError");
+  EXPECT_THAT(reactor.calls, ElementsAre("may remove Tag 1"));
 }
 
 // A reference is found at the commit, when the removal was told already: the kind counts as
@@ -130,9 +129,9 @@ TEST_F(RemovalReactor, a_removal_that_the_commit_refuses_was_told) {
   const auto used = referenced<Tag>("used");
   listen();
 
-  EXPECT_EQ(thrown_by([&] { library_->remove(used); }), "veldra::ObjectInUse");
+  EXPECT_EQ(thrown_by([&] { library->remove(used); }), "veldra::ObjectInUse");
 
-  EXPECT_THAT(reactor_.calls,
+  EXPECT_THAT(reactor.calls,
               ElementsAre("may remove Tag 1", "removed Tag 1", "type Tag", "library"));
 }
 
@@ -141,12 +140,12 @@ TEST_F(RemovalReactor, a_set_that_an_unknown_id_ends_tells_what_went_before) {
   listen();
 
   EXPECT_EQ(thrown_by([&] {
-              library_->remove<Tag>(std::set<unsigned>{1, 99});
+              library->remove<Tag>(std::set<unsigned>{1, 99});
             }),
             "veldra::ObjectNotFound");
 
-  EXPECT_THAT(reactor_.calls, ElementsAre("may remove Tag 1", "removed Tag 1", "may remove Tag 99",
-                                          "type Tag", "library"));
+  EXPECT_THAT(reactor.calls, ElementsAre("may remove Tag 1", "removed Tag 1", "may remove Tag 99",
+                                         "type Tag", "library"));
 }
 
 TEST_F(RemovalReactor, keys_that_an_unknown_key_ends_tell_what_went_before) {
@@ -155,11 +154,11 @@ TEST_F(RemovalReactor, keys_that_an_unknown_key_ends_tell_what_went_before) {
   listen();
 
   EXPECT_EQ(thrown_by([&] {
-              library_->remove({key_of<Composition>(1), key_of<Material>(1), key_of<Layer>(99)});
+              library->remove({key_of<Composition>(1), key_of<Material>(1), key_of<Layer>(99)});
             }),
             "veldra::ObjectNotFound");
 
-  EXPECT_THAT(reactor_.calls,
+  EXPECT_THAT(reactor.calls,
               ElementsAre("may remove Composition 1", "removed Composition 1",
                           "may remove Material 1", "removed Material 1", "may remove Layer 99",
                           "type Material", "type Composition", "library"));
@@ -168,88 +167,88 @@ TEST_F(RemovalReactor, keys_that_an_unknown_key_ends_tell_what_went_before) {
 TEST_F(RemovalReactor, the_library_of_each_call_is_the_one_that_removes) {
   stored<Tag>("one");
   std::set<Library*> seen;
-  reactor_.on_may_remove = [&](Library& library, const ObjectKey&) {
+  reactor.on_may_remove = [&](Library& library, const ObjectKey&) {
     seen.insert(&library);
     return 0;
   };
-  reactor_.on_removed = [&](Library& library, const ObjectKey&) { seen.insert(&library); };
-  reactor_.on_type_changed = [&](Library& library, ObjectType) { seen.insert(&library); };
-  reactor_.on_library_changed = [&](Library& library) { seen.insert(&library); };
+  reactor.on_removed = [&](Library& library, const ObjectKey&) { seen.insert(&library); };
+  reactor.on_type_changed = [&](Library& library, ObjectType) { seen.insert(&library); };
+  reactor.on_library_changed = [&](Library& library) { seen.insert(&library); };
   listen();
 
-  library_->remove<Tag>(1u);
+  library->remove<Tag>(1u);
 
-  EXPECT_THAT(seen, ElementsAre(library_.get()));
-  EXPECT_EQ(reactor_.calls.size(), 4u);
+  EXPECT_THAT(seen, ElementsAre(library.get()));
+  EXPECT_EQ(reactor.calls.size(), 4u);
 }
 
 TEST_F(RemovalReactor, without_a_reactor_everything_may_go) {
   stored<Tag>("one");
-  reactor_.refusal = 1;
+  reactor.refusal = 1;
   listen();
-  ASSERT_FALSE(library_->remove<Tag>(1u));
+  ASSERT_FALSE(library->remove<Tag>(1u));
 
-  library_->setReactor(nullptr);
+  library->setReactor(nullptr);
 
-  EXPECT_TRUE(library_->remove<Tag>(1u));
+  EXPECT_TRUE(library->remove<Tag>(1u));
 }
 
 TEST_F(RemovalReactor, an_exception_of_the_question_reaches_the_caller) {
   const auto tag = stored<Tag>("one");
-  reactor_.on_may_remove = [](Library&, const ObjectKey&) -> int { throw HostIsTired(); };
+  reactor.on_may_remove = [](Library&, const ObjectKey&) -> int { throw HostIsTired(); };
   listen();
   const std::string before = rows();
 
-  EXPECT_TRUE(tires([&] { library_->remove(tag); }));
+  EXPECT_TRUE(tires([&] { library->remove(tag); }));
 
-  EXPECT_THAT(reactor_.calls, ElementsAre("may remove Tag 1"));
-  EXPECT_EQ(tag->library(), library_);
+  EXPECT_THAT(reactor.calls, ElementsAre("may remove Tag 1"));
+  EXPECT_EQ(tag->library(), library);
   EXPECT_EQ(rows(), before);
   expect_usable();
 }
 
 TEST_F(RemovalReactor, an_exception_of_the_report_takes_the_removal_back) {
   const auto tag = stored<Tag>("one");
-  reactor_.on_removed = [](Library&, const ObjectKey&) { throw HostIsTired(); };
+  reactor.on_removed = [](Library&, const ObjectKey&) { throw HostIsTired(); };
   listen();
   const std::string before = rows();
 
-  EXPECT_TRUE(tires([&] { library_->remove(tag); }));
+  EXPECT_TRUE(tires([&] { library->remove(tag); }));
 
-  EXPECT_EQ(tag->library(), library_);
+  EXPECT_EQ(tag->library(), library);
   EXPECT_EQ(rows(), before);
-  reactor_.on_removed = nullptr;
-  EXPECT_TRUE(library_->remove(tag));
+  reactor.on_removed = nullptr;
+  EXPECT_TRUE(library->remove(tag));
 }
 
 TEST_F(RemovalReactor, an_exception_amid_a_set_leaves_and_what_went_before_is_told) {
   stored<Tag>("one");
   stored<Tag>("two");
   stored<Tag>("three");
-  reactor_.on_may_remove = [](Library&, const ObjectKey& key) -> int {
+  reactor.on_may_remove = [](Library&, const ObjectKey& key) -> int {
     if (key.id == 2) throw HostIsTired();
     return 0;
   };
   listen();
   Removed result;
 
-  EXPECT_TRUE(tires([&] { library_->remove<Tag>(std::set<unsigned>{1, 2, 3}, result); }));
+  EXPECT_TRUE(tires([&] { library->remove<Tag>(std::set<unsigned>{1, 2, 3}, result); }));
 
   EXPECT_THAT(result, ElementsAre(Pair(key_of<Tag>(1), true)));
-  EXPECT_EQ(library_->get<Tag>("one"), nullptr);
-  EXPECT_NE(library_->get<Tag>("two"), nullptr);
-  EXPECT_NE(library_->get<Tag>("three"), nullptr);
-  EXPECT_THAT(reactor_.calls, ElementsAre("may remove Tag 1", "removed Tag 1", "may remove Tag 2",
-                                          "type Tag", "library"));
+  EXPECT_EQ(library->get<Tag>("one"), nullptr);
+  EXPECT_NE(library->get<Tag>("two"), nullptr);
+  EXPECT_NE(library->get<Tag>("three"), nullptr);
+  EXPECT_THAT(reactor.calls, ElementsAre("may remove Tag 1", "removed Tag 1", "may remove Tag 2",
+                                         "type Tag", "library"));
 }
 
 TEST_F(RemovalReactor, an_exception_of_the_library_family_is_not_taken_for_a_refusal) {
   const auto one = stored<Tag>("one");
-  reactor_.on_may_remove = [](Library&, const ObjectKey&) -> int { throw veldra::ObjectInUse(); };
+  reactor.on_may_remove = [](Library&, const ObjectKey&) -> int { throw veldra::ObjectInUse(); };
   listen();
   Removed result;
 
-  EXPECT_EQ(thrown_by([&] { library_->remove<Tag>(std::set<unsigned>{one->id()}, result); }),
+  EXPECT_EQ(thrown_by([&] { library->remove<Tag>(std::set<unsigned>{one->id()}, result); }),
             "veldra::ObjectInUse");
 
   EXPECT_THAT(result, IsEmpty());
@@ -264,25 +263,25 @@ TEST_F(RemovalReactor, reading_sees_the_running_removal) {
     counts.push_back(library.count<Tag>());
     found.push_back(library.get<Tag>(tag->id()) != nullptr);
   };
-  reactor_.on_may_remove = [&](Library& library, const ObjectKey&) {
+  reactor.on_may_remove = [&](Library& library, const ObjectKey&) {
     look(library);
     return 0;
   };
-  reactor_.on_removed = [&](Library& library, const ObjectKey&) { look(library); };
-  reactor_.on_library_changed = look;
+  reactor.on_removed = [&](Library& library, const ObjectKey&) { look(library); };
+  reactor.on_library_changed = look;
   listen();
 
-  EXPECT_TRUE(library_->remove(tag));
+  EXPECT_TRUE(library->remove(tag));
 
   EXPECT_THAT(counts, ElementsAre(2u, 1u, 1u));
   EXPECT_THAT(found, ElementsAre(true, false, false));
 }
 
 TEST_F(RemovalReactor, all_ways_of_reading_work_within) {
-  library_->save(full_composition("Wall"));
+  library->save(full_composition("Wall"));
   const auto tag = stored<Tag>("one");
   std::size_t read = 0;
-  reactor_.on_may_remove = [&](Library& library, const ObjectKey&) {
+  reactor.on_may_remove = [&](Library& library, const ObjectKey&) {
     std::vector<std::shared_ptr<Composition>> compositions;
     std::vector<std::shared_ptr<Material>> materials;
     library.get(compositions);
@@ -292,7 +291,7 @@ TEST_F(RemovalReactor, all_ways_of_reading_work_within) {
   };
   listen();
 
-  EXPECT_TRUE(library_->remove(tag));
+  EXPECT_TRUE(library->remove(tag));
 
   EXPECT_EQ(read, 4u);
 }
@@ -301,20 +300,20 @@ TEST_F(RemovalReactor, writing_within_the_question_is_refused_and_the_removal_go
   const auto tag = stored<Tag>("one");
   stored<Layer>("layer");
   std::vector<Thrown> thrown;
-  reactor_.on_may_remove = [&](Library&, const ObjectKey&) {
+  reactor.on_may_remove = [&](Library&, const ObjectKey&) {
     thrown = thrown_by_writing();
     return 0;
   };
   listen();
 
-  EXPECT_TRUE(library_->remove(tag));
+  EXPECT_TRUE(library->remove(tag));
 
   ASSERT_EQ(thrown.size(), 8u);
   expect_all_refused(thrown);
-  EXPECT_EQ(library_->get<Tag>("one"), nullptr);
-  EXPECT_NE(library_->get<Layer>("layer"), nullptr);
-  EXPECT_EQ(library_->get<Layer>("nested"), nullptr);
-  EXPECT_THAT(reactor_.calls,
+  EXPECT_EQ(library->get<Tag>("one"), nullptr);
+  EXPECT_NE(library->get<Layer>("layer"), nullptr);
+  EXPECT_EQ(library->get<Layer>("nested"), nullptr);
+  EXPECT_THAT(reactor.calls,
               ElementsAre("may remove Tag 1", "removed Tag 1", "type Tag", "library"));
 }
 
@@ -323,111 +322,111 @@ TEST_F(RemovalReactor, writing_within_the_report_is_refused_and_the_set_goes_on)
   const auto two = stored<Tag>("two");
   stored<Layer>("layer");
   std::vector<Thrown> thrown;
-  reactor_.on_removed = [&](Library&, const ObjectKey&) { thrown = thrown_by_writing(); };
+  reactor.on_removed = [&](Library&, const ObjectKey&) { thrown = thrown_by_writing(); };
   listen();
   Removed result;
 
-  library_->remove<Tag>(std::set<unsigned>{one->id(), two->id()}, result);
+  library->remove<Tag>(std::set<unsigned>{one->id(), two->id()}, result);
 
   ASSERT_EQ(thrown.size(), 8u);
   expect_all_refused(thrown);
   EXPECT_THAT(result, ElementsAre(Pair(key_of(one), true), Pair(key_of(two), true)));
-  EXPECT_NE(library_->get<Layer>("layer"), nullptr);
-  EXPECT_EQ(damage(path()), "");
+  EXPECT_NE(library->get<Layer>("layer"), nullptr);
+  EXPECT_EQ(damage(path), "");
 }
 
 TEST_F(RemovalReactor, a_refused_write_that_nobody_catches_ends_the_removal_as_it_is) {
   const auto tag = stored<Tag>("one");
   stored<Layer>("layer");
-  reactor_.on_may_remove = [](Library& library, const ObjectKey&) {
+  reactor.on_may_remove = [](Library& library, const ObjectKey&) {
     library.remove<Layer>(1u);
     return 0;
   };
   listen();
   Removed result;
 
-  EXPECT_EQ(thrown_by([&] { library_->remove(tag); }), "odb::already_in_transaction");
-  EXPECT_EQ(thrown_by([&] { library_->remove<Tag>(std::set<unsigned>{tag->id()}, result); }),
+  EXPECT_EQ(thrown_by([&] { library->remove(tag); }), "odb::already_in_transaction");
+  EXPECT_EQ(thrown_by([&] { library->remove<Tag>(std::set<unsigned>{tag->id()}, result); }),
             "odb::already_in_transaction");
 
   EXPECT_THAT(result, IsEmpty());
-  EXPECT_EQ(tag->library(), library_);
-  reactor_.on_may_remove = nullptr;
-  EXPECT_TRUE(library_->remove(tag));
+  EXPECT_EQ(tag->library(), library);
+  reactor.on_may_remove = nullptr;
+  EXPECT_TRUE(library->remove(tag));
 }
 
 TEST_F(RemovalReactor, another_library_may_be_written_to_within) {
   const auto tag = stored<Tag>("one");
   bool removed_there = false;
-  reactor_.on_may_remove = [&](Library&, const ObjectKey&) {
+  reactor.on_may_remove = [&](Library&, const ObjectKey&) {
     elsewhere_->save(named<Layer>("nested"));
     removed_there = elsewhere_->remove<Tag>(1u);
     return 0;
   };
-  reactor_.on_removed = [&](Library&, const ObjectKey&) { elsewhere_->purge<MaterialType>(); };
+  reactor.on_removed = [&](Library&, const ObjectKey&) { elsewhere_->purge<MaterialType>(); };
   listen();
 
-  EXPECT_TRUE(library_->remove(tag));
+  EXPECT_TRUE(library->remove(tag));
 
   EXPECT_TRUE(removed_there);
   EXPECT_EQ(elsewhere_->count<Tag>(), 0u);
   EXPECT_EQ(elsewhere_->count<MaterialType>(), 0u);
   EXPECT_NE(elsewhere_->get<Layer>("nested"), nullptr);
-  EXPECT_EQ(library_->count<Tag>(), 0u);
+  EXPECT_EQ(library->count<Tag>(), 0u);
 }
 
 TEST_F(RemovalReactor, another_library_may_be_made_and_opened_within) {
   const auto tag = stored<Tag>("one");
-  const std::string third = folder_ / "third.lib";
-  reactor_.on_may_remove = [&](Library&, const ObjectKey&) {
+  const std::string third = folder / "third.lib";
+  reactor.on_may_remove = [&](Library&, const ObjectKey&) {
     Library::create(third.c_str(), Unit::Inches, "");
     return 0;
   };
   std::vector<Unit> units;
-  reactor_.on_removed = [&](Library&, const ObjectKey&) {
+  reactor.on_removed = [&](Library&, const ObjectKey&) {
     units.push_back(Library::open(third.c_str(), true)->unit());
   };
   listen();
 
-  EXPECT_TRUE(library_->remove(tag));
+  EXPECT_TRUE(library->remove(tag));
 
   EXPECT_THAT(units, ElementsAre(Unit::Inches));
-  EXPECT_EQ(library_->count<Tag>(), 0u);
+  EXPECT_EQ(library->count<Tag>(), 0u);
 }
 
 TEST_F(RemovalReactor, notifications_may_write_and_their_writes_notify_at_their_own_end) {
   stored<Tag>("one");
   stored<Layer>("two");
   bool nested = false;
-  reactor_.on_type_changed = [&](Library& library, ObjectType) {
+  reactor.on_type_changed = [&](Library& library, ObjectType) {
     if (nested) return;
     nested = true;
     library.remove<Layer>(1u);
   };
   listen();
 
-  library_->remove<Tag>(1u);
+  library->remove<Tag>(1u);
 
-  EXPECT_THAT(reactor_.calls,
+  EXPECT_THAT(reactor.calls,
               ElementsAre("may remove Tag 1", "removed Tag 1", "type Tag", "may remove Layer 1",
                           "removed Layer 1", "type Layer", "library", "library"));
-  EXPECT_EQ(library_->count<Layer>(), 0u);
+  EXPECT_EQ(library->count<Layer>(), 0u);
 }
 
 TEST_F(RemovalReactor, the_last_notification_may_write) {
   stored<Tag>("one");
   bool nested = false;
-  reactor_.on_library_changed = [&](Library& library) {
+  reactor.on_library_changed = [&](Library& library) {
     if (nested) return;
     nested = true;
     library.save(named<Layer>("after"));
   };
   listen();
 
-  library_->remove<Tag>(1u);
+  library->remove<Tag>(1u);
 
-  EXPECT_THAT(reactor_.calls, ElementsAre("may remove Tag 1", "removed Tag 1", "type Tag",
-                                          "library", "saved Layer 1", "type Layer", "library"));
+  EXPECT_THAT(reactor.calls, ElementsAre("may remove Tag 1", "removed Tag 1", "type Tag", "library",
+                                         "saved Layer 1", "type Layer", "library"));
 }
 
 }  // namespace
