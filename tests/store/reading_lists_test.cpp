@@ -1,0 +1,203 @@
+#include "support/library_test.hpp"
+
+#include <algorithm>
+#include <set>
+#include <sstream>
+#include <vector>
+
+namespace veldra_tests {
+namespace {
+
+using veldra::Composition;
+using veldra::CustomProperty;
+using veldra::CustomPropertyCriteria;
+using veldra::Material;
+using veldra::ObjectType;
+
+/// The addresses of an object and of all that it refers to.
+template <class T>
+std::set<std::string> addresses_in(const std::shared_ptr<T>& object) {
+  std::set<std::string> addresses;
+  std::istringstream lines(state_of(object));
+  std::string line;
+  while (std::getline(lines, line)) {
+    const std::size_t start = line.find(" at 0x");
+    if (start != std::string::npos) {
+      addresses.insert(line.substr(start + 4, line.find(',', start) - start - 4));
+    }
+  }
+  return addresses;
+}
+
+/// A library in which everything is shared: three materials with the same tags, type, layer,
+/// assets and property, and three compositions of them.
+class ReadingLists : public LibraryTest {
+ protected:
+  ReadingLists() : file(path) {
+    file.execute(
+        "INSERT INTO Tag VALUES (1, 'warm'), (2, 'dry');"
+        "INSERT INTO Layer VALUES (1, 'Section');"
+        "INSERT INTO CustomProperty VALUES (1, 'Price', 4), (2, 'Rating', 5)");
+    put_structural_asset(file, "1");
+    put_thermal_asset(file, "2");
+    file.execute("INSERT INTO Asset_tags VALUES (1, 0, 1), (2, 0, 1), (2, 1, 2)");
+    for (const char* id : {"1", "2", "3"}) put_shared_material(id);
+    for (const char* id : {"1", "2", "3"}) put_shared_composition(id);
+  }
+
+  template <class T>
+  std::vector<std::shared_ptr<T>> all() const {
+    std::vector<std::shared_ptr<T>> objects;
+    library->get(objects);
+    return objects;
+  }
+
+  PlainDatabase file;
+
+ private:
+  void put_shared_material(const std::string& id) {
+    put_material(file, {{"id", id},
+                        {"name", quoted("Material " + id)},
+                        {"cut_layer", "1"},
+                        {"structural_id", "1"},
+                        {"thermal_id", "2"}});
+    file.execute("INSERT INTO Material_tags VALUES (" + id + ", 0, 1), (" + id + ", 1, 2);" +
+                 "INSERT INTO Material_custom_values VALUES (" + id + ", 1, '9.99');" +
+                 "INSERT INTO Material_thicknesses VALUES (" + id + ", 12.5)");
+  }
+
+  void put_shared_composition(const std::string& id) {
+    put_composition(file, {{"id", id}, {"name", quoted("Wall " + id)}, {"entity_layer", "1"}});
+    file.execute("INSERT INTO Composition_tags VALUES (" + id + ", 0, 2), (" + id + ", 1, 1);" +
+                 "INSERT INTO Composition_custom_values VALUES (" + id + ", 2, 'A');" +
+                 "INSERT INTO Composition_layers VALUES (" + id + ", 0, 1, 0, 10), (" + id +
+                 ", 1, 2, 1, 20), (" + id + ", 2, 1, 0, 30)");
+  }
+};
+
+template <class T>
+void expect_nothing_shared(const std::vector<std::shared_ptr<T>>& objects) {
+  std::size_t sum = 0;
+  std::set<std::string> together;
+  for (const auto& object : objects) {
+    const std::set<std::string> addresses = addresses_in(object);
+    sum += addresses.size();
+    together.insert(addresses.begin(), addresses.end());
+  }
+  EXPECT_EQ(together.size(), sum);
+}
+
+/// Every object of the graph is in the library and clean.
+template <class T>
+void expect_linked(const std::shared_ptr<T>& object,
+                   const std::shared_ptr<veldra::Library>& library) {
+  std::ostringstream link;
+  link << ", library " << library.get() << ", clean";
+  std::istringstream lines(state_of(object));
+  std::string line;
+  while (std::getline(lines, line)) {
+    if (line.find(" at 0x") == std::string::npos) continue;
+    EXPECT_NE(line.find(link.str()), std::string::npos) << line;
+    EXPECT_EQ(line.find(", id 0,"), std::string::npos) << line;
+  }
+}
+
+TEST_F(ReadingLists, the_objects_of_a_list_share_nothing) {
+  const auto materials = all<Material>();
+  ASSERT_EQ(materials.size(), 3u);
+  EXPECT_GE(addresses_in(materials[0]).size(), 10u);
+  expect_nothing_shared(materials);
+  const auto compositions = all<Composition>();
+  ASSERT_EQ(compositions.size(), 3u);
+  EXPECT_GE(addresses_in(compositions[0]).size(), 20u);
+  expect_nothing_shared(compositions);
+}
+
+TEST_F(ReadingLists, the_objects_of_two_lists_share_nothing) {
+  auto materials = all<Material>();
+  library->get(materials, {1u, 2u, 3u});
+  library->search(materials, "Material _");
+  ASSERT_EQ(materials.size(), 9u);
+  expect_nothing_shared(materials);
+}
+
+TEST_F(ReadingLists, changing_an_object_of_a_list_changes_no_other) {
+  const auto materials = all<Material>();
+  const std::string before = state_of(materials[1]);
+  materials[0]->structuralAsset()->name("New");
+  materials[0]->thermalAsset()->tags(veldra::toModify).clear();
+  materials[0]->tags(veldra::toModify).clear();
+  materials[0]->thicknesses(veldra::toModify).insert(99.0);
+  materials[0]->custom_value("Price", "0");
+  EXPECT_EQ(state_of(materials[1]), before);
+}
+
+TEST_F(ReadingLists, all_that_is_read_is_linked_to_the_library_and_clean) {
+  expect_linked(library->get<Material>(1), library);
+  expect_linked(library->get<Composition>(1), library);
+  expect_linked(library->get<Composition>("Wall 1"), library);
+  for (const auto& material : all<Material>()) expect_linked(material, library);
+  for (const auto& composition : all<Composition>()) expect_linked(composition, library);
+}
+
+TEST_F(ReadingLists, an_object_of_a_list_is_the_object_that_is_read_alone) {
+  for (const auto& material : all<Material>()) {
+    EXPECT_EQ(values_of(material), values_of(library->get<Material>(material->id())));
+  }
+  for (const auto& composition : all<Composition>()) {
+    EXPECT_EQ(values_of(composition), values_of(library->get<Composition>(composition->id())));
+  }
+}
+
+TEST_F(ReadingLists, objects_live_on_when_their_library_is_closed) {
+  const auto composition = library->get<Composition>(1);
+  const std::string values = values_of(composition);
+  library.reset();
+  EXPECT_FALSE(composition->library());
+  EXPECT_FALSE(composition->layer(0).material()->library());
+  EXPECT_EQ(composition->id(), 1u);
+  EXPECT_EQ(values_of(composition), values);
+}
+
+TEST_F(ReadingLists, many_properties_come_in_the_order_of_their_names) {
+  file.execute(
+      "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i+1 FROM n WHERE i<4999) "
+      "INSERT INTO CustomProperty(name, object_type) "
+      "SELECT 'p' || (i * 7919 % 5000), 4 FROM n");
+  std::set<unsigned> ids;
+  for (unsigned id = 1; id <= 5002; ++id) ids.insert(id);
+  std::vector<std::string> expected;
+  for (const Row& row : file.query("SELECT name FROM CustomProperty ORDER BY name")) {
+    expected.push_back(row[0].substr(1, row[0].size() - 2));
+  }
+  const auto names = [](const std::vector<std::shared_ptr<CustomProperty>>& properties) {
+    std::vector<std::string> names;
+    for (const auto& property : properties) names.push_back(property->name().utf8());
+    return names;
+  };
+  std::vector<std::shared_ptr<CustomProperty>> by_ids;
+  library->get(by_ids, ids);
+  EXPECT_EQ(names(by_ids), expected);
+  EXPECT_TRUE(names(all<CustomProperty>()) == expected);
+  std::vector<std::shared_ptr<CustomProperty>> by_criteria;
+  CustomPropertyCriteria criteria;
+  criteria.object_type = ObjectType::Material;
+  library->search(by_criteria, "P%", criteria);
+  const auto found = names(by_criteria);
+  EXPECT_EQ(found.size(), 5001u);
+  EXPECT_TRUE(std::is_sorted(found.begin(), found.end()));
+}
+
+TEST_F(ReadingLists, property_names_are_ordered_byte_by_byte) {
+  file.execute(
+      "DELETE FROM Material_custom_values; DELETE FROM Composition_custom_values;"
+      "DELETE FROM CustomProperty;"
+      "INSERT INTO CustomProperty(name, object_type) VALUES "
+      "('b', 4), ('B', 5), ('a', 5), ('', 4), ('\xC3\xA4', 4), ('aa', 4), ('Z', 4)");
+  std::vector<std::string> names;
+  for (const auto& property : all<CustomProperty>()) names.push_back(property->name().utf8());
+  EXPECT_THAT(names, testing::ElementsAre("", "B", "Z", "a", "aa", "b", "\xC3\xA4"));
+}
+
+}  // namespace
+}  // namespace veldra_tests
