@@ -1,0 +1,9 @@
+# The program in README.md is the example, character by character.
+cmake_minimum_required(VERSION 3.25)
+
+file(READ ${README} readme)
+file(READ ${EXAMPLE} example)
+string(FIND "${readme}" "```cpp\n${example}```" position)
+if(position EQUAL -1)
+  message(FATAL_ERROR "${README} does not show ${EXAMPLE} as it is")
+endif()
