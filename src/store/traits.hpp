@@ -7,6 +7,9 @@
 #include <odb/sqlite/traits.hxx>
 #include <odb/traits.hxx>
 
+#include <limits>
+#include <memory>
+
 namespace odb {
 
 namespace sqlite {
@@ -32,6 +35,18 @@ class value_traits<veldra::String, id_text> {
     size = static_cast<std::size_t>(veldra::encode_utf8(value.c_str(), units, buffer.data()) -
                                     buffer.data());
     is_null = false;
+  }
+};
+
+/// Ids and indices. A column holds wider numbers; one that does not fit must not turn into the id
+/// of another object, so it becomes the largest, which is nobody's.
+template <>
+class value_traits<unsigned, id_integer> : public default_value_traits<unsigned, id_integer> {
+ public:
+  static void set_value(unsigned& value, long long stored, bool is_null) {
+    constexpr unsigned largest = std::numeric_limits<unsigned>::max();
+    const bool fits = 0 <= stored && stored <= static_cast<long long>(largest);
+    value = is_null ? 0 : fits ? static_cast<unsigned>(stored) : largest;
   }
 };
 
