@@ -1,0 +1,165 @@
+#include "reliability/fault_vfs.hpp"
+#include "reliability/soak.hpp"
+#include "reliability/sweep.hpp"
+
+#include "support/database.hpp"
+
+#include <gmock/gmock.h>
+
+namespace veldra_tests {
+
+namespace {
+
+using testing::AnyOf;
+using testing::Contains;
+
+// Runs an operation until the power goes, and ends everything that runs.
+class PowerLoss {
+ public:
+  PowerLoss(const Operation& operation, unsigned point)
+      : scene_(operation.start, FaultVfs::name_of("")) {
+    set_up(scene_, operation);
+    if (file_exists(scene_.path())) before_ = read_file(scene_.path());
+    FaultVfs::arm({FaultVfs::Trouble::PowerLoss, point, FaultVfs::Repetition::Persistent});
+    thrown_by([&] { operation.run(scene_); });
+    scene_.close();
+    FaultVfs::disarm();
+  }
+
+  bool happened() const { return FaultVfs::fired(); }
+  Scene& scene() { return scene_; }
+
+  void leave_files(unsigned seed) {
+    write_file(scene_.path(), before_);
+    FaultVfs::leave_what_reached_the_disk(seed);
+  }
+
+  // Opens what was left as a new process would.
+  void open_again() {
+    EXPECT_EQ(thrown_by([&] {
+                scene_.library =
+                    veldra::Library::create(scene_.path().c_str(), veldra::Unit::Inches, "");
+              }),
+              "");
+    ASSERT_TRUE(scene_.library);
+    expect_usable(*scene_.library);
+    scene_.close();
+  }
+
+ private:
+  Scene scene_;
+  std::string before_;
+};
+
+void expect_whole(const Operation& operation, const Reference& reference, PowerLoss& loss,
+                  unsigned seed) {
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  const Deadline deadline;
+  loss.leave_files(seed);
+  const std::string rows = loss.scene().rows();
+  EXPECT_THAT(reference.states, Contains(rows));
+  expect_sane(loss.scene(), operation.start);
+  loss.open_again();
+}
+
+unsigned lose_power_at_each_point(const Operation& operation, unsigned seeds, unsigned stride) {
+  const Reference reference(operation);
+  unsigned losses = 0;
+  for (unsigned point = 1;; point += stride) {
+    SCOPED_TRACE(operation.name + (", power lost at " + std::to_string(point)));
+    PowerLoss loss(operation, point);
+    // The last time, it is lost when the operation is over.
+    for (unsigned seed = 0; seed != seeds; ++seed, ++losses) {
+      expect_whole(operation, reference, loss, point * 1000 + seed);
+    }
+    if (!loss.happened() || testing::Test::HasFailure()) return losses;
+  }
+}
+
+// The new state is not certain even when the call returned: SQLite commits by deleting the journal,
+// and does not wait for the deletion to reach the disk.
+TEST(PowerLoss, leaves_the_old_state_or_the_new_one) {
+  const unsigned seeds = sample_or_all(2, 64);
+  unsigned long all = 0;
+  for (const Operation& operation : writing_operations()) {
+    const unsigned losses = lose_power_at_each_point(operation, seeds, sample_or_all(29, 1));
+    std::cout << operation.name << ": " << losses << " losses of power" << std::endl;
+    EXPECT_GT(losses, 0u);
+    all += losses;
+  }
+  report_figure("losses of power", all);
+}
+
+const Operation& operation_named(const std::string& name) {
+  for (const Operation& operation : operations()) {
+    if (operation.name == name) return operation;
+  }
+  throw std::runtime_error("no operation " + name);
+}
+
+struct Interrupted {
+  std::string file;
+  std::string journal;
+};
+
+// Files as a loss of power leaves them, with a journal to recover from.
+std::vector<Interrupted> interrupted_files(const Operation& operation) {
+  std::vector<Interrupted> all;
+  for (unsigned point = 1;; ++point) {
+    PowerLoss loss(operation, point);
+    loss.leave_files(point);
+    const std::string journal = loss.scene().path() + "-journal";
+    if (file_exists(journal)) all.push_back({read_file(loss.scene().path()), read_file(journal)});
+    if (!loss.happened()) return all;
+  }
+}
+
+// Opens an interrupted file while a call fails; returns whether one did.
+bool recover_with_fault(const Interrupted& interrupted, const Reference& reference,
+                        const FaultVfs::Fault& fault) {
+  SCOPED_TRACE("fault at " + std::to_string(fault.at));
+  const Deadline deadline;
+  Scene scene(Start::Missing, FaultVfs::name_of(""));
+  write_file(scene.path(), interrupted.file);
+  write_file(scene.path() + "-journal", interrupted.journal);
+
+  FaultVfs::arm(fault);
+  const Thrown thrown =
+      thrown_by([&] { scene.library = veldra::Library::open(scene.name(), false); });
+  FaultVfs::disarm();
+  EXPECT_THAT(thrown.type, AnyOf("", "odb::sqlite::database_exception"));
+  scene.close();
+
+  EXPECT_EQ(thrown_by([&] { scene.library = veldra::Library::open(scene.name(), false); }), "");
+  EXPECT_THAT(reference.states, Contains(scene.rows()));
+  expect_sane(scene, Start::Current);
+  if (scene.library) expect_usable(*scene.library);
+  expect_clean_end(scene);
+  return FaultVfs::fired();
+}
+
+TEST(PowerLoss, is_recovered_from_in_spite_of_faults) {
+  const Operation& operation = operation_named("save a composition with all that it refers to");
+  const Reference reference(operation);
+  const auto files = interrupted_files(operation);
+  ASSERT_FALSE(files.empty());
+  unsigned long fired = 0;
+  for (std::size_t n = 0; n < files.size(); n += sample_or_all(5, 1)) {
+    for (const auto repetition : {FaultVfs::Repetition::Once, FaultVfs::Repetition::Persistent}) {
+      SCOPED_TRACE("file " + std::to_string(n));
+      const unsigned stride = sample_or_all(9, 1);
+      unsigned point = 1;
+      while (
+          recover_with_fault(files[n], reference, {FaultVfs::Trouble::Error, point, repetition})) {
+        point += stride;
+        ++fired;
+      }
+    }
+  }
+  EXPECT_GT(fired, 0u);
+  report_figure("faults while recovering", fired);
+}
+
+}  // namespace
+
+}  // namespace veldra_tests

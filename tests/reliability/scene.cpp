@@ -1,0 +1,193 @@
+#include "reliability/scene.hpp"
+
+#include "support/builders.hpp"
+#include "support/catalogues.hpp"
+#include "support/database.hpp"
+#include "support/description.hpp"
+#include "support/rows.hpp"
+
+namespace veldra_tests {
+
+namespace {
+
+using veldra::Composition;
+using veldra::CustomProperty;
+using veldra::Layer;
+using veldra::Library;
+using veldra::Material;
+using veldra::MaterialType;
+using veldra::ObjectType;
+using veldra::String;
+using veldra::Tag;
+using veldra::Unit;
+
+const char* const guid = "0c6b1e0e-3e0a-4a54-9a3d-0f6f0f2b7a11";
+
+void save_spares(Library& library) {
+  library.save(named<Tag>("spare tag"));
+  library.save(named<Layer>("spare layer"));
+  library.save(named<MaterialType>("spare type"));
+  library.save(named<CustomProperty>("spare property"));
+  library.save(full_material("spare material"));
+  library.save(full_composition("spare composition"));
+}
+
+void give_assets(const std::string& path) {
+  PlainDatabase database(path);
+  put_structural_asset(database, "1");
+  put_thermal_asset(database, "2");
+  database.execute("UPDATE Material SET structural_id=1, thermal_id=2 WHERE name='Wall core'");
+}
+
+void make_library(const std::string& path) {
+  auto library = Library::create(path.c_str(), Unit::Millimetres, guid);
+  library->save(full_composition("Wall"));
+  save_spares(*library);
+  library.reset();
+  give_assets(path);
+}
+
+void make_source(const std::string& path) {
+  auto library = Library::create(path.c_str(), Unit::Inches, guid);
+  library->save(composition_without_codes("Roof"));
+  auto wall = composition_without_codes("Wall");
+  wall->comments("of the source");
+  library->save(wall);
+  library.reset();
+  give_assets(path);
+}
+
+std::string made_by(const std::function<void(const std::string&)>& make) {
+  const TemporaryFolder folder;
+  const std::string path = folder / "made.lib";
+  make(path);
+  return read_file(path);
+}
+
+std::string make_older(int version) {
+  return made_by([version](const std::string& path) {
+    make_old_file(path, version);
+    fill_old_file(path, version);
+  });
+}
+
+const std::string& bytes_of(Start start) {
+  static const std::string current = made_by(make_library);
+  static const std::string version_150201 = make_older(150201);
+  static const std::string version_150301 = make_older(150301);
+  static const std::string nothing;
+  switch (start) {
+    case Start::Current:
+      return current;
+    case Start::Version150201:
+      return version_150201;
+    case Start::Version150301:
+      return version_150301;
+    default:
+      return nothing;
+  }
+}
+
+const std::string& source_bytes() {
+  static const std::string bytes = made_by(make_source);
+  return bytes;
+}
+
+template <class T>
+void describe(std::string& text, const std::shared_ptr<T>& object) {
+  if (object) text += state_of(object);
+}
+
+template <class T>
+void describe_values(std::string& text, const std::vector<std::shared_ptr<T>>& objects) {
+  for (const auto& object : objects) text += values_of(object);
+}
+
+}  // namespace
+
+std::shared_ptr<Composition> composition_without_codes(const std::string& name) {
+  const auto composition = full_composition(name);
+  for (const auto& layer : composition->layers()) {
+    std::const_pointer_cast<Material>(layer.material())->clear_code();
+  }
+  return composition;
+}
+
+int PlainReactor::resolveNameConflict(Library&, ObjectType, String& name) {
+  static const String other("another name");
+  if (decision == Rename) name = other;
+  return decision;
+}
+
+int PlainReactor::mayRemove(Library&, const veldra::ObjectKey&) {
+  if (on_may_remove) on_may_remove();
+  return 0;
+}
+
+void PlainReactor::libraryChanged(Library&) { tell('0'); }
+
+void PlainReactor::typeChanged(Library&, ObjectType type) {
+  tell(static_cast<char>('0' + static_cast<int>(type)));
+}
+
+void PlainReactor::tell(char what) {
+  if (size_ != sizeof told_) told_[size_++] = what;
+}
+
+Scene::Scene(Start start, const std::string& vfs)
+    : vfs_(vfs), path_(folder_ / "walls.lib"), source_path_(folder_ / "supplier.lib") {
+  write_file(source_path_, source_bytes());
+  if (start != Start::Missing) write_file(path_, bytes_of(start));
+}
+
+void Scene::open() {
+  library = Library::open(name(), false);
+  library->setReactor(&reactor);
+  source = Library::open((vfs_ + source_path_).c_str(), true);
+}
+
+void Scene::create() { library = Library::create(text, Unit::Inches, guid); }
+
+void Scene::close() {
+  objects = Objects();
+  forget_found();
+  library.reset();
+  source.reset();
+}
+
+std::string Scene::objects_state() const {
+  std::string text;
+  describe(text, objects.tag);
+  describe(text, objects.layer);
+  describe(text, objects.type);
+  describe(text, objects.property);
+  describe(text, objects.material);
+  describe(text, objects.composition);
+  return text;
+}
+
+std::string Scene::rows() const {
+  return !file_exists(path_) || read_file(path_).empty() ? std::string() : dump(path_);
+}
+
+std::string Scene::source_rows() const { return dump(source_path_); }
+
+std::string Scene::found_text() const {
+  std::string text = std::to_string(number) + "\n";
+  if (found.material) text += values_of(found.material);
+  if (found.composition) text += values_of(found.composition);
+  describe_values(text, compositions);
+  describe_values(text, materials);
+  describe_values(text, properties);
+  return text;
+}
+
+void Scene::forget_found() {
+  found = Objects();
+  compositions.clear();
+  materials.clear();
+  properties.clear();
+  number = 0;
+}
+
+}  // namespace veldra_tests

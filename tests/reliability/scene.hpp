@@ -1,0 +1,142 @@
+#ifndef VELDRA_TESTS_RELIABILITY_SCENE_HPP
+#define VELDRA_TESTS_RELIABILITY_SCENE_HPP
+
+#include "support/temporary.hpp"
+
+#include <veldra/veldra.hpp>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace veldra_tests {
+
+/// What the library's file is before an operation.
+enum class Start { Missing, Empty, Version150201, Version150301, Current };
+
+/// Decides as it is told and keeps the kinds that it was told of, without any allocation.
+class PlainReactor : public veldra::Library::Reactor {
+ public:
+  int decision = UseExisting;
+  std::function<void()> on_may_remove;
+
+  /// The numbers of the kinds of `typeChanged`, in order, and 0 for `libraryChanged`.
+  std::string told() const { return std::string(told_, size_); }
+  void forget() { size_ = 0; }
+
+  int resolveNameConflict(veldra::Library& library, veldra::ObjectType type,
+                          veldra::String& name) override;
+  int mayRemove(veldra::Library& library, const veldra::ObjectKey& key) override;
+  void libraryChanged(veldra::Library& library) override;
+  void typeChanged(veldra::Library& library, veldra::ObjectType type) override;
+
+ private:
+  void tell(char what);
+
+  char told_[64];
+  std::size_t size_ = 0;
+};
+
+/// The objects that operations work on: what `Scene::prepare` made of them.
+struct Objects {
+  std::shared_ptr<veldra::Tag> tag;
+  std::shared_ptr<veldra::Layer> layer;
+  std::shared_ptr<veldra::MaterialType> type;
+  std::shared_ptr<veldra::CustomProperty> property;
+  std::shared_ptr<veldra::Material> material;
+  std::shared_ptr<veldra::Composition> composition;
+};
+
+/// A library file and a second one to copy from, in a folder of their own.
+///
+/// Both have the composition "Wall" with all that it refers to, "spare" objects of every kind that
+/// nothing refers to, and assets; the second, which is in inches, has the composition "Roof" also,
+/// and other values under the same names.
+class Scene {
+ public:
+  /// `vfs` is put before the paths of the libraries: empty, or such as "faultvfs://".
+  Scene(Start start, const std::string& vfs);
+
+  /// Opens both libraries. Their reactors are `reactor`.
+  void open();
+
+  /// Opens the library, creating it if need be.
+  void create();
+
+  /// Closes the libraries and lets all objects go.
+  void close();
+
+  const std::string& path() const { return path_; }
+  const std::string& source_path() const { return source_path_; }
+  const TemporaryFolder& folder() const { return folder_; }
+  veldra::String name() const { return (vfs_ + path_).c_str(); }
+
+  /// All values and identities of the objects in memory.
+  std::string objects_state() const;
+
+  /// All rows of the library's file; empty when there are none, or no file.
+  std::string rows() const;
+  std::string source_rows() const;
+
+  std::shared_ptr<veldra::Library> library;
+  std::shared_ptr<veldra::Library> source;
+  PlainReactor reactor;
+  Objects objects;
+
+  // What operations need beside objects; made before the faults begin.
+  std::set<unsigned> ids;
+  std::set<veldra::ObjectKey> keys;
+  std::map<veldra::ObjectKey, bool> removed;
+  veldra::String text;
+
+  // What an operation that reads has read.
+  Objects found;
+  std::vector<std::shared_ptr<veldra::Composition>> compositions;
+  std::vector<std::shared_ptr<veldra::Material>> materials;
+  std::vector<std::shared_ptr<veldra::CustomProperty>> properties;
+  unsigned long long number = 0;
+
+  /// All that was read, as a text.
+  std::string found_text() const;
+
+  /// Forgets what was read.
+  void forget_found();
+
+ private:
+  TemporaryFolder folder_;
+  std::string vfs_;
+  std::string path_;
+  std::string source_path_;
+};
+
+/// A full composition whose materials have no codes, so that nothing but names can clash.
+std::shared_ptr<veldra::Composition> composition_without_codes(const std::string& name);
+
+/// Something that a host does with libraries.
+struct Operation {
+  enum class Kind {
+    Opening,  ///< opens `Scene::library`, which is closed before
+    Making,   ///< the same, and brings the file to the current version
+    Reading,
+    Writing,   ///< in one transaction
+    Removing,  ///< in as many transactions as there are objects
+    Setting    ///< of the metadata, which the handle keeps also when writing them fails
+  };
+
+  const char* name;
+  Kind kind;
+  Start start;
+  std::function<void(Scene&)> prepare;
+  std::function<void(Scene&)> run;
+};
+
+/// Every operation of a library, in all its forms.
+const std::vector<Operation>& operations();
+
+/// Those that write.
+std::vector<Operation> writing_operations();
+
+}  // namespace veldra_tests
+
+#endif

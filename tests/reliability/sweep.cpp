@@ -1,0 +1,218 @@
+#include "reliability/sweep.hpp"
+
+#include "reliability/soak.hpp"
+#include "support/builders.hpp"
+#include "support/catalogues.hpp"
+#include "support/database.hpp"
+#include "support/processes.hpp"
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <limits>
+
+namespace veldra_tests {
+
+namespace {
+
+using testing::AnyOf;
+using testing::IsEmpty;
+using Kind = Operation::Kind;
+
+const unsigned never = std::numeric_limits<unsigned>::max();
+
+std::string expected_catalogue(Start start) {
+  switch (start) {
+    case Start::Version150201:
+      return migrated_catalogue(150201);
+    case Start::Version150301:
+      return migrated_catalogue(150301);
+    default:
+      return current_catalogue();
+  }
+}
+
+std::string version_in(const std::string& path) {
+  return PlainDatabase(path).value("SELECT group_concat(version) FROM schema_version");
+}
+
+void expect_one_version_and_identity(const std::string& path) {
+  PlainDatabase database(path);
+  EXPECT_EQ(database.value("SELECT count(*) FROM schema_version"), "1");
+  EXPECT_EQ(database.value("SELECT count(*) FROM Meta"), "1");
+}
+
+std::vector<std::string> files_in(const std::string& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    names.push_back(entry.path().filename());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+int failed_expectations() {
+  return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
+}
+
+bool translates_errors(Kind kind) { return kind == Kind::Removing || kind == Kind::Setting; }
+
+}  // namespace
+
+Deadline::Deadline() { ::alarm(10); }
+Deadline::~Deadline() { ::alarm(0); }
+
+bool opens(const Operation& operation) {
+  return operation.kind == Kind::Opening || operation.kind == Kind::Making;
+}
+
+void set_up(Scene& scene, const Operation& operation) {
+  if (!opens(operation)) scene.open();
+  operation.prepare(scene);
+}
+
+Reference::Reference(const Operation& operation) {
+  Scene scene(operation.start, "");
+  set_up(scene, operation);
+  states.push_back(scene.rows());
+  scene.reactor.on_may_remove = [&] { states.push_back(scene.rows()); };
+  operation.run(scene);
+  states.push_back(scene.rows());
+  found = scene.found_text();
+}
+
+void expect_sane(const Scene& scene, Start start) {
+  if (scene.rows().empty()) {
+    EXPECT_TRUE(start == Start::Missing || start == Start::Empty) << "all rows are gone";
+    return;
+  }
+  EXPECT_EQ(damage(scene.path()), "");
+  expect_one_version_and_identity(scene.path());
+  if (version_in(scene.path()) == "150302") {
+    EXPECT_EQ(catalogue(scene.path()), expected_catalogue(start));
+  }
+}
+
+void expect_usable(veldra::Library& library) {
+  if (library.readOnly()) {
+    EXPECT_EQ(thrown_by([&] { library.count<veldra::Tag>(); }), "");
+    return;
+  }
+  const auto material = named<veldra::Material>("probe");
+  const auto layer = named<veldra::Layer>("probe layer");
+  material->cut_layer(layer);
+  EXPECT_EQ(thrown_by([&] { library.save(material); }), "");
+  EXPECT_EQ(thrown_by([&] { library.remove<veldra::Layer>(layer->id()); }), "veldra::ObjectInUse");
+  EXPECT_EQ(thrown_by([&] { library.remove(material); }), "");
+}
+
+void expect_clean_end(Scene& scene) {
+  EXPECT_NO_THROW(PlainDatabase(scene.path()).execute("BEGIN EXCLUSIVE; ROLLBACK"));
+  scene.close();
+  EXPECT_THAT(open_files(scene.folder().path()), IsEmpty());
+  EXPECT_THAT(files_in(scene.folder().path()), testing::ElementsAre("supplier.lib", "walls.lib"));
+}
+
+Sweep::Sweep(const Operation& operation, Faults& faults)
+    : operation_(operation), faults_(faults), reference_(operation) {}
+
+unsigned Sweep::run(unsigned sample) {
+  const int failed = failed_expectations();
+  run_at(never);
+  const unsigned stride = soaking() ? 1 : std::max(1u, faults_.points() / sample);
+  unsigned fired = 0;
+  for (unsigned point = 1; run_at(point); point += stride) {
+    ++fired;
+    if (failed_expectations() != failed) break;
+  }
+  return fired;
+}
+
+bool Sweep::run_at(unsigned point) {
+  SCOPED_TRACE(operation_.name + (", fault at " + std::to_string(point)));
+  const Deadline deadline;
+  Scene scene(operation_.start, faults_.vfs());
+  set_up(scene, operation_);
+  const std::string objects = scene.objects_state();
+  const std::string source_bytes = read_file(scene.source_path());
+
+  const Thrown thrown = thrown_by([&] {
+    const Armed armed(faults_, point);
+    operation_.run(scene);
+  });
+  EXPECT_TRUE(faults_.fired() || thrown == "") << thrown << " without a fault";
+  expect_told_in_order(scene);
+  expect_sane(scene, operation_.start);
+  if (thrown == "") {
+    expect_new_state(scene);
+  } else {
+    expect_documented(thrown);
+    expect_old_state(scene);
+    EXPECT_EQ(scene.objects_state(), objects);
+    repeat(scene);
+  }
+  EXPECT_EQ(read_file(scene.source_path()), source_bytes);
+  if (scene.library) expect_usable(*scene.library);
+  expect_clean_end(scene);
+  return faults_.fired();
+}
+
+void Sweep::expect_documented(const Thrown& thrown) const {
+  if (faults_.of_memory() && thrown == "std::bad_alloc") return;
+  EXPECT_EQ(thrown, translates_errors(operation_.kind) ? "veldra::UnknownError"
+                                                       : "odb::sqlite::database_exception");
+}
+
+// Opening makes the file in one transaction and then reads from it, and several removals are
+// transactions of their own: what was committed before something failed stays.
+void Sweep::expect_old_state(const Scene& scene) const {
+  if (operation_.kind == Kind::Removing || operation_.kind == Kind::Making) {
+    EXPECT_THAT(reference_.states, testing::Contains(scene.rows()));
+  } else {
+    EXPECT_EQ(scene.rows(), reference_.before());
+  }
+}
+
+void Sweep::expect_new_state(const Scene& scene) const {
+  EXPECT_EQ(scene.rows(), reference_.after());
+  EXPECT_EQ(scene.found_text(), reference_.found);
+}
+
+void Sweep::expect_told_in_order(const Scene& scene) const {
+  const std::string told = scene.reactor.told();
+  if (told.empty()) return;
+  EXPECT_EQ(told.back(), '0') << told;
+  EXPECT_EQ(std::adjacent_find(told.begin(), told.end() - 1, std::greater_equal<char>()),
+            told.end() - 1)
+      << told;
+}
+
+void Sweep::repeat(Scene& scene) const {
+  const bool done_in_part =
+      operation_.kind == Kind::Removing && scene.rows() != reference_.before();
+  scene.forget_found();
+  const Thrown thrown = thrown_by([&] { operation_.run(scene); });
+  if (done_in_part) {
+    EXPECT_THAT(thrown.type, AnyOf("", "veldra::ObjectNotFound"));
+    return;
+  }
+  EXPECT_EQ(thrown, "") << "when the operation is repeated";
+  expect_new_state(scene);
+}
+
+void sweep(const std::vector<Operation>& operations, Faults& faults, unsigned sample,
+           const std::string& what) {
+  unsigned long all = 0;
+  for (const Operation& operation : operations) {
+    std::cout << operation.name << ": " << std::flush;
+    const unsigned fired = Sweep(operation, faults).run(sample);
+    std::cout << fired << " faults" << std::endl;
+    EXPECT_GT(fired, 0u) << operation.name;
+    all += fired;
+  }
+  report_figure(what, all);
+}
+
+}  // namespace veldra_tests
