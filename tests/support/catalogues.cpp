@@ -374,6 +374,13 @@ std::string as_statements(std::string texts) {
   return texts;
 }
 
+std::string file_statements(const std::string& texts, int version) {
+  return as_statements(texts) + "INSERT INTO schema_version VALUES ('', " +
+         std::to_string(version) +
+         ", 0);\nINSERT INTO Meta VALUES "
+         "(0, 'a0ee4c58-3c1d-4c07-9d0e-5f54c1a8f6b2', 0, 'de-DE', 'Ostschweiz');\n";
+}
+
 bool starts_with(const std::string& text, const std::string& start) {
   return text.compare(0, start.size(), start) == 0;
 }
@@ -423,6 +430,8 @@ std::string current_catalogue() {
          composition_end_and_lists + composition_custom_values + meta;
 }
 
+std::string current_file_statements() { return file_statements(current_catalogue(), 150302); }
+
 std::string old_catalogue(int version) {
   return older_file(has_custom_properties(version), no_text, no_text);
 }
@@ -437,19 +446,16 @@ std::string migrated_catalogue(int version) {
 }
 
 void make_old_file(const std::string& path, int version) {
-  PlainDatabase database(path);
-  database.execute(as_statements(old_catalogue(version)));
-  database.execute("INSERT INTO \"schema_version\" VALUES ('', " + std::to_string(version) +
-                   ", 0)");
-  database.execute(
-      "INSERT INTO \"Meta\" VALUES "
-      "(0, 'a0ee4c58-3c1d-4c07-9d0e-5f54c1a8f6b2', 0, 'de-DE', 'Ostschweiz')");
+  PlainDatabase(path).execute("BEGIN;" + file_statements(old_catalogue(version), version) +
+                              "COMMIT");
 }
 
 void fill_old_file(const std::string& path, int version) {
   PlainDatabase database(path);
+  database.execute("BEGIN");
   database.execute(old_rows);
   if (has_custom_properties(version)) database.execute(old_custom_rows);
+  database.execute("COMMIT");
 }
 
 std::string migrated_dump(const std::string& before) {

@@ -12,6 +12,11 @@ namespace veldra_tests {
 /// Of a file that the current version made.
 std::string current_catalogue();
 
+/// The statements that make a current file with plain SQLite: without material types, in inches,
+/// with the GUID a0ee4c58-3c1d-4c07-9d0e-5f54c1a8f6b2, the locale "de-DE" and the region
+/// "Ostschweiz".
+std::string current_file_statements();
+
 /// Of a file that an older version made: 150201 has no custom properties and no drawing layers,
 /// 150301 no drawing layers.
 std::string old_catalogue(int version);
@@ -20,7 +25,7 @@ std::string old_catalogue(int version);
 std::string migrated_catalogue(int version);
 
 /// Makes a file of an older version at `path` with plain SQLite, without any rows but the version
-/// and the metadata.
+/// and the same metadata.
 void make_old_file(const std::string& path, int version);
 
 /// Fills a file of an older version with rows of every table that it has: two objects of each
