@@ -18,14 +18,18 @@ const char* const rows = R"(
     (101, 'veldra::StructuralAsset', 'Stored', 'Described'),
     (102, 'veldra::ThermalAsset', 'Stored', 'Described'),
     (103, 'veldra::StructuralAsset', 'Twin', 'Otherwise'),
-    (104, 'veldra::ThermalAsset', 'Twin', 'Otherwise');
+    (104, 'veldra::ThermalAsset', 'Twin', 'Otherwise'),
+    (105, 'veldra::StructuralAsset', 'Third', ''),
+    (106, 'veldra::ThermalAsset', 'Third', '');
   INSERT INTO "StructuralAsset"
     ("id", "subclass", "density", "specific_heat", "thermal_conductivity") VALUES
-    (101, 'Wood', 700.5, 1600.25, 0.18), (103, 'Wood', 700.5, 1600.25, 0.18);
+    (101, 'Wood', 700.5, 1600.25, 0.18), (103, 'Wood', 700.5, 1600.25, 0.18),
+    (105, 'Wood', NULL, NULL, NULL);
   INSERT INTO "ThermalAsset" ("id", "subclass", "source", "density", "emissivity",
     "specific_heat", "thermal_conductivity") VALUES
     (102, 'Wood', 'Tables', 700.5, 0.9, 1600.25, 0.18),
-    (104, 'Wood', 'Tables', 700.5, 0.9, 1600.25, 0.18);
+    (104, 'Wood', 'Tables', 700.5, 0.9, 1600.25, 0.18),
+    (106, 'Wood', 'Tables', NULL, NULL, NULL, NULL);
   INSERT INTO "Asset_tags" ("object_id", "index", "tag_id") VALUES (101, 0, 101), (102, 0, 101);
 
   INSERT INTO "Material" ("id", "name", "description", "type", "comments", "code", "cost",
@@ -53,9 +57,11 @@ const char* const rows = R"(
   INSERT INTO "Material_custom_values" ("object_id", "property_id", "value") VALUES
     (101, 101, 'Valued');
 
-  CREATE TEMP TABLE "twin" AS SELECT * FROM "Material";
+  CREATE TEMP TABLE "twin" AS SELECT * FROM "Material" WHERE "id" = 101;
   UPDATE "twin" SET "id" = 102, "name" = 'Twin', "code" = NULL,
     "structural_id" = 103, "thermal_id" = 104;
+  INSERT INTO "Material" SELECT * FROM "twin";
+  UPDATE "twin" SET "id" = 103, "name" = 'Third', "structural_id" = 105, "thermal_id" = 106;
   INSERT INTO "Material" SELECT * FROM "twin";
 
   INSERT INTO "Composition" ("id", "name", "description", "type", "entity_layer", "comments",
@@ -89,6 +95,18 @@ std::shared_ptr<veldra::StructuralAsset> StoredObjects::get<veldra::StructuralAs
 template <>
 std::shared_ptr<veldra::ThermalAsset> StoredObjects::get<veldra::ThermalAsset>() const {
   return get<veldra::Material>()->thermalAsset();
+}
+
+template <>
+std::shared_ptr<veldra::StructuralAsset>
+StoredObjects::get_without_numbers<veldra::StructuralAsset>() const {
+  return library_->get<veldra::Material>(third_id)->structuralAsset();
+}
+
+template <>
+std::shared_ptr<veldra::ThermalAsset> StoredObjects::get_without_numbers<veldra::ThermalAsset>()
+    const {
+  return library_->get<veldra::Material>(third_id)->thermalAsset();
 }
 
 }  // namespace veldra_tests

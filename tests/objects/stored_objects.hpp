@@ -15,11 +15,12 @@ namespace veldra_tests {
 /// two objects.
 ///
 /// The material has a structural and a thermal asset. Two more assets have the same numbers under
-/// other names; the material `twin_id` refers to them.
+/// other names, and two have no numbers; the materials `twin_id` and `third_id` refer to them.
 class StoredObjects {
  public:
   static constexpr unsigned id = 101;
   static constexpr unsigned twin_id = 102;
+  static constexpr unsigned third_id = 103;
 
   StoredObjects();
 
@@ -27,6 +28,10 @@ class StoredObjects {
   std::shared_ptr<T> get() const {
     return library_->get<T>(id);
   }
+
+  /// An asset of which the file holds no number, so that all are NaN.
+  template <class T>
+  std::shared_ptr<T> get_without_numbers() const;
 
   const std::shared_ptr<veldra::Library>& library() const { return library_; }
 
@@ -43,6 +48,14 @@ std::shared_ptr<veldra::StructuralAsset> StoredObjects::get<veldra::StructuralAs
 
 template <>
 std::shared_ptr<veldra::ThermalAsset> StoredObjects::get<veldra::ThermalAsset>() const;
+
+template <>
+std::shared_ptr<veldra::StructuralAsset>
+StoredObjects::get_without_numbers<veldra::StructuralAsset>() const;
+
+template <>
+std::shared_ptr<veldra::ThermalAsset> StoredObjects::get_without_numbers<veldra::ThermalAsset>()
+    const;
 
 /// An object as the constructor for derived classes leaves it: clean, without a name or an id. No
 /// shared pointer holds it.
