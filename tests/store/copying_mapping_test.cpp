@@ -1,0 +1,372 @@
+#include "store/copying_fixture.hpp"
+
+namespace veldra_tests {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using veldra::Composition;
+using veldra::CustomProperty;
+using veldra::IdMapping;
+using veldra::Layer;
+using veldra::Library;
+using veldra::Material;
+using veldra::MaterialType;
+using veldra::ObjectKey;
+using veldra::ObjectType;
+using veldra::Tag;
+
+class CopyingWithMapping : public CopyingTest {
+ protected:
+  /// Checks that every object of the kind in the source has its twin of the same values.
+  template <class T>
+  void expect_twins(const IdMapping& mapping, std::size_t count, IdMapping::Status status) {
+    std::size_t twins = 0;
+    for (const auto& original : all_of<T>(*source)) {
+      if (!mapping.has(source_key(original))) continue;
+      ++twins;
+      EXPECT_EQ(entry_of(mapping, original).status, status) << title_of(original);
+      EXPECT_EQ(values_of(twin_of(mapping, original)), values_of(original));
+    }
+    EXPECT_EQ(twins, count) << kind_of<T>();
+  }
+};
+
+TEST_F(CopyingWithMapping, every_dependent_of_a_composition_is_entered) {
+  const auto wall = put(full_composition("Wall"));
+  IdMapping mapping = fresh_mapping();
+
+  library->copy<Composition>(source, Ids{wall->id()}, mapping);
+
+  expect_twins<Composition>(mapping, 1, IdMapping::Inserted);
+  expect_twins<Material>(mapping, 3, IdMapping::Inserted);
+  expect_twins<MaterialType>(mapping, 3, IdMapping::Inserted);
+  expect_twins<Layer>(mapping, 4, IdMapping::Inserted);
+  expect_twins<CustomProperty>(mapping, 8, IdMapping::Inserted);
+  expect_twins<Tag>(mapping, 8, IdMapping::Inserted);
+  EXPECT_EQ(mapping.size(), 27u);
+  EXPECT_EQ(mapping.destination(), library.get());
+}
+
+TEST_F(CopyingWithMapping, dependents_that_are_there_are_entered_as_existing) {
+  const auto oak = named<Material>("Oak");
+  oak->addTag(named<Tag>("tag"));
+  oak->cut_layer(named<Layer>("layer"));
+  oak->type(source->get<MaterialType>("Wood"));
+  oak->custom_value(named<CustomProperty>("property"), "value");
+  put(oak);
+  library->save(named<Tag>("tag"));
+  library->save(named<Layer>("layer"));
+  library->save(named<CustomProperty>("property"));
+  reactor.calls.clear();
+  IdMapping mapping = fresh_mapping();
+
+  library->copy<Material>(source, Ids{oak->id()}, mapping);
+
+  expect_twins<Material>(mapping, 1, IdMapping::Inserted);
+  expect_twins<Tag>(mapping, 1, IdMapping::Existing);
+  expect_twins<Layer>(mapping, 1, IdMapping::Existing);
+  expect_twins<MaterialType>(mapping, 1, IdMapping::Existing);
+  expect_twins<CustomProperty>(mapping, 1, IdMapping::Existing);
+  EXPECT_THAT(reactor.calls, ElementsAre("saved Material 101", "type Material", "library"));
+}
+
+TEST_F(CopyingWithMapping, dependents_come_in_a_fixed_order) {
+  const auto oak = named<Material>("Oak");
+  oak->tags(veldra::toModify) = {named<Tag>("first"), named<Tag>("second")};
+  oak->type(named<MaterialType>("type"));
+  oak->cut_layer(named<Layer>("layer"));
+  oak->custom_value(named<CustomProperty>("property"), "value");
+  const auto wall = named<Composition>("Wall");
+  wall->addTag(named<Tag>("of the wall"));
+  wall->entity_layer(named<Layer>("of the wall"));
+  wall->custom_value(composition_property("property"), "value");
+  wall->appendLayer({oak, Material::Function::None, 1.0});
+  put(wall);
+
+  library->copy<Composition>(source, Ids{wall->id()});
+
+  EXPECT_THAT(reactor.calls,
+              ElementsAre("saved CustomProperty 101", "saved Tag 101", "saved Layer 101",
+                          "saved Tag 102", "saved Tag 103", "saved MaterialType 101",
+                          "saved Layer 102", "saved CustomProperty 102", "saved Material 101",
+                          "saved Composition 101", "type Tag", "type MaterialType", "type Material",
+                          "type Composition", "type CustomProperty", "type Layer", "library"));
+}
+
+TEST_F(CopyingWithMapping, the_kinds_of_keys_come_in_a_fixed_order) {
+  const Keys keys{key_of(put(named<Tag>("tag"))),          key_of(put(named<Layer>("layer"))),
+                  key_of(put(named<Material>("Oak"))),     key_of(put(named<MaterialType>("type"))),
+                  key_of(put(named<Composition>("Wall"))), key_of(put(composition_property("p")))};
+
+  library->copy(source, keys);
+
+  EXPECT_THAT(reactor.calls_starting_with("saved"),
+              ElementsAre("saved Composition 101", "saved Material 101", "saved MaterialType 101",
+                          "saved Layer 101", "saved CustomProperty 101", "saved Tag 101"));
+}
+
+TEST_F(CopyingWithMapping, the_kinds_of_a_whole_library_come_in_a_fixed_order) {
+  put(named<Tag>("tag"));
+  put(named<Layer>("layer"));
+  put(named<Material>("Oak"));
+  put(named<MaterialType>("type"));
+  put(named<Composition>("Wall"));
+  put(composition_property("p"));
+
+  library->copyAll(source);
+
+  EXPECT_THAT(reactor.calls,
+              ElementsAre("saved Composition 101", "saved Material 101", "saved MaterialType 101",
+                          "saved Layer 101", "saved CustomProperty 101", "saved Tag 101",
+                          "type Tag", "type MaterialType", "type Material", "type Composition",
+                          "type CustomProperty", "type Layer", "library"));
+}
+
+TEST_F(CopyingWithMapping, a_key_of_no_copied_kind_is_skipped) {
+  {
+    PlainDatabase database(source_path());
+    put_structural_asset(database, "1");
+  }
+  const auto tag = put(named<Tag>("tag"));
+  IdMapping mapping = fresh_mapping();
+
+  library->copy(source, Keys{{ObjectType::Asset, 1}, {static_cast<ObjectType>(99), 1}, key_of(tag)},
+                mapping);
+
+  EXPECT_EQ(mapping.size(), 1u);
+  EXPECT_NE(twin_of(mapping, tag), nullptr);
+  EXPECT_EQ(PlainDatabase(path).value("SELECT count(*) FROM \"Asset\""), "0");
+}
+
+TEST_F(CopyingWithMapping, a_material_that_is_listed_beside_its_composition_is_copied_once) {
+  const auto wall = put(full_composition("Wall"));
+  const auto core = source->get<Material>("Wall core");
+  IdMapping mapping = fresh_mapping();
+
+  library->copy(source, Keys{key_of(wall), key_of(core), key_of(core->tags()[0])}, mapping);
+
+  EXPECT_EQ(entry_of(mapping, core).status, IdMapping::Inserted);
+  EXPECT_EQ(library->count<Material>(), 3u);
+  EXPECT_EQ(library->count<Tag>(), 8u);
+  const auto twin = twin_of(mapping, wall);
+  EXPECT_EQ(twin->layer(1).material()->id(), entry_of(mapping, core).id);
+  EXPECT_EQ(twin->layer(2).material()->id(), entry_of(mapping, core).id);
+}
+
+TEST_F(CopyingWithMapping, objects_that_share_a_dependent_share_it_in_the_copy) {
+  const auto tag = named<Tag>("shared");
+  const auto oak = named<Material>("Oak"), pine = named<Material>("Pine");
+  oak->addTag(tag);
+  pine->addTag(tag);
+  put(oak);
+  put(pine);
+
+  library->copyAll(source);
+
+  EXPECT_EQ(library->count<Tag>(), 1u);
+  EXPECT_EQ(library->get<Material>("Oak")->tags()[0]->id(),
+            library->get<Material>("Pine")->tags()[0]->id());
+}
+
+TEST_F(CopyingWithMapping, a_later_copy_uses_what_an_earlier_one_made) {
+  const auto wall = put(full_composition("Wall"));
+  const auto core = source->get<Material>("Wall core");
+  IdMapping mapping = fresh_mapping();
+  library->copy<Material>(source, Ids{core->id()}, mapping);
+  const unsigned twin = entry_of(mapping, core).id;
+
+  library->copy<Composition>(source, Ids{wall->id()}, mapping);
+
+  EXPECT_EQ(library->count<Material>(), 3u);
+  EXPECT_EQ(twin_of(mapping, wall)->layer(1).material()->id(), twin);
+  EXPECT_EQ(contents_of(*library), contents_of(*source));
+}
+
+TEST_F(CopyingWithMapping, without_the_mapping_a_later_copy_meets_the_names) {
+  const auto wall = put(named<Composition>("Wall"));
+  library->copy<Composition>(source, Ids{wall->id()});
+
+  EXPECT_EQ(thrown_by([&] { library->copy<Composition>(source, Ids{wall->id()}); }),
+            "veldra::ObjectNotUnique");
+}
+
+TEST_F(CopyingWithMapping, copying_and_saving_share_a_mapping) {
+  const auto wall = put(full_composition("Wall"));
+  const auto core = source->get<Material>("Wall core");
+  IdMapping mapping = fresh_mapping();
+  const auto saved = library->save(core, mapping);
+
+  library->copy<Composition>(source, Ids{wall->id()}, mapping);
+  const auto found = library->save(wall, mapping);
+
+  EXPECT_EQ(twin_of(mapping, wall)->layer(1).material()->id(), saved->id());
+  EXPECT_EQ(found->id(), entry_of(mapping, wall).id);
+  EXPECT_EQ(library->count<Composition>(), 1u);
+}
+
+TEST_F(CopyingWithMapping, later_changes_of_the_source_are_not_copied_with_the_same_mapping) {
+  const auto oak = put(named<Material>("Oak"));
+  IdMapping mapping = fresh_mapping();
+  library->copyAll(source, mapping);
+  oak->description("changed");
+  oak->save();
+
+  library->copyAll(source, mapping);
+
+  EXPECT_EQ(twin_of(mapping, oak)->description(), veldra::String());
+}
+
+TEST_F(CopyingWithMapping, an_entry_by_hand_is_believed) {
+  const auto oak = named<Material>("Oak");
+  oak->addTag(named<Tag>("red"));
+  put(oak);
+  const auto blue = named<Tag>("blue");
+  library->save(blue);
+  IdMapping mapping = fresh_mapping();
+  mapping.assign(source_key(oak->tags()[0]), {blue->id(), IdMapping::Existing});
+
+  library->copyAll(source, mapping);
+
+  EXPECT_EQ(twin_of(mapping, oak)->tags()[0]->id(), blue->id());
+  EXPECT_EQ(library->get<Tag>("red"), nullptr);
+}
+
+TEST_F(CopyingWithMapping, one_mapping_serves_several_sources) {
+  const auto second = create("second.lib");
+  const auto oak = put(named<Material>("Oak"));
+  const auto pine = named<Material>("Pine");
+  second->save(pine);
+  ASSERT_EQ(oak->id(), pine->id());
+  IdMapping mapping = fresh_mapping();
+
+  library->copyAll(source, mapping);
+  library->copyAll(second, mapping);
+
+  EXPECT_EQ(mapping.size(), 28u);
+  IdMapping::Value of_pine;
+  ASSERT_TRUE(mapping.compute({key_of(pine), second.get()}, of_pine));
+  EXPECT_EQ(library->get<Material>(of_pine.id)->name(), veldra::String("Pine"));
+  EXPECT_EQ(twin_of(mapping, oak)->name(), veldra::String("Oak"));
+}
+
+TEST_F(CopyingWithMapping, a_handle_opened_anew_is_another_source) {
+  const auto oak = put(named<Material>("Oak"));
+  IdMapping mapping = fresh_mapping();
+  library->copy<Material>(source, Ids{oak->id()}, mapping);
+  const auto again = Library::open(source_path().c_str(), false);
+
+  EXPECT_EQ(thrown_by([&] { library->copy<Material>(again, Ids{oak->id()}, mapping); }),
+            "veldra::ObjectNotUnique");
+}
+
+TEST_F(CopyingWithMapping, an_entry_whose_object_is_gone_still_counts_as_copied) {
+  const auto oak = put(named<Material>("Oak"));
+  IdMapping mapping = fresh_mapping();
+  library->copyAll(source, mapping);
+  library->remove(library->get<Material>("Oak"));
+  const std::string before = rows();
+  reactor.calls.clear();
+
+  EXPECT_EQ(thrown_by([&] { library->copy<Material>(source, Ids{oak->id()}, mapping); }), "");
+
+  EXPECT_EQ(rows(), before);
+  EXPECT_THAT(reactor.calls, IsEmpty());
+}
+
+TEST_F(CopyingWithMapping, a_type_that_is_gone_fails_the_copy_that_needs_it) {
+  const auto oak = named<Material>("Oak");
+  oak->type(named<MaterialType>("type"));
+  put(oak);
+  IdMapping mapping = fresh_mapping();
+  library->copy<MaterialType>(source, Ids{oak->type()->id()}, mapping);
+  library->remove(library->get<MaterialType>("type"));
+  const std::string before = rows();
+
+  EXPECT_FALSE(thrown_by([&] { library->copy<Material>(source, Ids{oak->id()}, mapping); }) == "");
+
+  EXPECT_EQ(rows(), before);
+  mapping.remove(source_key(source->get<MaterialType>("type")));
+  mapping.remove(source_key(oak));
+  EXPECT_EQ(thrown_by([&] { library->copy<Material>(source, Ids{oak->id()}, mapping); }), "");
+  EXPECT_EQ(library->get<Material>("Oak")->type()->name(), veldra::String("type"));
+}
+
+TEST_F(CopyingWithMapping, a_whole_library_equals_its_copy) {
+  put(full_composition("Wall"));
+  put(full_composition("Roof"));
+  put(full_material("Oak"));
+  put(named<Tag>("unused"));
+
+  library->copyAll(source);
+
+  EXPECT_EQ(contents_of(*library), contents_of(*source));
+  EXPECT_EQ(damage(path), "");
+}
+
+TEST_F(CopyingWithMapping, a_copy_of_a_copy_equals_a_copy) {
+  put(full_composition("Wall"));
+  put(full_material("Oak"));
+  const auto third = create("third.lib");
+
+  library->copyAll(source);
+  third->copyAll(library);
+
+  EXPECT_EQ(contents_of(*third), contents_of(*source));
+}
+
+TEST_F(CopyingWithMapping, a_copy_in_pieces_equals_a_copy_at_once) {
+  put(full_composition("Wall"));
+  put(full_composition("Roof"));
+  put(full_material("Oak"));
+  IdMapping mapping = fresh_mapping();
+  for (const auto& material : all_of<Material>(*source))
+    library->copy<Material>(source, Ids{material->id()}, mapping);
+  library->copy(source, Keys{{ObjectType::Composition, 2}}, mapping);
+  for (const auto& property : all_of<CustomProperty>(*source))
+    library->copy<CustomProperty>(source, Ids{property->id()}, mapping);
+  library->copyAll(source, mapping);
+
+  EXPECT_EQ(contents_of(*library), contents_of(*source));
+}
+
+TEST_F(CopyingWithMapping, a_copy_back_brings_nothing_but_names_that_are_taken) {
+  put(full_composition("Wall"));
+  library->copyAll(source);
+  RecordingReactor of_source;
+  of_source.decision = Library::Reactor::UseExisting;
+  source->setReactor(&of_source);
+  for (const auto& material : all_of<Material>(*source)) {
+    material->clear_code();
+    material->save();
+  }
+  for (const auto& material : all_of<Material>(*library)) {
+    material->clear_code();
+    material->save();
+  }
+  const std::string before = dump(source_path());
+
+  source->copyAll(library);
+
+  EXPECT_EQ(dump(source_path()), before);
+}
+
+TEST_F(CopyingWithMapping, more_ids_than_a_statement_can_bind_are_copied) {
+  constexpr unsigned kTags = 40000;
+  PlainDatabase(source_path())
+      .execute(
+          "WITH RECURSIVE \"n\"(\"i\") AS (SELECT 1 UNION ALL SELECT \"i\"+1 FROM \"n\" WHERE "
+          "\"i\"<" +
+          std::to_string(kTags) + ") INSERT INTO \"Tag\" SELECT \"i\", 'tag ' || \"i\" FROM \"n\"");
+  Ids ids;
+  for (unsigned id = 1; id <= kTags; ++id) ids.insert(id);
+  IdMapping mapping = fresh_mapping();
+
+  library->copy<Tag>(source, ids, mapping);
+
+  EXPECT_EQ(library->count<Tag>(), kTags);
+  EXPECT_EQ(mapping.size(), kTags);
+}
+
+}  // namespace
+}  // namespace veldra_tests
