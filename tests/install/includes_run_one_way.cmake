@@ -1,10 +1,13 @@
-# Includes run one way: foundation <- objects <- store. Public headers know public headers only.
+# Includes run one way: foundation <- objects <- store <- tools. Public headers know public headers
+# only, and tools are hosts like any other.
 cmake_minimum_required(VERSION 3.25)
 
 set(allowed_in_veldra veldra)
 set(allowed_in_foundation veldra foundation)
 set(allowed_in_objects veldra foundation objects)
 set(allowed_in_store veldra foundation objects store)
+set(allowed_in_tools veldra)
+set(knowing_the_database store tools)
 
 # Of the public headers, each layer knows its own: texts, errors and values lie at the bottom.
 set(foundation_headers export exceptions string translations values)
@@ -21,11 +24,11 @@ function(check_file layer file)
     set(right TRUE)
     if(origin STREQUAL "odb")
       # Below the store, one header of the runtime is known, the one that stands on its own.
-      if(NOT layer STREQUAL "store" AND NOT header STREQUAL "odb/nullable.hxx")
+      if(NOT layer IN_LIST knowing_the_database AND NOT header STREQUAL "odb/nullable.hxx")
         set(right FALSE)
       endif()
     elseif(origin STREQUAL "sqlite3")
-      if(NOT layer STREQUAL "store")
+      if(NOT layer IN_LIST knowing_the_database)
         set(right FALSE)
       endif()
     elseif(NOT origin IN_LIST allowed_in_${layer})
@@ -62,6 +65,7 @@ check_layer(veldra ${HEADERS}/veldra)
 foreach(layer foundation objects store)
   check_layer(${layer} ${SOURCES}/${layer})
 endforeach()
+check_layer(tools ${TOOLS})
 
 if(wrong)
   list(JOIN wrong "\n  " text)
