@@ -245,6 +245,69 @@ TEST_P(FileMigration, the_kinds_that_the_old_version_lacked_are_empty_and_usable
   EXPECT_EQ(library->get<Composition>("Parquet")->entity_layer()->name().utf8(), "S-WOOD");
 }
 
+// Working with a library that was migrated.
+
+TEST_P(FileMigration, foreign_keys_are_enforced_afterwards) {
+  const auto library = open();
+  EXPECT_EQ(thrown_by([&] { library->remove<Tag>(3); }).type, "veldra::ObjectInUse");
+  EXPECT_EQ(thrown_by([&] { library->remove<MaterialType>(1); }).type, "veldra::ObjectInUse");
+  EXPECT_EQ(thrown_by([&] { library->remove<Material>(2); }).type, "veldra::ObjectInUse");
+  expect_the_file_is_migrated();
+}
+
+TEST_P(FileMigration, removing_takes_the_lists_along) {
+  const auto library = open();
+  EXPECT_TRUE(library->remove<Composition>(1));
+  EXPECT_TRUE(library->remove<Material>(2));
+  PlainDatabase database(path());
+  EXPECT_EQ(database.value("SELECT count(*) FROM Composition_layers"), "0");
+  EXPECT_EQ(database.value("SELECT count(*) FROM Material_tags WHERE object_id = 2"), "0");
+  EXPECT_EQ(database.value("SELECT count(*) FROM Material_custom_values"), "0");
+  EXPECT_EQ(damage(path()), "");
+}
+
+TEST_P(FileMigration, objects_save_with_what_the_old_version_lacked) {
+  {
+    const auto library = open();
+    const auto oak = library->get<Material>("Oak");
+    oak->cut_layer(Layer::create("S-WOOD"));
+    oak->custom_value("Supplier", "Sawmill");
+    oak->save();
+    const auto parquet = library->get<Composition>("Parquet");
+    parquet->entity_layer(Layer::create("A-FLOR"));
+    parquet->custom_value("Acoustic class", "B");
+    parquet->save();
+  }
+  const auto library = open();
+  const auto oak = library->get<Material>("Oak");
+  const auto parquet = library->get<Composition>("Parquet");
+  EXPECT_EQ(oak->cut_layer()->name().utf8(), "S-WOOD");
+  EXPECT_EQ(oak->custom_value("Supplier").get().utf8(), "Sawmill");
+  EXPECT_EQ(oak->appearance().utf8(), "oak-appearance");
+  EXPECT_EQ(parquet->entity_layer()->name().utf8(), "A-FLOR");
+  EXPECT_EQ(parquet->custom_value("Acoustic class").get().utf8(), "B");
+  EXPECT_EQ(parquet->comments().utf8(), "glued");
+  EXPECT_EQ(damage(path()), "");
+}
+
+TEST_P(FileMigration, a_layer_in_use_cannot_be_removed) {
+  const auto library = open();
+  const auto oak = library->get<Material>("Oak");
+  oak->cut_layer(Layer::create("S-WOOD"));
+  oak->save();
+  EXPECT_EQ(thrown_by([&] { library->remove<Layer>(1); }).type, "veldra::ObjectInUse");
+  EXPECT_EQ(library->get<Material>("Oak")->cut_layer()->name().utf8(), "S-WOOD");
+}
+
+TEST_P(FileMigration, new_objects_save) {
+  const auto library = open();
+  const auto ash = Material::create("Ash");
+  ash->type(library->get<MaterialType>("Wood"));
+  ash->save(library);
+  EXPECT_EQ(ash->id(), 10u);
+  EXPECT_EQ(*library->get<Material>("Ash"), *ash);
+}
+
 TEST_P(FileMigration, a_failure_leaves_the_file_at_its_version) {
   PlainDatabase(path()).execute("CREATE TABLE Layer (word)");
   const FileState before(path());

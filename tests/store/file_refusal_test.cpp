@@ -253,7 +253,8 @@ TEST_F(FileRefusal, a_truncated_file) {
   for (const std::size_t size :
        {std::size_t{2}, std::size_t{16}, std::size_t{99}, std::size_t{100}, std::size_t{511},
         std::size_t{512}, std::size_t{1024}, std::size_t{4095}, std::size_t{4096},
-        std::size_t{4097}, whole.size() / 2, whole.size() - 8192, whole.size() - 4096}) {
+        std::size_t{4097}, whole.size() / 2, whole.size() - 8192, whole.size() - 4096,
+        whole.size() - 2000, whole.size() - 1}) {
     SCOPED_TRACE(size);
     write_file(path(), whole.substr(0, size));
     expect_refusal(database_exception, path());

@@ -128,6 +128,15 @@ TEST_F(LibraryCreation, a_handle_for_reading_only_keeps_one_file_open) {
   EXPECT_THAT(open_files(folder().path()), ElementsAre("walls.lib"));
 }
 
+TEST_F(LibraryCreation, foreign_keys_are_enforced_afterwards) {
+  const auto library = create();
+  const auto oak = veldra::Material::create("Oak");
+  oak->addTag(veldra::Tag::create("hard"));
+  oak->save(library);
+  EXPECT_EQ(thrown_by([&] { library->remove<veldra::Tag>(1); }).type, "veldra::ObjectInUse");
+  EXPECT_EQ(library->count<veldra::Tag>(), 1u);
+}
+
 // The default material types.
 
 TEST_F(LibraryCreation, the_default_material_types_have_the_ids_1_to_13) {
