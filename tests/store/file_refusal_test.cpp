@@ -6,7 +6,6 @@
 #include "support/thrown.hpp"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <gmock/gmock.h>
 
@@ -277,18 +276,31 @@ TEST_F(FileRefusal, metadata_under_another_id) {
   expect_refusal("odb::object_not_persistent", "object not persistent");
 }
 
-TEST_F(FileRefusal, a_file_that_can_only_be_read_and_is_empty) {
+// Files that would have to be written first.
+
+class FileProtected : public FileRefusal {
+ protected:
+  void expect_read_only_error() const {
+    protect_the_file();
+    const FileState before(path());
+    const std::string result = run_without_privileges([&] {
+      const Thrown thrown = thrown_by([&] { open(); });
+      return thrown.type + " " + std::to_string(thrown.code);
+    });
+    EXPECT_EQ(result, "odb::sqlite::database_exception 8");
+    EXPECT_TRUE(before == FileState(path()));
+    expect_nothing_is_left();
+  }
+};
+
+TEST_F(FileProtected, an_empty_file) {
   write_file(path(), "");
-  ASSERT_EQ(::chmod(path().c_str(), 0444), 0);
-  ASSERT_EQ(::chmod(folder().path().c_str(), 0755), 0);
-  const auto results = run_at_once({[&] {
-    // The superuser may write everywhere.
-    if (::geteuid() == 0 && ::setuid(65534) != 0) return std::string("still the superuser");
-    const Thrown thrown = thrown_by([&] { open(); });
-    return thrown.type + " " + std::to_string(thrown.code);
-  }});
-  EXPECT_EQ(results[0], "odb::sqlite::database_exception 8");
-  EXPECT_EQ(read_file(path()), "");
+  expect_read_only_error();
+}
+
+TEST_F(FileProtected, a_file_of_an_older_version) {
+  make_old_file(path(), 150301);
+  expect_read_only_error();
 }
 
 }  // namespace

@@ -67,6 +67,13 @@ TEST_F(LibraryCreation, stores_the_unit_as_a_number) {
   EXPECT_EQ(PlainDatabase(path()).value("SELECT unit FROM Meta"), "1");
 }
 
+TEST_F(LibraryCreation, keeps_a_unit_that_only_the_host_knows) {
+  const auto library = create(static_cast<Unit>(7));
+  EXPECT_EQ(library->unit(), static_cast<Unit>(7));
+  EXPECT_EQ(PlainDatabase(path()).value("SELECT unit FROM Meta"), "7");
+  EXPECT_EQ(open()->unit(), static_cast<Unit>(7));
+}
+
 TEST_F(LibraryCreation, opens_a_library_that_is_there_as_it_is) {
   create(Unit::Inches, "abc")->region("Alps");
   const auto library = create(Unit::Millimetres, "other");

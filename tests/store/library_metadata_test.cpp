@@ -4,9 +4,6 @@
 #include "support/processes.hpp"
 #include "support/thrown.hpp"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <gmock/gmock.h>
 
 namespace veldra_tests {
@@ -140,20 +137,25 @@ TEST_F(LibraryMetadata, a_handle_for_reading_only_stands_beside_one_that_writes)
 }
 
 TEST_F(LibraryMetadata, a_file_that_can_only_be_read_is_read_only) {
-  ASSERT_EQ(::chmod(path().c_str(), 0444), 0);
-  ASSERT_EQ(::chmod(folder().path().c_str(), 0755), 0);
+  protect_the_file();
   const FileState before(path());
-  const auto results = run_at_once({[&]() -> std::string {
-    // The superuser may write everywhere.
-    if (::geteuid() == 0 && ::setuid(65534) != 0) return "still the superuser";
+  const std::string result = run_without_privileges([&]() -> std::string {
     const auto library = open();
     if (!library->readOnly()) return "not read only";
     if (library->count<veldra::MaterialType>() != 13) return "not readable";
     const Thrown thrown = thrown_by([&] { library->locale("fr-CH"); });
     return thrown.type + " " + library->locale().utf8();
-  }});
-  EXPECT_EQ(results[0], "veldra::LibraryReadOnly fr-CH");
+  });
+  EXPECT_EQ(result, "veldra::LibraryReadOnly fr-CH");
   EXPECT_TRUE(before == FileState(path()));
+}
+
+TEST_F(LibraryMetadata, a_file_that_can_only_be_read_opens_in_every_way) {
+  protect_the_file();
+  const std::string result = run_without_privileges([&]() -> std::string {
+    return create()->readOnly() && open_read_only()->readOnly() ? "read only" : "writable";
+  });
+  EXPECT_EQ(result, "read only");
 }
 
 // Other failures of a setter.

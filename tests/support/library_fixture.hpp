@@ -5,6 +5,8 @@
 
 #include <veldra/veldra.hpp>
 
+#include <sys/stat.h>
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -33,6 +35,12 @@ class LibraryFixture : public testing::Test {
 
   /// Creates the library and closes it.
   void create_and_close() const { create(); }
+
+  /// Makes the file one that others than the superuser can only read.
+  void protect_the_file() const {
+    ASSERT_EQ(::chmod(path_.c_str(), 0444), 0);
+    ASSERT_EQ(::chmod(folder_.path().c_str(), 0755), 0);
+  }
 
  private:
   TemporaryFolder folder_;

@@ -5,6 +5,7 @@
 
 #include <dirent.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -114,10 +115,21 @@ class WaitingProcess {
   ::_exit(0);
 }
 
-std::string target_of(const std::string& link) {
-  char target[4096];
-  const ssize_t size = ::readlink(link.c_str(), target, sizeof target);
-  return size < 0 ? std::string() : std::string(target, static_cast<std::size_t>(size));
+bool is_same_file(const struct stat& left, const struct stat& right) {
+  return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+}
+
+// How often this process holds a file open. Asks each descriptor, because a bare system need not
+// have a list of them.
+std::size_t times_open(const std::string& path) {
+  struct stat file;
+  if (::stat(path.c_str(), &file) != 0) return 0;
+  std::size_t times = 0;
+  for (int descriptor = 0; descriptor != 1024; ++descriptor) {
+    struct stat opened;
+    if (::fstat(descriptor, &opened) == 0 && is_same_file(file, opened)) ++times;
+  }
+  return times;
 }
 
 }  // namespace
@@ -130,6 +142,15 @@ std::vector<std::string> run_at_once(const std::vector<std::function<std::string
   std::vector<std::string> results;
   for (const auto& process : processes) results.push_back(process->result());
   return results;
+}
+
+std::string run_without_privileges(const std::function<std::string()>& call) {
+  const auto call_as_nobody = [&]() -> std::string {
+    const uid_t nobody = 65534;
+    if (::geteuid() == 0 && ::setuid(nobody) != 0) return "still the superuser";
+    return call();
+  };
+  return run_at_once({call_as_nobody}).front();
 }
 
 LockingProcess::LockingProcess(const std::string& path, const std::string& begin,
@@ -147,14 +168,13 @@ LockingProcess::~LockingProcess() {
 }
 
 std::vector<std::string> open_files(const std::string& folder) {
-  const std::unique_ptr<DIR, int (*)(DIR*)> links(::opendir("/proc/self/fd"), ::closedir);
-  if (!links) throw std::runtime_error("no list of open files");
+  const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), ::closedir);
+  if (!entries) throw std::runtime_error("no folder " + folder);
   std::vector<std::string> names;
-  while (const dirent* link = ::readdir(links.get())) {
-    const std::string target = target_of(std::string("/proc/self/fd/") + link->d_name);
-    if (target.compare(0, folder.size() + 1, folder + "/") == 0) {
-      names.push_back(target.substr(folder.size() + 1));
-    }
+  while (const dirent* entry = ::readdir(entries.get())) {
+    const std::string name = entry->d_name;
+    if (name != "." && name != "..")
+      names.insert(names.end(), times_open(folder + "/" + name), name);
   }
   std::sort(names.begin(), names.end());
   return names;

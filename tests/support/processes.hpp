@@ -13,6 +13,10 @@ namespace veldra_tests {
 /// return; what a call throws is "thrown: ..." and a process that dies is "died".
 std::vector<std::string> run_at_once(const std::vector<std::function<std::string()>>& calls);
 
+/// The same for one call in a process without the rights of the superuser, who may write every
+/// file; other users run the call as they are.
+std::string run_without_privileges(const std::function<std::string()>& call);
+
 /// Another process that holds a lock on a database.
 class LockingProcess {
  public:
@@ -29,7 +33,7 @@ class LockingProcess {
   pid_t process_;
 };
 
-/// The files in `folder` that this process holds open, by name.
+/// The files in `folder` that this process holds open, by name, once for each time.
 std::vector<std::string> open_files(const std::string& folder);
 
 }  // namespace veldra_tests
