@@ -1,0 +1,273 @@
+// Measures the library beside a plain SQLite program that does the same work (plain_sqlite.h).
+// Each line of the table that it prints is one of these works:
+//
+// work                     measures
+// get_material_by_id       a material by its id, ids at random
+// get_material_by_name     a material by its name, names at random
+// get_composition_by_id    a composition by its id, ids at random
+// all_materials            a list of all materials, per material
+// all_compositions         a list of all compositions, per composition
+// search_materials         a search that finds one material of 40, per search
+// id_set                   the materials of 100 ids, per query
+// count_materials          a count of all materials
+// count_compositions       a count of all compositions
+// count_by_type            a count of the compositions of two types
+// count_by_tags            a count of the materials with one of two tags
+// save_new_materials       new materials with all they refer to, in one transaction, per material
+// save_one_material        a new material in a transaction of its own
+// update_one_material      a changed material in a transaction of its own
+// open_file                opening and closing a current library
+// create_file              making a new library and closing it
+// remove_unused_tags       200 unused tags one by one, per tag
+// refused_removals         50 tags that are in use, per refusal
+// purge                    everything, of a tenth of the materials, per material and composition
+// copy_all                 a library into an empty one of the other unit, per material and
+//                          composition
+// memory_all_materials     bytes at most while all materials are read; beside it, of the materials
+//                          themselves
+// memory_all_compositions  the same for compositions
+// size_of_material         bytes of a material in a list of all
+// size_of_composition      bytes of a composition in a list of all
+//
+// Times include freeing what was read. Both sides work on files of the same contents and take
+// turns, a round each, so that what else the machine does meets both; the figures are medians of
+// the rounds. Before the first round that counts, both do the work once and must have read the
+// same values, or left the same rows. The syncs are the waits for the disk per item of each side.
+
+#include "counters.hpp"
+#include "table.hpp"
+#include "work.hpp"
+
+#include <benchmark/benchmark.h>
+
+#include <stdlib.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace veldra_bench {
+namespace {
+
+struct Options {
+  unsigned materials = 10000;
+  int rounds = 9;
+  std::string folder;
+  bool help = false;
+  bool copy_memory = false;
+};
+
+const char usage[] =
+    "\nveldra_bench [options] [options of Google Benchmark]\n"
+    "  --materials=N    size of the libraries (10000)\n"
+    "  --rounds=N       rounds of each work (9; fewer for what takes long)\n"
+    "  --folder=PATH    where the files are made (the folder for temporary files)\n"
+    "  --copy-memory    measures only how much memory copying a library takes\n"
+    "  --benchmark_filter=EXPRESSION, --benchmark_list_tests, ...\n";
+
+bool value_of(std::string_view argument, std::string_view option, std::string& value) {
+  if (argument.substr(0, option.size()) != option) return false;
+  value = argument.substr(option.size());
+  return true;
+}
+
+/// Takes our options out of the arguments.
+Options parse(int& count, char** arguments) {
+  Options options;
+  int kept = 1;
+  for (int i = 1; i != count; ++i) {
+    const std::string_view argument = arguments[i];
+    std::string value;
+    if (value_of(argument, "--materials=", value)) {
+      options.materials = static_cast<unsigned>(std::stoul(value));
+    } else if (value_of(argument, "--rounds=", value)) {
+      options.rounds = std::stoi(value);
+    } else if (value_of(argument, "--folder=", value)) {
+      options.folder = value;
+    } else if (argument == "--copy-memory") {
+      options.copy_memory = true;
+    } else if (argument == "--help") {
+      options.help = true;
+    } else {
+      arguments[kept++] = arguments[i];
+    }
+  }
+  count = kept;
+  return options;
+}
+
+/// A folder of this run, which goes with all that is in it.
+class WorkFolder {
+ public:
+  explicit WorkFolder(const std::string& parent) {
+    path_ = (parent.empty() ? std::filesystem::temp_directory_path().string() : parent) +
+            "/veldra-bench-XXXXXX";
+    if (::mkdtemp(&path_[0]) == nullptr) throw std::runtime_error("no folder " + path_);
+  }
+  WorkFolder(const WorkFolder&) = delete;
+  WorkFolder& operator=(const WorkFolder&) = delete;
+  ~WorkFolder() { std::filesystem::remove_all(path_); }
+
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+double median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+/// What the rounds of one side took.
+struct Rounds {
+  std::vector<double> seconds;
+  std::vector<double> syncs;
+
+  double measure(const Work::Side& side) {
+    const unsigned long syncs_before = veldra_bench::syncs();
+    const auto start = std::chrono::steady_clock::now();
+    side(nullptr);
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+    seconds.push_back(taken.count());
+    syncs.push_back(static_cast<double>(veldra_bench::syncs() - syncs_before));
+    return taken.count();
+  }
+};
+
+bool both_do_the_same(const Work& work) {
+  Digest veldra;
+  Digest plain;
+  work.prepare();
+  work.veldra(&veldra);
+  work.plain(&plain);
+  return veldra.value() == plain.value();
+}
+
+void run(benchmark::State& state, const TimedWork& timed, Workshop& workshop) {
+  const Work work = timed.make(workshop);
+  if (!both_do_the_same(work)) {
+    state.SkipWithError("the two sides did not do the same");
+    return;
+  }
+  Rounds veldra;
+  Rounds plain;
+  bool plain_first = false;
+  for (auto round : state) {
+    (void)round;
+    work.prepare();
+    if (plain_first) plain.measure(work.plain);
+    state.SetIterationTime(veldra.measure(work.veldra));
+    if (!plain_first) plain.measure(work.plain);
+    plain_first = !plain_first;
+  }
+  const double items = timed.items(workshop);
+  const double microseconds = 1e6 / items;
+  state.counters["veldra"] = median(veldra.seconds) * microseconds;
+  state.counters["plain"] = median(plain.seconds) * microseconds;
+  state.counters["ratio"] = median(veldra.seconds) / median(plain.seconds);
+  state.counters["target"] = timed.target;
+  state.counters["veldra_syncs"] = median(veldra.syncs) / items;
+  state.counters["plain_syncs"] = median(plain.syncs) / items;
+}
+
+void run(benchmark::State& state, const MemoryWork& work, Workshop& workshop) {
+  Bytes bytes{};
+  for (auto round : state) {
+    (void)round;
+    bytes = work.measure(workshop);
+  }
+  state.counters["memory"] = 1;
+  state.counters["veldra"] = bytes.bytes;
+  state.counters["plain"] = bytes.reference;
+  state.counters["ratio"] = bytes.bytes / bytes.reference;
+  state.counters["target"] = work.target;
+}
+
+std::vector<TimedWork> timed_works() {
+  std::vector<TimedWork> works;
+  for (const auto& part :
+       {reading_works(), saving_works(), file_works(), removing_works(), copying_works()}) {
+    works.insert(works.end(), part.begin(), part.end());
+  }
+  return works;
+}
+
+/// A failure of one work is told in its line, and the others run.
+template <class AnyWork>
+auto guarded(const AnyWork& work, Workshop& workshop) {
+  return [work, &workshop](benchmark::State& state) {
+    try {
+      run(state, work, workshop);
+    } catch (const std::exception& error) {
+      state.SkipWithError(error.what());
+    } catch (const veldra::Exception& error) {
+      state.SkipWithError(veldra::String(error.what()).utf8().c_str());
+    }
+  };
+}
+
+void register_works(const Options& options, Workshop& workshop) {
+  for (const TimedWork& work : timed_works()) {
+    benchmark::RegisterBenchmark(work.name, guarded(work, workshop))
+        ->UseManualTime()
+        ->Iterations(std::max(options.rounds / work.rounds_divisor, 1));
+  }
+  for (const MemoryWork& work : memory_works()) {
+    benchmark::RegisterBenchmark(work.name, guarded(work, workshop))->Iterations(1);
+  }
+}
+
+template <class AnyWork>
+void print_line(const AnyWork& work) {
+  char target[16] = "";
+  if (work.target != 0) std::snprintf(target, sizeof target, "%.2f", work.target);
+  std::printf("%-26s %-8s %s\n", work.name, target, work.measures);
+}
+
+void print_legend() {
+  std::printf("%-26s %-8s %s\n", "work", "target", "measures");
+  for (const TimedWork& work : timed_works()) print_line(work);
+  for (const MemoryWork& work : memory_works()) print_line(work);
+}
+
+int measure(const Options& options) {
+  const WorkFolder folder(options.folder);
+  Workshop workshop(folder.path(), options.materials);
+  if (options.copy_memory) return copy_within_memory(workshop) ? 0 : 1;
+
+  print_legend();
+  std::printf("\n%u materials, %d rounds\n\n", options.materials, options.rounds);
+  register_works(options, workshop);
+  Table table;
+  benchmark::RunSpecifiedBenchmarks(&table);
+  return table.all_sound() ? 0 : 1;
+}
+
+int main(int count, char** arguments) {
+  const Options options = parse(count, arguments);
+  if (options.help) {
+    print_legend();
+    std::fputs(usage, stdout);
+    return 0;
+  }
+  benchmark::Initialize(&count, arguments);
+  if (benchmark::ReportUnrecognizedArguments(count, arguments)) return 2;
+  return measure(options);
+}
+
+}  // namespace
+}  // namespace veldra_bench
+
+int main(int count, char** arguments) {
+  try {
+    return veldra_bench::main(count, arguments);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "veldra_bench: %s\n", error.what());
+    return 2;
+  }
+}

@@ -1,0 +1,81 @@
+#ifndef VELDRA_BENCH_SAMPLE_HPP
+#define VELDRA_BENCH_SAMPLE_HPP
+
+#include "plain_sqlite.h"
+
+#include <veldra/veldra.hpp>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+// The data that all works are done on, always the same for the same size: materials with 3 tags of
+// 50, 2 thicknesses, 3 custom values of 20 properties, a drawing layer of 30 and one of the 13
+// types; a fifth as many compositions of 6 layers with 2 tags and 2 custom values.
+
+namespace veldra_bench {
+
+/// Objects of a sample are numbered from 1; their ids are these numbers until they are mapped.
+enum : unsigned {
+  sample_tags = 50,
+  sample_layers = 30,
+  sample_types = 13,
+  sample_material_properties = 20,
+  sample_composition_properties = 10,
+  sample_composition_layers = 6
+};
+
+std::string sample_tag_name(unsigned number);
+std::string sample_material_name(unsigned number);
+
+/// The caller frees them.
+plain_material sample_material(unsigned number);
+plain_composition sample_composition(unsigned number, unsigned materials);
+
+/// What the materials of a sample refer to, as objects of the library.
+struct References {
+  std::vector<std::shared_ptr<veldra::Tag>> tags;
+  std::vector<std::shared_ptr<veldra::MaterialType>> types;
+  std::vector<std::shared_ptr<veldra::Layer>> layers;
+  std::vector<std::shared_ptr<veldra::CustomProperty>> properties;
+};
+
+/// New tags, layers and properties, and the types of the library.
+References new_references(const veldra::Library& library);
+/// Those that are in the library.
+References stored_references(const veldra::Library& library);
+
+/// A new material with the values of a sample's.
+std::shared_ptr<veldra::Material> make_material(const plain_material& values,
+                                                const References& references);
+
+/// A library file in inches.
+class Sample {
+ public:
+  /// Makes the file; it must not exist.
+  Sample(const std::string& path, unsigned materials);
+  Sample(const Sample&) = delete;
+  Sample& operator=(const Sample&) = delete;
+  ~Sample() { plain_free_maps(&maps_); }
+
+  const std::string& path() const { return path_; }
+  unsigned materials() const { return materials_; }
+  unsigned compositions() const { return materials_ / 5; }
+
+  /// Which rows of the file the numbers mean. The caller frees them.
+  plain_maps maps() const;
+
+ private:
+  void fill(plain_library* library);
+
+  std::string path_;
+  unsigned materials_;
+  plain_maps maps_{};
+};
+
+/// The maps of a new library, which has the types already. The caller frees them.
+plain_maps maps_of_new_library();
+
+}  // namespace veldra_bench
+
+#endif
