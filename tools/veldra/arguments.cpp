@@ -2,29 +2,95 @@
 
 #include "kinds.hpp"
 
+#include "failure.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cctype>
+
 namespace veldra_tool {
+
+namespace {
+
+/// Turns a name, in whatever case, into the number of its value. `choices` is for the message.
+template <class Value>
+CLI::Validator named_value(std::map<std::string, Value> values, const std::string& choices) {
+  return CLI::Validator(
+      [values, choices](std::string& text) {
+        std::string name = text;
+        std::transform(name.begin(), name.end(), name.begin(),
+                       [](unsigned char letter) { return std::tolower(letter); });
+        const auto found = values.find(name);
+        if (found == values.end()) {
+          return fmt::format("{} is none of {}", in_quotes(text), choices);
+        }
+        text = fmt::format("{}", static_cast<int>(found->second));
+        return std::string();
+      },
+      "");
+}
+
+std::string kind_choices() {
+  std::string choices;
+  for (const auto kind : all_kinds()) choices += (choices.empty() ? "" : ", ") + plural_of(kind);
+  return choices;
+}
+
+}  // namespace
 
 void add_file(CLI::App& command, std::string& file) {
   command.add_option("FILE", file, "The library file")->required();
 }
 
 void add_kind(CLI::App& command, veldra::ObjectType& kind) {
-  command
-      .add_option("KIND", kind,
-                  "The kind of objects: materials, compositions, types, layers, properties, tags")
+  command.add_option("KIND", kind, "The kind of objects: " + kind_choices())
       ->required()
-      ->transform(CLI::CheckedTransformer(kinds_by_name(), CLI::ignore_case).description(""));
+      ->transform(named_value(kinds_by_name(), kind_choices()))
+      ->type_name("");
+}
+
+void add_kinds(CLI::App& command, std::vector<veldra::ObjectType>& kinds) {
+  command.add_option("KIND", kinds, "The kinds of objects, all by default: " + kind_choices())
+      ->transform(named_value(kinds_by_name(), kind_choices()))
+      ->type_name("");
 }
 
 void add_json(CLI::App& command, bool& json) {
   command.add_flag("--json", json, "Print JSON instead of text");
 }
 
+void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::string& description) {
+  command.add_option("--tag", tags, description)
+      ->type_size(1)
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+void add_output(CLI::App& command, std::string& output) {
+  command.add_option("-o,--output", output, "The file to write; standard output by default");
+}
+
 void add_unit(CLI::App& command, veldra::Unit& unit) {
   const std::map<std::string, veldra::Unit> units{{"mm", veldra::Unit::Millimetres},
                                                   {"in", veldra::Unit::Inches}};
   command.add_option("--unit", unit, "The unit of lengths in a new library: mm (default) or in")
-      ->transform(CLI::CheckedTransformer(units, CLI::ignore_case).description(""));
+      ->transform(named_value(units, "mm, in"))
+      ->type_name("UNIT");
+}
+
+void add_on_conflict(CLI::App& command, OnConflict& policy) {
+  const std::map<std::string, OnConflict> policies{{"fail", OnConflict::Fail},
+                                                   {"use", OnConflict::Use},
+                                                   {"overwrite", OnConflict::Overwrite},
+                                                   {"rename", OnConflict::Rename}};
+  command
+      .add_option("--on-conflict", policy,
+                  "What to do about a material or composition whose name is taken by one that "
+                  "differs: fail (default), use the one that is there, overwrite it, or rename "
+                  "the new one")
+      ->transform(named_value(policies, "fail, use, overwrite, rename"))
+      ->type_name("WHAT");
 }
 
 void add_example(CLI::App& command, const std::string& example) {

@@ -1,6 +1,8 @@
 #ifndef VELDRA_TOOL_ARGUMENTS_HPP
 #define VELDRA_TOOL_ARGUMENTS_HPP
 
+#include "conflicts.hpp"
+
 #include <veldra/veldra.hpp>
 
 #include <CLI/CLI.hpp>
@@ -14,6 +16,10 @@ namespace veldra_tool {
 
 void add_file(CLI::App& command, std::string& file);
 void add_kind(CLI::App& command, veldra::ObjectType& kind);
+void add_kinds(CLI::App& command, std::vector<veldra::ObjectType>& kinds);
+void add_on_conflict(CLI::App& command, OnConflict& policy);
+void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::string& description);
+void add_output(CLI::App& command, std::string& output);
 void add_json(CLI::App& command, bool& json);
 void add_unit(CLI::App& command, veldra::Unit& unit);
 

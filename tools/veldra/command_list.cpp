@@ -51,7 +51,7 @@ void set_criteria(veldra::CustomPropertyCriteria& criteria, const Arguments& arg
   if (arguments.type.empty()) return;
   const auto kind = kinds_by_name().find(arguments.type);
   if (kind == kinds_by_name().end()) {
-    throw Failure(fmt::format("there are no properties for {}", quoted(arguments.type)));
+    throw Failure(fmt::format("there are no properties for {}", in_quotes(arguments.type)));
   }
   criteria.object_type = kind->second;
 }
@@ -117,13 +117,8 @@ void add_list(Host& host) {
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
   add_kind(command, arguments->kind);
-  command
-      .add_option("--tag", arguments->tags,
-                  "Only materials or compositions with this tag; given several times, with one "
-                  "of them")
-      ->type_size(1)
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  add_tags(command, arguments->tags,
+           "Only materials or compositions with this tag; given several times, with one of them");
   command.add_option("--type", arguments->type,
                      "Only materials of this type; compositions: wall, floor, roof, other; "
                      "properties: material, composition");

@@ -148,7 +148,7 @@ void print_transmission(const veldra::Composition& composition, const Transmissi
     if (transmission.layers[i]) continue;
     line("no U-value",
          fmt::format("layer {}, {}, has neither a conductivity nor a resistance", i + 1,
-                     quoted(composition.layers()[i].material()->name().utf8())));
+                     in_quotes(composition.layers()[i].material()->name().utf8())));
   }
 }
 

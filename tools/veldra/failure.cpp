@@ -72,7 +72,7 @@ std::string sentence(const veldra::ObjectNotUnique& error) {
 
 void rethrow_for(const std::string& file) {
   const auto failure = [&](const std::string& text) {
-    return Failure(fmt::format("{}: {}", quoted(file), text));
+    return Failure(fmt::format("{}: {}", in_quotes(file), text));
   };
   try {
     throw;
@@ -93,7 +93,7 @@ void rethrow_for(const std::string& file) {
   }
 }
 
-std::string quoted(const std::string& text) {
+std::string in_quotes(const std::string& text) {
   return fmt::format("'{}'", is_utf8(text) ? printable(text) : printable(from_latin1(text)));
 }
 

@@ -28,7 +28,7 @@ auto working_on(const std::string& file, Work work) {
 }
 
 /// A file name as it stands in messages.
-std::string quoted(const std::string& text);
+std::string in_quotes(const std::string& text);
 
 }  // namespace veldra_tool
 

@@ -77,7 +77,7 @@ veldra::Composition::Type composition_type(const std::string& name) {
     if (name_of(type) == name) return type;
   }
   throw Failure(fmt::format(
-      "there is no type of composition {}; there are wall, floor, roof, other", quoted(name)));
+      "there is no type of composition {}; there are wall, floor, roof, other", in_quotes(name)));
 }
 
 }  // namespace veldra_tool

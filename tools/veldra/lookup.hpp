@@ -30,7 +30,7 @@ std::shared_ptr<T> find_object(const veldra::Library& library, const std::string
   if (!found) found = library.get<T>(id_in(name_or_id));
   if (found) return found;
   throw Failure(fmt::format("there is no {} {} in the library",
-                            singular_of(veldra::ObjectTraits<T>::type), quoted(name_or_id)));
+                            singular_of(veldra::ObjectTraits<T>::type), in_quotes(name_or_id)));
 }
 
 /// Property names are unique among the properties for one kind of object only.
@@ -44,13 +44,13 @@ inline std::shared_ptr<veldra::CustomProperty> find_object(const veldra::Library
     if (property->name() != library_text(name_or_id)) continue;
     if (found) {
       throw Failure(fmt::format("there are several properties {}; give the id of one ({} or {})",
-                                quoted(name_or_id), found->id(), property->id()));
+                                in_quotes(name_or_id), found->id(), property->id()));
     }
     found = property;
   }
   if (!found) found = library.get<veldra::CustomProperty>(id_in(name_or_id));
   if (found) return found;
-  throw Failure(fmt::format("there is no property {} in the library", quoted(name_or_id)));
+  throw Failure(fmt::format("there is no property {} in the library", in_quotes(name_or_id)));
 }
 
 /// The order of lists: by name, and by id where names are equal.

@@ -22,7 +22,7 @@ constexpr std::string_view database_mark{"SQLite format 3\0", 16};
 constexpr std::string_view library_mark = "schema_version";
 
 Failure failure(const std::string& file, const std::string& text) {
-  return Failure(fmt::format("{}: {}", quoted(file), text));
+  return Failure(fmt::format("{}: {}", in_quotes(file), text));
 }
 
 /// An absolute path without "//", so that no name means anything but a file of that name.
@@ -54,14 +54,16 @@ void require_library(const std::string& file) {
   if (status.type() == std::filesystem::file_type::not_found) {
     throw failure(file, "there is no such file");
   }
-  if (status.type() == std::filesystem::file_type::directory) throw failure(file, "is a folder");
-  if (!std::filesystem::is_regular_file(status)) throw failure(file, "is not a file");
+  if (status.type() == std::filesystem::file_type::directory)
+    throw failure(file, "this is a folder");
+  if (!std::filesystem::is_regular_file(status)) throw failure(file, "this is not a file");
   std::ifstream stream(file, std::ios::binary);
-  if (!stream) throw failure(file, fmt::format("cannot be read: {}", std::strerror(errno)));
+  if (!stream) throw failure(file, fmt::format("it cannot be read: {}", std::strerror(errno)));
   char head[database_mark.size()]{};
   stream.read(head, sizeof head);
   const bool database = std::string_view(head, sizeof head) == database_mark;
-  if (!database || !contains(stream, library_mark)) throw failure(file, "is not a veldra library");
+  if (!database || !contains(stream, library_mark))
+    throw failure(file, "this is not a veldra library");
 }
 
 }  // namespace
@@ -88,6 +90,11 @@ std::shared_ptr<veldra::Library> create_staging_library(veldra::Unit unit) {
   auto library = veldra::Library::create(":memory:", unit, "");
   library->purge<veldra::MaterialType>();
   return library;
+}
+
+bool same_file(const std::string& left, const std::string& right) {
+  std::error_code error;
+  return std::filesystem::equivalent(left, right, error);
 }
 
 bool file_exists(const std::string& file) {

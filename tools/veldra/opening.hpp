@@ -21,6 +21,9 @@ std::shared_ptr<veldra::Library> create_library(const std::string& file, veldra:
 /// A library in memory, without any object.
 std::shared_ptr<veldra::Library> create_staging_library(veldra::Unit unit);
 
+/// Whether two names lead to one file.
+bool same_file(const std::string& left, const std::string& right);
+
 bool file_exists(const std::string& file);
 
 }  // namespace veldra_tool

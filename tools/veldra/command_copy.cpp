@@ -1,0 +1,173 @@
+#include "arguments.hpp"
+#include "conflicts.hpp"
+#include "failure.hpp"
+#include "host.hpp"
+#include "json.hpp"
+#include "kinds.hpp"
+#include "lookup.hpp"
+#include "opening.hpp"
+#include "progress.hpp"
+#include "reactor_guard.hpp"
+#include "table.hpp"
+
+#include <fmt/format.h>
+
+namespace veldra_tool {
+
+namespace {
+
+struct Arguments {
+  std::string source;
+  std::string destination;
+  std::vector<std::string> objects;
+  bool all = false;
+  OnConflict on_conflict = OnConflict::Fail;
+  bool json = false;
+};
+
+/// What became of an object of the source.
+struct Copied {
+  veldra::ObjectType kind;
+  std::string name;    ///< in the source
+  std::string result;  ///< name in the destination
+  unsigned id;         ///< in the destination
+  Outcome outcome;
+};
+
+/// The object that "KIND:NAME" or "KIND:ID" means.
+veldra::ObjectKey key_of(const veldra::Library& library, const std::string& text) {
+  const auto colon = text.find(':');
+  const auto kind = kinds_by_name().find(text.substr(0, colon));
+  if (colon == std::string::npos || kind == kinds_by_name().end()) {
+    throw CLI::ValidationError(
+        "OBJECT",
+        fmt::format("{} is not KIND:NAME or KIND:ID, such as composition:Roof", in_quotes(text)));
+  }
+  return with_class_of(kind->second, [&](auto of) {
+    using T = typename decltype(of)::type;
+    return veldra::ObjectKey(kind->second, find_object<T>(library, text.substr(colon + 1))->id());
+  });
+}
+
+std::set<veldra::ObjectKey> keys_of(const veldra::Library& library, const Arguments& arguments) {
+  std::set<veldra::ObjectKey> keys;
+  for (const auto& text : arguments.objects) keys.insert(key_of(library, text));
+  return keys;
+}
+
+template <class T>
+Copied copied_of(const veldra::Library& source, const veldra::Library& destination, unsigned id,
+                 const veldra::IdMapping::Value& value, const ConflictReactor& reactor) {
+  constexpr auto kind = veldra::ObjectTraits<T>::type;
+  const auto from = source.get<T>(id);
+  const auto to = destination.get<T>(value.id);
+  const veldra::String name = from ? from->name() : veldra::String();
+  return {kind, name.utf8(), to ? to->name().utf8() : "", value.id,
+          reactor.outcome(kind, name, value.status)};
+}
+
+std::vector<Copied> copied_objects(const veldra::Library& source,
+                                   const veldra::Library& destination,
+                                   const veldra::IdMapping& mapping,
+                                   const ConflictReactor& reactor) {
+  std::vector<Copied> objects;
+  for (const auto& [key, value] : mapping) {
+    const unsigned id = key.key.id;
+    // Without an id it is the type that a material without one is given on the way.
+    if (id == 0) continue;
+    with_class_of(key.key.type, [&, value = value](auto of) {
+      using T = typename decltype(of)::type;
+      objects.push_back(copied_of<T>(source, destination, id, value, reactor));
+    });
+  }
+  return objects;
+}
+
+/// Tags, types, layers and properties of the same name are one and the same.
+std::string status_text(const Copied& copied) {
+  switch (copied.outcome) {
+    case Outcome::Added:
+      return "inserted";
+    case Outcome::Renamed:
+      return "inserted as " + copied.result;
+    case Outcome::Changed:
+      return "updated";
+    default:
+      return "taken as it is";
+  }
+}
+
+Json to_json(const std::vector<Copied>& objects) {
+  Json list = Json::array();
+  for (const auto& copied : objects) {
+    Json entry = Json::object();
+    entry["kind"] = singular_of(copied.kind);
+    entry["name"] = copied.name;
+    entry["outcome"] = copied.outcome == Outcome::Added || copied.outcome == Outcome::Renamed
+                           ? "inserted"
+                       : copied.outcome == Outcome::Changed ? "updated"
+                                                            : "existing";
+    entry["id"] = copied.id;
+    entry["name_in_destination"] = copied.result;
+    list.push_back(entry);
+  }
+  return list;
+}
+
+void print(const std::vector<Copied>& objects, bool json) {
+  if (json) return print_json(to_json(objects));
+  Table table({{"kind"}, {"name"}, {"id", Align::Right}, {"what became of it"}});
+  for (const auto& copied : objects) {
+    table.add(
+        {singular_of(copied.kind), copied.name, fmt::format("{}", copied.id), status_text(copied)});
+  }
+  fmt::print("{}", table.empty() ? "There was nothing to copy.\n" : table.text());
+}
+
+void copy_objects(const Arguments& arguments, const std::shared_ptr<veldra::Library>& source,
+                  const std::shared_ptr<veldra::Library>& destination) {
+  Progress progress("copying");
+  veldra::IdMapping mapping(destination.get());
+  ConflictReactor reactor(arguments.on_conflict, *source, mapping);
+  reactor.on_saved([&](veldra::Library&, const veldra::ObjectKey&) { progress.step(); });
+  {
+    const ReactorGuard guard(*destination, reactor);
+    if (arguments.all) {
+      destination->copyAll(source, mapping);
+    } else {
+      destination->copy(source, keys_of(*source, arguments), mapping);
+    }
+  }
+  print(copied_objects(*source, *destination, mapping, reactor), arguments.json);
+}
+
+void copy(const Arguments& arguments) {
+  if (arguments.all != arguments.objects.empty()) {
+    throw CLI::ValidationError("OBJECT", "say which objects to copy, or --all");
+  }
+  const auto source = open_library(arguments.source, Access::Read);
+  const auto destination = open_library(arguments.destination, Access::Write);
+  if (same_file(arguments.source, arguments.destination)) {
+    throw Failure("the source and the destination are the same file");
+  }
+  working_on(arguments.destination, [&] { copy_objects(arguments, source, destination); });
+}
+
+}  // namespace
+
+void add_copy(Host& host) {
+  auto& command = *host.arguments.add_subcommand(
+      "copy", "Copy objects, and what they refer to, from one library into another");
+  const auto arguments = std::make_shared<Arguments>();
+  command.add_option("SOURCE", arguments->source, "The library to copy from")->required();
+  command.add_option("DEST", arguments->destination, "The library to copy into")->required();
+  command.add_option("OBJECT", arguments->objects,
+                     "What to copy, as KIND:NAME or KIND:ID; kinds as in 'list'");
+  command.add_flag("--all", arguments->all, "Copy everything");
+  add_on_conflict(command, arguments->on_conflict);
+  add_json(command, arguments->json);
+  add_example(command, "veldra copy office.lib site.lib 'composition:Flat roof' material:17");
+  command.callback([arguments] { copy(*arguments); });
+}
+
+}  // namespace veldra_tool

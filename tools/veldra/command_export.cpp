@@ -1,0 +1,88 @@
+#include "arguments.hpp"
+#include "csv.hpp"
+#include "failure.hpp"
+#include "host.hpp"
+#include "json.hpp"
+#include "kinds.hpp"
+#include "lookup.hpp"
+#include "opening.hpp"
+#include "output.hpp"
+
+#include <fmt/format.h>
+
+namespace veldra_tool {
+
+namespace {
+
+struct Arguments {
+  std::string file;
+  std::string format = "json";
+  std::string output;
+};
+
+template <class T>
+Json names_to_json(const veldra::Library& library) {
+  Json names = Json::array();
+  for (const auto& object : all_objects<T>(library)) names.push_back(object->name().utf8());
+  return names;
+}
+
+template <class T>
+Json objects_to_json(const veldra::Library& library) {
+  Json objects = Json::array();
+  for (const auto& object : all_objects<T>(library)) objects.push_back(to_json(*object));
+  return objects;
+}
+
+/// Properties of one name are told apart by the kind of object that they are for.
+Json properties_to_json(const veldra::Library& library) {
+  auto properties = all_objects<veldra::CustomProperty>(library);
+  std::stable_sort(properties.begin(), properties.end(), [](const auto& left, const auto& right) {
+    if (left->name() != right->name()) return left->name() < right->name();
+    return left->object_type() < right->object_type();
+  });
+  Json objects = Json::array();
+  for (const auto& property : properties) objects.push_back(to_json(*property));
+  return objects;
+}
+
+std::string json_of(const veldra::Library& library) {
+  Json json = Json::object();
+  json["format"] = "veldra";
+  json["version"] = 1;
+  json["library"] = settings_to_json(library);
+  json["tags"] = names_to_json<veldra::Tag>(library);
+  json["layers"] = names_to_json<veldra::Layer>(library);
+  json["material_types"] = names_to_json<veldra::MaterialType>(library);
+  json["custom_properties"] = properties_to_json(library);
+  json["materials"] = objects_to_json<veldra::Material>(library);
+  json["compositions"] = objects_to_json<veldra::Composition>(library);
+  return json.dump(2) + "\n";
+}
+
+void export_library(const Arguments& arguments) {
+  const auto library = open_library(arguments.file, Access::Read);
+  const auto text = working_on(arguments.file, [&] {
+    return arguments.format == "csv" ? csv_of(*library) : json_of(*library);
+  });
+  write_output(arguments.output, text);
+}
+
+}  // namespace
+
+void add_export(Host& host) {
+  auto& command = *host.arguments.add_subcommand(
+      "export", "Write a whole library as text, which 'import' reads again");
+  const auto arguments = std::make_shared<Arguments>();
+  add_file(command, arguments->file);
+  command
+      .add_option("--format", arguments->format,
+                  "json (default): everything; csv: a table of materials, compositions and their "
+                  "layers")
+      ->check(CLI::IsMember({"json", "csv"}).description(""));
+  add_output(command, arguments->output);
+  add_example(command, "veldra export office.lib -o office.json");
+  command.callback([arguments] { export_library(*arguments); });
+}
+
+}  // namespace veldra_tool

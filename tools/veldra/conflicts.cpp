@@ -1,0 +1,166 @@
+#include "conflicts.hpp"
+
+#include "failure.hpp"
+#include "kinds.hpp"
+#include "units.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace veldra_tool {
+
+namespace {
+
+using veldra::ObjectType;
+
+/// Assets stay in their library, so that a copied material never has any.
+void drop_assets(veldra::Material& material) {
+  material.structuralAsset(nullptr);
+  material.thermalAsset(nullptr);
+}
+
+/// Whose layers are of the same materials is told by ids.
+void drop_layer_materials(veldra::Composition& composition) {
+  for (std::size_t i = 0; i < composition.layers().size(); ++i) {
+    composition.layer(i, veldra::toModify).material(nullptr);
+  }
+}
+
+bool same_variable_layer(const veldra::Composition& left, const veldra::Composition& right) {
+  return left.variable_layer() == right.variable_layer() &&
+         same_length(left.variable_layer_max_thickness(), right.variable_layer_max_thickness());
+}
+
+bool has(const veldra::Library& library, ObjectType type, const veldra::String& name) {
+  if (type == ObjectType::Material) return library.get<veldra::Material>(name) != nullptr;
+  return library.get<veldra::Composition>(name) != nullptr;
+}
+
+}  // namespace
+
+ConflictReactor::ConflictReactor(OnConflict policy, const veldra::Library& source,
+                                 const veldra::IdMapping& mapping)
+    : policy_(policy), source_(source), mapping_(mapping) {}
+
+void ConflictReactor::ignore_all_tags(ObjectType type, const veldra::String& name) {
+  without_tags_.insert({type, name});
+}
+
+void ConflictReactor::on_saved(
+    std::function<void(veldra::Library&, const veldra::ObjectKey&)> listener) {
+  listener_ = std::move(listener);
+}
+
+void ConflictReactor::objectSaved(veldra::Library& library, const veldra::ObjectKey& key) {
+  if (listener_) listener_(library, key);
+}
+
+int ConflictReactor::resolveNameConflict(veldra::Library& library, ObjectType type,
+                                         veldra::String& name) {
+  const auto found = originals_.find({type, name});
+  const Name original(type, found != originals_.end() ? found->second : name);
+  if (same(library, original, name)) {
+    equal_.insert(original);
+    return UseExisting;
+  }
+  switch (policy_) {
+    case OnConflict::Use:
+      return UseExisting;
+    case OnConflict::Overwrite:
+      return Overwrite;
+    case OnConflict::Rename:
+      return rename(library, original, name);
+    default:
+      throw Failure(fmt::format("the library has another {} {} already", singular_of(type),
+                                in_quotes(name.utf8())));
+  }
+}
+
+int ConflictReactor::rename(const veldra::Library& library, const Name& original,
+                            veldra::String& name) {
+  for (unsigned number = 2;; ++number) {
+    veldra::String candidate;
+    candidate.utf8(fmt::format("{} ({})", original.second.utf8(), number));
+    if (has(source_, original.first, candidate)) continue;
+    if (has(library, original.first, candidate) && !same(library, original, candidate)) continue;
+    renamed_.insert(original);
+    originals_[{original.first, candidate}] = original.second;
+    name = candidate;
+    return Rename;
+  }
+}
+
+Outcome ConflictReactor::outcome(ObjectType type, const veldra::String& name,
+                                 veldra::IdMapping::Status status) const {
+  if (equal_.count({type, name})) return Outcome::Equal;
+  if (status == veldra::IdMapping::Existing) return Outcome::Kept;
+  if (status == veldra::IdMapping::Updated) return Outcome::Changed;
+  return renamed_.count({type, name}) ? Outcome::Renamed : Outcome::Added;
+}
+
+template <class T>
+void ConflictReactor::drop_ignored_tags(T& object, const Name& original) const {
+  auto& tags = object.tags(veldra::toModify);
+  if (without_tags_.count(original)) return tags.clear();
+  tags.erase(std::remove_if(tags.begin(), tags.end(),
+                            [&](const auto& tag) { return ignored_tags_.count(tag->name()) > 0; }),
+             tags.end());
+}
+
+bool ConflictReactor::same(const veldra::Library& library, const Name& original,
+                           const veldra::String& stored_name) const {
+  return original.first == ObjectType::Material
+             ? same_material(library, original.second, stored_name)
+             : same_composition(library, original.second, stored_name);
+}
+
+bool ConflictReactor::same_material(const veldra::Library& library, const veldra::String& original,
+                                    const veldra::String& stored_name) const {
+  const auto incoming = source_.get<veldra::Material>(original);
+  const auto existing = library.get<veldra::Material>(stored_name);
+  if (!incoming || !existing || incoming->code() != existing->code()) return false;
+  const auto left = incoming->clone();
+  const auto right = existing->clone();
+  left->name(stored_name);
+  convert(*left, source_.unit(), library.unit());
+  align_lengths(*left, *right);
+  for (const auto& material : {left, right}) {
+    drop_assets(*material);
+    drop_ignored_tags(*material, {ObjectType::Material, original});
+  }
+  return *left == *right;
+}
+
+bool ConflictReactor::same_composition(const veldra::Library& library,
+                                       const veldra::String& original,
+                                       const veldra::String& stored_name) const {
+  const auto incoming = source_.get<veldra::Composition>(original);
+  const auto existing = library.get<veldra::Composition>(stored_name);
+  if (!incoming || !existing || !same_layer_materials(*incoming, *existing)) return false;
+  const auto left = incoming->clone();
+  const auto right = existing->clone();
+  left->name(stored_name);
+  convert(*left, source_.unit(), library.unit());
+  align_lengths(*left, *right);
+  for (const auto& composition : {left, right}) {
+    drop_layer_materials(*composition);
+    drop_ignored_tags(*composition, {ObjectType::Composition, original});
+  }
+  return same_variable_layer(*left, *right) && *left == *right;
+}
+
+/// The materials of a composition are copied before it, so the mapping has them.
+bool ConflictReactor::same_layer_materials(const veldra::Composition& incoming,
+                                           const veldra::Composition& stored) const {
+  const auto same = [&](const auto& left, const auto& right) {
+    veldra::IdMapping::Value value;
+    const veldra::ObjectKey key(ObjectType::Material, left.material()->id());
+    return mapping_.compute({key, &source_}, value) && value.id == right.material()->id();
+  };
+  const auto& left = incoming.layers();
+  const auto& right = stored.layers();
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(), same);
+}
+
+}  // namespace veldra_tool

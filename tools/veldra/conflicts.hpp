@@ -1,0 +1,74 @@
+#ifndef VELDRA_TOOL_CONFLICTS_HPP
+#define VELDRA_TOOL_CONFLICTS_HPP
+
+#include <veldra/veldra.hpp>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+
+namespace veldra_tool {
+
+/// What to do about a name that is taken by an object that differs.
+enum class OnConflict { Fail, Use, Overwrite, Rename };
+
+/// What became of an object that was copied.
+enum class Outcome { Added, Equal, Kept, Changed, Renamed };
+
+/// Decides about taken names while objects of `source` are copied with `mapping`. An object that
+/// equals the stored one, in the unit of the destination, is no conflict: the stored one stands
+/// for it. Assets do not count, because they are never copied.
+class ConflictReactor : public veldra::Library::Reactor {
+ public:
+  ConflictReactor(OnConflict policy, const veldra::Library& source,
+                  const veldra::IdMapping& mapping);
+
+  /// Tags of these names, and all tags of these objects, say where an object came from and not
+  /// what it is; they do not count when objects are compared.
+  void ignore_tags(const std::set<veldra::String>& names) { ignored_tags_ = names; }
+  void ignore_all_tags(veldra::ObjectType type, const veldra::String& name);
+
+  /// Is called with each object that was written.
+  void on_saved(std::function<void(veldra::Library&, const veldra::ObjectKey&)> listener);
+
+  int resolveNameConflict(veldra::Library& library, veldra::ObjectType type,
+                          veldra::String& name) override;
+  void objectSaved(veldra::Library& library, const veldra::ObjectKey& key) override;
+
+  /// What became of a material or composition of the source, by its name there and by what the
+  /// mapping says.
+  Outcome outcome(veldra::ObjectType type, const veldra::String& name,
+                  veldra::IdMapping::Status status) const;
+
+ private:
+  using Name = std::pair<veldra::ObjectType, veldra::String>;
+
+  bool same(const veldra::Library& library, const Name& original,
+            const veldra::String& stored_name) const;
+  bool same_material(const veldra::Library& library, const veldra::String& original,
+                     const veldra::String& stored_name) const;
+  bool same_composition(const veldra::Library& library, const veldra::String& original,
+                        const veldra::String& stored_name) const;
+  bool same_layer_materials(const veldra::Composition& incoming,
+                            const veldra::Composition& stored) const;
+  template <class T>
+  void drop_ignored_tags(T& object, const Name& original) const;
+
+  int rename(const veldra::Library& library, const Name& original, veldra::String& name);
+
+  OnConflict policy_;
+  const veldra::Library& source_;
+  const veldra::IdMapping& mapping_;
+  std::set<veldra::String> ignored_tags_;
+  std::set<Name> without_tags_;
+  std::function<void(veldra::Library&, const veldra::ObjectKey&)> listener_;
+  std::map<Name, veldra::String> originals_;  ///< of the new names
+  std::set<Name> equal_;
+  std::set<Name> renamed_;
+};
+
+}  // namespace veldra_tool
+
+#endif

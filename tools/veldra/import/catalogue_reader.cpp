@@ -1,0 +1,308 @@
+#include "import/catalogue_reader.hpp"
+
+#include "failure.hpp"
+#include "fields.hpp"
+#include "import/object_reader.hpp"
+#include "import/place.hpp"
+#include "kinds.hpp"
+#include "text.hpp"
+#include "units.hpp"
+
+#include <fmt/format.h>
+
+#include <cmath>
+
+namespace veldra_tool {
+
+namespace {
+
+constexpr const char* format_name = "veldra";
+constexpr int format_version = 1;
+
+veldra::Unit unit_of(const veldra::String& name, const JsonNode& node, const ObjectReader& reader) {
+  for (const auto unit : {veldra::Unit::Millimetres, veldra::Unit::Inches}) {
+    if (name.utf8() == name_of(unit)) return unit;
+  }
+  reader.fail(node, "the unit must be \"mm\" or \"in\"");
+}
+
+veldra::Color color_of(const JsonNode& node, const ObjectReader& reader) {
+  if (node.kind != JsonNode::Kind::Array || node.elements.size() != 4) {
+    reader.fail(node, "a colour is a list of four numbers: red, green, blue, alpha");
+  }
+  const auto part = [&](std::size_t index) { return reader.number_of(node.elements[index]); };
+  return {part(0), part(1), part(2), part(3)};
+}
+
+veldra::Pattern pattern_of(const JsonNode& node, const std::string& file) {
+  ObjectReader reader(node, "the pattern", file);
+  veldra::Pattern pattern;
+  pattern.type = static_cast<veldra::Pattern::Type>(reader.integer("type", 0));
+  pattern.name = reader.text("name");
+  pattern.scale = reader.number("scale", 1);
+  pattern.angle = reader.number("angle", 0);
+  pattern.cross = reader.boolean("cross", false);
+  reader.finish();
+  return pattern;
+}
+
+veldra::Point2d point_of(const JsonNode& node, const ObjectReader& reader) {
+  if (node.kind != JsonNode::Kind::Array || node.elements.size() != 2) {
+    reader.fail(node, "a point is a list of two numbers");
+  }
+  return {reader.number_of(node.elements[0]), reader.number_of(node.elements[1])};
+}
+
+/// Reads the objects of one file.
+class CatalogueReader {
+ public:
+  CatalogueReader(const std::string& file, veldra::Unit from, veldra::Unit to,
+                  SharedObjects& shared)
+      : file_(file), from_(from), to_(to), shared_(shared) {}
+
+  Catalogue read(const JsonNode& document) {
+    ObjectReader reader(document, "the catalogue", file_);
+    reader.find("format");
+    if (reader.integer("version", format_version) != format_version) {
+      reader.fail(document, "its version is not known here");
+    }
+    read_settings(reader);
+    for (const auto& node : reader.list("tags")) shared_.tag(reader.text_of(node));
+    for (const auto& node : reader.list("layers")) shared_.layer(reader.text_of(node));
+    read_types(reader);
+    for (const auto& node : reader.list("custom_properties")) read_property(node);
+    for (const auto& node : reader.list("materials")) read_material(node);
+    for (const auto& node : reader.list("compositions")) read_composition(node);
+    reader.finish();
+    return std::move(catalogue_);
+  }
+
+ private:
+  double length(double value) const { return converted(value, from_, to_); }
+
+  void read_settings(ObjectReader& reader) {
+    const JsonNode* node = reader.find("library");
+    if (node == nullptr) return;
+    ObjectReader settings(*node, "the library", file_);
+    settings.find("unit");
+    catalogue_.locale = settings.text("locale");
+    catalogue_.region = settings.text("region");
+    settings.finish();
+  }
+
+  void read_types(ObjectReader& reader) {
+    if (reader.find("material_types") == nullptr) return;
+    catalogue_.types.emplace();
+    for (const auto& node : reader.list("material_types")) {
+      const auto name = reader.text_of(node);
+      shared_.type(name);
+      catalogue_.types->insert(name);
+    }
+  }
+
+  void read_property(const JsonNode& node) {
+    ObjectReader reader(node, "a custom property", file_);
+    const auto name = reader.required_text("name");
+    const JsonNode* owner = reader.find("object_type");
+    reader.finish();
+    if (owner == nullptr) reader.fail(node, "'object_type' is missing");
+    shared_.property(name, owner_of(*owner, reader));
+  }
+
+  static veldra::ObjectType owner_of(const JsonNode& node, const ObjectReader& reader) {
+    if (node.kind != JsonNode::Kind::Text) {
+      return static_cast<veldra::ObjectType>(reader.index_of(node));
+    }
+    for (const auto kind : {veldra::ObjectType::Material, veldra::ObjectType::Composition}) {
+      if (node.text == singular_of(kind)) return kind;
+    }
+    reader.fail(node, "'object_type' must be \"material\", \"composition\" or a number");
+  }
+
+  template <class Owner>
+  void read_tags(ObjectReader& reader, Owner& owner) {
+    for (const auto& node : reader.list("tags")) owner.addTag(shared_.tag(reader.text_of(node)));
+  }
+
+  template <class Owner>
+  void read_custom_values(ObjectReader& reader, const char* key, veldra::ObjectType kind,
+                          Owner& owner) {
+    const JsonNode* node = reader.find(key);
+    if (node == nullptr) return;
+    const ObjectReader values(*node, fmt::format("'{}'", key), file_);
+    for (const auto& [name, value] : node->members) {
+      const bool number = value.kind == JsonNode::Kind::Number;
+      owner.custom_value(shared_.property(library_text(name), kind),
+                         number ? library_text(exact_number(value.number)) : values.text_of(value));
+    }
+  }
+
+  void read_material(const JsonNode& node) {
+    const JsonNode* name = node.member("name");
+    ObjectReader reader(node, what_of("material", name), file_);
+    auto material = veldra::Material::create(reader.required_text("name"));
+    if (const JsonNode* code = reader.find("code")) material->code(reader.text_of(*code));
+    if (reader.find("type")) material->type(shared_.type(reader.required_text("type")));
+    for (const auto& text : material_texts) ((*material).*text.set)(reader.text(text.key));
+    read_tags(reader, *material);
+    material->function(static_cast<veldra::Material::Function>(reader.integer("function", 0)));
+    for (const auto& thickness : reader.list("thicknesses")) {
+      material->thicknesses(veldra::toModify).insert(length(reader.number_of(thickness)));
+    }
+    material->allow_custom_thickness(reader.boolean("allow_custom_thickness", true));
+    read_custom_values(reader, "custom_values", veldra::ObjectType::Material, *material);
+    read_custom_values(reader, "common_custom_values", veldra::ObjectType{}, *material);
+    read_appearance(reader, *material);
+    for (const char* asset : {"structural_asset", "thermal_asset"}) {
+      if (reader.find(asset)) ++catalogue_.assets;
+    }
+    reader.finish();
+    catalogue_.materials.push_back({material, node.line});
+  }
+
+  void read_appearance(ObjectReader& reader, veldra::Material& material) {
+    material.shading_use_appearance(reader.boolean("shading_use_appearance", false));
+    for (const auto& color : material_colors) {
+      if (const JsonNode* node = reader.find(color.key)) {
+        (material.*color.set)(color_of(*node, reader));
+      }
+    }
+    for (const auto& pattern : material_patterns) {
+      if (const JsonNode* node = reader.find(pattern.key)) {
+        (material.*pattern.set)(pattern_of(*node, file_));
+      }
+    }
+    if (const JsonNode* node = reader.find("surface_pattern_alignment")) {
+      material.surface_pattern_alignment(point_of(*node, reader));
+    }
+    if (reader.find("cut_layer")) {
+      material.cut_layer(shared_.layer(reader.required_text("cut_layer")));
+    }
+  }
+
+  void read_composition(const JsonNode& node) {
+    ObjectReader reader(node, what_of("composition", node.member("name")), file_);
+    CatalogueComposition result;
+    result.line = node.line;
+    result.object = veldra::Composition::create(reader.required_text("name"));
+    auto& composition = *result.object;
+    const auto type = reader.text("type").utf8();
+    if (!type.empty()) composition.type(composition_type(type, node, reader));
+    composition.description(reader.text("description"));
+    composition.comments(reader.text("comments"));
+    read_tags(reader, composition);
+    if (reader.find("entity_layer")) {
+      composition.entity_layer(shared_.layer(reader.required_text("entity_layer")));
+    }
+    read_custom_values(reader, "custom_values", veldra::ObjectType::Composition, composition);
+    read_custom_values(reader, "common_custom_values", veldra::ObjectType{}, composition);
+    for (const auto& layer : reader.list("layers")) result.layers.push_back(read_layer(layer));
+    read_core(reader, result);
+    read_variable_layer(reader, composition);
+    reader.finish();
+    catalogue_.compositions.push_back(std::move(result));
+  }
+
+  static veldra::Composition::Type composition_type(const std::string& name, const JsonNode& node,
+                                                    const ObjectReader& reader) {
+    try {
+      return veldra_tool::composition_type(name);
+    } catch (const Failure& failure) {
+      reader.fail(node, failure.what());
+    }
+  }
+
+  NamedLayer read_layer(const JsonNode& node) {
+    ObjectReader reader(node, "a layer", file_);
+    NamedLayer layer;
+    layer.material = reader.required_text("material").utf8();
+    layer.thickness = length(reader.number("thickness", 0));
+    layer.function = static_cast<veldra::Material::Function>(reader.integer("function", 0));
+    reader.finish();
+    return layer;
+  }
+
+  /// The whole build-up is the core where nothing else is said.
+  static void read_core(ObjectReader& reader, CatalogueComposition& result) {
+    const auto index = [&](const char* key, unsigned otherwise) {
+      return reader.find(key) ? reader.required_index(key) : otherwise;
+    };
+    const auto count = static_cast<unsigned>(result.layers.size());
+    result.first_core_layer = index("first_core_layer", 0);
+    result.last_core_layer = index("last_core_layer", count > 0 ? count - 1 : 0);
+    result.structural_layer = index("structural_layer", result.first_core_layer);
+  }
+
+  void read_variable_layer(ObjectReader& reader, veldra::Composition& composition) {
+    if (reader.find("variable_layer")) {
+      composition.variable_layer(reader.required_index("variable_layer"));
+    }
+    composition.variable_layer_min_thickness(
+        length(reader.number("variable_layer_min_thickness", 0)));
+    if (const JsonNode* node = reader.find("variable_layer_max_thickness")) {
+      composition.variable_layer_max_thickness(length(reader.number_of(*node)));
+    }
+  }
+
+  static std::string what_of(const std::string& kind, const JsonNode* name) {
+    const bool named = name != nullptr && name->kind == JsonNode::Kind::Text;
+    return named ? fmt::format("{} {}", kind, in_quotes(name->text)) : "a " + kind;
+  }
+
+  const std::string& file_;
+  veldra::Unit from_;
+  veldra::Unit to_;
+  SharedObjects& shared_;
+  Catalogue catalogue_;
+};
+
+void set_core(veldra::Composition& composition, const CatalogueComposition& wanted) {
+  composition.last_core_layer(wanted.last_core_layer);
+  composition.first_core_layer(wanted.first_core_layer);
+  composition.structural_layer(wanted.structural_layer);
+}
+
+bool has_core(const veldra::Composition& composition, const CatalogueComposition& wanted) {
+  return composition.first_core_layer() == wanted.first_core_layer &&
+         composition.last_core_layer() == wanted.last_core_layer &&
+         composition.structural_layer() == wanted.structural_layer;
+}
+
+}  // namespace
+
+bool is_catalogue(const JsonNode& document) {
+  const JsonNode* format = document.member("format");
+  return format != nullptr && format->text == format_name;
+}
+
+std::optional<veldra::Unit> catalogue_unit(const JsonNode& document, const std::string& file) {
+  const JsonNode* library = document.member("library");
+  if (library == nullptr) return std::nullopt;
+  ObjectReader settings(*library, "the library", file);
+  const JsonNode* unit = settings.find("unit");
+  if (unit == nullptr) return std::nullopt;
+  return unit_of(settings.text_of(*unit), *unit, settings);
+}
+
+Catalogue read_catalogue(const JsonNode& document, const std::string& file, veldra::Unit unit,
+                         SharedObjects& shared) {
+  const auto own_unit = catalogue_unit(document, file).value_or(veldra::Unit::Millimetres);
+  return CatalogueReader(file, own_unit, unit, shared).read(document);
+}
+
+void complete(const CatalogueComposition& composition,
+              const std::vector<veldra::Composition::Layer>& layers, const std::string& file) {
+  auto& object = *composition.object;
+  try {
+    for (const auto& layer : layers) object.appendLayer(layer);
+    set_core(object, composition);
+    if (has_core(object, composition)) return;
+  } catch (const std::out_of_range&) {
+  }
+  throw Failure(
+      fmt::format("{}: composition {}: the indices of core and structural layer "
+                  "contradict each other or the number of layers",
+                  place(file, composition.line), in_quotes(object.name().utf8())));
+}
+
+}  // namespace veldra_tool

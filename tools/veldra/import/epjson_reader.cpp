@@ -1,0 +1,103 @@
+#include "failure.hpp"
+#include "import/place.hpp"
+#include "import/readers.hpp"
+#include "text.hpp"
+
+#include <fmt/format.h>
+
+#include <charconv>
+
+namespace veldra_tool {
+
+namespace {
+
+void require_object(const JsonNode& node, const std::string& what, const std::string& file) {
+  if (node.kind == JsonNode::Kind::Object) return;
+  throw Failure(fmt::format("{}: {} must be a JSON object", place(file, node.line), what));
+}
+
+std::string text_of(const JsonNode& node, const std::string& file) {
+  switch (node.kind) {
+    case JsonNode::Kind::Null:
+      return "";
+    case JsonNode::Kind::Number:
+      return exact_number(node.number);
+    case JsonNode::Kind::Text:
+      return trimmed(node.text);
+    case JsonNode::Kind::Boolean:
+      return node.boolean ? "Yes" : "No";
+    default:
+      throw Failure(fmt::format("{}: a number or a text is expected", place(file, node.line)));
+  }
+}
+
+SourceMaterial material_from(const std::string& name, const JsonNode& node,
+                             const MaterialClass& described, const std::string& file) {
+  SourceMaterial material;
+  material.described = &described;
+  material.name = name;
+  material.line = node.line;
+  for (const auto& field : described.fields) {
+    const JsonNode* value = node.member(field.key);
+    if (value == nullptr || field.kind == FieldKind::Ignored) continue;
+    std::string text = text_of(*value, file);
+    if (!text.empty()) material.values[field.key] = std::move(text);
+  }
+  return material;
+}
+
+/// The position of a layer among the layers: 1 for the outside layer, 0 for what is no layer.
+unsigned layer_position(const std::string& key) {
+  if (key == "outside_layer") return 1;
+  constexpr std::string_view prefix = "layer_";
+  if (key.compare(0, prefix.size(), prefix) != 0) return 0;
+  unsigned position = 0;
+  const char* end = key.data() + key.size();
+  const auto result = std::from_chars(key.data() + prefix.size(), end, position);
+  return result.ec == std::errc() && result.ptr == end ? position : 0;
+}
+
+SourceConstruction construction_from(const std::string& name, const JsonNode& node,
+                                     const ConstructionClass& described, const std::string& file) {
+  SourceConstruction construction;
+  construction.described = &described;
+  construction.name = name;
+  construction.line = node.line;
+  if (described.kind == ConstructionKind::WithoutLayers) return construction;
+  std::map<unsigned, std::string> layers;
+  for (const auto& [key, value] : node.members) {
+    const unsigned position = layer_position(key);
+    if (position == 0) continue;
+    std::string text = text_of(value, file);
+    if (!text.empty()) layers[position] = std::move(text);
+  }
+  for (auto& layer : layers) construction.layers.push_back(std::move(layer.second));
+  return construction;
+}
+
+}  // namespace
+
+SourceModel read_epjson(const JsonNode& document, const std::string& file) {
+  SourceModel model;
+  require_object(document, "the document", file);
+  for (const auto& [name, objects] : document.members) {
+    const auto* material = material_class(name);
+    const auto* construction = construction_class(name);
+    require_object(objects, in_quotes(name), file);
+    if (!material && !construction) {
+      model.skipped[name] += static_cast<unsigned>(objects.members.size());
+      continue;
+    }
+    for (const auto& [object, node] : objects.members) {
+      require_object(node, in_quotes(object), file);
+      if (material) {
+        model.materials.push_back(material_from(object, node, *material, file));
+      } else {
+        model.constructions.push_back(construction_from(object, node, *construction, file));
+      }
+    }
+  }
+  return model;
+}
+
+}  // namespace veldra_tool

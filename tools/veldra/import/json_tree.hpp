@@ -1,0 +1,32 @@
+#ifndef VELDRA_TOOL_IMPORT_JSON_TREE_HPP
+#define VELDRA_TOOL_IMPORT_JSON_TREE_HPP
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace veldra_tool {
+
+/// A value of a JSON document that knows its line. Members stay in their order, also those of the
+/// same name.
+struct JsonNode {
+  enum class Kind { Null, Boolean, Number, Text, Array, Object };
+
+  Kind kind = Kind::Null;
+  unsigned line = 0;
+  bool boolean = false;
+  double number = 0;
+  std::string text;
+  std::vector<JsonNode> elements;
+  std::vector<std::pair<std::string, JsonNode>> members;
+
+  /// The first member of that name; null when there is none.
+  const JsonNode* member(const std::string& name) const;
+};
+
+/// Reads a JSON text; `file` is for messages. Throws `Failure`.
+JsonNode parse_json(const std::string& text, const std::string& file);
+
+}  // namespace veldra_tool
+
+#endif

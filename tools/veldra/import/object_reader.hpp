@@ -1,0 +1,55 @@
+#ifndef VELDRA_TOOL_IMPORT_OBJECT_READER_HPP
+#define VELDRA_TOOL_IMPORT_OBJECT_READER_HPP
+
+#include "import/json_tree.hpp"
+
+#include <veldra/veldra.hpp>
+
+#include <set>
+#include <string>
+
+namespace veldra_tool {
+
+/// Reads the members of a JSON object of this program's own format. What is not as it must be
+/// becomes a `Failure` that names the file and the line; so do members that nobody asked for, when
+/// the reading is `finish`ed.
+class ObjectReader {
+ public:
+  ObjectReader(const JsonNode& node, const std::string& what, const std::string& file);
+
+  /// The member of that name; null when there is none.
+  const JsonNode* find(const std::string& key);
+
+  /// Members that must be there.
+  veldra::String required_text(const std::string& key);
+  unsigned required_index(const std::string& key);
+
+  /// Members that need not be there.
+  veldra::String text(const std::string& key);
+  bool boolean(const std::string& key, bool otherwise);
+  int integer(const std::string& key, int otherwise);
+  double number(const std::string& key, double otherwise);
+  const std::vector<JsonNode>& list(const std::string& key);
+
+  void finish() const;
+
+  // The values of nodes.
+  veldra::String text_of(const JsonNode& node) const;
+  double number_of(const JsonNode& node) const;
+  unsigned index_of(const JsonNode& node) const;
+
+  [[noreturn]] void fail(const JsonNode& node, const std::string& sentence) const;
+
+ private:
+  const JsonNode& required(const std::string& key);
+  long long integer_of(const JsonNode& node, long long least, long long greatest) const;
+
+  const JsonNode& node_;
+  std::string what_;
+  const std::string& file_;
+  std::set<std::string> known_;
+};
+
+}  // namespace veldra_tool
+
+#endif

@@ -1,0 +1,63 @@
+#ifndef VELDRA_TOOL_IMPORT_SOURCE_MODEL_HPP
+#define VELDRA_TOOL_IMPORT_SOURCE_MODEL_HPP
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace veldra_tool {
+
+/// How a field of a class of the simulation formats comes into a library.
+enum class FieldKind { Ignored, Thickness, Number, Text };
+
+struct FieldDescription {
+  const char* key;       ///< the name of the field in epJSON
+  const char* property;  ///< the custom property that takes the value
+  FieldKind kind;
+};
+
+/// A class of materials of the simulation formats.
+struct MaterialClass {
+  const char* name;                      ///< in its usual spelling
+  const char* type;                      ///< the material type in the library
+  double default_thickness;              ///< in metres, where the class has one; else negative
+  std::vector<FieldDescription> fields;  ///< behind the name, in the order of IDF
+};
+
+/// The class of that name in whatever case; null when there is none.
+const MaterialClass* material_class(const std::string& name);
+
+enum class ConstructionKind { Layers, InternalSource, WithoutLayers };
+
+struct ConstructionClass {
+  const char* name;
+  ConstructionKind kind;
+};
+
+const ConstructionClass* construction_class(const std::string& name);
+
+/// An object as a source has it, whatever its format.
+struct SourceMaterial {
+  const MaterialClass* described = nullptr;
+  std::string name;
+  unsigned line = 0;
+  std::map<std::string, std::string> values;  ///< by the key of the field; none is empty
+};
+
+struct SourceConstruction {
+  const ConstructionClass* described = nullptr;
+  std::string name;
+  unsigned line = 0;
+  std::vector<std::string> layers;  ///< from outside to inside
+};
+
+/// What a file of the simulation formats holds.
+struct SourceModel {
+  std::vector<SourceMaterial> materials;
+  std::vector<SourceConstruction> constructions;
+  std::map<std::string, unsigned> skipped;  ///< objects of other classes, by class
+};
+
+}  // namespace veldra_tool
+
+#endif

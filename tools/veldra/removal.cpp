@@ -1,0 +1,83 @@
+#include "removal.hpp"
+
+#include "json.hpp"
+#include "kinds.hpp"
+#include "lookup.hpp"
+#include "references.hpp"
+#include "table.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace veldra_tool {
+
+namespace {
+
+using veldra::ObjectType;
+
+/// The order in which the library removes: what refers goes before what it refers to.
+constexpr ObjectType removal_order[] = {ObjectType::Composition,    ObjectType::Material,
+                                        ObjectType::MaterialType,   ObjectType::Layer,
+                                        ObjectType::CustomProperty, ObjectType::Tag};
+
+}  // namespace
+
+std::vector<Candidate> candidates(const veldra::Library& library,
+                                  const std::set<ObjectType>& kinds) {
+  std::vector<Candidate> result;
+  for (const auto kind : removal_order) {
+    if (kinds.count(kind) == 0) continue;
+    with_class_of(kind, [&](auto of) {
+      using T = typename decltype(of)::type;
+      for (const auto& object : all_objects<T>(library)) {
+        result.push_back({veldra::ObjectKey(kind, object->id()), object->name().utf8()});
+      }
+    });
+  }
+  return result;
+}
+
+void enter_results(std::vector<Candidate>& candidates,
+                   const std::map<veldra::ObjectKey, bool>& results) {
+  for (auto& candidate : candidates) {
+    const auto found = results.find(candidate.key);
+    candidate.removed = found != results.end() && found->second;
+  }
+}
+
+void predict_purge(std::vector<Candidate>& candidates, const veldra::Library& library) {
+  const auto references = references_in(library);
+  std::set<veldra::ObjectKey> gone;
+  for (auto& candidate : candidates) {
+    const auto found = references.find(candidate.key);
+    candidate.removed =
+        found == references.end() ||
+        std::all_of(found->second.begin(), found->second.end(),
+                    [&](const Reference& reference) { return gone.count(reference.from) > 0; });
+    if (candidate.removed) gone.insert(candidate.key);
+  }
+}
+
+void print_candidates(const std::vector<Candidate>& candidates, bool json, const char* removed) {
+  if (json) {
+    Json list = Json::array();
+    for (const auto& candidate : candidates) {
+      Json entry = Json::object();
+      entry["kind"] = singular_of(candidate.key.type);
+      entry["id"] = candidate.key.id;
+      entry["name"] = candidate.name;
+      entry["removed"] = candidate.removed;
+      list.push_back(entry);
+    }
+    return print_json(list);
+  }
+  Table table({{"kind"}, {"id", Align::Right}, {"name"}, {"what became of it"}});
+  for (const auto& candidate : candidates) {
+    table.add({singular_of(candidate.key.type), fmt::format("{}", candidate.key.id), candidate.name,
+               candidate.removed ? removed : "stays: in use"});
+  }
+  fmt::print("{}", table.empty() ? "There was nothing to remove.\n" : table.text());
+}
+
+}  // namespace veldra_tool

@@ -1,0 +1,85 @@
+#include "units.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+namespace veldra_tool {
+
+namespace {
+
+/// Equality of numbers does not hold for NaN, which stands for a length that nobody knows.
+void align_unknown(veldra::Composition::Layer& left, veldra::Composition::Layer& right) {
+  if (!std::isnan(left.thickness()) || !std::isnan(right.thickness())) return;
+  left.thickness(0);
+  right.thickness(0);
+}
+
+void align_minimum(veldra::Composition& object, veldra::Composition& other) {
+  const double left = object.variable_layer_min_thickness();
+  const double right = other.variable_layer_min_thickness();
+  if (!same_length(left, right)) return;
+  object.variable_layer_min_thickness(std::isnan(left) ? 0 : right);
+  if (std::isnan(left)) other.variable_layer_min_thickness(0);
+}
+
+}  // namespace
+
+double converted(double length, veldra::Unit from, veldra::Unit to) {
+  if (from == veldra::Unit::Inches && to == veldra::Unit::Millimetres) return length * 25.4;
+  if (from == veldra::Unit::Millimetres && to == veldra::Unit::Inches) {
+    return length * 0.03937007874015748;
+  }
+  return length;
+}
+
+double from_metres(double length, veldra::Unit unit) {
+  return unit == veldra::Unit::Inches ? length / 0.0254 : length * 1000.0;
+}
+
+void convert(veldra::Material& material, veldra::Unit from, veldra::Unit to) {
+  if (from == to) return;
+  std::set<double> thicknesses;
+  for (const double thickness : material.thicknesses()) {
+    thicknesses.insert(converted(thickness, from, to));
+  }
+  material.thicknesses(veldra::toModify) = thicknesses;
+}
+
+void convert(veldra::Composition& composition, veldra::Unit from, veldra::Unit to) {
+  if (from == to) return;
+  const auto end = composition.layers_end(veldra::toModify);
+  for (auto layer = composition.layers_begin(veldra::toModify); layer != end; ++layer) {
+    layer->thickness(converted(layer->thickness(), from, to));
+  }
+  composition.variable_layer_min_thickness(
+      converted(composition.variable_layer_min_thickness(), from, to));
+  if (!composition.has_variable_layer_max_thickness()) return;
+  composition.variable_layer_max_thickness(
+      converted(composition.variable_layer_max_thickness(), from, to));
+}
+
+bool same_length(double left, double right) {
+  if (std::isnan(left) || std::isnan(right)) return std::isnan(left) && std::isnan(right);
+  if (left == right) return true;
+  return std::abs(left - right) <= 1e-12 * std::max(std::abs(left), std::abs(right));
+}
+
+void align_lengths(veldra::Material& object, const veldra::Material& other) {
+  const auto& left = object.thicknesses();
+  const auto& right = other.thicknesses();
+  if (!std::equal(left.begin(), left.end(), right.begin(), right.end(), same_length)) return;
+  object.thicknesses(veldra::toModify) = std::set<double>(right);
+}
+
+void align_lengths(veldra::Composition& object, veldra::Composition& other) {
+  const std::size_t count = std::min(object.layers().size(), other.layers().size());
+  for (std::size_t i = 0; i < count; ++i) {
+    auto& left = object.layer(i, veldra::toModify);
+    auto& right = other.layer(i, veldra::toModify);
+    align_unknown(left, right);
+    if (same_length(left.thickness(), right.thickness())) left.thickness(right.thickness());
+  }
+  align_minimum(object, other);
+}
+
+}  // namespace veldra_tool
