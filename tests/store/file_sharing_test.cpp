@@ -8,15 +8,13 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
-#include <set>
+#include <functional>
 
 namespace veldra_tests {
 namespace {
 
 using testing::Each;
 using testing::IsEmpty;
-using testing::Not;
-using testing::StartsWith;
 using veldra::Library;
 using veldra::MaterialType;
 
@@ -136,6 +134,13 @@ TEST_F(FileSharing, waiting_ends_after_five_seconds) {
   }
   EXPECT_TRUE(before == FileState(path()));
   EXPECT_EQ(open()->count<MaterialType>(), 13u);
+}
+
+TEST_F(FileSharing, migrating_waits_for_another_writer) {
+  make_old_file(path(), 150301);
+  const LockingProcess other(path(), "BEGIN IMMEDIATE; INSERT INTO Tag (name) VALUES ('x')", 600);
+  EXPECT_GT(seconds_of([&] { EXPECT_EQ(open()->count<veldra::Tag>(), 1u); }), 0.3);
+  EXPECT_EQ(catalogue(path()), migrated_catalogue(150301));
 }
 
 // The library that another process is making counts, and is not made again.
