@@ -7,7 +7,7 @@ namespace veldra_tests {
 
 namespace {
 
-const unsigned sample = 5;
+const unsigned sample = 3;
 
 class FilesThatFail : public Faults {
  public:

@@ -87,28 +87,29 @@ Disk& disk_of(const std::string& path) {
 }
 
 // Changes are remembered before they fail: the one during which the power goes may still be made.
-void remember(const std::string& path, Change change) {
-  if (!losing_power() || state().fired || path.empty()) return;
+void remember(const char* path, Change change) {
+  if (!losing_power() || state().fired || path == nullptr) return;
   disk_of(path).changes.push_back(std::move(change));
 }
 
-void synced(const std::string& path) {
-  if (!losing_power() || path.empty()) return;
+void synced(const char* path) {
+  if (!losing_power() || path == nullptr) return;
   Disk& disk = disk_of(path);
   disk.exists = true;
   disk.synced = read_file(path);
   disk.changes.clear();
 }
 
-void deleted_and_synced(const std::string& path) {
+void deleted_and_synced(const char* path) {
   if (!losing_power()) return;
   disk_of(path) = Disk();
 }
 
-// An open file: ours, with the one of the VFS below behind it.
+// An open file: ours, with the one of the VFS below behind it. SQLite keeps the path; it is null
+// for a file without a name. Nothing is allocated here but while power is being lost.
 struct File {
   sqlite3_file base;
-  std::string* path;
+  const char* path;
 
   sqlite3_file* real() { return reinterpret_cast<sqlite3_file*>(this + 1); }
 };
@@ -121,9 +122,7 @@ sqlite3_vfs* below() {
 }
 
 int close_file(sqlite3_file* file) {
-  File& own = ours(file);
-  delete own.path;
-  return own.real()->pMethods->xClose(own.real());
+  return ours(file).real()->pMethods->xClose(ours(file).real());
 }
 
 int read_bytes(sqlite3_file* file, void* bytes, int size, sqlite3_int64 offset) {
@@ -152,7 +151,7 @@ int failed_write(File& file, const void* bytes, int size, sqlite3_int64 offset) 
 int write_bytes(sqlite3_file* file, const void* bytes, int size, sqlite3_int64 offset) {
   File& own = ours(file);
   if (losing_power()) {
-    remember(*own.path,
+    remember(own.path,
              {Change::Kind::Write, static_cast<std::size_t>(offset),
               std::string(static_cast<const char*>(bytes), static_cast<std::size_t>(size))});
   }
@@ -164,14 +163,14 @@ int write_bytes(sqlite3_file* file, const void* bytes, int size, sqlite3_int64 o
 
 int truncate_file(sqlite3_file* file, sqlite3_int64 size) {
   File& own = ours(file);
-  remember(*own.path, {Change::Kind::Truncate, static_cast<std::size_t>(size), {}});
+  remember(own.path, {Change::Kind::Truncate, static_cast<std::size_t>(size), {}});
   if (fails(Call::ChangeOfDisk)) return SQLITE_IOERR_TRUNCATE;
   return own.real()->pMethods->xTruncate(own.real(), size);
 }
 
 int sync_file(sqlite3_file* file, int) {
   if (fails(Call::ChangeOfDisk)) return SQLITE_IOERR_FSYNC;
-  synced(*ours(file).path);
+  synced(ours(file).path);
   return SQLITE_OK;
 }
 
@@ -235,7 +234,7 @@ int open_file(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int
   File& own = ours(file);
   const int result = below()->xOpen(below(), name, own.real(), flags, out_flags);
   if (result != SQLITE_OK) return result;
-  own.path = new std::string(name == nullptr ? "" : name);
+  own.path = name;
   file->pMethods = &methods;
   return SQLITE_OK;
 }

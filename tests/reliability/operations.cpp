@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <stdexcept>
 
 namespace veldra_tests {
 
@@ -307,6 +308,13 @@ std::vector<Operation> joined(const std::vector<std::vector<Operation>>& groups)
 const std::vector<Operation>& operations() {
   static const auto all = joined({opening(), saving(), removing(), copying(), reading()});
   return all;
+}
+
+const Operation& operation_named(const std::string& name) {
+  const auto found = std::find_if(operations().begin(), operations().end(),
+                                  [&](const Operation& each) { return each.name == name; });
+  if (found == operations().end()) throw std::runtime_error("no operation " + name);
+  return *found;
 }
 
 std::vector<Operation> writing_operations() {

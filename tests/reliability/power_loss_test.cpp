@@ -90,13 +90,6 @@ TEST(PowerLoss, leaves_the_old_state_or_the_new_one) {
   report_figure("losses of power", all);
 }
 
-const Operation& operation_named(const std::string& name) {
-  for (const Operation& operation : operations()) {
-    if (operation.name == name) return operation;
-  }
-  throw std::runtime_error("no operation " + name);
-}
-
 struct Interrupted {
   std::string file;
   std::string journal;

@@ -134,6 +134,8 @@ struct Operation {
 /// Every operation of a library, in all its forms.
 const std::vector<Operation>& operations();
 
+const Operation& operation_named(const std::string& name);
+
 /// Those that write.
 std::vector<Operation> writing_operations();
 

@@ -130,6 +130,13 @@ unsigned Sweep::run(unsigned sample) {
   return fired;
 }
 
+unsigned Sweep::run_last(unsigned number) {
+  run_at(never);
+  unsigned fired = 0;
+  for (unsigned point = faults_.points() - number + 1; run_at(point); ++point) ++fired;
+  return fired;
+}
+
 bool Sweep::run_at(unsigned point) {
   SCOPED_TRACE(operation_.name + (", fault at " + std::to_string(point)));
   const Deadline deadline;

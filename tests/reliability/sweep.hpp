@@ -78,6 +78,9 @@ class Sweep {
   ///  - no file is left open, no journal is left over.
   unsigned run(unsigned sample);
 
+  /// The same with a fault at each of the last points.
+  unsigned run_last(unsigned number);
+
  private:
   bool run_at(unsigned point);
   void expect_documented(const Thrown& thrown) const;

@@ -1,0 +1,25 @@
+#include "reliability/failing_allocation.hpp"
+
+#include <cstdlib>
+#include <new>
+
+// Replaces the operators of the whole program.
+
+namespace veldra_tests {
+
+FailingAllocation failing_new;
+
+}  // namespace veldra_tests
+
+void* operator new(std::size_t size) {
+  const bool fails = veldra_tests::failing_new.fails();
+  void* const memory = fails ? nullptr : std::malloc(size == 0 ? 1 : size);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+
+void* operator new[](std::size_t size) { return operator new(size); }
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
