@@ -138,6 +138,9 @@ void bring_up_to_date(Database& database, Unit unit, const String& guid) {
   }
   transaction.commit();
   foreign_keys.on_again();
+  // The pragma has made the prepared statements stale. They are made anew now, where a failure is
+  // told: one at the end of a transaction is not, and would leave the connection within it.
+  odb::sqlite::transaction(database.begin()).rollback();
 }
 
 Meta load_meta(Database& database) {
