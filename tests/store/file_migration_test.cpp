@@ -10,7 +10,6 @@ namespace veldra_tests {
 namespace {
 
 using testing::ElementsAre;
-using testing::UnorderedElementsAre;
 using veldra::Composition;
 using veldra::CustomProperty;
 using veldra::Layer;

@@ -16,7 +16,6 @@ namespace {
 
 using veldra::Library;
 using veldra::MaterialType;
-using veldra::String;
 using veldra::Unit;
 
 std::shared_ptr<Library> create_library(const std::string& name) {

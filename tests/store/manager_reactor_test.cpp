@@ -8,7 +8,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 using veldra::Library;
 using veldra::LibraryManager;
