@@ -95,10 +95,11 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   ///
   /// A name such as "memdb:///walls" opens "/walls" through the SQLite VFS "memdb".
   ///
-  /// Throws what the persistence runtime throws, with the file in its text, when the file cannot
-  /// be opened or is no library (`odb::sqlite::database_exception`), has an unknown version
-  /// (`odb::unknown_schema_version`) or is held by others (`odb::timeout`). The file is then as it
-  /// was, and a new one remains empty.
+  /// Throws what the persistence runtime throws: with the file in its text, when the file cannot
+  /// be opened or is no database (`odb::sqlite::database_exception`) or has an unknown version
+  /// (`odb::unknown_schema_version`); when it is held by others (`odb::timeout`); when it does not
+  /// say what library it is (`odb::object_not_persistent`). The file is then as it was, and a new
+  /// one remains empty.
   static std::shared_ptr<Library> create(const String& filename, Unit unit, const String& guid);
 
   /// Opens the library in the existing file `filename`; an empty file becomes a new library in
@@ -128,8 +129,9 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
 
   /// Sets the value and writes it to the file at once.
   ///
-  /// Throws `LibraryReadOnly`, and `UnknownError` for any other failure. The file is then as it
-  /// was, while this handle keeps the new value.
+  /// Throws `LibraryReadOnly`, `ObjectInUse` when a constraint of the file forbids it,
+  /// `ObjectNotFound` when the file does not say any more what library it is, and `UnknownError`
+  /// for any other failure. The file is then as it was, while this handle keeps the new value.
   void locale(const String& locale);
   void region(const String& region);
 

@@ -30,11 +30,16 @@ struct FileName {
   std::string path;
 };
 
+/// Some builds of SQLite take a path that starts with "file:" for an address.
+std::string plain_path(const std::string& path) {
+  return path.compare(0, 5, "file:") == 0 ? "./" + path : path;
+}
+
 FileName parse(const std::string& name) {
   const std::string separator = "://";
   const auto at = name.find(separator);
-  if (at == std::string::npos) return {"", name};
-  return {name.substr(0, at), name.substr(at + separator.size())};
+  if (at == std::string::npos) return {"", plain_path(name)};
+  return {name.substr(0, at), plain_path(name.substr(at + separator.size()))};
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <boost/uuid/uuid_io.hpp>
 
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace veldra {
@@ -41,7 +42,9 @@ uuid guid_of_name(const String& name) {
 uuid parse_or_make(const String& text) {
   if (text.empty()) return random_guid();
   try {
-    return boost::uuids::string_generator()(text.utf8());
+    // The text need not be well-formed to be a name, so it is not decoded.
+    const unsigned short* units = text.c_str();
+    return boost::uuids::string_generator()(std::wstring(units, units + text_length(units)));
   } catch (const std::runtime_error&) {
     return guid_of_name(text);
   }
