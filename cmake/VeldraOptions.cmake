@@ -14,10 +14,6 @@ endif()
 
 add_library(veldra_options INTERFACE)
 target_compile_options(veldra_options INTERFACE -Wall -Wextra -Wpedantic)
-# To clang the last word counts, also after what the store says of the mapping's pragmas. (SHELL: a
-# second mention of an option is dropped otherwise.)
-target_compile_options(veldra_options INTERFACE
-                       "$<$<CXX_COMPILER_ID:Clang>:SHELL:-Wno-unknown-pragmas>")
 if(VELDRA_WARNINGS_AS_ERRORS)
   target_compile_options(veldra_options INTERFACE -Werror)
 endif()
