@@ -6,12 +6,18 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <new>
+#include <utility>
 
 namespace {
 
 std::size_t allocations = 0;
+
+// Not inlined, because tools that watch memory replace them one by one: what a replaced `new` gives
+// must not reach a `delete` of ours.
+#define VELDRA_NOT_INLINED __attribute__((noinline))
 
 void* allocate(std::size_t size) {
   ++allocations;
@@ -22,12 +28,12 @@ void* allocate(std::size_t size) {
 
 }  // namespace
 
-void* operator new(std::size_t size) { return allocate(size); }
-void* operator new[](std::size_t size) { return allocate(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
+VELDRA_NOT_INLINED void* operator new(std::size_t size) { return allocate(size); }
+VELDRA_NOT_INLINED void* operator new[](std::size_t size) { return allocate(size); }
+VELDRA_NOT_INLINED void operator delete(void* memory) noexcept { std::free(memory); }
+VELDRA_NOT_INLINED void operator delete[](void* memory) noexcept { std::free(memory); }
+VELDRA_NOT_INLINED void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+VELDRA_NOT_INLINED void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace veldra_tests {
 namespace {
@@ -36,6 +42,19 @@ using veldra::Composition;
 using veldra::Material;
 using veldra::String;
 
+/// Valgrind puts its own allocation in the place of ours, whatever we define.
+bool runs_under_valgrind() {
+  const char* const preloaded = std::getenv("LD_PRELOAD");
+  return preloaded != nullptr && std::strstr(preloaded, "vgpreload") != nullptr;
+}
+
+class AllocationsTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (runs_under_valgrind()) GTEST_SKIP() << "allocations cannot be counted here";
+  }
+};
+
 template <class Work>
 std::size_t allocations_of(const Work& work) {
   const std::size_t before = allocations;
@@ -43,13 +62,13 @@ std::size_t allocations_of(const Work& work) {
   return allocations - before;
 }
 
-TEST(AllocationsTest, are_counted_in_the_library_as_well) {
+TEST_F(AllocationsTest, are_counted_in_the_library_as_well) {
   EXPECT_EQ(allocations_of([] { delete new int; }), 1u);
   EXPECT_GE(allocations_of([] { Material::create(); }), 1u);
   EXPECT_GE(allocations_of([] { const String text("Oak"); }), 1u);
 }
 
-TEST(AllocationsTest, an_empty_text_costs_none) {
+TEST_F(AllocationsTest, an_empty_text_costs_none) {
   const unsigned short* const no_text = nullptr;
   const char* const no_utf8 = nullptr;
   EXPECT_EQ(allocations_of([&] {
@@ -63,7 +82,7 @@ TEST(AllocationsTest, an_empty_text_costs_none) {
             0u);
 }
 
-TEST(AllocationsTest, moving_a_text_costs_none) {
+TEST_F(AllocationsTest, moving_a_text_costs_none) {
   String text("A text of some length that fits into no small buffer");
   EXPECT_EQ(allocations_of([&] {
               String moved(std::move(text));
@@ -72,7 +91,7 @@ TEST(AllocationsTest, moving_a_text_costs_none) {
             0u);
 }
 
-TEST(AllocationsTest, comparing_texts_costs_none) {
+TEST_F(AllocationsTest, comparing_texts_costs_none) {
   const String left("A text of some length that fits into no small buffer");
   const String right(left);
   bool equal = false;
@@ -80,19 +99,19 @@ TEST(AllocationsTest, comparing_texts_costs_none) {
   EXPECT_TRUE(equal);
 }
 
-TEST(AllocationsTest, a_material_of_defaults_costs_two_at_most) {
+TEST_F(AllocationsTest, a_material_of_defaults_costs_two_at_most) {
   std::shared_ptr<Material> material;
   EXPECT_LE(allocations_of([&] { material = Material::create(); }), 2u);
   EXPECT_LE(allocations_of([&] { material = Material::create(String()); }), 2u);
 }
 
-TEST(AllocationsTest, a_name_costs_one_more) {
+TEST_F(AllocationsTest, a_name_costs_one_more) {
   const String name("Oak");
   std::shared_ptr<Material> material;
   EXPECT_LE(allocations_of([&] { material = Material::create(name); }), 3u);
 }
 
-TEST(AllocationsTest, setting_empty_texts_costs_none) {
+TEST_F(AllocationsTest, setting_empty_texts_costs_none) {
   const auto material = Material::create();
   const String empty;
   EXPECT_EQ(allocations_of([&] {
@@ -106,7 +125,7 @@ TEST(AllocationsTest, setting_empty_texts_costs_none) {
             0u);
 }
 
-TEST(AllocationsTest, access_costs_none) {
+TEST_F(AllocationsTest, access_costs_none) {
   const auto material = Material::create("Oak");
   material->addTag(veldra::Tag::create("Wood"));
   material->custom_value("Colour", "Brown");
@@ -124,7 +143,7 @@ TEST(AllocationsTest, access_costs_none) {
   EXPECT_EQ(seen, 6u);
 }
 
-TEST(AllocationsTest, a_clone_of_defaults_costs_two_at_most) {
+TEST_F(AllocationsTest, a_clone_of_defaults_costs_two_at_most) {
   const auto material = Material::create();
   std::shared_ptr<Material> clone;
   EXPECT_LE(allocations_of([&] { clone = material->clone(); }), 2u);

@@ -323,7 +323,7 @@ TEST_P(CompositionModelSizeTest, every_two_moves_agree_with_the_model) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Layers, CompositionModelSizeTest,
-                         testing::Values<std::size_t>(0, 1, 2, 3));
+                         testing::Values<std::size_t>(0, 1, 2, 3, 4));
 
 // Random steps.
 
