@@ -34,24 +34,36 @@ struct Copied {
   Outcome outcome;
 };
 
-/// The object that "KIND:NAME" or "KIND:ID" means.
-veldra::ObjectKey key_of(const veldra::Library& library, const std::string& text) {
-  const auto colon = text.find(':');
-  const auto kind = kinds_by_name().find(text.substr(0, colon));
-  if (colon == std::string::npos || kind == kinds_by_name().end()) {
-    throw CLI::ValidationError(
-        "OBJECT",
-        fmt::format("{} is not KIND:NAME or KIND:ID, such as composition:Roof", in_quotes(text)));
+/// What "KIND:NAME" or "KIND:ID" says.
+struct Wanted {
+  veldra::ObjectType kind;
+  std::string name_or_id;
+};
+
+std::vector<Wanted> wanted_objects(const Arguments& arguments) {
+  std::vector<Wanted> wanted;
+  for (const auto& text : arguments.objects) {
+    const auto colon = text.find(':');
+    const auto kind = kinds_by_name().find(text.substr(0, colon));
+    if (colon == std::string::npos || kind == kinds_by_name().end()) {
+      throw CLI::ValidationError(
+          "OBJECT",
+          fmt::format("{} is not KIND:NAME or KIND:ID, such as composition:Roof", in_quotes(text)));
+    }
+    wanted.push_back({kind->second, text.substr(colon + 1)});
   }
-  return with_class_of(kind->second, [&](auto of) {
-    using T = typename decltype(of)::type;
-    return veldra::ObjectKey(kind->second, find_object<T>(library, text.substr(colon + 1))->id());
-  });
+  return wanted;
 }
 
-std::set<veldra::ObjectKey> keys_of(const veldra::Library& library, const Arguments& arguments) {
+std::set<veldra::ObjectKey> keys_of(const veldra::Library& library,
+                                    const std::vector<Wanted>& wanted) {
   std::set<veldra::ObjectKey> keys;
-  for (const auto& text : arguments.objects) keys.insert(key_of(library, text));
+  for (const auto& object : wanted) {
+    with_class_of(object.kind, [&](auto of) {
+      using T = typename decltype(of)::type;
+      keys.insert({object.kind, find_object<T>(library, object.name_or_id)->id()});
+    });
+  }
   return keys;
 }
 
@@ -124,7 +136,8 @@ void print(const std::vector<Copied>& objects, bool json) {
   fmt::print("{}", table.empty() ? "There was nothing to copy.\n" : table.text());
 }
 
-void copy_objects(const Arguments& arguments, const std::shared_ptr<veldra::Library>& source,
+void copy_objects(const Arguments& arguments, const std::vector<Wanted>& wanted,
+                  const std::shared_ptr<veldra::Library>& source,
                   const std::shared_ptr<veldra::Library>& destination) {
   Progress progress("copying");
   veldra::IdMapping mapping(destination.get());
@@ -135,7 +148,7 @@ void copy_objects(const Arguments& arguments, const std::shared_ptr<veldra::Libr
     if (arguments.all) {
       destination->copyAll(source, mapping);
     } else {
-      destination->copy(source, keys_of(*source, arguments), mapping);
+      destination->copy(source, keys_of(*source, wanted), mapping);
     }
   }
   print(copied_objects(*source, *destination, mapping, reactor), arguments.json);
@@ -145,12 +158,13 @@ void copy(const Arguments& arguments) {
   if (arguments.all != arguments.objects.empty()) {
     throw CLI::ValidationError("OBJECT", "say which objects to copy, or --all");
   }
+  const auto wanted = wanted_objects(arguments);
   const auto source = open_library(arguments.source, Access::Read);
   const auto destination = open_library(arguments.destination, Access::Write);
   if (same_file(arguments.source, arguments.destination)) {
     throw Failure("the source and the destination are the same file");
   }
-  working_on(arguments.destination, [&] { copy_objects(arguments, source, destination); });
+  working_on(arguments.destination, [&] { copy_objects(arguments, wanted, source, destination); });
 }
 
 }  // namespace

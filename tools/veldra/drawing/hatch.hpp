@@ -1,0 +1,31 @@
+#ifndef VELDRA_TOOL_DRAWING_HATCH_HPP
+#define VELDRA_TOOL_DRAWING_HATCH_HPP
+
+#include <veldra/veldra.hpp>
+
+#include <string>
+
+namespace veldra_tool {
+
+/// How the cut through a material looks.
+struct CutStyle {
+  std::string fill;  ///< colour
+  double fill_opacity;
+  std::string line;   ///< colour of the hatch
+  std::string hatch;  ///< its name, in lower case
+  double scale;
+  double angle;
+  bool cross;
+};
+
+/// The style that a material asks for; where it asks for nothing, one that fits what is known of
+/// it.
+CutStyle cut_style(const veldra::Material& material);
+
+/// The hatch of a layer as SVG elements, in a frame in which the layer reaches from 0 to `width`
+/// across and from 0 to `length` along. What lies outside must be clipped.
+std::string hatch_elements(const CutStyle& style, double width, double length);
+
+}  // namespace veldra_tool
+
+#endif

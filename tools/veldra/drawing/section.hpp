@@ -1,0 +1,57 @@
+#ifndef VELDRA_TOOL_DRAWING_SECTION_HPP
+#define VELDRA_TOOL_DRAWING_SECTION_HPP
+
+#include "drawing/svg.hpp"
+
+#include <veldra/veldra.hpp>
+
+#include <vector>
+
+namespace veldra_tool {
+
+/// The cut through a build-up, placed on paper: walls stand, with the outside on the left; roofs
+/// lie, with the outside above; floors lie, with the outside below.
+class Section {
+ public:
+  /// Chooses the largest usual scale that fits.
+  Section(const veldra::Composition& composition, veldra::Unit unit, Point origin);
+
+  /// Draws the layers, the core, the ends and the dimensions, with a number for each layer.
+  void draw(Svg& svg) const;
+
+  double scale() const { return scale_; }
+  double height() const;  ///< of all that is drawn
+  bool has_thickened_layers() const { return thickened_; }
+
+ private:
+  enum class Lie { Standing, OutsideAbove, OutsideBelow };
+
+  void place_layers();
+  Point at(double across, double along) const;
+  void draw_layer(Svg& svg, std::size_t index) const;
+  void draw_core(Svg& svg) const;
+  void draw_break(Svg& svg, double along) const;
+  void draw_dimension(Svg& svg, double from, double to, double distance,
+                      const std::string& text) const;
+  void draw_dimensions(Svg& svg) const;
+  void draw_numbers(Svg& svg) const;
+  void draw_sides(Svg& svg) const;
+  std::vector<double> number_places() const;
+
+  double width() const { return edges_.back(); }
+
+  const veldra::Composition& composition_;
+  veldra::Unit unit_;
+  Point origin_;  ///< of the area that the drawing may use
+  Lie lie_;
+  double scale_ = 1;
+  bool thickened_ = false;
+  std::vector<double> edges_;  ///< across, from the outside; one more than layers
+};
+
+/// A layer number in its circle.
+void draw_number(Svg& svg, Point center, std::size_t number, bool structural);
+
+}  // namespace veldra_tool
+
+#endif

@@ -1,0 +1,49 @@
+#ifndef VELDRA_TOOL_DRAWING_SVG_HPP
+#define VELDRA_TOOL_DRAWING_SVG_HPP
+
+#include <string>
+
+namespace veldra_tool {
+
+/// A text as it stands in XML. Characters that XML does not allow become U+FFFD.
+std::string xml_text(const std::string& text);
+
+/// A length or coordinate in millimetres of paper, to a hundredth.
+std::string paper(double millimetres);
+
+struct Point {
+  double x;
+  double y;
+};
+
+enum class Anchor { Start, Middle, End };
+
+struct TextStyle {
+  double size = 2.6;
+  Anchor anchor = Anchor::Start;
+  bool bold = false;
+  bool italic = false;
+  const char* color = "#1a1a1a";
+  double turn = 0;  ///< degrees, about the point of the text
+};
+
+/// Collects the elements of a drawing. Lengths are millimetres of paper.
+class Svg {
+ public:
+  void line(Point from, Point to, double width, const char* color = "#1a1a1a");
+  void circle(Point center, double radius, const std::string& fill);
+  void text(Point at, const std::string& text, const TextStyle& style);
+
+  /// An element as it is.
+  void raw(const std::string& element) { elements_ += element + "\n"; }
+
+  /// The whole document.
+  std::string document(double width, double height, const std::string& title) const;
+
+ private:
+  std::string elements_;
+};
+
+}  // namespace veldra_tool
+
+#endif
