@@ -253,6 +253,27 @@ TYPED_TEST(CopyingOfTakenName, a_decision_is_kept_by_the_mapping) {
   EXPECT_EQ(this->rows(), once);
 }
 
+TYPED_TEST(CopyingOfTakenName, the_question_may_look_at_both_libraries_but_not_write) {
+  const auto described = [](const Library& library) {
+    return library.template get<TypeParam>("same")->description().utf8();
+  };
+  std::vector<std::string> found;
+  this->reactor.on_conflict = [&](Library& library, ObjectType, String&) {
+    found = {described(library), described(*this->source),
+             thrown_by([&] { library.save(named<Tag>("nested")); }).type,
+             thrown_by([&] { library.template purge<Tag>(); }).type};
+    return Library::Reactor::Overwrite;
+  };
+
+  this->copy();
+
+  EXPECT_THAT(found, ElementsAre("ours", "theirs", "odb::already_in_transaction",
+                                 "odb::already_in_transaction"));
+  EXPECT_EQ(described(*this->library), "theirs");
+  EXPECT_NE(this->library->template get<Tag>("of theirs"), nullptr);
+  EXPECT_EQ(this->library->template get<Tag>("nested"), nullptr);
+}
+
 class CopyingConflicts : public CopyingTest {
  protected:
   static std::shared_ptr<Material> with_code(const std::string& name, const std::string& code) {

@@ -217,6 +217,29 @@ TEST_F(CopyingWithMapping, later_changes_of_the_source_are_not_copied_with_the_s
   EXPECT_EQ(twin_of(mapping, oak)->description(), veldra::String());
 }
 
+TEST_F(CopyingWithMapping, changes_that_were_not_saved_in_the_source_are_not_copied) {
+  const auto oak = put(named<Material>("Oak"));
+  oak->description("not saved");
+
+  library->copyAll(source);
+
+  EXPECT_EQ(library->get<Material>("Oak")->description(), veldra::String());
+  EXPECT_TRUE(oak->isDirty());
+}
+
+TEST_F(CopyingWithMapping, an_unchanged_object_saved_where_it_is_counts_as_existing) {
+  const auto oak = named<Material>("Oak");
+  library->save(oak);
+  IdMapping mapping = fresh_mapping();
+
+  library->save(oak, mapping);
+
+  IdMapping::Value value;
+  ASSERT_TRUE(mapping.compute({key_of(oak), library.get()}, value));
+  EXPECT_EQ(value.id, oak->id());
+  EXPECT_EQ(value.status, IdMapping::Existing);
+}
+
 TEST_F(CopyingWithMapping, an_entry_by_hand_is_believed) {
   const auto oak = named<Material>("Oak");
   oak->addTag(named<Tag>("red"));

@@ -88,6 +88,19 @@ TEST_F(RemovalErrors, a_failing_side_table_takes_the_whole_removal_back) {
   EXPECT_EQ(damage(path), "");
 }
 
+TEST_F(RemovalErrors, an_object_of_another_handle_on_the_same_file_is_not_found) {
+  const auto tag = stored<Tag>("one");
+  const auto second = Library::open(path.c_str(), false);
+  const std::string before = rows();
+
+  EXPECT_EQ(thrown_by([&] { second->remove(tag); }), "veldra::ObjectNotFound");
+
+  EXPECT_EQ(rows(), before);
+  EXPECT_EQ(tag->library(), library);
+  EXPECT_TRUE(second->remove<Tag>(tag->id()));
+  EXPECT_EQ(thrown_by([&] { library->remove(tag); }), "veldra::ObjectNotFound");
+}
+
 TEST_F(RemovalErrors, many_refused_removals_leave_the_handle_usable) {
   const auto used = referenced<Tag>("used");
   for (int i = 0; i != 20; ++i) {
