@@ -426,6 +426,40 @@ TEST_F(ReactorNotifications, kinds_that_are_still_to_be_told_survive_a_nested_sa
                                 "type Layer", "library"));
 }
 
+TEST_F(ReactorNotifications, one_that_throws_leaves_file_and_objects_in_the_same_state) {
+  reactor.on_type_changed = [](Library&, ObjectType) { throw std::runtime_error("full"); };
+  const auto layer = Layer::create("Section");
+  EXPECT_EQ(thrown_by([&] { library->save(layer); }), "std::runtime_error");
+  const unsigned long long stored = library->count<Layer>();
+  EXPECT_EQ(layer->id() != 0, stored == 1);
+  EXPECT_EQ(layer->isDirty(), stored == 0);
+  EXPECT_EQ(layer->library() == library, stored == 1);
+}
+
+TEST_F(ReactorNotifications, one_that_throws_is_not_told_again_with_the_next_operation) {
+  reactor.on_type_changed = [](Library&, ObjectType) { throw std::runtime_error("full"); };
+  EXPECT_EQ(thrown_by([&] { library->save(full_material("Oak")); }), "std::runtime_error");
+  reactor.on_type_changed = nullptr;
+  reactor.calls.clear();
+  library->save(Tag::create("warm"));
+  EXPECT_THAT(reactor.calls_starting_with("type"), ElementsAre("type Tag"));
+  EXPECT_EQ(reactor.calls.back(), "library");
+}
+
+TEST_F(ReactorNotifications, one_that_throws_after_a_failure_does_not_end_the_program) {
+  PlainDatabase(path).execute(
+      "CREATE TRIGGER refuse BEFORE INSERT ON Material BEGIN SELECT RAISE(ABORT, 'no'); END");
+  reactor.on_type_changed = [](Library&, ObjectType) { throw std::runtime_error("full"); };
+  reactor.on_library_changed = [](Library&) { throw std::runtime_error("full"); };
+  const auto oak = full_material("Oak");
+  const std::string state = state_of(oak);
+  const std::string before = rows();
+  EXPECT_THAT(thrown_by([&] { library->save(oak); }).type,
+              testing::AnyOf("odb::sqlite::database_exception", "std::runtime_error"));
+  EXPECT_EQ(state_of(oak), state);
+  EXPECT_EQ(rows(), before);
+}
+
 TEST_F(ReactorNotifications, a_save_that_changes_nothing_tells_nothing) {
   library->save(Tag::create("warm"));
   reactor.calls.clear();

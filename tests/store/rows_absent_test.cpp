@@ -124,6 +124,17 @@ TEST_F(RowsAbsent, a_list_comes_in_the_order_of_its_indices_with_or_without_gaps
   }
 }
 
+TEST_F(RowsAbsent, a_text_ends_at_its_first_zero) {
+  put_material(file, {{"id", "1"},
+                      {"name", "'Oak'"},
+                      {"comments", "CAST(x'610062' AS TEXT)"},
+                      {"code", "CAST(x'00' AS TEXT)"}});
+  const auto material = library->get<Material>(1);
+  EXPECT_EQ(material->comments(), String("a"));
+  EXPECT_TRUE(material->has_code());
+  EXPECT_EQ(material->code(), String());
+}
+
 TEST_F(RowsAbsent, assets_are_read_with_all_their_values) {
   put_structural_asset(file, "3");
   put_thermal_asset(file, "8");

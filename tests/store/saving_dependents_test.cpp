@@ -260,6 +260,32 @@ TEST_F(SavingDependents, a_conflict_of_a_layer_s_material_is_put_to_the_reactor)
             "2");
 }
 
+TEST_F(SavingDependents, a_foreign_material_of_several_layers_is_decided_about_once) {
+  library->save(Material::create("Wall core"));
+  const auto other = create("other.lib");
+  const unsigned id = other->save(full_composition("Wall"))->id();
+  reactor.decision = Library::Reactor::Overwrite;
+  const auto copy = library->save(other->get<Composition>(id));
+  EXPECT_THAT(reactor.calls_starting_with("conflict"),
+              ElementsAre("conflict Material 'Wall core'"));
+  EXPECT_EQ(copy->layer(1).material()->id(), 1u);
+  EXPECT_EQ(copy->layer(2).material()->id(), 1u);
+  EXPECT_EQ(values_of(library->get<Composition>("Wall")), values_of(other->get<Composition>(id)));
+}
+
+TEST_F(SavingDependents, two_handles_on_one_file_are_two_libraries) {
+  const auto beside = Library::open(path.c_str(), false);
+  const auto tag = library->save(Tag::create("warm"));
+  const auto same_tag = beside->save(tag);
+  EXPECT_NE(same_tag, tag);
+  EXPECT_EQ(same_tag->id(), tag->id());
+  EXPECT_EQ(same_tag->library(), beside);
+  const auto oak = library->save(Material::create("Oak"));
+  EXPECT_EQ(thrown_by([&] { beside->save(oak); }), "veldra::ObjectNotUnique");
+  EXPECT_EQ(oak->library(), library);
+  EXPECT_EQ(library->count<Tag>(), 1u);
+}
+
 TEST_F(SavingDependents, what_was_saved_before_a_merge_stays) {
   library->save(Material::create("Oak"));
   reactor.calls.clear();

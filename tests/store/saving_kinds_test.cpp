@@ -148,6 +148,28 @@ TYPED_TEST(SavingKinds, a_mapping_tells_libraries_apart) {
   EXPECT_EQ(this->library->save(second, mapping)->name(), String("Second"));
 }
 
+TYPED_TEST(SavingKinds, new_objects_of_one_mapping_are_told_apart) {
+  IdMapping mapping(this->library.get());
+  const auto first = this->library->save(named<TypeParam>("First"), mapping);
+  const auto second = this->library->save(named<TypeParam>("Second"), mapping);
+  EXPECT_NE(first->id(), second->id());
+  EXPECT_EQ(this->stored_name(first->id()), "'First'");
+  EXPECT_EQ(this->stored_name(second->id()), "'Second'");
+  EXPECT_EQ(this->entry(mapping, 0, nullptr).id, second->id());
+}
+
+TYPED_TEST(SavingKinds, an_entry_of_an_object_that_is_gone_gives_null_and_writes_nothing) {
+  const auto other = this->create("other.lib");
+  const auto source = other->save(named<TypeParam>("Alpha"));
+  IdMapping mapping(this->library.get());
+  mapping.assign({ObjectKey(TestFixture::kind, source->id()), other.get()},
+                 {999, IdMapping::Inserted});
+  const std::string before = this->rows();
+  EXPECT_FALSE(this->library->save(source, mapping));
+  EXPECT_EQ(this->rows(), before);
+  EXPECT_THAT(this->reactor.calls, IsEmpty());
+}
+
 TYPED_TEST(SavingKinds, an_object_of_a_closed_library_is_saved_by_its_id) {
   const auto object = this->library->save(named<TypeParam>("Alpha"));
   const unsigned id = object->id();
