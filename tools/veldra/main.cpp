@@ -13,7 +13,7 @@ Host::Host() : arguments("Catalogues of building materials and build-ups in libr
   arguments.require_subcommand(1);
   arguments.footer("'veldra COMMAND --help' tells more about a command.");
   for (const auto add : {add_create, add_info, add_list, add_show, add_where_used, add_import,
-                         add_export, add_copy, add_remove, add_purge, add_draw})
+                         add_export, add_copy, add_remove, add_purge, add_draw, add_check})
     add(*this);
 }
 

@@ -116,7 +116,7 @@ std::string insulation(Hatch& hatch) {
   for (int i = 0; i <= count; ++i) {
     const double turn = 2 * pi * i / steps;
     const double x = hatch.width / 2 + reach * std::cos(turn);
-    const double y = period * (turn / (2 * pi) - 1) - 0.21 * period * std::sin(2 * turn);
+    const double y = period * (turn / (2 * pi) - 1) + 0.17 * period * std::sin(2 * turn);
     if (i == 0) {
       hatch.move(x, y);
     } else {

@@ -1,0 +1,202 @@
+#include "findings.hpp"
+
+#include "failure.hpp"
+#include "kinds.hpp"
+#include "lookup.hpp"
+#include "text.hpp"
+
+#include <fmt/format.h>
+
+#include <cmath>
+
+namespace veldra_tool {
+
+namespace {
+
+class Examination {
+ public:
+  explicit Examination(const veldra::Library& library) : library_(library) {}
+
+  std::vector<Finding> run() {
+    examine_library();
+    for (const auto kind : all_kinds()) {
+      with_class_of(kind, [&](auto of) { examine_kind<typename decltype(of)::type>(); });
+    }
+    return std::move(findings_);
+  }
+
+ private:
+  template <class T>
+  void examine_kind() {
+    std::vector<std::shared_ptr<T>> objects;
+    try {
+      library_.get(objects);
+    } catch (const std::exception&) {
+      objects = readable_objects<T>();
+    }
+    const auto count = library_.count<T>();
+    const auto unreadable = count - std::min<unsigned long long>(count, objects.size() + failed_);
+    if (unreadable > 0) {
+      add("library", fmt::format("{} {} cannot be read, because what they refer to is not there",
+                                 unreadable, plural_of(veldra::ObjectTraits<T>::type)));
+    }
+    failed_ = 0;
+    sort_by_name(objects);
+    for (const auto& object : objects) examine(*object);
+  }
+
+  /// One object cannot be read: so each is read alone, to find out which. Ids are given in
+  /// ascending order and may have gaps.
+  template <class T>
+  std::vector<std::shared_ptr<T>> readable_objects() {
+    constexpr unsigned widest_gap = 100000;
+    std::vector<std::shared_ptr<T>> objects;
+    const auto count = library_.count<T>();
+    unsigned last = 0;
+    for (unsigned id = 1; objects.size() + failed_ < count && id - last < widest_gap; ++id) {
+      if (const auto object = read<T>(id)) {
+        objects.push_back(object);
+        last = id;
+      }
+    }
+    return objects;
+  }
+
+  template <class T>
+  std::shared_ptr<T> read(unsigned id) {
+    try {
+      return working_on("", [&] { return library_.get<T>(id); });
+    } catch (const Failure& failure) {
+      ++failed_;
+      const std::string text = failure.what();
+      add(fmt::format("{} {}", singular_of(veldra::ObjectTraits<T>::type), id),
+          text.substr(text.find(": ") + 2));
+      return nullptr;
+    }
+  }
+
+  void examine_library() {
+    const auto unit = library_.unit();
+    if (unit != veldra::Unit::Inches && unit != veldra::Unit::Millimetres) {
+      add("library", fmt::format("the unit {} is not known", static_cast<int>(unit)));
+    }
+    if (library_.guid().empty()) add("library", "it has no GUID");
+  }
+
+  void examine(const veldra::Tag& tag) { examine_name(tag); }
+  void examine(const veldra::Layer& layer) { examine_name(layer); }
+  void examine(const veldra::MaterialType& type) { examine_name(type); }
+
+  void examine(const veldra::CustomProperty& property) {
+    examine_name(property);
+    const auto owner = property.object_type();
+    if (owner == veldra::ObjectType::Material || owner == veldra::ObjectType::Composition ||
+        owner == veldra::ObjectType{}) {
+      return;
+    }
+    add(property, "it is for objects that have no custom values");
+  }
+
+  void examine(const veldra::Material& material) {
+    examine_name(material);
+    examine_values(material, veldra::ObjectType::Material);
+    for (const double thickness : material.thicknesses()) {
+      if (thickness > 0) continue;
+      add(material, fmt::format("the thickness {} is not greater than 0", thickness));
+    }
+    if (!material.type()) add(material, "it has no type");
+  }
+
+  void examine(const veldra::Composition& composition) {
+    examine_name(composition);
+    examine_values(composition, veldra::ObjectType::Composition);
+    examine_layers(composition);
+    examine_core(composition);
+    examine_variable_layer(composition);
+  }
+
+  void examine_layers(const veldra::Composition& composition) {
+    if (composition.layers().empty()) add(composition, "it has no layers");
+    for (std::size_t i = 0; i < composition.layers().size(); ++i) {
+      const auto& layer = composition.layers()[i];
+      if (!layer.material()) add(composition, fmt::format("layer {} has no material", i + 1));
+      if (layer.thickness() > 0) continue;
+      add(composition, std::isnan(layer.thickness())
+                           ? fmt::format("the thickness of layer {} is not known", i + 1)
+                           : fmt::format("the thickness {} of layer {} is not greater than 0",
+                                         layer.thickness(), i + 1));
+    }
+  }
+
+  /// Indices are counted from 1 in messages, as everywhere for people.
+  void examine_core(const veldra::Composition& composition) {
+    if (composition.layers().empty()) return;
+    const auto first = composition.first_core_layer();
+    const auto last = composition.last_core_layer();
+    const auto structural = composition.structural_layer();
+    const auto core = fmt::format("from layer {} to layer {}", first + 1ULL, last + 1ULL);
+    if (last >= composition.layers().size()) {
+      add(composition, fmt::format("the core, {}, reaches beyond the {} layers", core,
+                                   composition.layers().size()));
+    }
+    if (first > last) add(composition, fmt::format("the core, {}, ends before it begins", core));
+    if (structural < first || structural > last) {
+      add(composition,
+          fmt::format("the structural layer {} is outside the core, {}", structural + 1ULL, core));
+    }
+  }
+
+  void examine_variable_layer(const veldra::Composition& composition) {
+    if (composition.has_variable_layer() &&
+        composition.variable_layer() >= composition.layers().size()) {
+      add(composition,
+          fmt::format("the variable layer {} is none of its {} layers",
+                      composition.variable_layer() + 1ULL, composition.layers().size()));
+    }
+    const double least = composition.variable_layer_min_thickness();
+    const double greatest = composition.variable_layer_max_thickness();
+    if (least < 0) add(composition, "the least thickness of the variable layer is negative");
+    if (composition.has_variable_layer_max_thickness() && greatest < least) {
+      add(composition, "the greatest thickness of the variable layer is less than the least");
+    }
+  }
+
+  template <class Owner>
+  void examine_values(const Owner& owner, veldra::ObjectType kind) {
+    for (const auto& value : owner.custom_values()) {
+      const auto for_kind = value.first->object_type();
+      if (for_kind == kind || for_kind == veldra::ObjectType{}) continue;
+      add(owner, fmt::format("it has a value of the property {}, which is for other objects",
+                             in_quotes(value.first->name().utf8())));
+    }
+  }
+
+  template <class T>
+  void examine_name(const T& object) {
+    if (object.name().empty()) add(object, "it has no name");
+  }
+
+  template <class T>
+  void add(const T& object, const std::string& sentence) {
+    add(fmt::format("{} {}", singular_of(veldra::ObjectTraits<T>::type),
+                    object.name().empty() ? fmt::format("{}", object.id())
+                                          : in_quotes(object.name().utf8())),
+        sentence);
+  }
+  void add(const char* object, const std::string& sentence) { add(std::string(object), sentence); }
+  void add(const std::string& object, const std::string& sentence) {
+    findings_.push_back({object, sentence});
+  }
+
+  const veldra::Library& library_;
+  std::vector<Finding> findings_;
+  std::size_t failed_ = 0;  ///< objects of the kind that gave an error
+};
+
+}  // namespace
+
+std::vector<Finding> findings_in(const veldra::Library& library) {
+  return Examination(library).run();
+}
+
+}  // namespace veldra_tool
