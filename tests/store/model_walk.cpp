@@ -1,0 +1,150 @@
+#include "store/model_walk.hpp"
+
+#include "store/model_kinds.hpp"
+#include "support/database.hpp"
+#include "support/thrown.hpp"
+
+#include <gtest/gtest.h>
+
+namespace veldra_tests {
+
+using veldra::IdMapping;
+using veldra::Library;
+using veldra::ObjectKey;
+using veldra::ObjectType;
+using veldra::String;
+using veldra::Unit;
+
+namespace {
+
+std::string rows_of(const Library& library) { return dump(library.filename().utf8()); }
+
+void expect_second_copy_writes_nothing(Library& library, const std::shared_ptr<Library>& source) {
+  IdMapping mapping(&library);
+  library.copyAll(source, mapping);
+  const std::string once = rows_of(library);
+  library.copyAll(source, mapping);
+  EXPECT_EQ(rows_of(library), once);
+}
+
+void expect_second_purge_removes_nothing(Library& library) {
+  const std::set<ObjectType> kinds{ObjectType::Material, ObjectType::MaterialType,
+                                   ObjectType::Layer, ObjectType::CustomProperty, ObjectType::Tag};
+  library.purge(kinds);
+  const std::string once = rows_of(library);
+  std::map<ObjectKey, bool> result;
+  library.purge(kinds, result);
+  EXPECT_EQ(rows_of(library), once);
+  for (const auto& entry : result) EXPECT_FALSE(entry.second);
+  EXPECT_EQ(damage(library.filename().utf8()), "");
+}
+
+std::vector<std::string> notifications_of(const std::set<ObjectType>& changed) {
+  std::vector<std::string> calls;
+  for (const ObjectType kind : changed) calls.push_back("type " + kind_name(kind));
+  if (!changed.empty()) calls.push_back("library");
+  return calls;
+}
+
+}  // namespace
+
+RandomWalk::RandomWalk(unsigned seed)
+    : random_(seed),
+      sides_{Side(folder_ / "millimetres.lib", Unit::Millimetres),
+             Side(folder_ / "inches.lib", Unit::Inches)} {}
+
+void RandomWalk::step() {
+  const unsigned chosen = random_.below(2);
+  side_ = &sides_[chosen];
+  other_ = &sides_[1 - chosen];
+  const unsigned number = random_.below(100);
+  if (number < 8) return save_named();
+  if (number < 16) return rename_named();
+  if (number < 32) return save_material();
+  if (number < 48) return save_composition();
+  if (number < 52) return save_unchanged();
+  if (number < 62) return remove_one();
+  if (number < 68) return remove_several();
+  if (number < 74) return purge();
+  if (number < 78) return save_removed();
+  if (number < 86) return save_foreign();
+  if (number < 96) return copy();
+  reopen();
+}
+
+void RandomWalk::compare() const {
+  for (const Side& side : sides_)
+    ASSERT_EQ(text_of(stored_in(*side.library)), text_of(side.model)) << what_;
+}
+
+void RandomWalk::expect_sound_files() const {
+  for (const Side& side : sides_) EXPECT_EQ(damage(side.path), "");
+}
+
+void RandomWalk::expect_laws() {
+  for (const Side& side : sides_) {
+    const auto direct = new_library();
+    direct->copyAll(side.library);
+    const std::string copied = text_of(stored_in(*direct));
+    const auto between = new_library();
+    between->copyAll(side.library);
+    const auto far = new_library();
+    expect_second_copy_writes_nothing(*far, between);
+    EXPECT_EQ(text_of(stored_in(*far)), copied) << "a copy of a copy";
+    expect_second_purge_removes_nothing(*far);
+  }
+}
+
+std::shared_ptr<Library> RandomWalk::new_library() {
+  const std::string path = folder_ / (std::to_string(++libraries_) + ".lib");
+  return Library::create(path.c_str(), Unit::Millimetres, "");
+}
+
+void RandomWalk::begin(const std::string& what) { what_ = what + " in " + side_->path; }
+
+bool RandomWalk::run(const Call& call, const Expected& expected, bool keeps_what_was_done) {
+  ModelStore attempted = side_->model;
+  ModelOperation operation(attempted, decision_);
+  ModelFailure failure;
+  try {
+    expected(operation);
+  } catch (const ModelFailure& thrown) {
+    failure = thrown;
+  }
+  side_->reactor.calls.clear();
+  const Thrown thrown = thrown_by(call);
+  EXPECT_EQ(thrown.type, failure.type) << what_ << ": " << thrown;
+  EXPECT_EQ(thrown.text, failure.text) << what_;
+  EXPECT_EQ(notifications(), notifications_of(operation.changed())) << what_;
+  if (failure.type.empty() || keeps_what_was_done) side_->model = attempted;
+  return failure.type.empty();
+}
+
+std::vector<std::string> RandomWalk::notifications() const {
+  std::vector<std::string> calls = side_->reactor.calls_starting_with("type");
+  for (const std::string& call : side_->reactor.calls_starting_with("library"))
+    calls.push_back(call);
+  return calls;
+}
+
+void RandomWalk::decide() {
+  decision_ = static_cast<int>(random_.below(4));
+  side_->reactor.on_conflict = [this](Library& library, ObjectType kind, String& name) {
+    if (decision_ == 0)
+      return side_->reactor.Library::Reactor::resolveNameConflict(library, kind, name);
+    if (decision_ == Library::Reactor::Rename) name = text(name.utf8() + "'");
+    return decision_;
+  };
+  what_ += ", decision " + std::to_string(decision_);
+}
+
+std::vector<ModelKey> RandomWalk::keys_of_some_kind(const ModelStore& store) {
+  return keys_in(store, kKinds[random_.below(6)]);
+}
+
+void RandomWalk::reopen() {
+  begin("reopen");
+  side_->reopen();
+}
+
+}  // namespace veldra_tests
