@@ -1,3 +1,4 @@
+#include "foundation/type_names.hpp"
 #include "foundation/utf16.hpp"
 #include "foundation/virtual_slots.hpp"
 
@@ -92,7 +93,7 @@ class ExceptionsTest : public testing::Test {
 
 using Errors = testing::Types<UnknownError, LibraryReadOnly, ObjectNotFound,
                               InappropriateCustomProperty, ObjectInUse, ObjectNotUnique>;
-TYPED_TEST_SUITE(ExceptionsTest, Errors);
+TYPED_TEST_SUITE(ExceptionsTest, Errors, TypeNames);
 
 TYPED_TEST(ExceptionsTest, says_what_happened) {
   EXPECT_EQ(ascii(TypeParam().what()), Text<TypeParam>::value);

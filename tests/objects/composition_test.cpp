@@ -100,6 +100,15 @@ TEST(CompositionLayerTest, a_thickness_that_is_none_is_unequal_to_itself) {
   EXPECT_FALSE(layer == layer);
 }
 
+TEST(CompositionLayerTest, the_very_material_is_equal_even_when_it_is_unequal_to_itself) {
+  const auto material = Material::create("Oak");
+  material->shading_color({not_a_number, 0, 0, 0});
+  ASSERT_FALSE(*material == *material);
+  const Composition::Layer layer(material, Function::None, 1.0);
+  EXPECT_TRUE(layer == Composition::Layer(material, Function::None, 1.0));
+  EXPECT_FALSE(layer == Composition::Layer(material->clone(), Function::None, 1.0));
+}
+
 // A new composition.
 
 void expect_defaults(const Composition& composition) {

@@ -1,5 +1,6 @@
 // The custom values of both kinds of objects that have them.
 
+#include "foundation/type_names.hpp"
 #include "objects/stored_objects.hpp"
 #include "support/thrown.hpp"
 
@@ -98,7 +99,7 @@ class CustomValuesTest : public testing::Test {
 };
 
 using Owners = testing::Types<Material, Composition>;
-TYPED_TEST_SUITE(CustomValuesTest, Owners);
+TYPED_TEST_SUITE(CustomValuesTest, Owners, TypeNames);
 
 TYPED_TEST(CustomValuesTest, a_new_owner_has_none) { this->expect_clean_without_values(); }
 
@@ -434,7 +435,7 @@ TYPED_TEST(CustomValuesTest, a_clone_shares_the_properties_and_has_values_of_its
 }
 
 TYPED_TEST(CustomValuesTest, owners_are_equal_when_keys_and_texts_are) {
-  const auto with = [this](const PropertyPointer& property, const char* text) {
+  const auto with = [](const PropertyPointer& property, const char* text) {
     const auto object = TypeParam::create();
     object->custom_value(property, text);
     return object;

@@ -1,7 +1,7 @@
 // What the kinds share that consist of a name, asked of each of them; and what all kinds share
 // about their names.
 
-#include "foundation/utf16.hpp"
+#include "foundation/type_names.hpp"
 #include "objects/stored_objects.hpp"
 
 #include <veldra/veldra.hpp>
@@ -47,14 +47,6 @@ struct CanBeRenamed<T, decltype(std::declval<T&>().name(std::declval<const Strin
 static_assert(!CanBeRenamed<Tag>::value, "a tag with another name is another tag");
 static_assert(CanBeRenamed<Layer>::value, "");
 
-struct KindNames {
-  template <class T>
-  static std::string GetName(int) {
-    const std::string name = testing::internal::GetTypeName<T>();
-    return name.substr(name.rfind(':') + 1);
-  }
-};
-
 template <class T>
 void expect_new(const T& object) {
   EXPECT_EQ(object.id(), 0u);
@@ -77,7 +69,7 @@ class NamedTest : public testing::Test {
 };
 
 using Named = testing::Types<Tag, Layer, MaterialType, CustomProperty>;
-TYPED_TEST_SUITE(NamedTest, Named, KindNames);
+TYPED_TEST_SUITE(NamedTest, Named, TypeNames);
 
 TYPED_TEST(NamedTest, a_new_object_is_dirty_and_unbound) {
   const auto object = create<TypeParam>("Wood");
@@ -217,7 +209,7 @@ class RenamingTest : public testing::Test {
 
 using Renamed = testing::Types<Layer, MaterialType, CustomProperty, Material, Composition,
                                StructuralAsset, ThermalAsset>;
-TYPED_TEST_SUITE(RenamingTest, Renamed, KindNames);
+TYPED_TEST_SUITE(RenamingTest, Renamed, TypeNames);
 
 TYPED_TEST(RenamingTest, another_name_makes_it_dirty) {
   this->object->name("Other");

@@ -1,6 +1,6 @@
 // The tag list of all kinds that have one.
 
-#include "foundation/utf16.hpp"
+#include "foundation/type_names.hpp"
 #include "objects/stored_objects.hpp"
 
 #include <veldra/veldra.hpp>
@@ -63,7 +63,7 @@ class TagListTest : public testing::Test {
 };
 
 using Owners = testing::Types<Material, Composition, Asset, StructuralAsset, ThermalAsset>;
-TYPED_TEST_SUITE(TagListTest, Owners);
+TYPED_TEST_SUITE(TagListTest, Owners, TypeNames);
 
 TYPED_TEST(TagListTest, reading_leaves_the_owner_clean) {
   const auto& owner = this->owner;

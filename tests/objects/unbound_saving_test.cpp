@@ -1,6 +1,7 @@
 // What the save members say of objects that belong to no library. Saving itself is tested with
 // the library.
 
+#include "foundation/type_names.hpp"
 #include "objects/stored_objects.hpp"
 #include "support/thrown.hpp"
 
@@ -29,7 +30,7 @@ class UnboundSavingTest : public testing::Test {
 };
 
 using Saveable = testing::Types<Tag, Layer, MaterialType, CustomProperty, Material, Composition>;
-TYPED_TEST_SUITE(UnboundSavingTest, Saveable);
+TYPED_TEST_SUITE(UnboundSavingTest, Saveable, TypeNames);
 
 TYPED_TEST(UnboundSavingTest, an_object_without_a_library_is_not_saved) {
   const auto object = this->stored.template get<TypeParam>()->clone();
