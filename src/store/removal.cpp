@@ -15,36 +15,48 @@ namespace {
 
 using Result = std::map<ObjectKey, bool>;
 
-/// Removes one object in a transaction of its own; false when the reactor refuses. What refers to
-/// the object is told by the foreign keys of the database, at the statement or at the commit.
+enum class Outcome { Removed, Refused, InUse };
+
+/// Runs a step of a removal; true when the foreign keys of the database stop it.
+template <class Step>
+bool stopped_by_reference(Step step) {
+  try {
+    translating_errors(step);
+    return false;
+  } catch (const ObjectInUse&) {
+    return true;
+  }
+}
+
+/// Removes one object in a transaction of its own. That something refers to it is told at the
+/// statement or at the commit. What the reactor throws is none of the database's errors, so it is
+/// called outside of their translation.
 template <class T>
-bool remove_object(Library& library, unsigned id) {
+Outcome remove_object(Library& library, unsigned id) {
   auto& impl = LibraryAccess::impl(library);
   const ObjectKey key(ObjectTraits<T>::type, id);
   std::unique_ptr<WriteTransaction> transaction;
-  // What the reactor throws is none of the database's errors, so it is called outside.
   translating_errors([&] { transaction.reset(new WriteTransaction(*impl.database)); });
-  if (impl.reactor->mayRemove(library, key) != 0) return false;
-  translating_errors([&] { impl.database->erase<T>(id); });
+  if (impl.reactor->mayRemove(library, key) != 0) return Outcome::Refused;
+  if (stopped_by_reference([&] { impl.database->erase<T>(id); })) return Outcome::InUse;
   impl.reactor->objectRemoved(library, key);
   impl.changed.insert(key.type);
-  translating_errors([&] { transaction->commit(); });
-  return true;
+  if (stopped_by_reference([&] { transaction->commit(); })) return Outcome::InUse;
+  return Outcome::Removed;
 }
 
 template <class T>
-bool removed_unless_in_use(Library& library, unsigned id) {
-  try {
-    return remove_object<T>(library, id);
-  } catch (const ObjectInUse&) {
-    return false;
-  }
+bool remove_or_throw(Library& library, unsigned id) {
+  const Outcome outcome = remove_object<T>(library, id);
+  if (outcome == Outcome::InUse) throw ObjectInUse();
+  return outcome == Outcome::Removed;
 }
 
 template <class T, class Ids>
 void remove_objects(Library& library, const Ids& ids, Result& result) {
   for (const unsigned id : ids) {
-    result.emplace(ObjectKey(ObjectTraits<T>::type, id), removed_unless_in_use<T>(library, id));
+    const bool removed = remove_object<T>(library, id) == Outcome::Removed;
+    result.emplace(ObjectKey(ObjectTraits<T>::type, id), removed);
   }
 }
 
@@ -74,7 +86,7 @@ bool Library::remove(const std::shared_ptr<T>& object) {
   const auto bound = object->library();
   if (bound != nullptr && bound.get() != this) throw ObjectNotFound();
   Notifications notifications(*this);
-  const bool removed = remove_object<T>(*this, object->id());
+  const bool removed = remove_or_throw<T>(*this, object->id());
   if (removed) ObjectAccess::impl(*object).library.reset();
   notifications.deliver();
   return removed;
@@ -83,7 +95,7 @@ bool Library::remove(const std::shared_ptr<T>& object) {
 template <class T>
 bool Library::remove(unsigned id) {
   Notifications notifications(*this);
-  const bool removed = remove_object<T>(*this, id);
+  const bool removed = remove_or_throw<T>(*this, id);
   notifications.deliver();
   return removed;
 }
