@@ -41,6 +41,7 @@
 #include <benchmark/benchmark.h>
 
 #include <stdlib.h>
+#include <time.h>
 
 #include <algorithm>
 #include <chrono>
@@ -123,17 +124,26 @@ double median(std::vector<double> values) {
   return *middle;
 }
 
+double processor_time() {
+  timespec time{};
+  ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
 /// What the rounds of one side took.
 struct Rounds {
   std::vector<double> seconds;
+  std::vector<double> processor_seconds;
   std::vector<double> syncs;
 
   double measure(const Work::Side& side) {
     const unsigned long syncs_before = veldra_bench::syncs();
+    const double processor_start = processor_time();
     const auto start = std::chrono::steady_clock::now();
     side(nullptr);
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
     seconds.push_back(taken.count());
+    processor_seconds.push_back(processor_time() - processor_start);
     syncs.push_back(static_cast<double>(veldra_bench::syncs() - syncs_before));
     return taken.count();
   }
@@ -170,6 +180,8 @@ void run(benchmark::State& state, const TimedWork& timed, Workshop& workshop) {
   state.counters["veldra"] = median(veldra.seconds) * microseconds;
   state.counters["plain"] = median(plain.seconds) * microseconds;
   state.counters["ratio"] = median(veldra.seconds) / median(plain.seconds);
+  state.counters["processor_ratio"] =
+      median(veldra.processor_seconds) / median(plain.processor_seconds);
   state.counters["target"] = timed.target;
   state.counters["veldra_syncs"] = median(veldra.syncs) / items;
   state.counters["plain_syncs"] = median(plain.syncs) / items;

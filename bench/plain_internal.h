@@ -6,8 +6,8 @@
 #include <sqlite3.h>
 
 /* The columns of a table behind its id, for the texts of its statements. */
-#define MATERIAL_COLUMNS(COLUMN)                \
-  COLUMN(Material, name)                        \
+#define MATERIAL_COLUMNS(COLUMN) COLUMN(Material, name) FURTHER_MATERIAL_COLUMNS(COLUMN)
+#define FURTHER_MATERIAL_COLUMNS(COLUMN)        \
   COLUMN(Material, description)                 \
   COLUMN(Material, type)                        \
   COLUMN(Material, comments)                    \

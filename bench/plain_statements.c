@@ -95,9 +95,8 @@ static const char* const texts[STATEMENTS] = {
         "INSERT INTO \"Composition_layers\" (\"object_id\", \"index\", \"value_material_id\","
         " \"value_function\", \"value_thickness\") VALUES (?, ?, ?, ?, ?)",
     [INSERT_COMPOSITION_VALUE] = INSERT_VALUES("Composition_custom_values"),
-    /* The id in front, so that the columns have the same places as in the insertion. */
     [UPDATE_MATERIAL] =
-        "UPDATE \"Material\" SET \"id\"=?1" MATERIAL_COLUMNS(ASSIGNED) " WHERE \"id\"=?1",
+        "UPDATE \"Material\" SET \"name\"=?" FURTHER_MATERIAL_COLUMNS(ASSIGNED) " WHERE \"id\"=?",
 
     [DELETE_TAG] = DELETE_ROW("Tag"),
     [DELETE_PROPERTY] = DELETE_ROW("CustomProperty"),

@@ -288,9 +288,9 @@ void plain_update_material(plain_library* library, const plain_material* materia
   const unsigned row = plain_mapped(&maps->materials, material->id);
   plain_begin_write(library);
   places at = places_of(library, UPDATE_MATERIAL);
-  put_int(&at, row);
   put_material(&at, material, plain_mapped(&maps->types, material->type.id),
                plain_mapped(&maps->layers, material->cut_layer.id));
+  put_int(&at, row);
   run(library, at.statement);
   delete_rows(library, DELETE_MATERIAL_TAGS, row);
   delete_rows(library, DELETE_THICKNESSES, row);

@@ -17,7 +17,9 @@ unsigned unused_tags(const Workshop& workshop) { return std::min(workshop.materi
 class UnusedTags {
  public:
   explicit UnusedTags(Workshop& workshop)
-      : pair_(copies_of(workshop, workshop.sample().path())), first_(sample_tags + 1) {}
+      : pair_(copies_of(workshop, workshop.sample().path())),
+        first_(sample_tags + 1),
+        end_(first_ + unused_tags(workshop)) {}
 
   void prepare() {
     insert_into(pair_->veldra_path);

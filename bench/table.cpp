@@ -12,6 +12,13 @@ double counter(const benchmark::BenchmarkReporter::Run& run, const char* name) {
   return found == run.counters.end() ? 0.0 : found->second.value;
 }
 
+std::string optional_ratio(double ratio) {
+  if (ratio == 0) return "";
+  char text[40];
+  std::snprintf(text, sizeof text, "%.2f", ratio);
+  return text;
+}
+
 std::string target(double limit, double ratio) {
   if (limit == 0) return "";
   char text[40];
@@ -29,8 +36,8 @@ std::string waits(double ours, double plain) {
 }  // namespace
 
 bool Table::ReportContext(const Context&) {
-  std::printf("%-26s %-6s %10s %10s %7s  %-12s %s\n", "work", "unit", "veldra", "plain", "ratio",
-              "target", "syncs");
+  std::printf("%-26s %-6s %10s %10s %7s %7s  %-12s %s\n", "work", "unit", "veldra", "plain",
+              "ratio", "cpu", "target", "syncs");
   return true;
 }
 
@@ -43,9 +50,11 @@ void Table::ReportRuns(const std::vector<Run>& runs) {
       continue;
     }
     const double ratio = counter(run, "ratio");
-    std::printf("%-26s %-6s %10.2f %10.2f %7.2f  %-12s %s\n", name.c_str(),
+    std::printf("%-26s %-6s %10.2f %10.2f %7.2f %7s  %-12s %s\n", name.c_str(),
                 counter(run, "memory") != 0 ? "bytes" : "us", counter(run, "veldra"),
-                counter(run, "plain"), ratio, target(counter(run, "target"), ratio).c_str(),
+                counter(run, "plain"), ratio,
+                optional_ratio(counter(run, "processor_ratio")).c_str(),
+                target(counter(run, "target"), ratio).c_str(),
                 waits(counter(run, "veldra_syncs"), counter(run, "plain_syncs")).c_str());
     std::fflush(stdout);
   }
