@@ -98,7 +98,16 @@ INSTANTIATE_TEST_SUITE_P(
                     "UPDATE Material SET cut_layer=99 WHERE id=2",
                     "UPDATE Material SET structural_id=99 WHERE id=2",
                     "UPDATE Material_tags SET tag_id=99 WHERE object_id=2",
-                    "UPDATE Material_custom_values SET property_id=99 WHERE object_id=2"));
+                    "UPDATE Material_custom_values SET property_id=99 WHERE object_id=2",
+                    // ids that agree with those of other objects in their lower 32 bits
+                    "UPDATE Material SET type=4294967300 WHERE id=2",
+                    "UPDATE Material SET cut_layer=4294967297 WHERE id=2",
+                    "UPDATE Material SET cut_layer=-4294967295 WHERE id=2",
+                    "UPDATE Material SET structural_id=4294967297 WHERE id=2",
+                    "UPDATE Material SET thermal_id=4294967299 WHERE id=2",
+                    "UPDATE Material_tags SET tag_id=4294967297 WHERE object_id=2",
+                    "UPDATE Asset_tags SET tag_id=4294967297 WHERE object_id=2",
+                    "UPDATE Material_custom_values SET property_id=4294967297 WHERE object_id=2"));
 
 class DanglingReferenceOfAComposition : public ReadingFailures {};
 
@@ -119,7 +128,12 @@ INSTANTIATE_TEST_SUITE_P(
                     "UPDATE Composition_custom_values SET property_id=99 WHERE object_id=2",
                     "UPDATE Composition_layers SET value_material_id=99 WHERE object_id=2 AND "
                     "\"index\"=1",
-                    "UPDATE Composition_layers SET value_material_id=0 WHERE object_id=2"));
+                    "UPDATE Composition_layers SET value_material_id=0 WHERE object_id=2",
+                    "UPDATE Composition_layers SET value_material_id=4294967297 WHERE object_id=2",
+                    "UPDATE Composition SET entity_layer=4294967297 WHERE id=2",
+                    "UPDATE Composition_tags SET tag_id=-4294967295 WHERE object_id=2",
+                    "UPDATE Composition_custom_values SET property_id=4294967299 WHERE "
+                    "object_id=2"));
 
 class WrongKindOfAsset : public ReadingFailures {};
 
