@@ -7,8 +7,8 @@
 #include "lookup.hpp"
 #include "opening.hpp"
 #include "progress.hpp"
-#include "reactor_guard.hpp"
 #include "table.hpp"
+#include "transfer.hpp"
 
 #include <fmt/format.h>
 
@@ -136,22 +136,22 @@ void print(const std::vector<Copied>& objects, bool json) {
   fmt::print("{}", table.empty() ? "There was nothing to copy.\n" : table.text());
 }
 
+/// Goes through a library in memory, so that what is copied is there to be compared in the unit of
+/// the destination.
 void copy_objects(const Arguments& arguments, const std::vector<Wanted>& wanted,
                   const std::shared_ptr<veldra::Library>& source,
                   const std::shared_ptr<veldra::Library>& destination) {
   Progress progress("copying");
-  veldra::IdMapping mapping(destination.get());
-  ConflictReactor reactor(arguments.on_conflict, *source, mapping);
-  reactor.on_saved([&](veldra::Library&, const veldra::ObjectKey&) { progress.step(); });
-  {
-    const ReactorGuard guard(*destination, reactor);
-    if (arguments.all) {
-      destination->copyAll(source, mapping);
-    } else {
-      destination->copy(source, keys_of(*source, wanted), mapping);
-    }
+  const auto staging = create_staging_library(destination->unit());
+  if (arguments.all) {
+    staging->copyAll(source);
+  } else {
+    staging->copy(source, keys_of(*source, wanted));
   }
-  print(copied_objects(*source, *destination, mapping, reactor), arguments.json);
+  veldra::IdMapping mapping(destination.get());
+  ConflictReactor reactor(arguments.on_conflict, *staging, mapping);
+  transfer(staging, destination, reactor, mapping, Effect::Write, progress);
+  print(copied_objects(*staging, *destination, mapping, reactor), arguments.json);
 }
 
 void copy(const Arguments& arguments) {

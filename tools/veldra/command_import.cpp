@@ -2,7 +2,7 @@
 #include "failure.hpp"
 #include "host.hpp"
 #include "import/sources.hpp"
-#include "import/transfer.hpp"
+#include "import/staging.hpp"
 #include "json.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
@@ -128,7 +128,7 @@ ImportReport import_into(Destination& destination, const std::vector<Source>& so
   if (arguments.strict) require_no_problems(report);
   const bool was_empty = is_empty(*library);
   const auto effect = arguments.dry_run ? Effect::Pretend : Effect::Write;
-  transfer(set, library, arguments.on_conflict, arguments.tags, effect, report);
+  transfer_set(set, library, arguments.on_conflict, arguments.tags, effect, report);
   if (was_empty && !arguments.dry_run) adopt_settings(*library, set);
   return report;
 }

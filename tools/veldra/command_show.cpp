@@ -92,7 +92,7 @@ void print_details(const veldra::Material& material, veldra::Unit unit) {
          fmt::format("{}, {}", exact_number(alignment.x), exact_number(alignment.y)));
   }
   if (material.cut_layer()) line("cut layer", material.cut_layer()->name().utf8());
-  if (!material.custom_values().empty()) line("custom values", " ");
+  if (!material.custom_values().empty()) fmt::print("custom values\n");
   print_custom_values(material);
   print_asset("structural asset", material.structuralAsset());
   print_asset("thermal asset", material.thermalAsset());
@@ -158,7 +158,7 @@ void print_details(const veldra::Composition& composition, veldra::Unit unit) {
   line("comments", composition.comments().utf8());
   line("tags", tags_text(composition));
   if (composition.entity_layer()) line("entity layer", composition.entity_layer()->name().utf8());
-  if (!composition.custom_values().empty()) line("custom values", " ");
+  if (!composition.custom_values().empty()) fmt::print("custom values\n");
   print_custom_values(composition);
   const auto transmission = transmission_of(composition, unit);
   if (!composition.layers().empty()) print_layers(composition, transmission, unit);

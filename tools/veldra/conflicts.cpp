@@ -40,7 +40,7 @@ bool has(const veldra::Library& library, ObjectType type, const veldra::String& 
 }  // namespace
 
 ConflictReactor::ConflictReactor(OnConflict policy, const veldra::Library& source,
-                                 const veldra::IdMapping& mapping)
+                                 veldra::IdMapping& mapping)
     : policy_(policy), source_(source), mapping_(mapping) {}
 
 void ConflictReactor::ignore_all_tags(ObjectType type, const veldra::String& name) {
@@ -72,9 +72,13 @@ int ConflictReactor::resolveNameConflict(veldra::Library& library, ObjectType ty
     case OnConflict::Rename:
       return rename(library, original, name);
     default:
-      throw Failure(fmt::format("the library has another {} {} already", singular_of(type),
-                                in_quotes(name.utf8())));
+      fail(original);
   }
+}
+
+void ConflictReactor::fail(const Name& original) {
+  throw Failure(fmt::format("the library has another {} {} already", singular_of(original.first),
+                            in_quotes(original.second.utf8())));
 }
 
 int ConflictReactor::rename(const veldra::Library& library, const Name& original,
@@ -97,6 +101,58 @@ Outcome ConflictReactor::outcome(ObjectType type, const veldra::String& name,
   if (status == veldra::IdMapping::Existing) return Outcome::Kept;
   if (status == veldra::IdMapping::Updated) return Outcome::Changed;
   return renamed_.count({type, name}) ? Outcome::Renamed : Outcome::Added;
+}
+
+void ConflictReactor::settle_codes(const veldra::Library& library) {
+  std::vector<std::shared_ptr<veldra::Material>> incoming;
+  source_.get(incoming);
+  incoming.erase(std::remove_if(incoming.begin(), incoming.end(),
+                                [](const auto& material) { return !material->has_code(); }),
+                 incoming.end());
+  if (incoming.empty()) return;
+  std::vector<std::shared_ptr<veldra::Material>> stored;
+  library.get(stored);
+  std::map<veldra::String, veldra::String> names_by_code;
+  for (const auto& material : stored) {
+    if (material->has_code()) names_by_code[material->code()] = material->name();
+  }
+  for (const auto& material : incoming) settle_code(*material, library, names_by_code);
+}
+
+void ConflictReactor::settle_code(veldra::Material& incoming, const veldra::Library& library,
+                                  const std::map<veldra::String, veldra::String>& names_by_code) {
+  const Name original(ObjectType::Material, incoming.name());
+  const auto stored = library.get<veldra::Material>(incoming.name());
+  if (stored && same(library, original, incoming.name())) {
+    equal_.insert(original);
+    return use_stored(incoming, *stored);
+  }
+  if (stored && policy_ == OnConflict::Use) return use_stored(incoming, *stored);
+  const auto taken = names_by_code.find(incoming.code());
+  if (taken == names_by_code.end()) return;
+  const bool own = taken->second == incoming.name();
+  if (own && policy_ == OnConflict::Fail) return fail(original);
+  if (!own || policy_ != OnConflict::Overwrite) {
+    throw Failure(fmt::format("material {} has the code {}, which {} of the library has already",
+                              in_quotes(incoming.name().utf8()), in_quotes(incoming.code().utf8()),
+                              in_quotes(taken->second.utf8())));
+  }
+  codes_[incoming.name()] = incoming.code();
+  incoming.clear_code();
+  incoming.save();
+}
+
+void ConflictReactor::use_stored(const veldra::Material& incoming, const veldra::Material& stored) {
+  mapping_.assign({{ObjectType::Material, incoming.id()}, &source_},
+                  {stored.id(), veldra::IdMapping::Existing});
+}
+
+void ConflictReactor::restore_codes(veldra::Library& library) const {
+  for (const auto& [name, code] : codes_) {
+    const auto material = library.get<veldra::Material>(name);
+    material->code(code);
+    material->save();
+  }
 }
 
 template <class T>
@@ -123,7 +179,6 @@ bool ConflictReactor::same_material(const veldra::Library& library, const veldra
   const auto left = incoming->clone();
   const auto right = existing->clone();
   left->name(stored_name);
-  convert(*left, source_.unit(), library.unit());
   align_lengths(*left, *right);
   for (const auto& material : {left, right}) {
     drop_assets(*material);
@@ -141,7 +196,6 @@ bool ConflictReactor::same_composition(const veldra::Library& library,
   const auto left = incoming->clone();
   const auto right = existing->clone();
   left->name(stored_name);
-  convert(*left, source_.unit(), library.unit());
   align_lengths(*left, *right);
   for (const auto& composition : {left, right}) {
     drop_layer_materials(*composition);

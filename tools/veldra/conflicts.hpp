@@ -17,13 +17,19 @@ enum class OnConflict { Fail, Use, Overwrite, Rename };
 /// What became of an object that was copied.
 enum class Outcome { Added, Equal, Kept, Changed, Renamed };
 
-/// Decides about taken names while objects of `source` are copied with `mapping`. An object that
-/// equals the stored one, in the unit of the destination, is no conflict: the stored one stands
-/// for it. Assets do not count, because they are never copied.
+/// Decides about taken names while all objects of `source`, a staging library in the unit of the
+/// destination, are copied with `mapping`. An object that equals the stored one is no conflict: the
+/// stored one stands for it. Assets do not count, because they are never copied.
 class ConflictReactor : public veldra::Library::Reactor {
  public:
-  ConflictReactor(OnConflict policy, const veldra::Library& source,
-                  const veldra::IdMapping& mapping);
+  ConflictReactor(OnConflict policy, const veldra::Library& source, veldra::IdMapping& mapping);
+
+  /// Decides about the materials that have a code, before anything is copied: where both the name
+  /// and the code are taken, the database tells of the code, about which nobody is asked. Takes
+  /// the codes from materials that are to overwrite others, which `restore_codes` gives back.
+  /// Throws `Failure` when a code is taken by a material of another name.
+  void settle_codes(const veldra::Library& library);
+  void restore_codes(veldra::Library& library) const;
 
   /// Tags of these names, and all tags of these objects, say where an object came from and not
   /// what it is; they do not count when objects are compared.
@@ -56,17 +62,23 @@ class ConflictReactor : public veldra::Library::Reactor {
   template <class T>
   void drop_ignored_tags(T& object, const Name& original) const;
 
+  void settle_code(veldra::Material& incoming, const veldra::Library& library,
+                   const std::map<veldra::String, veldra::String>& names_by_code);
+  void use_stored(const veldra::Material& incoming, const veldra::Material& stored);
+
+  [[noreturn]] static void fail(const Name& original);
   int rename(const veldra::Library& library, const Name& original, veldra::String& name);
 
   OnConflict policy_;
   const veldra::Library& source_;
-  const veldra::IdMapping& mapping_;
+  veldra::IdMapping& mapping_;
   std::set<veldra::String> ignored_tags_;
   std::set<Name> without_tags_;
   std::function<void(veldra::Library&, const veldra::ObjectKey&)> listener_;
   std::map<Name, veldra::String> originals_;  ///< of the new names
   std::set<Name> equal_;
   std::set<Name> renamed_;
+  std::map<veldra::String, veldra::String> codes_;  ///< taken off for the time, by material
 };
 
 }  // namespace veldra_tool

@@ -36,28 +36,6 @@ double from_metres(double length, veldra::Unit unit) {
   return unit == veldra::Unit::Inches ? length / 0.0254 : length * 1000.0;
 }
 
-void convert(veldra::Material& material, veldra::Unit from, veldra::Unit to) {
-  if (from == to) return;
-  std::set<double> thicknesses;
-  for (const double thickness : material.thicknesses()) {
-    thicknesses.insert(converted(thickness, from, to));
-  }
-  material.thicknesses(veldra::toModify) = thicknesses;
-}
-
-void convert(veldra::Composition& composition, veldra::Unit from, veldra::Unit to) {
-  if (from == to) return;
-  const auto end = composition.layers_end(veldra::toModify);
-  for (auto layer = composition.layers_begin(veldra::toModify); layer != end; ++layer) {
-    layer->thickness(converted(layer->thickness(), from, to));
-  }
-  composition.variable_layer_min_thickness(
-      converted(composition.variable_layer_min_thickness(), from, to));
-  if (!composition.has_variable_layer_max_thickness()) return;
-  composition.variable_layer_max_thickness(
-      converted(composition.variable_layer_max_thickness(), from, to));
-}
-
 bool same_length(double left, double right) {
   if (std::isnan(left) || std::isnan(right)) return std::isnan(left) && std::isnan(right);
   if (left == right) return true;

@@ -11,10 +11,6 @@ double converted(double length, veldra::Unit from, veldra::Unit to);
 /// A length in metres in a unit.
 double from_metres(double length, veldra::Unit unit);
 
-/// Converts all lengths of an object.
-void convert(veldra::Material& material, veldra::Unit from, veldra::Unit to);
-void convert(veldra::Composition& composition, veldra::Unit from, veldra::Unit to);
-
 /// Whether two lengths are the same. One of them may have come through other units and back.
 bool same_length(double left, double right);
 

@@ -78,8 +78,8 @@ void Svg::text(Point at, const std::string& text, const TextStyle& style) {
   if (style.bold) attributes += R"( font-weight="bold")";
   if (style.italic) attributes += R"( font-style="italic")";
   if (style.turn != 0) {
-    attributes += fmt::format(R"svg( transform="rotate({} {} {})")svg", paper(style.turn), paper(at.x),
-                              paper(at.y));
+    attributes += fmt::format(R"svg( transform="rotate({} {} {})")svg", paper(style.turn),
+                              paper(at.x), paper(at.y));
   }
   raw(fmt::format("<text {}>{}</text>", attributes, xml_text(text)));
 }

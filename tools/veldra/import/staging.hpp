@@ -1,9 +1,10 @@
-#ifndef VELDRA_TOOL_IMPORT_TRANSFER_HPP
-#define VELDRA_TOOL_IMPORT_TRANSFER_HPP
+#ifndef VELDRA_TOOL_IMPORT_STAGING_HPP
+#define VELDRA_TOOL_IMPORT_STAGING_HPP
 
 #include "conflicts.hpp"
 #include "import/import_set.hpp"
 #include "import/report.hpp"
+#include "transfer.hpp"
 
 #include <veldra/veldra.hpp>
 
@@ -11,13 +12,11 @@
 
 namespace veldra_tool {
 
-enum class Effect { Write, Pretend };
-
 /// Brings all objects of a set into a library, in one transaction, and enters into the report
 /// what became of each. With `Pretend` the transaction is taken back.
-void transfer(const ImportSet& set, const std::shared_ptr<veldra::Library>& library,
-              OnConflict policy, const std::vector<std::string>& tags, Effect effect,
-              ImportReport& report);
+void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& library,
+                  OnConflict policy, const std::vector<std::string>& tags, Effect effect,
+                  ImportReport& report);
 
 }  // namespace veldra_tool
 

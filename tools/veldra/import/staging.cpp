@@ -1,30 +1,32 @@
-#include "import/transfer.hpp"
+#include "import/staging.hpp"
 
+#include "failure.hpp"
+#include "kinds.hpp"
 #include "opening.hpp"
 #include "progress.hpp"
-#include "reactor_guard.hpp"
 #include "text.hpp"
+
+#include <fmt/format.h>
 
 namespace veldra_tool {
 
 namespace {
 
-using veldra::ObjectType;
-
-/// Ends a transaction that is to be taken back.
-struct EndOfPretence {};
-
-/// The last tag in the order of names, and tags are the last kind that is copied: when it is
-/// saved, everything else was.
-const veldra::String& last_tag() {
-  static const veldra::String name("\xF4\x8F\xBF\xBD\xF4\x8F\xBF\xBD end of the import");
-  return name;
+template <class T>
+void save(const std::shared_ptr<T>& object, veldra::Library& staging) {
+  try {
+    staging.save(object);
+  } catch (const veldra::ObjectNotUnique&) {
+    throw Failure(fmt::format("{} {} has a code that another one of the sources has",
+                              singular_of(veldra::ObjectTraits<T>::type),
+                              in_quotes(object->name().utf8())));
+  }
 }
 
 template <class T>
 void save_all(const IncomingObjects<T>& objects, veldra::Library& staging, Progress& progress) {
   for (const auto& incoming : objects.all()) {
-    staging.save(incoming.object);
+    save(incoming.object, staging);
     progress.step();
   }
 }
@@ -60,31 +62,20 @@ std::set<veldra::String> library_texts(const std::vector<std::string>& texts) {
 
 }  // namespace
 
-void transfer(const ImportSet& set, const std::shared_ptr<veldra::Library>& library,
-              OnConflict policy, const std::vector<std::string>& tags, Effect effect,
-              ImportReport& report) {
+void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& library,
+                  OnConflict policy, const std::vector<std::string>& tags, Effect effect,
+                  ImportReport& report) {
   const auto staging = create_staging_library(library->unit());
   Progress progress("importing");
   set.shared().save_all(*staging);
   save_all(set.materials(), *staging, progress);
   save_all(set.compositions(), *staging, progress);
-  if (effect == Effect::Pretend) staging->save(veldra::Tag::create(last_tag()));
-
   veldra::IdMapping mapping(library.get());
   ConflictReactor reactor(policy, *staging, mapping);
   reactor.ignore_tags(library_texts(tags));
   ignore_tags_of_origin(set.materials(), reactor);
   ignore_tags_of_origin(set.compositions(), reactor);
-  reactor.on_saved([&](veldra::Library& destination, const veldra::ObjectKey& key) {
-    progress.step();
-    if (effect != Effect::Pretend || key.type != ObjectType::Tag) return;
-    if (destination.get<veldra::Tag>(key.id)->name() == last_tag()) throw EndOfPretence();
-  });
-  try {
-    const ReactorGuard guard(*library, reactor);
-    library->copyAll(staging, mapping);
-  } catch (const EndOfPretence&) {
-  }
+  transfer(staging, library, reactor, mapping, effect, progress);
   count_outcomes(set.materials(), *staging, reactor, mapping, &SourceReport::materials, report);
   count_outcomes(set.compositions(), *staging, reactor, mapping, &SourceReport::compositions,
                  report);

@@ -1,0 +1,40 @@
+#include "transfer.hpp"
+
+#include "reactor_guard.hpp"
+
+namespace veldra_tool {
+
+namespace {
+
+/// Ends a transaction that is to be taken back.
+struct EndOfPretence {};
+
+/// The last tag in the order of names, and tags are the last kind that is copied: when it is
+/// saved, everything else was.
+const veldra::String& last_tag() {
+  static const veldra::String name("\xF4\x8F\xBF\xBD\xF4\x8F\xBF\xBD end of the pretence");
+  return name;
+}
+
+}  // namespace
+
+void transfer(const std::shared_ptr<veldra::Library>& staging,
+              const std::shared_ptr<veldra::Library>& library, ConflictReactor& reactor,
+              veldra::IdMapping& mapping, Effect effect, Progress& progress) {
+  if (effect == Effect::Pretend) staging->save(veldra::Tag::create(last_tag()));
+  reactor.settle_codes(*library);
+  reactor.on_saved([&](veldra::Library& destination, const veldra::ObjectKey& key) {
+    progress.step();
+    if (effect != Effect::Pretend || key.type != veldra::ObjectType::Tag) return;
+    if (destination.get<veldra::Tag>(key.id)->name() == last_tag()) throw EndOfPretence();
+  });
+  try {
+    const ReactorGuard guard(*library, reactor);
+    library->copyAll(staging, mapping);
+  } catch (const EndOfPretence&) {
+    return;
+  }
+  reactor.restore_codes(*library);
+}
+
+}  // namespace veldra_tool
