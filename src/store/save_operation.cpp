@@ -12,6 +12,7 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace veldra {
 
@@ -209,7 +210,7 @@ IdMapping::Status SaveOperation::write(const Working<T>& working) {
     try {
       auto status = IdMapping::Inserted;
       if (object.id() == 0) {
-        impl_.database->persist(object);
+        insert(object);
       } else {
         status = update(object);
       }
@@ -221,6 +222,14 @@ IdMapping::Status SaveOperation::write(const Working<T>& working) {
     }
     if (resolve(working, message)) return IdMapping::Existing;
   }
+}
+
+/// The largest id is nobody's: rows whose ids are too large have it when they are read.
+template <class T>
+void SaveOperation::insert(T& object) {
+  impl_.database->persist(object);
+  if (object.id() != std::numeric_limits<unsigned>::max()) return;
+  throw odb::sqlite::database_exception(SQLITE_FULL, SQLITE_FULL, "no id is left");
 }
 
 template <class T>

@@ -65,6 +65,8 @@ class SaveOperation {
   template <class T>
   IdMapping::Status write(const Working<T>& working);
   template <class T>
+  void insert(T& object);
+  template <class T>
   IdMapping::Status update(T& object);
   IdMapping::Status update(Tag& tag);
 
