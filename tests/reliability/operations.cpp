@@ -310,10 +310,10 @@ const std::vector<Operation>& operations() {
   return all;
 }
 
-const Operation& operation_named(const std::string& name) {
+const Operation& operation_named(const char* name) {
   const auto found = std::find_if(operations().begin(), operations().end(),
                                   [&](const Operation& each) { return each.name == name; });
-  if (found == operations().end()) throw std::runtime_error("no operation " + name);
+  if (found == operations().end()) throw std::runtime_error(std::string("no operation ") + name);
   return *found;
 }
 

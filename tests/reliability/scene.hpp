@@ -134,7 +134,7 @@ struct Operation {
 /// Every operation of a library, in all its forms.
 const std::vector<Operation>& operations();
 
-const Operation& operation_named(const std::string& name);
+const Operation& operation_named(const char* name);
 
 /// Those that write.
 std::vector<Operation> writing_operations();
