@@ -46,6 +46,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -130,6 +131,12 @@ double processor_time() {
   return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
+/// Has the C library put together what was freed so far, so that no side does it for the other.
+void settle_heap() {
+  volatile std::size_t large = 64 * 1024;
+  std::free(std::malloc(large));
+}
+
 /// What the rounds of one side took.
 struct Rounds {
   std::vector<double> seconds;
@@ -137,6 +144,7 @@ struct Rounds {
   std::vector<double> syncs;
 
   double measure(const Work::Side& side) {
+    settle_heap();
     const unsigned long syncs_before = veldra_bench::syncs();
     const double processor_start = processor_time();
     const auto start = std::chrono::steady_clock::now();

@@ -54,11 +54,6 @@ void add_list_and_free(Digest* digest, plain_materials materials) {
   plain_free_materials(&materials);
 }
 
-void add_list_and_free(Digest* digest, plain_compositions compositions) {
-  add_all(digest, compositions);
-  plain_free_compositions(&compositions);
-}
-
 template <class T>
 void get_by_id(const Library& library, unsigned id, Digest* digest) {
   const auto object = library.get<T>(id);
@@ -120,28 +115,44 @@ Work compositions_by_id(Workshop& workshop) {
           }};
 }
 
-Work all_materials(Workshop& workshop) {
-  auto reading = std::make_shared<Reading>(workshop.sample(), 0, 1);
-  return {[reading](Digest* digest) {
-            std::vector<std::shared_ptr<Material>> list;
-            reading->veldra->get(list);
-            add_list(digest, list);
+/// Lists of everything, which are freed when the next round is prepared: what is measured is the
+/// reading.
+template <class T, class PlainList>
+struct Lists : Reading {
+  Lists(const Sample& sample, void (*free)(PlainList*)) : Reading(sample, 0, 1), free(free) {}
+  ~Lists() { clear(); }
+
+  void clear() {
+    list.clear();
+    free(&plain_list);
+    plain_list = PlainList{};
+  }
+
+  void (*free)(PlainList*);
+  std::vector<std::shared_ptr<T>> list;
+  PlainList plain_list{};
+};
+
+template <class T, class PlainList>
+Work list_all(Workshop& workshop, PlainList (*read)(plain_library*), void (*free)(PlainList*)) {
+  auto lists = std::make_shared<Lists<T, PlainList>>(workshop.sample(), free);
+  return {[lists](Digest* digest) {
+            lists->veldra->get(lists->list);
+            add_list(digest, lists->list);
           },
-          [reading](Digest* digest) {
-            add_list_and_free(digest, plain_all_materials(reading->plain.get()));
-          }};
+          [lists, read](Digest* digest) {
+            lists->plain_list = read(lists->plain.get());
+            add_all(digest, lists->plain_list);
+          },
+          [lists] { lists->clear(); }};
+}
+
+Work all_materials(Workshop& workshop) {
+  return list_all<Material>(workshop, plain_all_materials, plain_free_materials);
 }
 
 Work all_compositions(Workshop& workshop) {
-  auto reading = std::make_shared<Reading>(workshop.sample(), 0, 1);
-  return {[reading](Digest* digest) {
-            std::vector<std::shared_ptr<Composition>> list;
-            reading->veldra->get(list);
-            add_list(digest, list);
-          },
-          [reading](Digest* digest) {
-            add_list_and_free(digest, plain_all_compositions(reading->plain.get()));
-          }};
+  return list_all<Composition>(workshop, plain_all_compositions, plain_free_compositions);
 }
 
 Work search(Workshop& workshop) {
