@@ -79,10 +79,10 @@ unsigned lose_power_at_each_point(const Operation& operation, unsigned seeds, un
 // The new state is not certain even when the call returned: SQLite commits by deleting the journal,
 // and does not wait for the deletion to reach the disk.
 TEST(PowerLoss, leaves_the_old_state_or_the_new_one) {
-  const unsigned seeds = sample_or_all(2, 64);
+  const unsigned seeds = number_or(2, 64);
   unsigned long all = 0;
   for (const Operation& operation : writing_operations()) {
-    const unsigned losses = lose_power_at_each_point(operation, seeds, sample_or_all(29, 1));
+    const unsigned losses = lose_power_at_each_point(operation, seeds, stride_or(29));
     std::cout << operation.name << ": " << losses << " losses of power" << std::endl;
     EXPECT_GT(losses, 0u);
     all += losses;
@@ -137,10 +137,10 @@ TEST(PowerLoss, is_recovered_from_in_spite_of_faults) {
   const auto files = interrupted_files(operation);
   ASSERT_FALSE(files.empty());
   unsigned long fired = 0;
-  for (std::size_t n = 0; n < files.size(); n += sample_or_all(5, 1)) {
+  for (std::size_t n = 0; n < files.size(); n += stride_or(5)) {
     for (const auto repetition : {FaultVfs::Repetition::Once, FaultVfs::Repetition::Persistent}) {
       SCOPED_TRACE("file " + std::to_string(n));
-      const unsigned stride = sample_or_all(9, 1);
+      const unsigned stride = stride_or(9);
       unsigned point = 1;
       while (
           recover_with_fault(files[n], reference, {FaultVfs::Trouble::Error, point, repetition})) {

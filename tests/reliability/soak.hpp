@@ -1,6 +1,7 @@
 #ifndef VELDRA_TESTS_RELIABILITY_SOAK_HPP
 #define VELDRA_TESTS_RELIABILITY_SOAK_HPP
 
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 #include <string>
@@ -8,12 +9,18 @@
 namespace veldra_tests {
 
 /// Whether everything is to be run, which takes long, instead of a sample: the environment has
-/// VELDRA_SOAK. See scripts/soak.
+/// VELDRA_SOAK. Its number n makes it every n-th point; 1 is everything. See scripts/soak.
 inline bool soaking() { return std::getenv("VELDRA_SOAK") != nullptr; }
 
-/// `sample` when a sample is run, and `everything` in a long run.
-inline unsigned sample_or_all(unsigned sample, unsigned everything) {
-  return soaking() ? everything : sample;
+/// How far apart the points of a run are: `sample`, or what a long run wants.
+inline unsigned stride_or(unsigned sample) {
+  if (!soaking()) return sample;
+  return std::max(1u, static_cast<unsigned>(std::strtoul(std::getenv("VELDRA_SOAK"), nullptr, 10)));
+}
+
+/// How often something random is tried: `sample`, or `everything` in a long run.
+inline unsigned number_or(unsigned sample, unsigned everything) {
+  return soaking() ? std::max(1u, everything / stride_or(1)) : sample;
 }
 
 /// A number from the environment, such as a seed.

@@ -121,7 +121,7 @@ Sweep::Sweep(const Operation& operation, Faults& faults)
 unsigned Sweep::run(unsigned sample) {
   const int failed = failed_expectations();
   run_at(never);
-  const unsigned stride = soaking() ? 1 : std::max(1u, faults_.points() / sample);
+  const unsigned stride = stride_or(std::max(1u, faults_.points() / sample));
   unsigned fired = 0;
   for (unsigned point = 1; run_at(point); point += stride) {
     ++fired;

@@ -1,0 +1,137 @@
+#include "reliability/all_reads.hpp"
+#include "reliability/fault_vfs.hpp"
+#include "reliability/scene.hpp"
+#include "reliability/soak.hpp"
+#include "reliability/sweep.hpp"
+#include "support/database.hpp"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace veldra_tests {
+
+namespace {
+
+const std::size_t page_size = 4096;
+
+// Whether the row is gone by which a library is known. Such a file is an empty one, which becomes a
+// new library when it is opened.
+bool counts_as_empty(const std::string& path) {
+  bool has_version = false;
+  const Thrown thrown = thrown_by([&] {
+    PlainDatabase database(path);
+    const Rows tables =
+        database.query("SELECT 1 FROM sqlite_master WHERE name='schema_version' COLLATE NOCASE");
+    has_version =
+        !tables.empty() && !database.query("SELECT 1 FROM schema_version WHERE name=''").empty();
+  });
+  return thrown == "" && !has_version;
+}
+
+// A small library as bytes, to damage and to read.
+class Damage {
+ public:
+  Damage() : scene_(Start::Current, ""), whole_(read_file(scene_.path())) {}
+
+  const std::string& whole() const { return whole_; }
+  unsigned long opened() const { return opened_; }
+
+  // Reads the file with these bytes in every way: nothing but documented exceptions, and no change.
+  void expect_harmless(const std::string& bytes) {
+    const Deadline deadline;
+    write_file(scene_.path(), bytes);
+    const bool empty = counts_as_empty(scene_.path());
+    std::shared_ptr<veldra::Library> library;
+    const Thrown thrown = thrown_by(
+        [&] { library = veldra::Library::open(FaultVfs::name_of(scene_.path()).c_str(), false); });
+    EXPECT_TRUE(is_documented_for_opening(thrown)) << thrown;
+    if (library == nullptr) return;
+    ++opened_;
+    for (const ReadResult& result : read_everything(*library)) {
+      EXPECT_TRUE(is_documented_for_reading(result.thrown)) << result.read << ": " << result.thrown;
+    }
+    library.reset();
+    EXPECT_TRUE(empty || read_file(scene_.path()) == bytes) << "reading has changed the file";
+  }
+
+ private:
+  Scene scene_;
+  std::string whole_;
+  unsigned long opened_ = 0;
+};
+
+TEST(DamagedBytes, do_no_harm_wherever_they_are) {
+  Damage damage;
+  std::mt19937 random(number_from_environment("VELDRA_SEED", 1));
+  const std::size_t stride = stride_or(499);
+  unsigned long files = 0;
+  // What is near the start of a page matters most.
+  for (std::size_t at = 0; at < damage.whole().size() && !testing::Test::HasFailure(); ++at) {
+    if (at % stride != 0 && (soaking() || at > 100)) continue;
+    SCOPED_TRACE("byte " + std::to_string(at));
+    std::string bytes = damage.whole();
+    bytes[at] = static_cast<char>(static_cast<unsigned char>(bytes[at]) ^ (1 + random() % 255));
+    damage.expect_harmless(bytes);
+    ++files;
+  }
+  EXPECT_GT(damage.opened(), 0u);
+  report_figure("files with a damaged byte", files);
+  report_figure("of which opened", damage.opened());
+}
+
+TEST(DamagedBytes, do_no_harm_when_they_are_many) {
+  Damage damage;
+  std::mt19937 random(number_from_environment("VELDRA_SEED", 1));
+  const unsigned files = number_or(60, 20000);
+  for (unsigned n = 0; n != files && !testing::Test::HasFailure(); ++n) {
+    SCOPED_TRACE("file " + std::to_string(n));
+    std::string bytes = damage.whole();
+    for (unsigned left = 1 + random() % 64; left != 0; --left) {
+      // The first pages decide whether the file is opened at all.
+      const std::size_t start = random() % 16 == 0 ? 100 : 4 * page_size;
+      bytes[start + random() % (bytes.size() - start)] = static_cast<char>(random());
+    }
+    damage.expect_harmless(bytes);
+  }
+  EXPECT_GT(damage.opened(), 0u);
+  report_figure("files with many damaged bytes", files);
+  report_figure("of which opened", damage.opened());
+}
+
+TEST(CutFile, does_no_harm_wherever_it_ends) {
+  Damage damage;
+  std::vector<std::size_t> sizes;
+  const std::size_t within = stride_or(32) * 64;
+  for (std::size_t size = within; size < damage.whole().size(); size += within) {
+    sizes.push_back(size);
+  }
+  // A file of one byte is an empty one to SQLite.
+  for (std::size_t size = 2; size < 110; size += stride_or(9)) sizes.push_back(size);
+  for (const std::size_t size : sizes) {
+    SCOPED_TRACE("size " + std::to_string(size));
+    damage.expect_harmless(damage.whole().substr(0, size));
+  }
+  report_figure("cut files", sizes.size());
+}
+
+TEST(ExchangedPages, do_no_harm) {
+  Damage damage;
+  const std::size_t pages = damage.whole().size() / page_size;
+  std::mt19937 random(number_from_environment("VELDRA_SEED", 1));
+  const unsigned files = number_or(40, 2000);
+  for (unsigned n = 0; n != files; ++n) {
+    const std::size_t first = 1 + random() % (pages - 1);
+    const std::size_t second = 1 + random() % (pages - 1);
+    SCOPED_TRACE("pages " + std::to_string(first) + " and " + std::to_string(second));
+    std::string bytes = damage.whole();
+    bytes.replace(first * page_size, page_size, damage.whole(), second * page_size, page_size);
+    bytes.replace(second * page_size, page_size, damage.whole(), first * page_size, page_size);
+    damage.expect_harmless(bytes);
+  }
+  report_figure("files with exchanged pages", files);
+}
+
+}  // namespace
+
+}  // namespace veldra_tests
