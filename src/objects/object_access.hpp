@@ -10,10 +10,16 @@ namespace veldra {
 /// The library's own way to what handles keep to themselves.
 class ObjectAccess {
  public:
-  /// A new object of defaults, clean; handle and reference count in one allocation.
+  /// A new object of defaults, clean. Handle, record and reference count are one allocation: lists
+  /// make objects by the ten thousand.
   template <class T>
   static std::shared_ptr<T> make() {
-    struct Made : T {};
+    using Impl = typename T::Impl;
+    struct Made : T {
+      Made() : T(static_cast<Impl*>(nullptr)) { this->impl_.reset(&record); }
+      ~Made() { static_cast<void>(this->impl_.release()); }  // goes with this block
+      Impl record;
+    };
     return std::make_shared<Made>();
   }
 
@@ -29,11 +35,6 @@ class ObjectAccess {
   template <class T>
   static auto& impl(T& object) noexcept {
     return object.impl();
-  }
-
-  template <class T>
-  static auto& impl_pointer(T& object) noexcept {
-    return object.impl_;
   }
 
   /// The pointer within a key of a map, for replacing the property by one of the same name: the

@@ -13,7 +13,8 @@ std::shared_ptr<T> find_asset(database& database, unsigned id, const char* name)
   veldra::Statement row(sqlite::transaction::current().connection(),
                         "SELECT \"Asset\".\"typeid\" FROM \"Asset\" WHERE \"Asset\".\"id\"=?");
   row.bind(1, id);
-  if (row.next() && row.text(0) != name) throw no_type_info();
+  if (!row.next()) return nullptr;
+  if (row.text(0) != name) throw no_type_info();
   return object_traits_impl<T, id_sqlite>::find(database, id);
 }
 

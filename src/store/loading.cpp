@@ -2,6 +2,8 @@
 
 #include "store/kinds.hpp"
 #include "store/library_impl.hpp"
+#include "store/object_cache.hpp"
+#include "store/queries.hpp"
 
 #include <odb/exceptions.hxx>
 
@@ -42,6 +44,10 @@ void visit_references(Composition& composition, Visit visit) {
   for (const auto& value : record.custom_values) visit(ObjectAccess::property(value.first));
 }
 
+bool same_owner(const std::weak_ptr<Library>& left, const std::weak_ptr<Library>& right) {
+  return !left.owner_before(right) && !right.owner_before(left);
+}
+
 /// Links an object and all that it refers to.
 struct Linker {
   const std::weak_ptr<Library>& library;
@@ -53,14 +59,25 @@ struct Linker {
 
   template <class T>
   void link_object(T& object) const {
-    auto& record = static_cast<ObjectRecord&>(ObjectAccess::impl(object));
-    record.library = library;
+    ObjectRecord& record = ObjectAccess::impl(object);
+    // Replicas are linked already, and counting references of a pointer takes its time.
+    if (!same_owner(record.library, library)) record.library = library;
     visit_references(object, *this);
   }
 
   void link_object(StructuralAsset& asset) const { link_object<Asset>(asset); }
   void link_object(ThermalAsset& asset) const { link_object<Asset>(asset); }
 };
+
+/// The object with that id as the mapping gives it, not linked.
+template <class T>
+std::shared_ptr<T> find(Database& database, unsigned id) {
+  try {
+    return database.find<T>(id);
+  } catch (const odb::object_not_persistent&) {
+    return nullptr;  // something that the object refers to is missing
+  }
+}
 
 /// The places of a list in the order in which its objects lie in the file.
 std::vector<std::size_t> places_by_id(const std::vector<unsigned>& ids) {
@@ -83,12 +100,7 @@ void link(T& object, const std::weak_ptr<Library>& library) {
 template <class T>
 std::shared_ptr<T> load(const Library& library, unsigned id) {
   const auto& impl = LibraryAccess::impl(library);
-  std::shared_ptr<T> object;
-  try {
-    object = impl.database->find<T>(id);
-  } catch (const odb::object_not_persistent&) {
-    // Something that the object refers to is missing.
-  }
+  const auto object = find<T>(*impl.database, id);
   if (object != nullptr) link(*object, impl.self);
   return object;
 }
@@ -100,8 +112,26 @@ CacheScope::CacheScope(Database& database, ObjectCache& cache)
 
 CacheScope::~CacheScope() { database_.cache = former_; }
 
+namespace {
+
+template <class T>
+void prefetch_references(Database&, const std::vector<unsigned>&, const T*) {}
+
+/// Fetches the materials of the layers in the order in which they lie in the file. In the order of
+/// the layers, reading would jump through it.
+void prefetch_references(Database& database, const std::vector<unsigned>& ids, const Composition*) {
+  if (database.cache == nullptr || ids.size() < 2) return;
+  for (const unsigned id : layer_material_ids(database, ids)) {
+    const auto material = find<Material>(database, id);
+    if (material != nullptr) database.cache->offer(material);
+  }
+}
+
+}  // namespace
+
 template <class T>
 std::vector<std::shared_ptr<T>> load_all(const Library& library, const std::vector<unsigned>& ids) {
+  prefetch_references(LibraryAccess::database(library), ids, static_cast<const T*>(nullptr));
   std::vector<std::shared_ptr<T>> objects(ids.size());
   for (const std::size_t place : places_by_id(ids)) {
     objects[place] = load<T>(library, ids[place]);

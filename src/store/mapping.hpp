@@ -184,7 +184,7 @@ using NullableDouble = odb::nullable<double>;
 #pragma db member(veldra::Composition::custom_values) virtual(veldra::CustomValues) \
     access(impl().custom_values) key_column("")
 
-#pragma db object(veldra::Meta) definition pointer(std::shared_ptr)
+#pragma db object(veldra::Meta) definition
 #pragma db member(veldra::Meta::id) id
 
 #endif

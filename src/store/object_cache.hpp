@@ -8,6 +8,7 @@
 #include <memory>
 #include <tuple>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace veldra {
 
@@ -25,11 +26,12 @@ class ObjectCache {
 
   /// The object with that id, or a replica of it; null when it was not met yet.
   template <class T>
-  std::shared_ptr<T> find(unsigned id) const {
-    const auto& objects = std::get<Objects<T>>(objects_);
+  std::shared_ptr<T> find(unsigned id) {
+    auto& objects = std::get<Objects<T>>(objects_);
     const auto entry = objects.find(id);
     if (entry == objects.end()) return copied_object(id, static_cast<T*>(nullptr));
-    return copied_ == nullptr ? replica(*entry->second) : entry->second;
+    if (copied_ != nullptr || offered_.erase(entry->second.get()) != 0) return entry->second;
+    return replica(*entry->second);
   }
 
   /// Keeps an object that was loaded whole. Whoever holds it does not change it during the reading.
@@ -38,6 +40,9 @@ class ObjectCache {
     if (ObjectTraits<T>::type == listed_) return;
     std::get<Objects<T>>(objects_).emplace(object->id(), object);
   }
+
+  /// The first who asks for this object, which is in the cache, may have it itself.
+  void offer(const std::shared_ptr<Material>& object) { offered_.insert(object.get()); }
 
  private:
   template <class T>
@@ -53,6 +58,7 @@ class ObjectCache {
   ObjectType listed_;
   const Library* source_ = nullptr;
   const IdMapping* copied_ = nullptr;
+  std::unordered_set<const void*> offered_;
   std::tuple<Objects<Tag>, Objects<Layer>, Objects<MaterialType>, Objects<CustomProperty>,
              Objects<Asset>, Objects<Material>>
       objects_;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iterator>
 #include <limits>
+#include <type_traits>
 #include <unordered_set>
 
 namespace veldra {
@@ -227,6 +228,13 @@ std::vector<unsigned> all_ids(Database& database) {
 template <class T>
 std::vector<unsigned> existing_ids(Database& database, const std::set<unsigned>& ids) {
   std::vector<unsigned> existing;
+  // Every part comes in the order of the names, but not the whole.
+  if (std::is_same<T, CustomProperty>::value && ids.size() > list_limit) {
+    existing = all_ids<T>(database);
+    const auto other = [&ids](unsigned id) { return ids.count(id) == 0; };
+    existing.erase(std::remove_if(existing.begin(), existing.end(), other), existing.end());
+    return existing;
+  }
   in_parts(ids, [&](auto begin, auto end) {
     append_ids<typename Kind<T>::Id>(
         database, ordered<T>(in_list(column(Kind<T>::table, "id"), begin, end)), existing);
@@ -268,6 +276,17 @@ unsigned id_of_property(Database& database, const String& name, ObjectType type)
   parameters->name = name.utf8();
   parameters->type = static_cast<int>(type);
   return first_id(query);
+}
+
+std::vector<unsigned> layer_material_ids(Database& database, const std::vector<unsigned>& ids) {
+  std::vector<unsigned> materials;
+  in_parts(ids, [&](auto begin, auto end) {
+    append_ids<LayerMaterialId>(
+        database, in_list(column("Composition_layers", "object_id"), begin, end), materials);
+  });
+  std::sort(materials.begin(), materials.end());
+  materials.erase(std::unique(materials.begin(), materials.end()), materials.end());
+  return materials;
 }
 
 template <class T>

@@ -36,6 +36,9 @@ unsigned id_of_name(Database& database, const String& name);
 /// The same among the custom properties for a kind of object.
 unsigned id_of_property(Database& database, const String& name, ObjectType type);
 
+/// The ids of the materials that the layers of those compositions refer to, ascending, each once.
+std::vector<unsigned> layer_material_ids(Database& database, const std::vector<unsigned>& ids);
+
 template <class T>
 unsigned long long count_all(Database& database);
 

@@ -106,6 +106,13 @@ struct TaggedCompositionCount {
   unsigned long long value = 0;
 };
 
+/// What the layers of compositions refer to.
+#pragma db view table("Composition_layers")
+struct LayerMaterialId {
+#pragma db column("\"Composition_layers\".\"value_material_id\"") type("INTEGER")
+  unsigned long long value = 0;
+};
+
 }  // namespace veldra
 
 #endif
