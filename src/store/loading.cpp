@@ -122,8 +122,7 @@ void prefetch_references(Database&, const std::vector<unsigned>&, const T*) {}
 void prefetch_references(Database& database, const std::vector<unsigned>& ids, const Composition*) {
   if (database.cache == nullptr || ids.size() < 2) return;
   for (const unsigned id : layer_material_ids(database, ids)) {
-    const auto material = find<Material>(database, id);
-    if (material != nullptr) database.cache->offer(material);
+    if (find<Material>(database, id) != nullptr) database.cache->offer(id);
   }
 }
 

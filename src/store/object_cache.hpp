@@ -8,7 +8,6 @@
 #include <memory>
 #include <tuple>
 #include <unordered_map>
-#include <unordered_set>
 
 namespace veldra {
 
@@ -30,23 +29,35 @@ class ObjectCache {
     auto& objects = std::get<Objects<T>>(objects_);
     const auto entry = objects.find(id);
     if (entry == objects.end()) return copied_object(id, static_cast<T*>(nullptr));
-    if (copied_ != nullptr || offered_.erase(entry->second.get()) != 0) return entry->second;
-    return replica(*entry->second);
+    Entry<T>& known = entry->second;
+    const bool give = copied_ != nullptr || known.offered;
+    known.offered = false;
+    return give ? known.object : replica(*known.object);
   }
 
   /// Keeps an object that was loaded whole. Whoever holds it does not change it during the reading.
   template <class T>
   void insert(const std::shared_ptr<T>& object) {
     if (ObjectTraits<T>::type == listed_) return;
-    std::get<Objects<T>>(objects_).emplace(object->id(), object);
+    std::get<Objects<T>>(objects_).emplace(object->id(), Entry<T>{object, false});
   }
 
-  /// The first who asks for this object, which is in the cache, may have it itself.
-  void offer(const std::shared_ptr<Material>& object) { offered_.insert(object.get()); }
+  /// The first who asks for this material, if it is here, may have it itself.
+  void offer(unsigned id) {
+    auto& objects = std::get<Objects<Material>>(objects_);
+    const auto entry = objects.find(id);
+    if (entry != objects.end()) entry->second.offered = true;
+  }
 
  private:
   template <class T>
-  using Objects = std::unordered_map<unsigned, std::shared_ptr<T>>;
+  struct Entry {
+    std::shared_ptr<T> object;
+    bool offered;
+  };
+
+  template <class T>
+  using Objects = std::unordered_map<unsigned, Entry<T>>;
 
   template <class T>
   std::shared_ptr<T> copied_object(unsigned, T*) const {
@@ -58,7 +69,6 @@ class ObjectCache {
   ObjectType listed_;
   const Library* source_ = nullptr;
   const IdMapping* copied_ = nullptr;
-  std::unordered_set<const void*> offered_;
   std::tuple<Objects<Tag>, Objects<Layer>, Objects<MaterialType>, Objects<CustomProperty>,
              Objects<Asset>, Objects<Material>>
       objects_;
