@@ -3,20 +3,25 @@
 
 namespace veldra_tests {
 
-/// Counts allocations while it is armed, and fails one of them.
+/// Counts allocations while it is armed, and fails one of them, or all from that one on.
 struct FailingAllocation {
   bool armed = false;
   bool fired = false;
   unsigned count = 0;
   unsigned point = 0;
+  bool persistent = false;
 
-  void arm(unsigned failing) { *this = {true, false, 0, failing}; }
+  void arm(unsigned failing, bool all_from_there) {
+    *this = {true, false, 0, failing, all_from_there};
+  }
   void disarm() { armed = false; }
 
   bool fails() {
-    if (!armed || ++count != point) return false;
-    fired = true;
-    return true;
+    if (!armed) return false;
+    ++count;
+    const bool due = persistent ? count >= point : count == point;
+    fired = fired || due;
+    return due;
   }
 };
 

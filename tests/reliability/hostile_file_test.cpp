@@ -108,6 +108,18 @@ TEST(HostileFile, with_a_changed_schema_does_no_harm) {
   report_figure("files with a changed schema", std::size(schemas));
 }
 
+TEST(HostileFile, with_a_very_long_text_is_read) {
+  const unsigned mebibytes = soaking() ? 100 : 1;
+  Scene scene(Start::Current, "");
+  change_file(scene.path(), "UPDATE Material SET comments=replace(hex(zeroblob(" +
+                                std::to_string(mebibytes) + " * 524288)), '0', 'x') WHERE id=1");
+  scene.open();
+  const auto material = scene.library->get<veldra::Material>(1u);
+  ASSERT_TRUE(material);
+  EXPECT_EQ(material->comments().utf8(), std::string(mebibytes * 1048576ul, 'x'));
+  report_figure("MiB of one text", mebibytes);
+}
+
 TEST(HostileFile, without_ids_that_fit_takes_no_new_objects) {
   Scene scene(Start::Current, "");
   change_file(scene.path(), "UPDATE sqlite_sequence SET seq=4294967294");

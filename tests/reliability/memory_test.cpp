@@ -35,9 +35,12 @@ const int allocator_of_sqlite = replace_allocator_of_sqlite();
 
 class NoMemory : public Faults {
  public:
-  explicit NoMemory(FailingAllocation& allocation) : allocation_(allocation) {}
+  enum class Lack { Once, Persistent };
 
-  void arm(unsigned point) override { allocation_.arm(point); }
+  NoMemory(FailingAllocation& allocation, Lack lack)
+      : allocation_(allocation), persistent_(lack == Lack::Persistent) {}
+
+  void arm(unsigned point) override { allocation_.arm(point, persistent_); }
   void disarm() override { allocation_.disarm(); }
   bool fired() const override { return allocation_.fired; }
   unsigned points() const override { return allocation_.count; }
@@ -46,22 +49,33 @@ class NoMemory : public Faults {
 
  private:
   FailingAllocation& allocation_;
+  bool persistent_;
 };
 
 TEST(NoMemory, for_the_library_leaves_the_old_state) {
-  NoMemory faults(failing_new);
+  NoMemory faults(failing_new, NoMemory::Lack::Once);
   sweep(operations(), faults, 4, "failed allocations of C++");
 }
 
 TEST(NoMemory, for_sqlite_leaves_the_old_state_or_the_new_one) {
   ASSERT_EQ(allocator_of_sqlite, SQLITE_OK);
-  NoMemory faults(failing_sqlite);
+  NoMemory faults(failing_sqlite, NoMemory::Lack::Once);
   sweep(operations(), faults, 4, "failed allocations of SQLite");
+}
+
+TEST(NoMemory, for_the_library_from_some_moment_on_leaves_the_old_state) {
+  NoMemory faults(failing_new, NoMemory::Lack::Persistent);
+  sweep(operations(), faults, 2, "failed allocations of C++ from one on");
+}
+
+TEST(NoMemory, for_sqlite_from_some_moment_on_leaves_the_old_state_or_the_new_one) {
+  NoMemory faults(failing_sqlite, NoMemory::Lack::Persistent);
+  sweep(operations(), faults, 2, "failed allocations of SQLite from one on");
 }
 
 // A transaction that could not be ended would keep its lock, and the handle would begin no other.
 TEST(NoMemory, at_the_end_of_making_a_file_leaves_no_transaction_open) {
-  NoMemory faults(failing_sqlite);
+  NoMemory faults(failing_sqlite, NoMemory::Lack::Once);
   EXPECT_EQ(Sweep(operation_named("create a missing file"), faults).run_last(60), 60u);
 }
 
