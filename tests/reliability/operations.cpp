@@ -311,9 +311,10 @@ const std::vector<Operation>& operations() {
 }
 
 const Operation& operation_named(const char* name) {
+  const std::string wanted(name);
   const auto found = std::find_if(operations().begin(), operations().end(),
-                                  [&](const Operation& each) { return each.name == name; });
-  if (found == operations().end()) throw std::runtime_error(std::string("no operation ") + name);
+                                  [&](const Operation& each) { return each.name == wanted; });
+  if (found == operations().end()) throw std::runtime_error("no operation " + wanted);
   return *found;
 }
 
