@@ -68,12 +68,12 @@ void purge(const PurgeArguments& arguments) {
     auto objects = candidates(*library, kinds);
     if (arguments.dry_run) {
       predict_purge(objects, *library);
-      return print_candidates(objects, arguments.json, "would go");
+      return print_purged(objects, arguments.json, "would go");
     }
     std::map<veldra::ObjectKey, bool> results;
     library->purge(kinds, results);
     enter_results(objects, results);
-    print_candidates(objects, arguments.json, "removed");
+    print_purged(objects, arguments.json, "removed");
   });
 }
 

@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace veldra_tool {
 
@@ -78,6 +79,15 @@ void print_candidates(const std::vector<Candidate>& candidates, bool json, const
                candidate.removed ? removed : "stays: in use"});
   }
   fmt::print("{}", table.empty() ? "There was nothing to remove.\n" : table.text());
+}
+
+void print_purged(const std::vector<Candidate>& candidates, bool json, const char* removed) {
+  if (json) return print_candidates(candidates, json, removed);
+  std::vector<Candidate> gone;
+  std::copy_if(candidates.begin(), candidates.end(), std::back_inserter(gone),
+               [](const Candidate& candidate) { return candidate.removed; });
+  print_candidates(gone, json, removed);
+  fmt::print("{} objects stay, because they are in use.\n", candidates.size() - gone.size());
 }
 
 }  // namespace veldra_tool

@@ -31,6 +31,9 @@ void predict_purge(std::vector<Candidate>& candidates, const veldra::Library& li
 
 void print_candidates(const std::vector<Candidate>& candidates, bool json, const char* removed);
 
+/// The same for a purge, whose text only counts what stays.
+void print_purged(const std::vector<Candidate>& candidates, bool json, const char* removed);
+
 }  // namespace veldra_tool
 
 #endif

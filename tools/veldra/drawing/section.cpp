@@ -14,9 +14,9 @@ namespace veldra_tool {
 namespace {
 
 constexpr double area_width = 128;
-constexpr double length = 78;            ///< of a layer that stands
-constexpr double lying_length = 92;      ///< of a layer that lies
-constexpr double deepest_standing = 96;  ///< of all layers together
+constexpr double length = 78;             ///< of a layer that stands
+constexpr double lying_length = 92;       ///< of a layer that lies
+constexpr double deepest_standing = 100;  ///< of all layers together
 constexpr double deepest_lying = 74;
 constexpr double thinnest = 1.1;  ///< that a layer is drawn
 constexpr double number_radius = 2.3;
@@ -187,7 +187,7 @@ void Section::draw_dimensions(Svg& svg) const {
     const double thickness = composition_.layers()[i].thickness();
     sum += thickness;
     const std::string text = length_text(thickness, unit_);
-    const bool fits = 1.35 * static_cast<double>(text.size()) < edges_[i + 1] - edges_[i];
+    const bool fits = 1.4 * static_cast<double>(text.size()) + 1 < edges_[i + 1] - edges_[i];
     draw_dimension(svg, edges_[i], edges_[i + 1], chain_distance, fits ? text : "");
   }
   draw_dimension(svg, 0, width(), total_distance, length_text(sum, unit_));

@@ -1,0 +1,86 @@
+#include "tools/program.hpp"
+
+#include "support/database.hpp"
+
+namespace veldra_tests {
+namespace {
+
+using testing::HasSubstr;
+
+class Check : public ProgramTest {
+ protected:
+  void SetUp() override {
+    write("a.idf",
+          "Material, Brick, Rough, 0.115, 1, 1800, 1000; Construction, Wall, Brick, Brick;");
+    must({"import", "a.lib", "a.idf"});
+  }
+
+  /// Changes rows behind the library's back.
+  void damage_rows(const std::string& statement) {
+    PlainDatabase(path("a.lib")).execute("PRAGMA foreign_keys=OFF; " + statement);
+  }
+  void expect_finding(const std::string& text) {
+    const auto run = veldra({"check", "a.lib"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, HasSubstr(text));
+  }
+};
+
+TEST_F(Check, a_sound_library_has_no_findings) {
+  EXPECT_EQ(must({"check", "a.lib", "--json"}).json(), nlohmann::json::array());
+}
+
+TEST_F(Check, thicknesses_that_are_not_positive_are_found) {
+  damage_rows("UPDATE Composition_layers SET value_thickness = -1 WHERE \"index\" = 1");
+  expect_finding("composition 'Wall': the thickness -1 of layer 2");
+  damage_rows("UPDATE Composition_layers SET value_thickness = NULL WHERE \"index\" = 1");
+  expect_finding("composition 'Wall': the thickness of layer 2 is not known");
+  damage_rows("UPDATE Material_thicknesses SET value = 0");
+  expect_finding("material 'Brick': the thickness 0");
+}
+
+TEST_F(Check, indices_that_break_the_rules_are_found) {
+  damage_rows("UPDATE Composition SET last_core_layer = 5");
+  expect_finding("reaches beyond the 2 layers");
+  damage_rows("UPDATE Composition SET last_core_layer = 0, first_core_layer = 1");
+  expect_finding("ends before it begins");
+  damage_rows("UPDATE Composition SET first_core_layer = 0, structural_layer = 1");
+  expect_finding("the structural layer 2 is outside the core");
+  damage_rows("UPDATE Composition SET variable_layer = 9");
+  expect_finding("the variable layer 10 is none of its 2 layers");
+}
+
+TEST_F(Check, texts_that_are_not_utf_8_are_found_with_their_object) {
+  damage_rows("UPDATE Material SET label = CAST(x'C3' AS TEXT)");
+  expect_finding("material 1: the library has a text that is not UTF-8");
+}
+
+TEST_F(Check, references_to_nothing_are_found) {
+  damage_rows("UPDATE Material SET type = 999");
+  expect_finding("cannot be read");
+}
+
+TEST_F(Check, findings_come_as_json_too) {
+  damage_rows("UPDATE Material_thicknesses SET value = 0");
+  const auto run = veldra({"check", "a.lib", "--json"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.json()[0]["object"], "material 'Brick'");
+}
+
+TEST_F(Check, a_text_that_is_not_utf_8_gives_other_commands_a_sentence) {
+  damage_rows("UPDATE Material SET label = CAST(x'C3' AS TEXT)");
+  const auto run = veldra({"list", "a.lib", "materials"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, is_one_sentence());
+}
+
+TEST_F(Check, a_library_of_a_version_to_come_gives_a_sentence) {
+  damage_rows("UPDATE schema_version SET version = 999999");
+  const auto run = veldra({"info", "a.lib"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, is_one_sentence());
+  EXPECT_THAT(run.err, HasSubstr("version"));
+}
+
+}  // namespace
+}  // namespace veldra_tests

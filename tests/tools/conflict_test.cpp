@@ -1,0 +1,126 @@
+#include "tools/program.hpp"
+
+#include "support/database.hpp"
+
+namespace veldra_tests {
+namespace {
+
+using testing::HasSubstr;
+
+/// A library with a gap of 0.1, and a source with one of 0.2 and a wall of it.
+class Conflict : public ProgramTest {
+ protected:
+  void SetUp() override {
+    write("old.idf", "Material:AirGap, Gap, 0.1;");
+    write("new.idf", "Material:AirGap, Gap, 0.2; Construction, Wall, Gap;");
+    must({"import", "a.lib", "old.idf"});
+  }
+
+  nlohmann::json imported(const std::string& policy) {
+    return must({"import", "a.lib", "new.idf", "--on-conflict", policy, "--json"}).json()[0];
+  }
+  std::string resistance(const std::string& name) {
+    return must({"show", "a.lib", "material", name, "--json"})
+        .json()["custom_values"]["Thermal resistance [m2 K/W]"];
+  }
+  std::string wall_material() {
+    return must({"show", "a.lib", "composition", "Wall", "--json"}).json()["layers"][0]["material"];
+  }
+  /// The same import again finds everything equal and changes no row.
+  void expect_no_more_changes(const std::string& policy) {
+    const auto before = dump(path("a.lib"));
+    const auto report = imported(policy);
+    EXPECT_EQ(report["materials"]["equal"].get<int>() + report["materials"]["kept"].get<int>(), 1);
+    EXPECT_EQ(report["compositions"]["equal"], 1);
+    EXPECT_EQ(dump(path("a.lib")), before);
+  }
+};
+
+TEST_F(Conflict, fails_by_default_and_changes_nothing) {
+  const auto before = dump(path("a.lib"));
+  const auto run = veldra({"import", "a.lib", "new.idf"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, is_one_sentence());
+  EXPECT_THAT(run.err, HasSubstr("'Gap'"));
+  EXPECT_EQ(dump(path("a.lib")), before);
+}
+
+TEST_F(Conflict, use_keeps_what_is_there) {
+  EXPECT_EQ(imported("use")["materials"]["kept"], 1);
+  EXPECT_EQ(resistance("Gap"), "0.1");
+  EXPECT_EQ(wall_material(), "Gap");
+  expect_no_more_changes("use");
+}
+
+TEST_F(Conflict, overwrite_changes_what_is_there) {
+  EXPECT_EQ(imported("overwrite")["materials"]["changed"], 1);
+  EXPECT_EQ(resistance("Gap"), "0.2");
+  EXPECT_EQ(wall_material(), "Gap");
+  expect_no_more_changes("overwrite");
+}
+
+TEST_F(Conflict, rename_puts_the_new_one_beside_the_old_one) {
+  EXPECT_EQ(imported("rename")["materials"]["renamed"], 1);
+  EXPECT_EQ(resistance("Gap"), "0.1");
+  EXPECT_EQ(resistance("Gap (2)"), "0.2");
+  EXPECT_EQ(wall_material(), "Gap (2)");
+  expect_no_more_changes("rename");
+}
+
+TEST_F(Conflict, equal_objects_are_none_whatever_the_file_is_called) {
+  write("copy.idf", "Material:AirGap, Gap, 0.1;");
+  const auto report = must({"import", "a.lib", "copy.idf", "--json"}).json()[0];
+  EXPECT_EQ(report["materials"]["equal"], 1);
+  EXPECT_EQ(count("a.lib", "materials"), 1U);
+}
+
+TEST_F(Conflict, between_sources_is_settled_like_one_with_the_library) {
+  EXPECT_EQ(veldra({"import", "b.lib", "old.idf", "new.idf"}).status, 1);
+  EXPECT_FALSE(exists("b.lib"));
+  must({"import", "b.lib", "old.idf", "new.idf", "--on-conflict", "rename"});
+  EXPECT_EQ(
+      must({"show", "b.lib", "composition", "Wall", "--json"}).json()["layers"][0]["material"],
+      "Gap (2)");
+}
+
+/// Materials with codes, about which the library asks nobody.
+class CodeConflict : public ProgramTest {
+ protected:
+  void SetUp() override {
+    write_material("old.json", "Oak", "H-1", "old");
+    must({"import", "a.lib", "old.json"});
+  }
+  void write_material(const std::string& file, const std::string& name, const std::string& code,
+                      const std::string& label) {
+    write(file, R"({"format": "veldra", "materials": [{"name": ")" + name + R"(", "code": ")" +
+                    code + R"(", "label": ")" + label + R"("}]})");
+  }
+  nlohmann::json oak() { return must({"show", "a.lib", "material", "Oak", "--json"}).json(); }
+};
+
+TEST_F(CodeConflict, an_equal_material_is_none) {
+  EXPECT_EQ(must({"import", "a.lib", "old.json", "--json"}).json()[0]["materials"]["equal"], 1);
+}
+
+TEST_F(CodeConflict, use_and_overwrite_work_with_the_same_code) {
+  write_material("new.json", "Oak", "H-1", "new");
+  EXPECT_EQ(veldra({"import", "a.lib", "new.json"}).status, 1);
+  must({"import", "a.lib", "new.json", "--on-conflict", "use"});
+  EXPECT_EQ(oak()["label"], "old");
+  must({"import", "a.lib", "new.json", "--on-conflict", "overwrite"});
+  EXPECT_EQ(oak()["label"], "new");
+  EXPECT_EQ(oak()["code"], "H-1");
+}
+
+TEST_F(CodeConflict, a_code_of_another_material_is_named_and_nothing_changes) {
+  write_material("new.json", "Ash", "H-1", "new");
+  const auto before = dump(path("a.lib"));
+  const auto run = veldra({"import", "a.lib", "new.json", "--on-conflict", "overwrite"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, is_one_sentence());
+  EXPECT_THAT(run.err, HasSubstr("'Ash' has the code 'H-1', which 'Oak'"));
+  EXPECT_EQ(dump(path("a.lib")), before);
+}
+
+}  // namespace
+}  // namespace veldra_tests

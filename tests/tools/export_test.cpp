@@ -1,0 +1,172 @@
+#include "tools/program.hpp"
+
+#include <cmath>
+#include <limits>
+
+namespace veldra_tests {
+namespace {
+
+using testing::HasSubstr;
+
+const std::vector<const char*>& difficult_names() {
+  static const std::vector<const char*> names{"it's \"quoted\" `twice` „so“ «and so»",
+                                              "back\\slash / slash",
+                                              "tab\tline\nreturn\rbell\x07 escape\x1b del\x7f",
+                                              "Dämmstoff 木材 🧱 é e\xCC\x81",
+                                              " blanks around ",
+                                              "; , ! % _ & < > {}",
+                                              "right to left \xE2\x80\xAE",
+                                              "\xEF\xBF\xBE noncharacter"};
+  return names;
+}
+
+class Export : public ProgramTest {
+ protected:
+  /// Every field of every kind has a value of its own.
+  void fill(veldra::Library& office) {
+    for (const char* name : difficult_names()) office.save(difficult_composition(name));
+    office.save(veldra::Tag::create("used by nobody"));
+    office.save(veldra::Layer::create("used by nobody"));
+    office.save(veldra::MaterialType::create("used by nobody"));
+    office.save(veldra::CustomProperty::create("both", veldra::ObjectType::Material));
+    office.save(veldra::CustomProperty::create("both", veldra::ObjectType::Composition));
+    office.save(veldra::CustomProperty::create("both", veldra::ObjectType{}));
+    office.save(veldra::Composition::create("without layers"));
+  }
+
+  static std::shared_ptr<veldra::Material> difficult_material(const char* name) {
+    const auto material = veldra::Material::create(name);
+    material->description("description");
+    material->comments(name);
+    material->code((std::string("code ") + name).c_str());
+    material->cost("12,50 €");
+    material->keynote("keynote");
+    material->label("label");
+    material->manufacturer("manufacturer");
+    material->mark("mark");
+    material->model("model");
+    material->url("https://example.org/?a=b&c");
+    material->classification("classification");
+    material->appearance("appearance");
+    material->type(veldra::MaterialType::create(name));
+    material->shading_use_appearance(true);
+    material->shading_color({0.1, 0.2, 0.3, 1});
+    material->surface_pattern({veldra::Pattern::Type::Lines, name, 0.1, 33.3});
+    material->surface_pattern_color({1.0 / 3, 1e-300, 1e300, 0.5});
+    material->surface_pattern_alignment({-0.0, 5e-324});
+    material->cut_pattern({2.5, 45, true});
+    material->cut_pattern_color({0, 0, 0, 1});
+    material->cut_layer(veldra::Layer::create(name));
+    material->function(static_cast<veldra::Material::Function>(-7));
+    material->thicknesses(veldra::toModify) = {0.1, 12.5, 1e-7, -3,
+                                               std::numeric_limits<double>::infinity()};
+    material->allow_custom_thickness(false);
+    material->custom_value(veldra::String(name), name);
+    material->custom_value(veldra::CustomProperty::create("any", veldra::ObjectType{}), "value");
+    material->addTag(veldra::Tag::create(name));
+    material->addTag(veldra::Tag::create("second"));
+    material->addTag(veldra::Tag::create(name));
+    return material;
+  }
+
+  static std::shared_ptr<veldra::Composition> difficult_composition(const char* name) {
+    using Function = veldra::Material::Function;
+    const auto composition = veldra::Composition::create(name);
+    const auto material = difficult_material(name);
+    composition->description(name);
+    composition->comments("comments");
+    composition->type(veldra::Composition::Type::Roof);
+    composition->entity_layer(veldra::Layer::create("entity layer"));
+    composition->addTag(veldra::Tag::create(name));
+    composition->custom_value(veldra::String(name), "value");
+    composition->appendLayer({material, Function::None, 0.1 + 0.2});
+    composition->appendLayer({material, Function::Structure, std::nan("")});
+    composition->appendLayer({material, static_cast<Function>(9), -1});
+    composition->last_core_layer(2);
+    composition->first_core_layer(1);
+    composition->structural_layer(2);
+    composition->variable_layer(4000000000U);
+    composition->variable_layer_min_thickness(std::nan(""));
+    composition->variable_layer_max_thickness(1e10);
+    return composition;
+  }
+};
+
+TEST_F(Export, a_round_trip_gives_the_same_bytes) {
+  fill(*library("a.lib"));
+  const auto first = exported("a.lib");
+  write("a.json", first);
+  must({"create", "b.lib"});
+  must({"import", "b.lib", "a.json"});
+  EXPECT_EQ(exported("b.lib"), first);
+  must({"import", "c.lib", "a.json"});
+  EXPECT_EQ(exported("c.lib"), first);
+}
+
+TEST_F(Export, a_second_import_changes_nothing) {
+  fill(*library("a.lib"));
+  write("a.json", exported("a.lib"));
+  const auto report = must({"import", "a.lib", "a.json", "--json"}).json()[0];
+  EXPECT_EQ(report["materials"]["equal"], difficult_names().size());
+  EXPECT_EQ(report["compositions"]["equal"], difficult_names().size() + 1);
+  EXPECT_EQ(exported("a.lib"), read("a.json"));
+}
+
+TEST_F(Export, settings_and_purged_types_come_along) {
+  must({"create", "a.lib", "--unit", "in", "--locale", "de_AT", "--region", "AT"});
+  must({"purge", "a.lib", "types"});
+  write("a.json", exported("a.lib"));
+  must({"import", "b.lib", "a.json"});
+  EXPECT_EQ(exported("b.lib"), read("a.json"));
+  EXPECT_EQ(count("b.lib", "types"), 0U);
+}
+
+TEST_F(Export, a_new_library_gives_a_round_trip) {
+  must({"create", "a.lib"});
+  write("a.json", exported("a.lib"));
+  must({"import", "b.lib", "a.json"});
+  EXPECT_EQ(exported("b.lib"), read("a.json"));
+}
+
+TEST_F(Export, objects_come_in_the_order_of_their_names_and_not_of_their_making) {
+  library("a.lib")->save(veldra::Tag::create("b"));
+  library("a.lib")->save(veldra::Tag::create("a"));
+  library("b.lib")->save(veldra::Tag::create("a"));
+  library("b.lib")->save(veldra::Tag::create("b"));
+  EXPECT_EQ(exported("a.lib"), exported("b.lib"));
+}
+
+TEST_F(Export, a_file_gets_the_same_bytes_as_standard_output) {
+  fill(*library("a.lib"));
+  must({"export", "a.lib", "-o", "out.json"});
+  EXPECT_EQ(read("out.json"), exported("a.lib"));
+}
+
+TEST_F(Export, a_file_that_cannot_be_written_gives_a_sentence) {
+  must({"create", "a.lib"});
+  const auto run = veldra({"export", "a.lib", "-o", "nowhere/out.json"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, is_one_sentence());
+}
+
+TEST_F(Export, standard_output_that_is_full_is_a_failure) {
+  must({"create", "a.lib"});
+  const auto run = veldra({"export", "a.lib", "-o", "/dev/full"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, is_one_sentence());
+}
+
+TEST_F(Export, csv_has_a_row_for_each_material_composition_and_layer) {
+  const auto office = library("a.lib");
+  const auto wall = veldra::Composition::create("Wall, \"outer\"");
+  wall->appendLayer({difficult_material("Brick"), veldra::Material::Function::None, 115});
+  office->save(wall);
+  const auto csv = must({"export", "a.lib", "--format", "csv"}).out;
+  EXPECT_THAT(csv, HasSubstr("kind,name,position,material,thickness"));
+  EXPECT_THAT(csv, HasSubstr("\r\nmaterial,Brick,,,-3; 1e-07; 0.1; 12.5; inf,"));
+  EXPECT_THAT(csv, HasSubstr("\r\ncomposition,\"Wall, \"\"outer\"\"\","));
+  EXPECT_THAT(csv, HasSubstr("\r\nlayer,\"Wall, \"\"outer\"\"\",1,Brick,115,0,"));
+}
+
+}  // namespace
+}  // namespace veldra_tests

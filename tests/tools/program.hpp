@@ -1,0 +1,55 @@
+#ifndef VELDRA_TESTS_TOOLS_PROGRAM_HPP
+#define VELDRA_TESTS_TOOLS_PROGRAM_HPP
+
+#include "support/temporary.hpp"
+
+#include <veldra/veldra.hpp>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace veldra_tests {
+
+/// What a run of the program gave.
+struct Outcome {
+  int status = -1;  ///< the exit status; -1 when a signal ended the program
+  std::string out;
+  std::string err;
+
+  nlohmann::json json() const { return nlohmann::json::parse(out); }
+};
+
+/// Runs the built program in a folder of its own.
+class ProgramTest : public testing::Test {
+ protected:
+  Outcome veldra(const std::vector<std::string>& arguments) const;
+
+  /// The same for a run that must work.
+  Outcome must(const std::vector<std::string>& arguments) const;
+
+  /// The whole path of a file in the folder.
+  std::string path(const std::string& file) const { return folder_ / file; }
+  void write(const std::string& file, const std::string& text) const;
+  std::string read(const std::string& file) const { return read_file(path(file)); }
+  bool exists(const std::string& file) const { return file_exists(path(file)); }
+
+  /// Opens a library of the folder, making it when it is missing.
+  std::shared_ptr<veldra::Library> library(const std::string& file) const;
+
+  std::string exported(const std::string& file) const { return must({"export", file}).out; }
+  unsigned count(const std::string& file, const std::string& kind) const;
+
+ private:
+  TemporaryFolder folder_;
+};
+
+/// One sentence for people: the program's name first, one line, nothing of the runtime.
+testing::Matcher<std::string> is_one_sentence();
+
+}  // namespace veldra_tests
+
+#endif

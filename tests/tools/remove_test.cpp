@@ -1,0 +1,111 @@
+#include "tools/program.hpp"
+
+#include "support/database.hpp"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace veldra_tests {
+namespace {
+
+using testing::HasSubstr;
+
+class Remove : public ProgramTest {
+ protected:
+  void SetUp() override {
+    write("a.idf",
+          "Material:AirGap, Used, 0.1; Material:AirGap, Free, 0.1; Material:AirGap, 3, 0.1;"
+          "Construction, Wall, Used;");
+    must({"import", "a.lib", "a.idf"});
+  }
+
+  bool removed(const nlohmann::json& list, const std::string& name) {
+    for (const auto& entry : list) {
+      if (entry["name"] == name) return entry["removed"];
+    }
+    ADD_FAILURE() << name << " is not told of";
+    return false;
+  }
+};
+
+TEST_F(Remove, what_is_in_use_stays_and_the_rest_goes) {
+  const auto list = must({"remove", "a.lib", "materials", "Used", "Free", "--json"}).json();
+  EXPECT_FALSE(removed(list, "Used"));
+  EXPECT_TRUE(removed(list, "Free"));
+  EXPECT_EQ(count("a.lib", "materials"), 2U);
+}
+
+TEST_F(Remove, when_nothing_goes_the_status_is_1) {
+  const auto run = veldra({"remove", "a.lib", "materials", "Used"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.out, HasSubstr("in use"));
+  EXPECT_EQ(count("a.lib", "materials"), 3U);
+}
+
+TEST_F(Remove, a_name_that_is_not_there_keeps_everything_in_place) {
+  const auto run = veldra({"remove", "a.lib", "materials", "Free", "Nobody"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, is_one_sentence());
+  EXPECT_EQ(count("a.lib", "materials"), 3U);
+}
+
+TEST_F(Remove, the_same_object_may_be_named_twice) {
+  EXPECT_EQ(must({"remove", "a.lib", "materials", "Free", "Free", "--json"}).json().size(), 1U);
+}
+
+TEST_F(Remove, a_purge_takes_what_nothing_refers_to) {
+  const auto list = must({"purge", "a.lib", "materials", "types", "--json"}).json();
+  EXPECT_FALSE(removed(list, "Used"));
+  EXPECT_TRUE(removed(list, "Free"));
+  EXPECT_TRUE(removed(list, "Wood"));
+  EXPECT_FALSE(removed(list, "Air gap"));
+  EXPECT_EQ(count("a.lib", "materials"), 1U);
+  EXPECT_EQ(count("a.lib", "compositions"), 1U);
+}
+
+TEST_F(Remove, a_dry_run_tells_what_a_purge_does_and_writes_nothing) {
+  for (const std::vector<std::string>& kinds :
+       {std::vector<std::string>{"materials", "tags"}, std::vector<std::string>{"types"},
+        std::vector<std::string>{}}) {
+    std::vector<std::string> arguments{"purge", "a.lib", "--json"};
+    arguments.insert(arguments.end(), kinds.begin(), kinds.end());
+    auto pretended = arguments;
+    pretended.push_back("--dry-run");
+    const auto before = dump(path("a.lib"));
+    const auto told = must(pretended).json();
+    EXPECT_EQ(dump(path("a.lib")), before);
+    EXPECT_EQ(must(arguments).json(), told);
+  }
+  EXPECT_EQ(count("a.lib", "materials"), 0U);
+}
+
+/// A library in a file that can only be read. That is not so for the superuser.
+class ReadOnly : public Remove {
+ protected:
+  void SetUp() override {
+    if (::geteuid() == 0) GTEST_SKIP() << "the superuser may write every file";
+    Remove::SetUp();
+    ASSERT_EQ(::chmod(path("a.lib").c_str(), 0400), 0);
+  }
+};
+
+TEST_F(ReadOnly, refuses_changes_with_a_sentence) {
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"remove", "a.lib", "materials", "Free"},
+        std::vector<std::string>{"purge", "a.lib"},
+        std::vector<std::string>{"import", "a.lib", "a.idf"}}) {
+    const auto run = veldra(arguments);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, is_one_sentence());
+    EXPECT_THAT(run.err, HasSubstr("only be read"));
+  }
+}
+
+TEST_F(ReadOnly, can_be_looked_at) {
+  EXPECT_EQ(must({"info", "a.lib", "--json"}).json()["read_only"], true);
+  must({"list", "a.lib", "materials"});
+  must({"purge", "a.lib", "--dry-run"});
+}
+
+}  // namespace
+}  // namespace veldra_tests
