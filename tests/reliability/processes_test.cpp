@@ -193,6 +193,29 @@ TEST(Processes, that_work_on_one_file_lose_nothing) {
   work_at_once(4, number_or(100, 12500));
 }
 
+// Runs an operation while another process holds a lock on the file for a moment.
+void wait_for_lock(const Operation& operation, const std::string& begin) {
+  SCOPED_TRACE(operation.name + (" after " + begin));
+  const Deadline deadline;
+  Scene scene(operation.start, FaultVfs::name_of(""));
+  set_up(scene, operation);
+  const LockingProcess other(scene.path(), begin, 100);
+  EXPECT_EQ(thrown_by([&] { operation.run(scene); }), "");
+  EXPECT_EQ(scene.rows(), Reference(operation).after());
+}
+
+TEST(Processes, that_hold_the_file_for_a_moment_are_waited_for) {
+  unsigned waits = 0;
+  for (std::size_t n = 0; n < operations().size(); n += stride_or(7)) {
+    for (const char* begin :
+         {"BEGIN EXCLUSIVE", "BEGIN IMMEDIATE", "BEGIN; SELECT count(*) FROM sqlite_master"}) {
+      wait_for_lock(operations()[n], begin);
+      ++waits;
+    }
+  }
+  report_figure("operations that waited for a lock", waits);
+}
+
 }  // namespace
 
 }  // namespace veldra_tests
