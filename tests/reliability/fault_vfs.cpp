@@ -290,6 +290,9 @@ void apply_what_was_made(Disk& disk, std::mt19937& random) {
   const std::vector<Change> changes = disk.changes;
   for (Change change : changes) {
     const auto fate = random() % 4;
+    // While a deletion is lost the name means the old file, and what was done to a new one of that
+    // name is not to be seen.
+    if (fate == 0 && change.kind == Change::Kind::Delete) return;
     if (fate == 0) continue;
     if (fate == 1 && !change.bytes.empty()) change.bytes.resize(random() % change.bytes.size());
     apply(change, disk);
