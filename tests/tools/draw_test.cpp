@@ -59,7 +59,7 @@ TEST_F(Draw, inches_are_drawn_to_the_same_scale) {
   must({"copy", "a.lib", "in.lib", "--all"});
   const auto svg = must({"draw", "in.lib", "Wall"}).out;
   EXPECT_EQ(layer_widths(svg), layer_widths(drawn("Wall")));
-  EXPECT_THAT(svg, HasSubstr("thicknesses in in"));
+  EXPECT_THAT(svg, HasSubstr("thicknesses in inches"));
   EXPECT_THAT(svg, HasSubstr(">11<"));
 }
 

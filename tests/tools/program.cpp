@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -53,11 +54,13 @@ Outcome ProgramTest::veldra(const std::vector<std::string>& arguments) const {
   const TemporaryFolder outputs;
   Streams streams(outputs / "out", outputs / "err");
   streams.change_folder(folder_.path());
-  std::vector<std::string> texts{VELDRA_PROGRAM};
+  std::vector<std::string> texts = runner_;
+  texts.push_back(VELDRA_PROGRAM);
   texts.insert(texts.end(), arguments.begin(), arguments.end());
+  const std::string program = texts.front();
   pid_t child = 0;
   const int error =
-      posix_spawn(&child, VELDRA_PROGRAM, streams.get(), nullptr, pointers(texts).data(), environ);
+      posix_spawn(&child, program.c_str(), streams.get(), nullptr, pointers(texts).data(), environ);
   if (error != 0) throw std::runtime_error(std::strerror(error));
   int status = 0;
   waitpid(child, &status, 0);
@@ -84,6 +87,14 @@ std::shared_ptr<veldra::Library> ProgramTest::library(const std::string& file) c
 
 unsigned ProgramTest::count(const std::string& file, const std::string& kind) const {
   return must({"info", file, "--json"}).json()["counts"][kind].get<unsigned>();
+}
+
+bool ProgramTest::become_somebody_else() {
+  const std::string runner = "/usr/bin/setpriv";
+  if (::geteuid() != 0) return true;
+  if (!file_exists(runner) || ::chmod(folder_.path().c_str(), 0755) != 0) return false;
+  runner_ = {runner, "--reuid=65534", "--regid=65534", "--clear-groups"};
+  return true;
 }
 
 testing::Matcher<std::string> is_one_sentence() {

@@ -43,8 +43,13 @@ class ProgramTest : public testing::Test {
   std::string exported(const std::string& file) const { return must({"export", file}).out; }
   unsigned count(const std::string& file, const std::string& kind) const;
 
+  /// Has the program run by somebody else, for the superuser may do everything. Returns false
+  /// where that cannot be done.
+  bool become_somebody_else();
+
  private:
   TemporaryFolder folder_;
+  std::vector<std::string> runner_;  ///< what runs the program, if anything
 };
 
 /// One sentence for people: the program's name first, one line, nothing of the runtime.

@@ -13,16 +13,29 @@
 #include <memory>
 #include <new>
 #include <typeinfo>
+#include <vector>
 
 namespace veldra_tool {
 
 namespace {
 
-std::string class_of(const std::exception& error) {
+std::string name_of(const std::type_info& type) {
   int status = 0;
   const std::unique_ptr<char, decltype(&std::free)> name(
-      abi::__cxa_demangle(typeid(error).name(), nullptr, nullptr, &status), &std::free);
+      abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free);
   return status == 0 ? name.get() : "";
+}
+
+/// The class of an exception and those that it derives from, the most derived first.
+std::vector<std::string> classes_of(const std::exception& error) {
+  std::vector<std::string> names;
+  const std::type_info* type = &typeid(error);
+  while (type != nullptr) {
+    names.push_back(name_of(*type));
+    const auto* derived = dynamic_cast<const abi::__si_class_type_info*>(type);
+    type = derived != nullptr ? derived->__base_type : nullptr;
+  }
+  return names;
 }
 
 /// What the database says, by its result code, which leads its message.
@@ -55,10 +68,12 @@ std::string sentence(const std::exception& error) {
       {"utf8::invalid_code_point", "a text has a character that does not exist"},
       {"utf8::not_enough_room", "the library has a text that is not UTF-8"},
       {"std::bad_alloc", "there is not enough memory"}};
-  const std::string name = class_of(error);
-  if (name == "odb::sqlite::database_exception") return database_sentence(error);
-  const auto found = sentences.find(name);
-  return found != sentences.end() ? found->second : "the library cannot be used";
+  for (const auto& name : classes_of(error)) {
+    if (name == "odb::sqlite::database_exception") return database_sentence(error);
+    const auto found = sentences.find(name);
+    if (found != sentences.end()) return found->second;
+  }
+  return "the library cannot be used";
 }
 
 std::string sentence(const veldra::ObjectNotUnique& error) {

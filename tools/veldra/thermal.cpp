@@ -14,7 +14,7 @@ struct SurfaceResistances {
   double inside;
 };
 
-/// ISO 6946, table 7: upward through roofs, downward through floors, horizontally through all
+/// ISO 6946: upward through roofs, downward through floors, horizontally through all
 /// else.
 SurfaceResistances surface_resistances(veldra::Composition::Type type) {
   switch (type) {

@@ -94,8 +94,8 @@ class Panel {
     std::string subtitle =
         fmt::format("{} · {} layers", title_of(composition_.type()), composition_.layers().size());
     if (!composition_.layers().empty()) {
-      subtitle +=
-          fmt::format(" · scale 1:{} · thicknesses in {}", section_.scale(), name_of(unit_));
+      subtitle += fmt::format(" · scale 1:{} · thicknesses in {}", section_.scale(),
+                              unit_ == veldra::Unit::Inches ? "inches" : "millimetres");
     }
     if (composition_.description()) subtitle += " · " + composition_.description().utf8();
     TextStyle small = style_of(2.8);
