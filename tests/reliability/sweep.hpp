@@ -98,7 +98,8 @@ class Sweep {
 void sweep(const std::vector<Operation>& operations, Faults& faults, unsigned sample,
            const std::string& what);
 
-/// Ends the process, as a failure, unless it is destroyed within 10 seconds.
+/// Ends the process, as a failure, unless it is destroyed within 10 seconds of computing, or two
+/// minutes of anything.
 class Deadline {
  public:
   Deadline();
