@@ -2,6 +2,8 @@
 
 #include <odb/exceptions.hxx>
 
+#include <sqlite3.h>
+
 namespace veldra {
 
 SetAsideTransaction::SetAsideTransaction()
@@ -17,22 +19,57 @@ SetAsideTransaction::~SetAsideTransaction() {
   }
 }
 
+namespace {
+
+/// Ends a transaction. The runtime prepares the statement for it when it is first needed and does
+/// not tell when that fails, which would leave the connection within the transaction for ever.
+void end(Database& database, odb::sqlite::transaction& transaction) noexcept {
+  try {
+    if (!transaction.finalized()) transaction.rollback();
+  } catch (...) {
+  }
+  sqlite3* connection = database.connection_in_use().handle();
+  if (sqlite3_get_autocommit(connection) == 0) {
+    sqlite3_exec(connection, "ROLLBACK", nullptr, nullptr, nullptr);
+  }
+}
+
+template <class Begin>
+void begin(Database& database, odb::sqlite::transaction& transaction, Begin begin) {
+  try {
+    transaction.reset(begin());
+  } catch (...) {
+    end(database, transaction);
+    throw;
+  }
+}
+
+}  // namespace
+
 WriteTransaction::WriteTransaction(Database& database) : database_(database) {
   if (database.writing != nullptr) throw odb::already_in_transaction();
-  transaction_.reset(database.begin_immediate());
+  begin(database, transaction_, [&database] { return database.begin_immediate(); });
   database.writing = &transaction_;
 }
 
-WriteTransaction::~WriteTransaction() { database_.writing = nullptr; }
+WriteTransaction::~WriteTransaction() {
+  end(database_, transaction_);
+  database_.writing = nullptr;
+}
 
 void WriteTransaction::commit() { transaction_.commit(); }
 
-ReadTransaction::ReadTransaction(Database& database) {
-  if (database.writing != nullptr) {
+ReadTransaction::ReadTransaction(Database& database)
+    : database_(database), part_of_writing_(database.writing != nullptr) {
+  if (part_of_writing_) {
     odb::transaction::current(*database.writing);
   } else {
-    transaction_.reset(database.begin());
+    begin(database, transaction_, [&database] { return database.begin(); });
   }
+}
+
+ReadTransaction::~ReadTransaction() {
+  if (!part_of_writing_) end(database_, transaction_);
 }
 
 }  // namespace veldra

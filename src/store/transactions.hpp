@@ -42,8 +42,13 @@ class WriteTransaction {
 class ReadTransaction {
  public:
   explicit ReadTransaction(Database& database);
+  ReadTransaction(const ReadTransaction&) = delete;
+  ReadTransaction& operator=(const ReadTransaction&) = delete;
+  ~ReadTransaction();
 
  private:
+  Database& database_;
+  bool part_of_writing_;
   SetAsideTransaction aside_;
   odb::sqlite::transaction transaction_;
 };
