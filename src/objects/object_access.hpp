@@ -16,9 +16,9 @@ class ObjectAccess {
   static std::shared_ptr<T> make() {
     using Impl = typename T::Impl;
     struct Made : T {
-      Made() : T(static_cast<Impl*>(nullptr)) { this->impl_.reset(&record); }
-      ~Made() { static_cast<void>(this->impl_.release()); }  // goes with this block
+      Made() : T(static_cast<Impl*>(nullptr)), lent{this->impl_} { this->impl_.reset(&record); }
       Impl record;
+      Lent<decltype(T::impl_)> lent;
     };
     return std::make_shared<Made>();
   }
@@ -42,6 +42,14 @@ class ObjectAccess {
   static std::shared_ptr<const CustomProperty>& property(const CustomPropertyKey& key) noexcept {
     return const_cast<CustomPropertyKey&>(key).property_;
   }
+
+ private:
+  /// Takes the record out of the hands of the handle before both go with their block.
+  template <class Pointer>
+  struct Lent {
+    Pointer& owner;
+    ~Lent() { static_cast<void>(owner.release()); }
+  };
 };
 
 }  // namespace veldra

