@@ -48,7 +48,7 @@ class FaultVfs {
 
   /// After a loss of power, and when all files are closed: makes the files what a disk may hold
   /// then. Every change since the last sync of a file was either made, or lost, or made in part;
-  /// the seed decides. So a later change may be there without an earlier one.
+  /// chance decides, from the number given. So a later change may be there without an earlier one.
   static void leave_what_reached_the_disk(unsigned seed);
 };
 
