@@ -145,6 +145,21 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// stays the host's and must live until it is replaced or the library closes.
   void setReactor(Reactor* reactor);
 
+  /// Examines the file and appends a sentence for each thing that is wrong with it; nothing for a
+  /// sound one, whichever version it was made by. Reads all of the file.
+  ///
+  /// Found are: damage, as SQLite's check of integrity tells of it; references to what is not in
+  /// the file; tables, columns, keys, indexes, triggers and views that are missing or do not belong
+  /// there; an identity that is missing or there twice. Of damage and of references the first 100
+  /// are told. Whether the values of an object make sense is not looked at.
+  ///
+  ///     std::vector<veldra::String> findings;
+  ///     library->check(findings);
+  ///     for (const auto& finding : findings) std::cerr << finding.utf8() << "\n";
+  ///
+  /// Throws `odb::exception` when the file cannot be read, and then leaves `findings` as it was.
+  void check(std::vector<String>& findings) const;
+
   // Reading. Objects that are read belong to this library and are clean. Lists append to `out`,
   // in the order in which the database gives the objects; custom properties come in the order of
   // their names. An object that cannot be read whole, because something that it refers to is not

@@ -1,9 +1,12 @@
 #include "store/errors.hpp"
+#include "store/examination.hpp"
 #include "store/library_impl.hpp"
 #include "store/mapping-odb.hpp"
 #include "store/transactions.hpp"
 
 #include <sqlite3.h>
+
+#include <iterator>
 
 namespace veldra {
 
@@ -91,6 +94,14 @@ void Library::region(const String& region) {
 
 bool Library::readOnly() const {
   return sqlite3_db_readonly(impl_->database->connection_in_use().handle(), nullptr) == 1;
+}
+
+void Library::check(std::vector<String>& findings) const {
+  std::vector<String> found;
+  for (const std::string& sentence : examine(*impl_->database))
+    found.emplace_back(sentence.c_str());
+  findings.reserve(findings.size() + found.size());
+  std::move(found.begin(), found.end(), std::back_inserter(findings));
 }
 
 void Library::setReactor(Reactor* reactor) {

@@ -60,6 +60,30 @@ TEST_F(Check, references_to_nothing_are_found) {
   expect_finding("cannot be read");
 }
 
+TEST_F(Check, broken_foreign_keys_are_found) {
+  damage_rows("UPDATE Material SET type = 999");
+  expect_finding(
+      "file: \"Material\", row 1: \"type\" refers to a row of \"MaterialType\" that is not there");
+}
+
+TEST_F(Check, a_damaged_database_is_found) {
+  damage_rows(
+      "PRAGMA writable_schema = ON; UPDATE sqlite_master SET rootpage = (SELECT rootpage FROM "
+      "sqlite_master WHERE name = 'Layer_name_i') WHERE name = 'MaterialType_name_i'");
+  expect_finding("file: row 1 missing from index MaterialType_name_i");
+}
+
+TEST_F(Check, a_changed_schema_is_found) {
+  damage_rows("DROP INDEX Tag_name_i");
+  expect_finding("file: \"Tag\" lacks the unique index \"Tag_name_i\" on \"name\"");
+}
+
+TEST_F(Check, kinds_that_cannot_be_read_do_not_hide_the_rest) {
+  damage_rows("DROP TABLE Tag; UPDATE Composition_layers SET value_thickness = -1");
+  expect_finding("file: The file lacks the table \"Tag\"");
+  expect_finding("tags: ");
+}
+
 TEST_F(Check, findings_come_as_json_too) {
   damage_rows("UPDATE Material_thicknesses SET value = 0");
   const auto run = veldra({"check", "a.lib", "--json"});

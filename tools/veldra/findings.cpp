@@ -18,14 +18,31 @@ class Examination {
   explicit Examination(const veldra::Library& library) : library_(library) {}
 
   std::vector<Finding> run() {
+    examine_file();
     examine_library();
     for (const auto kind : all_kinds()) {
-      with_class_of(kind, [&](auto of) { examine_kind<typename decltype(of)::type>(); });
+      with_class_of(kind, [&](auto of) { try_to_examine<typename decltype(of)::type>(); });
     }
     return std::move(findings_);
   }
 
  private:
+  void examine_file() {
+    std::vector<veldra::String> sentences;
+    library_.check(sentences);
+    for (const auto& sentence : sentences) add("file", sentence.utf8());
+  }
+
+  /// A file without what it should have may not let a kind be read at all.
+  template <class T>
+  void try_to_examine() {
+    try {
+      working_on("", [&] { examine_kind<T>(); });
+    } catch (const Failure& failure) {
+      add(plural_of(veldra::ObjectTraits<T>::type), sentence_of(failure));
+    }
+  }
+
   template <class T>
   void examine_kind() {
     std::vector<std::shared_ptr<T>> objects;
@@ -68,11 +85,16 @@ class Examination {
       return working_on("", [&] { return library_.get<T>(id); });
     } catch (const Failure& failure) {
       ++failed_;
-      const std::string text = failure.what();
       add(fmt::format("{} {}", singular_of(veldra::ObjectTraits<T>::type), id),
-          text.substr(text.find(": ") + 2));
+          sentence_of(failure));
       return nullptr;
     }
+  }
+
+  /// Without the file that a failure begins with.
+  static std::string sentence_of(const Failure& failure) {
+    const std::string text = failure.what();
+    return text.substr(text.find(": ") + 2);
   }
 
   void examine_library() {
