@@ -6,7 +6,9 @@
 // get_material_by_name     a material by its name, names at random
 // get_composition_by_id    a composition by its id, ids at random
 // all_materials            a list of all materials, per material
+// all_materials_freed      the same with the freeing of the list
 // all_compositions         a list of all compositions, per composition
+// all_compositions_freed   the same with the freeing of the list
 // search_materials         a search that finds one material of 40, per search
 // id_set                   the materials of 100 ids, per query
 // count_materials          a count of all materials
@@ -29,10 +31,11 @@
 // size_of_material         bytes of a material in a list of all
 // size_of_composition      bytes of a composition in a list of all
 //
-// Times include freeing what was read. Both sides work on files of the same contents and take
-// turns, a round each, so that what else the machine does meets both; the figures are medians of
-// the rounds. Before the first round that counts, both do the work once and must have read the
-// same values, or left the same rows. The syncs are the waits for the disk per item of each side.
+// Times include freeing what was read, but for the lists of everything. Both sides work on files of
+// the same contents and take turns, a round each, so that what else the machine does meets both;
+// the figures are medians of the rounds. Before the first round that counts, both do the work once
+// and must have read the same values, or left the same rows. The syncs are the waits for the disk
+// per item of each side.
 
 #include "counters.hpp"
 #include "table.hpp"

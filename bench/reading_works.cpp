@@ -147,6 +147,18 @@ Work list_all(Workshop& workshop, PlainList (*read)(plain_library*), void (*free
           [lists] { lists->clear(); }};
 }
 
+/// The same with the freeing of what was read.
+Work and_free(Work work) {
+  return {[work](Digest* digest) {
+            work.veldra(digest);
+            work.prepare();
+          },
+          [work](Digest* digest) {
+            work.plain(digest);
+            work.prepare();
+          }};
+}
+
 Work all_materials(Workshop& workshop) {
   return list_all<Material>(workshop, plain_all_materials, plain_free_materials);
 }
@@ -154,6 +166,10 @@ Work all_materials(Workshop& workshop) {
 Work all_compositions(Workshop& workshop) {
   return list_all<Composition>(workshop, plain_all_compositions, plain_free_compositions);
 }
+
+Work all_materials_and_free(Workshop& workshop) { return and_free(all_materials(workshop)); }
+
+Work all_compositions_and_free(Workshop& workshop) { return and_free(all_compositions(workshop)); }
 
 Work search(Workshop& workshop) {
   auto reading = std::make_shared<Reading>(workshop.sample(), 0, 1);
@@ -246,6 +262,10 @@ Work count_tagged(Workshop& workshop) {
 
 unsigned one(const Workshop&) { return 1; }
 
+unsigned all_of_the_materials(const Workshop& workshop) { return workshop.materials(); }
+
+unsigned all_of_the_compositions(const Workshop& workshop) { return workshop.compositions(); }
+
 }  // namespace
 
 std::vector<TimedWork> reading_works() {
@@ -255,10 +275,14 @@ std::vector<TimedWork> reading_works() {
        materials_by_name},
       {"get_composition_by_id", "a composition by its id, ids at random", 0, composition_draws,
        compositions_by_id},
-      {"all_materials", "a list of all materials, per material", 0.9,
-       [](const Workshop& workshop) { return workshop.materials(); }, all_materials},
+      {"all_materials", "a list of all materials, per material", 0.9, all_of_the_materials,
+       all_materials},
+      {"all_materials_freed", "the same with the freeing of the list", 0.9, all_of_the_materials,
+       all_materials_and_free},
       {"all_compositions", "a list of all compositions, per composition", 0.6,
-       [](const Workshop& workshop) { return workshop.materials() / 5; }, all_compositions},
+       all_of_the_compositions, all_compositions},
+      {"all_compositions_freed", "the same with the freeing of the list", 0.6,
+       all_of_the_compositions, all_compositions_and_free},
       {"search_materials", "a search that finds one material of 40, per search", 1.1, one, search},
       {"id_set", "the materials of 100 ids, per query", 1.1, one, id_set},
       {"count_materials", "a count of all materials", 1.1, count_items, count_materials},
