@@ -155,6 +155,12 @@ TYPED_TEST(CustomValuesTest, a_property_for_another_kind_is_inappropriate) {
   }
 }
 
+TYPED_TEST(CustomValuesTest, no_property_is_inappropriate) {
+  const PropertyPointer none;
+  EXPECT_THROW(this->owner->custom_value(none, "Red"), veldra::InappropriateCustomProperty);
+  this->expect_clean_without_values();
+}
+
 TYPED_TEST(CustomValuesTest, an_inappropriate_property_changes_no_value_of_its_name) {
   const auto inappropriate = this->property("Stored", this->other_kind);
   EXPECT_EQ(thrown_by([&] { this->stored->custom_value(inappropriate, String("Changed")); }),
@@ -246,6 +252,10 @@ TYPED_TEST(CustomValuesTest, a_missing_value_is_null) {
   this->owner->custom_value(this->property("colour"), "Red");
   EXPECT_EQ(this->value(this->colour), "nothing");
   EXPECT_EQ(this->value("Colour"), "nothing");
+}
+
+TYPED_TEST(CustomValuesTest, no_property_has_no_value) {
+  EXPECT_TRUE(this->stored->custom_value(PropertyPointer()).null());
 }
 
 TYPED_TEST(CustomValuesTest, a_property_for_another_kind_has_no_value) {
@@ -351,6 +361,11 @@ TYPED_TEST(CustomValuesTest, clearing_a_missing_value_leaves_the_owner_clean) {
   this->stored->clear_custom_value(String("Missing"));
   this->stored->clear_custom_value(String("stored"));
   this->stored->clear_custom_value(String());
+  this->expect_stored_as_it_was();
+}
+
+TYPED_TEST(CustomValuesTest, clearing_through_no_property_does_nothing) {
+  this->stored->clear_custom_value(PropertyPointer());
   this->expect_stored_as_it_was();
 }
 

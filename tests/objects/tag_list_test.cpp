@@ -198,6 +198,12 @@ TYPED_TEST(TagListTest, removing_a_tag_that_is_not_there_makes_the_owner_dirty) 
   EXPECT_THAT(this->owner.tags(), IsEmpty());
 }
 
+TYPED_TEST(TagListTest, removing_a_null_tag_removes_nothing) {
+  this->owner.tags(toModify) = {this->wood, nullptr};
+  this->owner.removeTag(std::shared_ptr<Tag>());
+  EXPECT_THAT(this->owner.tags(), ElementsAre(this->wood, nullptr));
+}
+
 TYPED_TEST(TagListTest, an_entry_of_the_list_can_be_removed) {
   this->owner.tags(toModify) = {this->wood, this->stone};
   this->owner.removeTag(this->owner.tags()[0]);
