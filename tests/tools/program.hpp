@@ -43,9 +43,9 @@ class ProgramTest : public testing::Test {
   std::string exported(const std::string& file) const { return must({"export", file}).out; }
   unsigned count(const std::string& file, const std::string& kind) const;
 
-  /// Has the program run by somebody else, for the superuser may do everything. Returns false
-  /// where that cannot be done.
-  bool become_somebody_else();
+  /// Has the program run without what lets the superuser write every file; it remains the same
+  /// user, who may read the program wherever it lies. Returns false where that cannot be done.
+  bool lose_privileges();
 
  private:
   TemporaryFolder folder_;

@@ -84,7 +84,7 @@ class ReadOnly : public Remove {
   void SetUp() override {
     Remove::SetUp();
     ASSERT_EQ(::chmod(path("a.lib").c_str(), 0444), 0);
-    if (!become_somebody_else()) GTEST_SKIP() << "the superuser may write every file";
+    if (!lose_privileges()) GTEST_SKIP() << "the superuser may write every file";
   }
 };
 
