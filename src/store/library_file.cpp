@@ -138,9 +138,7 @@ void bring_up_to_date(Database& database, Unit unit, const String& guid) {
   }
   transaction.commit();
   foreign_keys.on_again();
-  // The pragma has made the prepared statements stale. They are made anew now, where a failure is
-  // told: one at the end of a transaction is not, and would leave the connection within it.
-  odb::sqlite::transaction(database.begin()).rollback();
+  database.prepare_transactions();  // the pragma has made them stale
 }
 
 Meta load_meta(Database& database) {

@@ -74,9 +74,20 @@ TEST(NoMemory, for_sqlite_from_some_moment_on_leaves_the_old_state_or_the_new_on
 }
 
 // A transaction that could not be ended would keep its lock, and the handle would begin no other.
+void run_out_at_the_end_of(const char* operation) {
+  for (const auto lack : {NoMemory::Lack::Once, NoMemory::Lack::Persistent}) {
+    NoMemory faults(failing_sqlite, lack);
+    EXPECT_EQ(Sweep(operation_named(operation), faults).run_last(30), 30u);
+  }
+}
+
 TEST(NoMemory, at_the_end_of_making_a_file_leaves_no_transaction_open) {
-  NoMemory faults(failing_sqlite, NoMemory::Lack::Once);
-  EXPECT_EQ(Sweep(operation_named("create a missing file"), faults).run_last(60), 60u);
+  run_out_at_the_end_of("create a missing file");
+}
+
+TEST(NoMemory, at_the_end_of_opening_a_file_leaves_no_transaction_open) {
+  run_out_at_the_end_of("open");
+  run_out_at_the_end_of("open read-only");
 }
 
 }  // namespace
