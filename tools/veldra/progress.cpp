@@ -4,7 +4,6 @@
 
 #include <unistd.h>
 
-#include <cstdio>
 #include <utility>
 
 namespace veldra_tool {
@@ -18,25 +17,34 @@ constexpr const char* wipe = "\r\x1b[K";
 }  // namespace
 
 Progress::Progress(std::string what)
+    : Progress(std::move(what), stderr, &std::chrono::steady_clock::now) {}
+
+Progress::Progress(std::string what, std::FILE* stream, std::function<Time()> now)
     : what_(std::move(what)),
-      on_terminal_(::isatty(STDERR_FILENO) == 1),
-      next_(Clock::now() + patience) {}
+      stream_(stream),
+      now_(std::move(now)),
+      on_terminal_(::isatty(::fileno(stream)) == 1),
+      next_(now_() + patience) {}
 
 Progress::~Progress() {
-  if (drawn_) std::fputs(wipe, stderr);
+  if (!drawn_) return;
+  std::fputs(wipe, stream_);
+  std::fflush(stream_);
 }
 
-void Progress::step(std::size_t total) {
+void Progress::step() {
   ++done_;
-  if (!on_terminal_ || Clock::now() < next_) return;
-  draw(total);
-  next_ = Clock::now() + interval;
+  if (!on_terminal_) return;
+  const Time now = now_();
+  if (now <= next_) return;
+  draw();
+  next_ = now + interval;
 }
 
-void Progress::draw(std::size_t total) {
+void Progress::draw() {
   drawn_ = true;
-  if (total == 0) return fmt::print(stderr, "{}{}: {}", wipe, what_, done_);
-  fmt::print(stderr, "{}{}: {} of {}", wipe, what_, done_, total);
+  fmt::print(stream_, "{}{}: {}", wipe, what_, done_);
+  std::fflush(stream_);
 }
 
 }  // namespace veldra_tool

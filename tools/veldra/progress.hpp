@@ -3,6 +3,8 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdio>
+#include <functional>
 #include <string>
 
 namespace veldra_tool {
@@ -11,24 +13,30 @@ namespace veldra_tool {
 /// when the work takes over half a second.
 class Progress {
  public:
+  using Time = std::chrono::steady_clock::time_point;
+
   explicit Progress(std::string what);
+
+  /// The same on another stream and with another clock.
+  Progress(std::string what, std::FILE* stream, std::function<Time()> now);
+
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
   ~Progress();  ///< wipes the line
 
-  /// One more is done, of `total` if that is known.
-  void step(std::size_t total = 0);
+  /// One more is done.
+  void step();
 
  private:
-  using Clock = std::chrono::steady_clock;
-
-  void draw(std::size_t total);
+  void draw();
 
   std::string what_;
+  std::FILE* stream_;
+  std::function<Time()> now_;
   bool on_terminal_;
   bool drawn_ = false;
   std::size_t done_ = 0;
-  Clock::time_point next_;
+  Time next_;
 };
 
 }  // namespace veldra_tool
