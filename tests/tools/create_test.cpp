@@ -28,6 +28,11 @@ TEST_F(Create, a_new_library_has_what_it_was_given) {
   EXPECT_EQ(info["counts"]["materials"], 0);
 }
 
+TEST_F(Create, json_tells_what_info_tells_afterwards) {
+  const auto created = must({"create", "a.lib", "--locale", "de_AT", "--json"}).json();
+  EXPECT_EQ(created, must({"info", "a.lib", "--json"}).json());
+}
+
 TEST_F(Create, millimetres_are_the_default) {
   must({"create", "a.lib"});
   EXPECT_EQ(must({"info", "a.lib", "--json"}).json()["unit"], "mm");
@@ -77,6 +82,7 @@ const std::vector<std::vector<std::string>>& wrong_arguments() {
       {"import", "a.lib"},
       {"import", "a.lib", "x.idf", "--on-conflict", "nonsense"},
       {"export", "a.lib", "--format", "xml"},
+      {"export", "a.lib", "--format", "csv", "--json"},
       {"copy", "a.lib"},
       {"copy", "a.lib", "b.lib"},
       {"copy", "a.lib", "b.lib", "x"},
@@ -85,7 +91,9 @@ const std::vector<std::vector<std::string>>& wrong_arguments() {
       {"remove", "a.lib", "materials"},
       {"purge", "a.lib", "nonsense"},
       {"check"},
-      {"draw", "a.lib"}};
+      {"draw", "a.lib"},
+      {"draw", "a.lib", "x", "--json"},
+      {"draw", "a.lib", "x", "--json", "-o", "-"}};
   return list;
 }
 

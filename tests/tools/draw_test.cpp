@@ -88,6 +88,17 @@ TEST_F(Draw, several_build_ups_share_a_sheet_in_a_file) {
   EXPECT_EQ(layer_widths(read("sheet.svg")).size(), 2U);
 }
 
+TEST_F(Draw, json_tells_of_the_sheet_that_was_written) {
+  save("Wall", veldra::Composition::Type::Wall, {100});
+  save("Roof", veldra::Composition::Type::Roof, {100});
+  const auto told = must({"draw", "a.lib", "Roof", "Wall", "-o", "sheet.svg", "--json"}).json();
+  EXPECT_EQ(told["file"], "sheet.svg");
+  EXPECT_EQ(told["format"], "svg");
+  EXPECT_EQ(told["bytes"], read("sheet.svg").size());
+  EXPECT_EQ(told["compositions"], nlohmann::json::parse(R"([{"id": 2, "name": "Roof"},
+                                                            {"id": 1, "name": "Wall"}])"));
+}
+
 TEST_F(Draw, strange_numbers_do_no_harm) {
   const double nan = std::nan("");
   save("Strange", veldra::Composition::Type::Wall, {nan, -5, 1e300, 0});

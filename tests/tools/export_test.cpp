@@ -142,6 +142,22 @@ TEST_F(Export, a_file_gets_the_same_bytes_as_standard_output) {
   EXPECT_EQ(read("out.json"), exported("a.lib"));
 }
 
+TEST_F(Export, json_tells_of_the_file_that_was_written) {
+  fill(*library("a.lib"));
+  for (const char* format : {"json", "csv"}) {
+    const auto told = must({"export", "a.lib", "--format", format, "-o", "out", "--json"}).json();
+    EXPECT_EQ(told["file"], "out");
+    EXPECT_EQ(told["format"], format);
+    EXPECT_EQ(told["bytes"], read("out").size());
+    EXPECT_EQ(told["counts"], must({"info", "a.lib", "--json"}).json()["counts"]);
+  }
+}
+
+TEST_F(Export, json_on_standard_output_is_the_library_itself) {
+  fill(*library("a.lib"));
+  EXPECT_EQ(must({"export", "a.lib", "--json"}).out, exported("a.lib"));
+}
+
 TEST_F(Export, a_file_that_cannot_be_written_gives_a_sentence) {
   must({"create", "a.lib"});
   const auto run = veldra({"export", "a.lib", "-o", "nowhere/out.json"});

@@ -60,6 +60,10 @@ void add_json(CLI::App& command, bool& json) {
   command.add_flag("--json", json, "Print JSON instead of text");
 }
 
+void add_json_of_file(CLI::App& command, bool& json) {
+  command.add_flag("--json", json, "Print as JSON what was written to the file");
+}
+
 void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::string& description) {
   command.add_option("--tag", tags, description)
       ->type_size(1)

@@ -21,6 +21,10 @@ void add_on_conflict(CLI::App& command, OnConflict& policy);
 void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::string& description);
 void add_output(CLI::App& command, std::string& output);
 void add_json(CLI::App& command, bool& json);
+
+/// The same for commands whose result goes to a file.
+void add_json_of_file(CLI::App& command, bool& json);
+
 void add_unit(CLI::App& command, veldra::Unit& unit);
 
 /// Ends the help of a command.

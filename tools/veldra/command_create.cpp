@@ -1,7 +1,9 @@
 #include "arguments.hpp"
 #include "failure.hpp"
 #include "host.hpp"
+#include "json.hpp"
 #include "opening.hpp"
+#include "summary.hpp"
 #include "text.hpp"
 
 #include <fmt/format.h>
@@ -16,6 +18,7 @@ struct Arguments {
   std::string guid;
   std::string locale;
   std::string region;
+  bool json = false;
 };
 
 void create(const Arguments& arguments) {
@@ -26,7 +29,10 @@ void create(const Arguments& arguments) {
     if (locale) library->locale(locale);
     if (region) library->region(region);
   });
-  fmt::print("{}\n", library->guid().utf8());
+  if (!arguments.json) return fmt::print("{}\n", library->guid().utf8());
+  Json facts = facts_of(*library);
+  facts["read_only"] = false;
+  print_json(facts);
 }
 
 }  // namespace
@@ -41,6 +47,7 @@ void add_create(Host& host) {
                      "The GUID, or a text that it is derived from; random by default");
   command.add_option("--locale", arguments->locale, "The locale of the texts, such as de_AT");
   command.add_option("--region", arguments->region, "The region that it is for, such as AT");
+  add_json(command, arguments->json);
   add_example(command, "veldra create office.lib --unit mm --locale de_AT --region AT");
   command.callback([arguments] { create(*arguments); });
 }

@@ -2,6 +2,7 @@
 #include "drawing/sheet.hpp"
 #include "failure.hpp"
 #include "host.hpp"
+#include "json.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
 #include "output.hpp"
@@ -14,18 +15,43 @@ struct Arguments {
   std::string file;
   std::vector<std::string> compositions;
   std::string output;
+  bool json = false;
 };
 
+using Compositions = std::vector<std::shared_ptr<veldra::Composition>>;
+
+Compositions wanted_compositions(const veldra::Library& library, const Arguments& arguments) {
+  Compositions compositions;
+  for (const auto& text : arguments.compositions) {
+    compositions.push_back(find_object<veldra::Composition>(library, text));
+  }
+  return compositions;
+}
+
+Json to_json(const Compositions& compositions) {
+  Json list = Json::array();
+  for (const auto& composition : compositions) {
+    Json entry = Json::object();
+    entry["id"] = composition->id();
+    entry["name"] = composition->name().utf8();
+    list.push_back(entry);
+  }
+  return list;
+}
+
 void draw(const Arguments& arguments) {
+  if (arguments.json && is_standard_output(arguments.output)) {
+    throw CLI::ValidationError("--json", "a drawing is no JSON; give a file for it with -o");
+  }
   const auto library = open_library(arguments.file, Access::Read);
-  const auto sheet = working_on(arguments.file, [&] {
-    std::vector<std::shared_ptr<veldra::Composition>> compositions;
-    for (const auto& text : arguments.compositions) {
-      compositions.push_back(find_object<veldra::Composition>(*library, text));
-    }
-    return draw_sheet(compositions, library->unit());
-  });
+  const auto compositions =
+      working_on(arguments.file, [&] { return wanted_compositions(*library, arguments); });
+  const auto sheet = draw_sheet(compositions, library->unit());
   write_output(arguments.output, sheet);
+  if (!arguments.json) return;
+  Json written = written_to_json(arguments.output, "svg", sheet);
+  written["compositions"] = to_json(compositions);
+  print_json(written);
 }
 
 }  // namespace
@@ -37,6 +63,7 @@ void add_draw(Host& host) {
   add_file(command, arguments->file);
   command.add_option("COMPOSITION", arguments->compositions, "Their names or ids")->required();
   add_output(command, arguments->output);
+  add_json_of_file(command, arguments->json);
   add_example(command, "veldra draw office.lib 'Cavity wall' 'Flat roof' -o sheet.svg");
   command.callback([arguments] { draw(*arguments); });
 }

@@ -3,10 +3,10 @@
 #include "failure.hpp"
 #include "host.hpp"
 #include "json.hpp"
-#include "kinds.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
 #include "output.hpp"
+#include "summary.hpp"
 
 #include <fmt/format.h>
 
@@ -18,6 +18,7 @@ struct Arguments {
   std::string file;
   std::string format = "json";
   std::string output;
+  bool json = false;
 };
 
 template <class T>
@@ -60,12 +61,25 @@ std::string json_of(const veldra::Library& library) {
   return json.dump(2) + "\n";
 }
 
+/// With --json everything on standard output is JSON.
+void require_sense(const Arguments& arguments) {
+  if (!arguments.json || arguments.format == "json" || !is_standard_output(arguments.output)) {
+    return;
+  }
+  throw CLI::ValidationError("--json", "a table is no JSON; give a file for it with -o");
+}
+
 void export_library(const Arguments& arguments) {
+  require_sense(arguments);
   const auto library = open_library(arguments.file, Access::Read);
   const auto text = working_on(arguments.file, [&] {
     return arguments.format == "csv" ? csv_of(*library) : json_of(*library);
   });
   write_output(arguments.output, text);
+  if (!arguments.json || is_standard_output(arguments.output)) return;
+  Json written = written_to_json(arguments.output, arguments.format, text);
+  written["counts"] = working_on(arguments.file, [&] { return counts_of(*library); });
+  print_json(written);
 }
 
 }  // namespace
@@ -81,6 +95,7 @@ void add_export(Host& host) {
                   "layers")
       ->check(CLI::IsMember({"json", "csv"}).description(""));
   add_output(command, arguments->output);
+  add_json_of_file(command, arguments->json);
   add_example(command, "veldra export office.lib -o office.json");
   command.callback([arguments] { export_library(*arguments); });
 }

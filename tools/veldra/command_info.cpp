@@ -2,8 +2,8 @@
 #include "failure.hpp"
 #include "host.hpp"
 #include "json.hpp"
-#include "kinds.hpp"
 #include "opening.hpp"
+#include "summary.hpp"
 #include "text.hpp"
 
 #include <fmt/format.h>
@@ -16,21 +16,6 @@ struct Arguments {
   std::string file;
   bool json = false;
 };
-
-Json facts_of(const veldra::Library& library) {
-  Json facts = Json::object();
-  facts["guid"] = library.guid().utf8();
-  facts["unit"] = name_of(library.unit());
-  facts["locale"] = library.locale().utf8();
-  facts["region"] = library.region().utf8();
-  facts["schema_version"] = library.version();
-  for (const auto kind : all_kinds()) {
-    with_class_of(kind, [&](auto of) {
-      facts["counts"][plural_of(kind)] = library.count<typename decltype(of)::type>();
-    });
-  }
-  return facts;
-}
 
 /// Whether the library can only be read shows when it is opened for writing.
 bool only_readable(const std::string& file) {

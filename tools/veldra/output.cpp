@@ -1,6 +1,7 @@
 #include "output.hpp"
 
 #include "failure.hpp"
+#include "text.hpp"
 
 #include <fmt/format.h>
 
@@ -37,8 +38,10 @@ void write_file(const std::string& file, const std::string& text) {
 
 }  // namespace
 
+bool is_standard_output(const std::string& file) { return file.empty() || file == "-"; }
+
 void write_output(const std::string& file, const std::string& text) {
-  if (file.empty() || file == "-") {
+  if (is_standard_output(file)) {
     fmt::print("{}", text);
     return;
   }
@@ -56,6 +59,14 @@ void write_output(const std::string& file, const std::string& text) {
     std::filesystem::remove(unfinished, error);
     throw failure(file, reason);
   }
+}
+
+Json written_to_json(const std::string& file, const std::string& format, const std::string& text) {
+  Json json = Json::object();
+  json["file"] = is_utf8(file) ? file : from_latin1(file);
+  json["format"] = format;
+  json["bytes"] = text.size();
+  return json;
 }
 
 }  // namespace veldra_tool

@@ -31,6 +31,25 @@ std::string owner_kind_text(veldra::ObjectType kind) {
 
 }  // namespace
 
+Json facts_of(const veldra::Library& library) {
+  Json facts = Json::object();
+  facts["guid"] = library.guid().utf8();
+  facts.update(settings_to_json(library));
+  facts["schema_version"] = library.version();
+  facts["counts"] = counts_of(library);
+  return facts;
+}
+
+Json counts_of(const veldra::Library& library) {
+  Json counts = Json::object();
+  for (const auto kind : all_kinds()) {
+    with_class_of(kind, [&](auto of) {
+      counts[plural_of(kind)] = library.count<typename decltype(of)::type>();
+    });
+  }
+  return counts;
+}
+
 template <>
 std::vector<Table::Column> summary_columns<veldra::CustomProperty>(veldra::Unit) {
   return {{"id", Align::Right}, {"name"}, {"for"}};

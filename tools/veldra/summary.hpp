@@ -11,6 +11,12 @@
 
 namespace veldra_tool {
 
+/// What a library is and how much is in it.
+Json facts_of(const veldra::Library& library);
+
+/// How many objects of each kind there are.
+Json counts_of(const veldra::Library& library);
+
 // One line about an object, for lists.
 
 template <class T>
