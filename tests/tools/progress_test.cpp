@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <fcntl.h>
 #include <pty.h>
 #include <unistd.h>
 
@@ -26,7 +25,6 @@ class Stream {
                            : ::pipe(ends);
     if (failed != 0) throw std::runtime_error("there is no terminal and no pipe to be had");
     far_end_ = ends[0];
-    ::fcntl(far_end_, F_SETFL, O_NONBLOCK);
     stream_ = ::fdopen(ends[1], "w");
   }
   Stream(const Stream&) = delete;
@@ -38,12 +36,17 @@ class Stream {
 
   std::FILE* get() const { return stream_; }
 
-  /// What has come since the last time.
+  /// What has come since the last time. What is written may take its time to come, so it reads up
+  /// to a mark.
   std::string received() const {
+    constexpr char mark = '|';
+    std::fputc(mark, stream_);
     std::fflush(stream_);
-    char text[1000];
-    const auto count = ::read(far_end_, text, sizeof text);
-    return count > 0 ? std::string(text, static_cast<std::size_t>(count)) : "";
+    std::string text;
+    for (char character = 0; ::read(far_end_, &character, 1) == 1 && character != mark;) {
+      text += character;
+    }
+    return text;
   }
 
  private:
