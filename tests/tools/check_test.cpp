@@ -39,6 +39,23 @@ TEST_F(Check, thicknesses_that_are_not_positive_are_found) {
   expect_finding("material 'Brick': the thickness 0");
 }
 
+TEST_F(Check, materials_without_thickness_have_layers_of_none) {
+  write("thin.idf",
+        "Material:NoMass, R13, Rough, 2.29; Material:AirGap, Gap, 0.15;"
+        "Material:InfraredTransparent, IR; WindowMaterial:SimpleGlazingSystem, Window, 1.1, 0.5;"
+        "WindowMaterial:Blind, Blind, Horizontal;"
+        "Construction, Thin, R13, Gap, IR; Construction, Glass, Window, Blind;");
+  must({"import", "thin.lib", "thin.idf"});
+  EXPECT_EQ(must({"check", "thin.lib", "--json"}).json(), nlohmann::json::array());
+}
+
+TEST_F(Check, a_layer_of_none_is_found_where_its_material_has_a_thickness) {
+  damage_rows("UPDATE Composition_layers SET value_thickness = 0 WHERE \"index\" = 0");
+  expect_finding("composition 'Wall': the thickness 0 of layer 1");
+  damage_rows("DELETE FROM Material_thicknesses");
+  expect_finding("composition 'Wall': the thickness 0 of layer 1");
+}
+
 TEST_F(Check, indices_that_break_the_rules_are_found) {
   damage_rows("UPDATE Composition SET last_core_layer = 5");
   expect_finding("reaches beyond the 2 layers");

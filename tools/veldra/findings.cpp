@@ -1,6 +1,7 @@
 #include "findings.hpp"
 
 #include "failure.hpp"
+#include "import/source_model.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
 #include "text.hpp"
@@ -12,6 +13,14 @@
 namespace veldra_tool {
 
 namespace {
+
+/// A material that is known by its resistance or by what it lets through has no thickness, and its
+/// layers have none either.
+bool has_no_thickness(const veldra::Composition::Layer& layer) {
+  const auto& material = layer.material();
+  return layer.thickness() == 0 && material && material->thicknesses().empty() &&
+         material->type() && may_lack_thickness(material->type()->name().utf8());
+}
 
 class Examination {
  public:
@@ -142,7 +151,7 @@ class Examination {
     for (std::size_t i = 0; i < composition.layers().size(); ++i) {
       const auto& layer = composition.layers()[i];
       if (!layer.material()) add(composition, fmt::format("layer {} has no material", i + 1));
-      if (layer.thickness() > 0) continue;
+      if (layer.thickness() > 0 || has_no_thickness(layer)) continue;
       add(composition, std::isnan(layer.thickness())
                            ? fmt::format("the thickness of layer {} is not known", i + 1)
                            : fmt::format("the thickness {} of layer {} is not greater than 0",

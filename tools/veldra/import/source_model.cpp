@@ -3,6 +3,8 @@
 #include "text.hpp"
 #include "thermal.hpp"
 
+#include <algorithm>
+
 namespace veldra_tool {
 
 namespace {
@@ -140,6 +142,11 @@ std::vector<MaterialClass> make_material_classes() {
           {"WindowMaterial:Screen:EquivalentLayer", "Screen", none, {}}};
 }
 
+const std::vector<MaterialClass>& material_classes() {
+  static const auto classes = make_material_classes();
+  return classes;
+}
+
 template <class Class>
 std::map<std::string, const Class*> by_name(const std::vector<Class>& classes) {
   std::map<std::string, const Class*> result;
@@ -156,9 +163,15 @@ const Class* find(const std::map<std::string, const Class*>& classes, const std:
 }  // namespace
 
 const MaterialClass* material_class(const std::string& name) {
-  static const auto classes = make_material_classes();
-  static const auto index = by_name(classes);
+  static const auto index = by_name(material_classes());
   return find(index, name);
+}
+
+bool may_lack_thickness(const std::string& type) {
+  const auto& classes = material_classes();
+  return std::any_of(classes.begin(), classes.end(), [&](const MaterialClass& described) {
+    return described.type == type && described.default_thickness < 0;
+  });
 }
 
 const ConstructionClass* construction_class(const std::string& name) {

@@ -27,6 +27,9 @@ struct MaterialClass {
 /// The class of that name in whatever case; null when there is none.
 const MaterialClass* material_class(const std::string& name);
 
+/// Whether a material type is that of a class whose materials have no thickness.
+bool may_lack_thickness(const std::string& type);
+
 enum class ConstructionKind { Layers, InternalSource, WithoutLayers };
 
 struct ConstructionClass {
