@@ -54,6 +54,33 @@ TEST_F(Show, heat_goes_downward_through_a_floor) {
               5.315 + 0.04 + 0.17, 1e-12);
 }
 
+TEST_F(Show, the_surfaces_that_were_assumed_are_told) {
+  const auto values = thermal(veldra::Composition::Type::Floor);
+  EXPECT_EQ(values["heat_flow"], "downward");
+  EXPECT_EQ(values["outside_surface_resistance"], 0.04);
+  EXPECT_EQ(values["inside_surface_resistance"], 0.17);
+  EXPECT_EQ(values["ventilated_layers"], 0);
+  EXPECT_THAT(must({"show", "a.lib", "composition", "Aufbau"}).out,
+              HasSubstr("0.04 outside, 0.17 inside, in m²K/W: downward heat flow after ISO 6946, "
+                        "outdoor air outside\n"));
+}
+
+// Behind cladding and cavity: 0.2 / 0.04 + 0.23 / 2 + 0.18 = 5.295, with still air on both sides.
+TEST_F(Show, a_well_ventilated_cavity_and_what_is_outside_it_do_not_count) {
+  const auto office = library("a.lib");
+  const auto wall = build_up(veldra::Composition::Type::Wall);
+  wall->insertLayer(1, {material("Cavity", "Ventilation", "Well ventilated"),
+                        veldra::Material::Function::None, 40});
+  office->save(wall);
+  const auto values = must({"show", "a.lib", "composition", "Aufbau", "--json"}).json()["thermal"];
+  EXPECT_EQ(values["ventilated_layers"], 2);
+  EXPECT_EQ(values["layer_resistances"][0], 0.0);
+  EXPECT_EQ(values["outside_surface_resistance"], 0.13);
+  EXPECT_NEAR(values["total_resistance"].get<double>(), 5.295 + 0.13 + 0.13, 1e-12);
+  EXPECT_THAT(must({"show", "a.lib", "composition", "Aufbau"}).out,
+              ContainsRegex("ventilated +layer 2 and what is outside it do not count"));
+}
+
 TEST_F(Show, inches_count_as_inches) {
   const auto office = veldra::Library::create(path("in.lib").c_str(), veldra::Unit::Inches, "");
   const auto wall = veldra::Composition::create("Wall");

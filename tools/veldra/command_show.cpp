@@ -137,10 +137,22 @@ std::string variable_text(const veldra::Composition& composition, veldra::Unit u
   return text + " " + name_of(unit);
 }
 
+/// What was taken for the surfaces, for a library does not say what is outside and inside.
+std::string surfaces_text(const Transmission& transmission) {
+  return fmt::format(
+      "{:.2f} outside, {:.2f} inside, in m²K/W: {} heat flow after ISO 6946, {}",
+      transmission.outside, transmission.inside, transmission.heat_flow,
+      transmission.ventilated > 0 ? "a ventilated cavity outside" : "outdoor air outside");
+}
+
 void print_transmission(const veldra::Composition& composition, const Transmission& transmission) {
+  line("surfaces", surfaces_text(transmission));
+  if (transmission.ventilated > 0) {
+    line("ventilated",
+         fmt::format("layer {} and what is outside it do not count", transmission.ventilated));
+  }
   if (const auto total = transmission.total_resistance()) {
-    line("resistance R_T", fmt::format("{:.3f} m²K/W (surfaces: outside {:.2f}, inside {:.2f})",
-                                       *total, transmission.outside, transmission.inside));
+    line("resistance R_T", fmt::format("{:.3f} m²K/W with surfaces", *total));
     line("transmittance U", fmt::format("{:.3f} W/(m²K)", *transmission.transmittance()));
     return;
   }
@@ -189,6 +201,8 @@ void add_thermal(Json& json, const veldra::Composition& composition, veldra::Uni
   for (const auto& resistance : transmission.layers) {
     thermal["layer_resistances"].push_back(optional_number(resistance));
   }
+  thermal["heat_flow"] = transmission.heat_flow;
+  thermal["ventilated_layers"] = transmission.ventilated;
   thermal["outside_surface_resistance"] = transmission.outside;
   thermal["inside_surface_resistance"] = transmission.inside;
   thermal["total_resistance"] = optional_number(transmission.total_resistance());

@@ -9,21 +9,23 @@ namespace veldra_tool {
 
 namespace {
 
-struct SurfaceResistances {
-  double outside;
-  double inside;
+constexpr double outdoors = 0.04;
+
+struct Surface {
+  const char* heat_flow;
+  double indoors;
 };
 
 /// ISO 6946: upward through roofs, downward through floors, horizontally through all
 /// else.
-SurfaceResistances surface_resistances(veldra::Composition::Type type) {
+Surface surface_of(veldra::Composition::Type type) {
   switch (type) {
     case veldra::Composition::Type::Roof:
-      return {0.04, 0.10};
+      return {"upward", 0.10};
     case veldra::Composition::Type::Floor:
-      return {0.04, 0.17};
+      return {"downward", 0.17};
     default:
-      return {0.04, 0.13};
+      return {"horizontal", 0.13};
   }
 }
 
@@ -41,6 +43,21 @@ std::optional<double> resistance_of(const veldra::Composition::Layer& layer, vel
   return metres(layer.thickness(), unit) / *conductivity;
 }
 
+bool is_well_ventilated(const veldra::Composition::Layer& layer) {
+  if (!layer.material()) return false;
+  const auto value = layer.material()->custom_value(veldra::String(property::ventilation));
+  return !value.null() && folded(trimmed(value.get().utf8())) == "well ventilated";
+}
+
+/// How many layers the innermost well-ventilated one keeps from counting, itself included.
+std::size_t ventilated_layers(const veldra::Composition& composition) {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < composition.layers().size(); ++i) {
+    if (is_well_ventilated(composition.layers()[i])) count = i + 1;
+  }
+  return count;
+}
+
 }  // namespace
 
 std::optional<double> Transmission::total_resistance() const {
@@ -56,14 +73,17 @@ std::optional<double> Transmission::transmittance() const {
 
 Transmission transmission_of(const veldra::Composition& composition, veldra::Unit unit) {
   Transmission result;
-  const auto surfaces = surface_resistances(composition.type());
-  result.outside = surfaces.outside;
-  result.inside = surfaces.inside;
+  const auto surface = surface_of(composition.type());
+  result.ventilated = ventilated_layers(composition);
+  result.heat_flow = surface.heat_flow;
+  result.outside = result.ventilated > 0 ? surface.indoors : outdoors;
+  result.inside = surface.indoors;
   if (composition.layers().empty()) return result;
   double sum = 0;
   bool all_known = true;
   for (const auto& layer : composition.layers()) {
-    result.layers.push_back(resistance_of(layer, unit));
+    const bool counts = result.layers.size() >= result.ventilated;
+    result.layers.push_back(counts ? resistance_of(layer, unit) : 0.0);
     all_known = all_known && result.layers.back();
     sum += result.layers.back().value_or(0);
   }

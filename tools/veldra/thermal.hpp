@@ -15,13 +15,20 @@ constexpr const char* conductivity = "Thermal conductivity [W/(m K)]";
 constexpr const char* density = "Density [kg/m3]";
 constexpr const char* specific_heat = "Specific heat [J/(kg K)]";
 constexpr const char* resistance = "Thermal resistance [m2 K/W]";
+constexpr const char* ventilation = "Ventilation";  ///< of an air layer
 }  // namespace property
 
 /// Heat flow through a build-up of plane layers after ISO 6946, in m2 K/W and W/(m2 K).
+///
+/// The outside is taken for the air outdoors. Where a material says that it is a well-ventilated
+/// air layer, this layer and those outside it count for nothing, and the air in it is as still at
+/// the next layer as indoors.
 struct Transmission {
   std::vector<std::optional<double>> layers;  ///< the resistance of each layer, where known
+  const char* heat_flow = "";                 ///< the direction that the surfaces are for
   double outside = 0;                         ///< surface resistances
   double inside = 0;
+  std::size_t ventilated = 0;        ///< layers, from the outside, that a ventilated cavity ends
   std::optional<double> resistance;  ///< of the layers together, where all are known
 
   /// Surface to surface air.
