@@ -149,9 +149,16 @@ void ConflictReactor::use_stored(const veldra::Material& incoming, const veldra:
 
 void ConflictReactor::restore_codes(veldra::Library& library) const {
   for (const auto& [name, code] : codes_) {
-    const auto material = library.get<veldra::Material>(name);
-    material->code(code);
-    material->save();
+    try {
+      const auto material = library.get<veldra::Material>(name);
+      material->code(code);
+      material->save();
+    } catch (const std::exception&) {
+      throw Failure(
+          fmt::format("everything was copied, but material {} could not be given its code "
+                      "{} again; the same once more will do it",
+                      in_quotes(name.utf8()), in_quotes(code.utf8())));
+    }
   }
 }
 

@@ -27,7 +27,8 @@ class ConflictReactor : public veldra::Library::Reactor {
   /// Decides about the materials that have a code, before anything is copied: where both the name
   /// and the code are taken, the database tells of the code, about which nobody is asked. Takes
   /// the codes from materials that are to overwrite others, which `restore_codes` gives back.
-  /// Throws `Failure` when a code is taken by a material of another name.
+  /// Throws `Failure` when a code is taken by a material of another name, and when it cannot be
+  /// given back.
   void settle_codes(const veldra::Library& library);
   void restore_codes(veldra::Library& library) const;
 

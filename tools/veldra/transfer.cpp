@@ -34,6 +34,10 @@ void transfer(const std::shared_ptr<veldra::Library>& staging,
   } catch (const EndOfPretence&) {
     return;
   }
+  // One call of the library is one transaction, and it asks about names only: where the code is
+  // taken as well, the database tells of the code and the whole copy fails. So a material that
+  // overwrites the one of its own code is copied without it and gets it back afterwards. Should
+  // the program be killed in between, the same import once more puts the code in its place.
   reactor.restore_codes(*library);
 }
 
