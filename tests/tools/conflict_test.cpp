@@ -83,6 +83,64 @@ TEST_F(Conflict, between_sources_is_settled_like_one_with_the_library) {
       "Gap (2)");
 }
 
+/// Sources in the program's own format that differ in one value.
+class Difference : public ProgramTest {
+ protected:
+  void expect_conflict(const std::string& old_source, const std::string& new_source) {
+    write("old.json", old_source);
+    write("new.json", new_source);
+    must({"import", "a.lib", "old.json"});
+    const auto before = dump(path("a.lib"));
+    const auto run = veldra({"import", "a.lib", "new.json"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, is_one_sentence());
+    EXPECT_EQ(dump(path("a.lib")), before);
+    EXPECT_EQ(veldra({"import", "b.lib", "old.json", "new.json"}).status, 1);
+    must({"import", "a.lib", "new.json", "--on-conflict", "overwrite"});
+    must({"import", "a.lib", "new.json"});
+    EXPECT_EQ(veldra({"import", "a.lib", "old.json"}).status, 1);
+  }
+
+  static std::string material(const std::string& rest) {
+    return R"({"format": "veldra", "materials": [{"name": "Oak")" + rest + "}]}";
+  }
+  static std::string composition(const std::string& rest) {
+    return R"({"format": "veldra", "materials": [{"name": "Oak"}], "compositions": [{"name":
+           "Floor", "layers": [{"material": "Oak", "thickness": 20}, {"material": "Oak",
+           "thickness": 30}])" +
+           rest + "}]}";
+  }
+};
+
+TEST_F(Difference, of_tags_counts) {
+  expect_conflict(material(R"(, "tags": ["a"])"), material(R"(, "tags": ["b"])"));
+}
+
+TEST_F(Difference, of_a_tag_that_is_missing_counts) {
+  expect_conflict(composition(R"(, "tags": ["a"])"), composition(""));
+}
+
+TEST_F(Difference, of_the_index_of_the_variable_layer_counts) {
+  expect_conflict(composition(R"(, "variable_layer": 0)"), composition(R"(, "variable_layer": 1)"));
+}
+
+TEST_F(Difference, of_the_least_thickness_of_the_variable_layer_counts) {
+  expect_conflict(composition(R"(, "variable_layer": 0, "variable_layer_min_thickness": 10)"),
+                  composition(R"(, "variable_layer": 0, "variable_layer_min_thickness": 11)"));
+}
+
+TEST_F(Difference, of_the_greatest_thickness_of_the_variable_layer_counts) {
+  expect_conflict(composition(R"(, "variable_layer": 0, "variable_layer_max_thickness": 40)"),
+                  composition(R"(, "variable_layer": 0, "variable_layer_max_thickness": 41)"));
+}
+
+TEST_F(Difference, of_tags_that_are_given_counts) {
+  write("a.idf", "Material:AirGap, Gap, 0.1;");
+  must({"import", "a.lib", "a.idf", "--tag", "x"});
+  must({"import", "a.lib", "a.idf", "--tag", "x"});
+  EXPECT_EQ(veldra({"import", "a.lib", "a.idf", "--tag", "y"}).status, 1);
+}
+
 /// Materials with codes, about which the library asks nobody.
 class CodeConflict : public ProgramTest {
  protected:
@@ -107,6 +165,22 @@ TEST_F(CodeConflict, use_and_overwrite_work_with_the_same_code) {
   EXPECT_EQ(veldra({"import", "a.lib", "new.json"}).status, 1);
   must({"import", "a.lib", "new.json", "--on-conflict", "use"});
   EXPECT_EQ(oak()["label"], "old");
+  must({"import", "a.lib", "new.json", "--on-conflict", "overwrite"});
+  EXPECT_EQ(oak()["label"], "new");
+  EXPECT_EQ(oak()["code"], "H-1");
+}
+
+TEST_F(CodeConflict, a_code_that_cannot_be_given_back_is_named_and_comes_with_the_next_import) {
+  write_material("new.json", "Oak", "H-1", "new");
+  PlainDatabase(path("a.lib"))
+      .execute(
+          "CREATE TRIGGER refusal BEFORE UPDATE ON Material WHEN NEW.code IS NOT NULL "
+          "BEGIN SELECT RAISE(ABORT, 'refused'); END");
+  const auto run = veldra({"import", "a.lib", "new.json", "--on-conflict", "overwrite"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, is_one_sentence());
+  EXPECT_THAT(run.err, HasSubstr("material 'Oak' could not be given its code 'H-1'"));
+  PlainDatabase(path("a.lib")).execute("DROP TRIGGER refusal");
   must({"import", "a.lib", "new.json", "--on-conflict", "overwrite"});
   EXPECT_EQ(oak()["label"], "new");
   EXPECT_EQ(oak()["code"], "H-1");

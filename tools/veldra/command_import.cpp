@@ -128,7 +128,7 @@ ImportReport import_into(Destination& destination, const std::vector<Source>& so
   if (arguments.strict) require_no_problems(report);
   const bool was_empty = is_empty(*library);
   const auto effect = arguments.dry_run ? Effect::Pretend : Effect::Write;
-  transfer_set(set, library, arguments.on_conflict, arguments.tags, effect, report);
+  transfer_set(set, library, arguments.on_conflict, effect, report);
   if (was_empty && !arguments.dry_run) adopt_settings(*library, set);
   return report;
 }

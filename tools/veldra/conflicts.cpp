@@ -27,11 +27,6 @@ void drop_layer_materials(veldra::Composition& composition) {
   }
 }
 
-bool same_variable_layer(const veldra::Composition& left, const veldra::Composition& right) {
-  return left.variable_layer() == right.variable_layer() &&
-         same_length(left.variable_layer_max_thickness(), right.variable_layer_max_thickness());
-}
-
 bool has(const veldra::Library& library, ObjectType type, const veldra::String& name) {
   if (type == ObjectType::Material) return library.get<veldra::Material>(name) != nullptr;
   return library.get<veldra::Composition>(name) != nullptr;
@@ -43,7 +38,7 @@ ConflictReactor::ConflictReactor(OnConflict policy, const veldra::Library& sourc
                                  veldra::IdMapping& mapping)
     : policy_(policy), source_(source), mapping_(mapping) {}
 
-void ConflictReactor::ignore_all_tags(ObjectType type, const veldra::String& name) {
+void ConflictReactor::ignore_tags(ObjectType type, const veldra::String& name) {
   without_tags_.insert({type, name});
 }
 
@@ -164,11 +159,7 @@ void ConflictReactor::restore_codes(veldra::Library& library) const {
 
 template <class T>
 void ConflictReactor::drop_ignored_tags(T& object, const Name& original) const {
-  auto& tags = object.tags(veldra::toModify);
-  if (without_tags_.count(original)) return tags.clear();
-  tags.erase(std::remove_if(tags.begin(), tags.end(),
-                            [&](const auto& tag) { return ignored_tags_.count(tag->name()) > 0; }),
-             tags.end());
+  if (without_tags_.count(original)) object.tags(veldra::toModify).clear();
 }
 
 bool ConflictReactor::same(const veldra::Library& library, const Name& original,
@@ -182,16 +173,15 @@ bool ConflictReactor::same_material(const veldra::Library& library, const veldra
                                     const veldra::String& stored_name) const {
   const auto incoming = source_.get<veldra::Material>(original);
   const auto existing = library.get<veldra::Material>(stored_name);
-  if (!incoming || !existing || incoming->code() != existing->code()) return false;
+  if (!incoming || !existing) return false;
   const auto left = incoming->clone();
   const auto right = existing->clone();
   left->name(stored_name);
-  align_lengths(*left, *right);
   for (const auto& material : {left, right}) {
     drop_assets(*material);
     drop_ignored_tags(*material, {ObjectType::Material, original});
   }
-  return *left == *right;
+  return same_values(*left, *right);
 }
 
 bool ConflictReactor::same_composition(const veldra::Library& library,
@@ -203,12 +193,11 @@ bool ConflictReactor::same_composition(const veldra::Library& library,
   const auto left = incoming->clone();
   const auto right = existing->clone();
   left->name(stored_name);
-  align_lengths(*left, *right);
   for (const auto& composition : {left, right}) {
     drop_layer_materials(*composition);
     drop_ignored_tags(*composition, {ObjectType::Composition, original});
   }
-  return same_variable_layer(*left, *right) && *left == *right;
+  return same_values(*left, *right);
 }
 
 /// The materials of a composition are copied before it, so the mapping has them.

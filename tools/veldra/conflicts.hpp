@@ -32,10 +32,9 @@ class ConflictReactor : public veldra::Library::Reactor {
   void settle_codes(const veldra::Library& library);
   void restore_codes(veldra::Library& library) const;
 
-  /// Tags of these names, and all tags of these objects, say where an object came from and not
-  /// what it is; they do not count when objects are compared.
-  void ignore_tags(const std::set<veldra::String>& names) { ignored_tags_ = names; }
-  void ignore_all_tags(veldra::ObjectType type, const veldra::String& name);
+  /// The tags of this object say where it came from and not what it is; they do not count when it
+  /// is compared.
+  void ignore_tags(veldra::ObjectType type, const veldra::String& name);
 
   /// Is called with each object that was written.
   void on_saved(std::function<void(veldra::Library&, const veldra::ObjectKey&)> listener);
@@ -73,7 +72,6 @@ class ConflictReactor : public veldra::Library::Reactor {
   OnConflict policy_;
   const veldra::Library& source_;
   veldra::IdMapping& mapping_;
-  std::set<veldra::String> ignored_tags_;
   std::set<Name> without_tags_;
   std::function<void(veldra::Library&, const veldra::ObjectKey&)> listener_;
   std::map<Name, veldra::String> originals_;  ///< of the new names

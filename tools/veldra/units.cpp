@@ -22,6 +22,29 @@ void align_minimum(veldra::Composition& object, veldra::Composition& other) {
   if (std::isnan(left)) other.variable_layer_min_thickness(0);
 }
 
+void align_lengths(veldra::Material& object, const veldra::Material& other) {
+  const auto& left = object.thicknesses();
+  const auto& right = other.thicknesses();
+  if (!std::equal(left.begin(), left.end(), right.begin(), right.end(), same_length)) return;
+  object.thicknesses(veldra::toModify) = std::set<double>(right);
+}
+
+void align_lengths(veldra::Composition& object, veldra::Composition& other) {
+  const std::size_t count = std::min(object.layers().size(), other.layers().size());
+  for (std::size_t i = 0; i < count; ++i) {
+    auto& left = object.layer(i, veldra::toModify);
+    auto& right = other.layer(i, veldra::toModify);
+    align_unknown(left, right);
+    if (same_length(left.thickness(), right.thickness())) left.thickness(right.thickness());
+  }
+  align_minimum(object, other);
+}
+
+bool same_variable_layer(const veldra::Composition& left, const veldra::Composition& right) {
+  return left.variable_layer() == right.variable_layer() &&
+         same_length(left.variable_layer_max_thickness(), right.variable_layer_max_thickness());
+}
+
 }  // namespace
 
 double converted(double length, veldra::Unit from, veldra::Unit to) {
@@ -42,22 +65,14 @@ bool same_length(double left, double right) {
   return std::abs(left - right) <= 1e-12 * std::max(std::abs(left), std::abs(right));
 }
 
-void align_lengths(veldra::Material& object, const veldra::Material& other) {
-  const auto& left = object.thicknesses();
-  const auto& right = other.thicknesses();
-  if (!std::equal(left.begin(), left.end(), right.begin(), right.end(), same_length)) return;
-  object.thicknesses(veldra::toModify) = std::set<double>(right);
+bool same_values(veldra::Material& object, veldra::Material& other) {
+  align_lengths(object, other);
+  return object.code() == other.code() && object == other;
 }
 
-void align_lengths(veldra::Composition& object, veldra::Composition& other) {
-  const std::size_t count = std::min(object.layers().size(), other.layers().size());
-  for (std::size_t i = 0; i < count; ++i) {
-    auto& left = object.layer(i, veldra::toModify);
-    auto& right = other.layer(i, veldra::toModify);
-    align_unknown(left, right);
-    if (same_length(left.thickness(), right.thickness())) left.thickness(right.thickness());
-  }
-  align_minimum(object, other);
+bool same_values(veldra::Composition& object, veldra::Composition& other) {
+  align_lengths(object, other);
+  return same_variable_layer(object, other) && object == other;
 }
 
 }  // namespace veldra_tool

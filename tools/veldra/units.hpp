@@ -14,9 +14,11 @@ double from_metres(double length, veldra::Unit unit);
 /// Whether two lengths are the same. One of them may have come through other units and back.
 bool same_length(double left, double right);
 
-/// Gives the lengths of `object` that are the same as those of `other` the very values of those.
-void align_lengths(veldra::Material& object, const veldra::Material& other);
-void align_lengths(veldra::Composition& object, veldra::Composition& other);
+/// Whether two objects have the same values, among them codes and variable layers, of which the
+/// library's own comparison sees the presence only. Lengths that are the same become the very same
+/// in both.
+bool same_values(veldra::Material& object, veldra::Material& other);
+bool same_values(veldra::Composition& object, veldra::Composition& other);
 
 }  // namespace veldra_tool
 

@@ -5,6 +5,7 @@
 #include "import/place.hpp"
 #include "kinds.hpp"
 #include "text.hpp"
+#include "units.hpp"
 
 #include <fmt/format.h>
 
@@ -16,20 +17,18 @@ namespace {
 
 using MaterialNames = IncomingObjects<veldra::Material>::Names;
 
-/// Whether two incoming objects are the same but for their tags and the case of their names.
+/// Whether two incoming objects are the same but for the case of their names. Tags that tell where
+/// an object came from do not count.
 template <class T>
-bool same_values(const T& left, const T& right) {
-  const auto other = right.clone();
-  other->name(left.name());
-  other->tags(veldra::toModify) = left.tags();
-  return left == *other;
+bool same_objects(const Incoming<T>& left, const Incoming<T>& right) {
+  const auto object = left.object->clone();
+  const auto other = right.object->clone();
+  other->name(object->name());
+  if (left.tagged_by_origin || right.tagged_by_origin) {
+    other->tags(veldra::toModify) = object->tags();
+  }
+  return same_values(*object, *other);
 }
-
-bool same_code(const veldra::Material& left, const veldra::Material& right) {
-  return left.code() == right.code();
-}
-
-bool same_code(const veldra::Composition&, const veldra::Composition&) { return true; }
 
 template <class T>
 std::string kind_of(const T&) {
@@ -104,10 +103,10 @@ void ImportSet::enter(IncomingObjects<T>& objects, const std::shared_ptr<T>& obj
   using Names = NamesOf<T>;
   const std::string name = object->name().utf8();
   give_tags(*object, from_simulation, report);
-  const Incoming<T> incoming{object, source, from_simulation};
+  const Incoming<T> incoming{object, source, from_simulation && tags_.empty()};
   const auto* first = objects.taken(name, from_simulation ? Names::Folded : Names::Exact);
   if (!first) return objects.add(incoming, name);
-  if (same_values(*first->object, *object) && same_code(*first->object, *object)) {
+  if (same_objects(*first, incoming)) {
     ++outcomes_of(*object, report)[Outcome::Equal];
     return;
   }

@@ -4,7 +4,6 @@
 #include "kinds.hpp"
 #include "opening.hpp"
 #include "progress.hpp"
-#include "text.hpp"
 
 #include <fmt/format.h>
 
@@ -35,7 +34,7 @@ template <class T>
 void ignore_tags_of_origin(const IncomingObjects<T>& objects, ConflictReactor& reactor) {
   for (const auto& incoming : objects.all()) {
     if (!incoming.tagged_by_origin) continue;
-    reactor.ignore_all_tags(veldra::ObjectTraits<T>::type, incoming.object->name());
+    reactor.ignore_tags(veldra::ObjectTraits<T>::type, incoming.object->name());
   }
 }
 
@@ -54,17 +53,10 @@ void count_outcomes(const IncomingObjects<T>& objects, const veldra::Library& st
   }
 }
 
-std::set<veldra::String> library_texts(const std::vector<std::string>& texts) {
-  std::set<veldra::String> result;
-  for (const auto& text : texts) result.insert(library_text(text));
-  return result;
-}
-
 }  // namespace
 
 void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& library,
-                  OnConflict policy, const std::vector<std::string>& tags, Effect effect,
-                  ImportReport& report) {
+                  OnConflict policy, Effect effect, ImportReport& report) {
   const auto staging = create_staging_library(library->unit());
   Progress progress("importing");
   set.shared().save_all(*staging);
@@ -72,7 +64,6 @@ void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& 
   save_all(set.compositions(), *staging, progress);
   veldra::IdMapping mapping(library.get());
   ConflictReactor reactor(policy, *staging, mapping);
-  reactor.ignore_tags(library_texts(tags));
   ignore_tags_of_origin(set.materials(), reactor);
   ignore_tags_of_origin(set.compositions(), reactor);
   transfer(staging, library, reactor, mapping, effect, progress);

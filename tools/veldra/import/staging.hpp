@@ -15,8 +15,7 @@ namespace veldra_tool {
 /// Brings all objects of a set into a library, in one transaction, and enters into the report
 /// what became of each. With `Pretend` the transaction is taken back.
 void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& library,
-                  OnConflict policy, const std::vector<std::string>& tags, Effect effect,
-                  ImportReport& report);
+                  OnConflict policy, Effect effect, ImportReport& report);
 
 }  // namespace veldra_tool
 
