@@ -4,6 +4,8 @@
 #include "kinds.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
+#include "progress.hpp"
+#include "reactor_guard.hpp"
 #include "removal.hpp"
 
 namespace veldra_tool {
@@ -40,6 +42,18 @@ std::vector<Candidate> named_candidates(const veldra::Library& library,
   return result;
 }
 
+/// Sees how far a removal is: each object is a transaction of its own, which takes its time.
+class RemovalProgress : public veldra::Library::Reactor {
+ public:
+  int mayRemove(veldra::Library&, const veldra::ObjectKey&) override {
+    progress_.step();
+    return 0;
+  }
+
+ private:
+  Progress progress_{"removing"};
+};
+
 bool any_removed(const std::vector<Candidate>& candidates) {
   return std::any_of(candidates.begin(), candidates.end(),
                      [](const Candidate& candidate) { return candidate.removed; });
@@ -52,7 +66,11 @@ void remove(const RemoveArguments& arguments, int& status) {
     std::set<veldra::ObjectKey> keys;
     for (const auto& object : objects) keys.insert(object.key);
     std::map<veldra::ObjectKey, bool> results;
-    library->remove(keys, results);
+    {
+      RemovalProgress progress;
+      const ReactorGuard guard(*library, progress);
+      library->remove(keys, results);
+    }
     enter_results(objects, results);
     print_candidates(objects, arguments.json, "removed");
     if (!any_removed(objects)) status = 1;
@@ -71,7 +89,11 @@ void purge(const PurgeArguments& arguments) {
       return print_purged(objects, arguments.json, "would go");
     }
     std::map<veldra::ObjectKey, bool> results;
-    library->purge(kinds, results);
+    {
+      RemovalProgress progress;
+      const ReactorGuard guard(*library, progress);
+      library->purge(kinds, results);
+    }
     enter_results(objects, results);
     print_purged(objects, arguments.json, "removed");
   });
