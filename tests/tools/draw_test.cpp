@@ -95,8 +95,8 @@ TEST_F(Draw, json_tells_of_the_sheet_that_was_written) {
   EXPECT_EQ(told["file"], "sheet.svg");
   EXPECT_EQ(told["format"], "svg");
   EXPECT_EQ(told["bytes"], read("sheet.svg").size());
-  EXPECT_EQ(told["compositions"], nlohmann::json::parse(R"([{"id": 2, "name": "Roof"},
-                                                            {"id": 1, "name": "Wall"}])"));
+  EXPECT_EQ(told["compositions"], nlohmann::json::parse(R"([{"kind": "composition", "id": 2,
+    "name": "Roof"}, {"kind": "composition", "id": 1, "name": "Wall"}])"));
 }
 
 TEST_F(Draw, strange_numbers_do_no_harm) {

@@ -50,6 +50,10 @@ void add_kind(CLI::App& command, veldra::ObjectType& kind) {
       ->type_name("");
 }
 
+void add_object(CLI::App& command, std::string& object) {
+  command.add_option("OBJECT", object, "The name of the object, or its id")->required();
+}
+
 void add_kinds(CLI::App& command, std::vector<veldra::ObjectType>& kinds) {
   command.add_option("KIND", kinds, "The kinds of objects, all by default: " + kind_choices())
       ->transform(named_value(kinds_by_name(), kind_choices()))

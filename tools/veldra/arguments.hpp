@@ -16,6 +16,7 @@ namespace veldra_tool {
 
 void add_file(CLI::App& command, std::string& file);
 void add_kind(CLI::App& command, veldra::ObjectType& kind);
+void add_object(CLI::App& command, std::string& object);
 void add_kinds(CLI::App& command, std::vector<veldra::ObjectType>& kinds);
 void add_on_conflict(CLI::App& command, OnConflict& policy);
 void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::string& description);

@@ -109,31 +109,34 @@ std::string status_text(const Copied& copied) {
   }
 }
 
-Json to_json(const std::vector<Copied>& objects) {
-  Json list = Json::array();
-  for (const auto& copied : objects) {
-    Json entry = Json::object();
-    entry["kind"] = singular_of(copied.kind);
-    entry["name"] = copied.name;
-    entry["outcome"] = copied.outcome == Outcome::Added || copied.outcome == Outcome::Renamed
-                           ? "inserted"
-                       : copied.outcome == Outcome::Changed ? "updated"
-                                                            : "existing";
-    entry["id"] = copied.id;
-    entry["name_in_destination"] = copied.result;
-    list.push_back(entry);
+const char* outcome_text(Outcome outcome) {
+  switch (outcome) {
+    case Outcome::Added:
+    case Outcome::Renamed:
+      return "inserted";
+    case Outcome::Changed:
+      return "updated";
+    default:
+      return "existing";
   }
-  return list;
 }
 
+/// The name is the one in the source, the id the one in the destination.
 void print(const std::vector<Copied>& objects, bool json) {
-  if (json) return print_json(to_json(objects));
-  Table table({{"kind"}, {"name"}, {"id", Align::Right}, {"what became of it"}});
+  if (json) {
+    return print_json_list(objects, [](const Copied& copied) {
+      Json entry = key_to_json({copied.kind, copied.id}, copied.name);
+      entry["outcome"] = outcome_text(copied.outcome);
+      entry["name_in_destination"] = copied.result;
+      return entry;
+    });
+  }
+  Table table = object_table("what became of it");
   for (const auto& copied : objects) {
     table.add(
-        {singular_of(copied.kind), copied.name, fmt::format("{}", copied.id), status_text(copied)});
+        {singular_of(copied.kind), fmt::format("{}", copied.id), copied.name, status_text(copied)});
   }
-  fmt::print("{}", table.empty() ? "There was nothing to copy.\n" : table.text());
+  print_table(table, "There was nothing to copy.");
 }
 
 /// Goes through a library in memory, so that what is copied is there to be compared in the unit of

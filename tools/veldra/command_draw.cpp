@@ -31,10 +31,8 @@ Compositions wanted_compositions(const veldra::Library& library, const Arguments
 Json to_json(const Compositions& compositions) {
   Json list = Json::array();
   for (const auto& composition : compositions) {
-    Json entry = Json::object();
-    entry["id"] = composition->id();
-    entry["name"] = composition->name().utf8();
-    list.push_back(entry);
+    const veldra::ObjectKey key(veldra::ObjectType::Composition, composition->id());
+    list.push_back(key_to_json(key, composition->name().utf8()));
   }
   return list;
 }

@@ -90,9 +90,7 @@ template <class T>
 void print(const std::vector<std::shared_ptr<T>>& objects, const veldra::Library& library,
            bool json) {
   if (json) {
-    Json list = Json::array();
-    for (const auto& object : objects) list.push_back(summary_of(*object));
-    return print_json(list);
+    return print_json_list(objects, [](const auto& object) { return summary_of(*object); });
   }
   Table table(summary_columns<T>(library.unit()));
   for (const auto& object : objects) table.add(summary_cells(*object, library.unit()));

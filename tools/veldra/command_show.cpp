@@ -119,10 +119,8 @@ void print_layers(const veldra::Composition& composition, const Transmission& tr
                {"role"}});
   for (std::size_t i = 0; i < composition.layers().size(); ++i) {
     const auto& layer = composition.layers()[i];
-    const auto& resistance = transmission.layers[i];
     table.add({fmt::format("{}", i + 1), layer.material()->name().utf8(),
-               length_text(layer.thickness(), unit),
-               resistance ? fmt::format("{:.3f}", *resistance) : "–",
+               length_text(layer.thickness(), unit), transmission.resistance_text(i),
                fmt::format("{}", static_cast<int>(layer.function())), roles_text(composition, i)});
   }
   fmt::print("\nLayers from outside to inside\n\n{}\n", table.text());
@@ -239,7 +237,7 @@ void add_show(Host& host) {
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
   add_kind(command, arguments->kind);
-  command.add_option("OBJECT", arguments->object, "The name of the object, or its id")->required();
+  add_object(command, arguments->object);
   add_json(command, arguments->json);
   add_example(command, "veldra show office.lib composition 'Cavity wall'");
   command.callback([arguments] { show(*arguments); });

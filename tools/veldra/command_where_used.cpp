@@ -21,29 +21,20 @@ struct Arguments {
   bool json = false;
 };
 
-std::string kind_text(veldra::ObjectType kind) {
-  return kind == veldra::ObjectType::Asset ? "asset" : singular_of(kind);
-}
-
 void print(const std::vector<Reference>& references, bool json) {
   if (json) {
-    Json list = Json::array();
-    for (const auto& reference : references) {
-      Json entry = Json::object();
-      entry["kind"] = kind_text(reference.from.type);
-      entry["id"] = reference.from.id;
-      entry["name"] = reference.name;
+    return print_json_list(references, [](const Reference& reference) {
+      Json entry = key_to_json(reference.from, reference.name);
       entry["as"] = reference.role;
-      list.push_back(entry);
-    }
-    return print_json(list);
+      return entry;
+    });
   }
-  Table table({{"kind"}, {"id", Align::Right}, {"name"}, {"as"}});
+  Table table = object_table("as");
   for (const auto& reference : references) {
-    table.add({kind_text(reference.from.type), fmt::format("{}", reference.from.id), reference.name,
-               reference.role});
+    table.add({singular_of(reference.from.type), fmt::format("{}", reference.from.id),
+               reference.name, reference.role});
   }
-  fmt::print("{}", table.empty() ? "Nothing refers to it.\n" : table.text());
+  print_table(table, "Nothing refers to it.");
 }
 
 void where_used(const Arguments& arguments) {
@@ -65,7 +56,7 @@ void add_where_used(Host& host) {
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
   add_kind(command, arguments->kind);
-  command.add_option("OBJECT", arguments->object, "The name of the object, or its id")->required();
+  add_object(command, arguments->object);
   add_json(command, arguments->json);
   add_example(command, "veldra where-used office.lib material 'Solid brick'");
   command.callback([arguments] { where_used(*arguments); });

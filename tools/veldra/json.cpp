@@ -179,6 +179,14 @@ Json owner_kind_to_json(veldra::ObjectType kind) {
   return static_cast<int>(kind);
 }
 
+Json key_to_json(const veldra::ObjectKey& key, const std::string& name) {
+  Json json = Json::object();
+  json["kind"] = singular_of(key.type);
+  json["id"] = key.id;
+  json["name"] = name;
+  return json;
+}
+
 void print_json(const Json& json) { fmt::print("{}\n", json.dump(2)); }
 
 }  // namespace veldra_tool

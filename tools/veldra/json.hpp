@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <string>
+#include <vector>
 
 namespace veldra_tool {
 
@@ -27,8 +28,19 @@ Json settings_to_json(const veldra::Library& library);
 /// The kind of object that a property is for, as a name where it has one.
 Json owner_kind_to_json(veldra::ObjectType kind);
 
+/// What tells an object from others: its kind, id and name.
+Json key_to_json(const veldra::ObjectKey& key, const std::string& name);
+
 /// Prints a value and a line break.
 void print_json(const Json& json);
+
+/// Prints a list of what `json_of` makes of each entry.
+template <class Entry, class JsonOf>
+void print_json_list(const std::vector<Entry>& entries, JsonOf json_of) {
+  Json list = Json::array();
+  for (const Entry& entry : entries) list.push_back(json_of(entry));
+  print_json(list);
+}
 
 }  // namespace veldra_tool
 

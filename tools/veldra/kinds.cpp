@@ -54,7 +54,9 @@ const std::map<std::string, veldra::ObjectType>& kinds_by_name() {
 
 std::string plural_of(veldra::ObjectType kind) { return names_of(kind).plural; }
 
-std::string singular_of(veldra::ObjectType kind) { return names_of(kind).singular; }
+std::string singular_of(veldra::ObjectType kind) {
+  return kind == veldra::ObjectType::Asset ? "asset" : names_of(kind).singular;
+}
 
 std::string name_of(veldra::Composition::Type type) {
   switch (type) {

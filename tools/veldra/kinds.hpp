@@ -40,7 +40,7 @@ const std::vector<veldra::ObjectType>& all_kinds();
 /// The names of the kinds on the command line, in plural and singular.
 const std::map<std::string, veldra::ObjectType>& kinds_by_name();
 
-/// "materials", and "material".
+/// "materials", and "material"; assets have a name in the singular only.
 std::string plural_of(veldra::ObjectType kind);
 std::string singular_of(veldra::ObjectType kind);
 

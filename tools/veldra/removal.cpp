@@ -62,23 +62,18 @@ void predict_purge(std::vector<Candidate>& candidates, const veldra::Library& li
 
 void print_candidates(const std::vector<Candidate>& candidates, bool json, const char* removed) {
   if (json) {
-    Json list = Json::array();
-    for (const auto& candidate : candidates) {
-      Json entry = Json::object();
-      entry["kind"] = singular_of(candidate.key.type);
-      entry["id"] = candidate.key.id;
-      entry["name"] = candidate.name;
+    return print_json_list(candidates, [](const Candidate& candidate) {
+      Json entry = key_to_json(candidate.key, candidate.name);
       entry["removed"] = candidate.removed;
-      list.push_back(entry);
-    }
-    return print_json(list);
+      return entry;
+    });
   }
-  Table table({{"kind"}, {"id", Align::Right}, {"name"}, {"what became of it"}});
+  Table table = object_table("what became of it");
   for (const auto& candidate : candidates) {
     table.add({singular_of(candidate.key.type), fmt::format("{}", candidate.key.id), candidate.name,
                candidate.removed ? removed : "stays: in use"});
   }
-  fmt::print("{}", table.empty() ? "There was nothing to remove.\n" : table.text());
+  print_table(table, "There was nothing to remove.");
 }
 
 void print_purged(const std::vector<Candidate>& candidates, bool json, const char* removed) {

@@ -2,6 +2,8 @@
 
 #include "text.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -51,6 +53,14 @@ std::string Table::text() const {
   std::string text = line_of(titles, widths, columns_) + line_of(rules, widths, columns_);
   for (const Cells& row : rows_) text += line_of(row, widths, columns_);
   return text;
+}
+
+Table object_table(const std::string& title) {
+  return Table({{"kind"}, {"id", Align::Right}, {"name"}, {title}});
+}
+
+void print_table(const Table& table, const std::string& when_empty) {
+  fmt::print("{}", table.empty() ? when_empty + "\n" : table.text());
 }
 
 }  // namespace veldra_tool

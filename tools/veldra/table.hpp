@@ -31,6 +31,12 @@ class Table {
   std::vector<std::vector<std::string>> rows_;
 };
 
+/// A table of objects, whose kind, id and name come before another column.
+Table object_table(const std::string& title);
+
+/// Prints a table, or a sentence where there are no rows.
+void print_table(const Table& table, const std::string& when_empty);
+
 }  // namespace veldra_tool
 
 #endif

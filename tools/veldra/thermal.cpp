@@ -2,6 +2,8 @@
 
 #include "text.hpp"
 
+#include <fmt/format.h>
+
 #include <charconv>
 #include <cmath>
 
@@ -59,6 +61,11 @@ std::size_t ventilated_layers(const veldra::Composition& composition) {
 }
 
 }  // namespace
+
+std::string Transmission::resistance_text(std::size_t layer) const {
+  const bool told = layer >= ventilated && layers[layer];
+  return told ? fmt::format("{:.3f}", *layers[layer]) : "–";
+}
 
 std::optional<double> Transmission::total_resistance() const {
   if (!resistance) return std::nullopt;

@@ -31,6 +31,9 @@ struct Transmission {
   std::size_t ventilated = 0;        ///< layers, from the outside, that a ventilated cavity ends
   std::optional<double> resistance;  ///< of the layers together, where all are known
 
+  /// The resistance of a layer for people; "–" for what is not known or does not count.
+  std::string resistance_text(std::size_t layer) const;
+
   /// Surface to surface air.
   std::optional<double> total_resistance() const;
   std::optional<double> transmittance() const;

@@ -135,8 +135,7 @@ class Panel {
     const auto conductivity = conductivity_of(*layer.material());
     svg.text({conductivity_right, base}, conductivity ? rounded_number(*conductivity, 3) : "–",
              number);
-    const auto& resistance = transmission_.layers[index];
-    svg.text({right, base}, resistance ? fmt::format("{:.3f}", *resistance) : "–", number);
+    svg.text({right, base}, transmission_.resistance_text(index), number);
     const double end = y + row_padding + line_height * static_cast<double>(lines.size());
     svg.line({list_left - 2.5, end}, {right, end}, 0.09, "#999999");
     return end;
