@@ -511,23 +511,35 @@ TEST(MoveLayerTest, a_core_of_one_layer_goes_with_it) {
   EXPECT_LAYERS(composition, "BAC", 0, 0, 0);
 }
 
-TEST(MoveLayerTest, within_the_core_takes_the_structural_layer_along) {
+/// A layer of five that is moved, and what the build-up is then.
+struct Move {
+  const char* name;
+  std::uint64_t from;
+  std::uint64_t to;
+  const char* letters;
+  Core core;
+};
+
+class MovedLayer : public testing::TestWithParam<Move> {};
+
+TEST_P(MovedLayer, takes_its_place_and_the_core_adapts) {
+  const Move& move = GetParam();
   const auto composition = five_layers();
-  composition->moveLayer(2, 3);
-  EXPECT_LAYERS(composition, "ABDCE", 1, 3, 3);
+  composition->moveLayer(move.from, move.to);
+  EXPECT_LAYERS(composition, move.letters, move.core.first, move.core.last, move.core.structural);
 }
 
-TEST(MoveLayerTest, from_before_the_core_to_behind_it) {
-  const auto composition = five_layers();
-  composition->moveLayer(0, 4);
-  EXPECT_LAYERS(composition, "BCDEA", 0, 2, 1);
-}
-
-TEST(MoveLayerTest, from_behind_the_core_to_before_it) {
-  const auto composition = five_layers();
-  composition->moveLayer(4, 0);
-  EXPECT_LAYERS(composition, "EABCD", 2, 4, 3);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Each, MovedLayer,
+    testing::Values(
+        Move{"within_the_core_takes_the_structural_layer_along", 2, 3, "ABDCE", {1, 3, 3}},
+        Move{"from_before_the_core_to_behind_it", 0, 4, "BCDEA", {0, 2, 1}},
+        Move{"from_behind_the_core_to_before_it", 4, 0, "EABCD", {2, 4, 3}},
+        Move{"from_before_the_core_to_its_first_layer_joins_it", 0, 1, "BACDE", {0, 3, 2}},
+        Move{"from_before_the_core_to_its_last_layer_stays_out_of_it", 0, 3, "BCDAE", {0, 2, 1}},
+        Move{"from_behind_the_core_to_its_last_layer_joins_it", 4, 3, "ABCED", {1, 4, 2}},
+        Move{"from_behind_the_core_to_its_first_layer_stays_out_of_it", 4, 1, "AEBCD", {2, 4, 3}}),
+    [](const auto& tested) { return tested.param.name; });
 
 TEST(MoveLayerTest, from_the_core_to_before_it) {
   const auto uncarried = five_layers();
@@ -545,30 +557,6 @@ TEST(MoveLayerTest, from_the_core_to_behind_it) {
   const auto carried = build_up("AbcDE", {1, 3, 2});
   carried->moveLayer(2, 4);
   EXPECT_LAYERS(carried, "AbDEc", 1, 2, 1);
-}
-
-TEST(MoveLayerTest, from_before_the_core_to_its_first_layer_joins_it) {
-  const auto composition = five_layers();
-  composition->moveLayer(0, 1);
-  EXPECT_LAYERS(composition, "BACDE", 0, 3, 2);
-}
-
-TEST(MoveLayerTest, from_before_the_core_to_its_last_layer_stays_out_of_it) {
-  const auto composition = five_layers();
-  composition->moveLayer(0, 3);
-  EXPECT_LAYERS(composition, "BCDAE", 0, 2, 1);
-}
-
-TEST(MoveLayerTest, from_behind_the_core_to_its_last_layer_joins_it) {
-  const auto composition = five_layers();
-  composition->moveLayer(4, 3);
-  EXPECT_LAYERS(composition, "ABCED", 1, 4, 2);
-}
-
-TEST(MoveLayerTest, from_behind_the_core_to_its_first_layer_stays_out_of_it) {
-  const auto composition = five_layers();
-  composition->moveLayer(4, 1);
-  EXPECT_LAYERS(composition, "AEBCD", 2, 4, 3);
 }
 
 TEST(MoveLayerTest, takes_the_variable_layer_along) {
