@@ -73,6 +73,33 @@ TEST_F(Draw, colours_names_thicknesses_total_and_transmittance_are_there) {
   EXPECT_THAT(svg, HasSubstr(">U = 1.67 W/(m²K)<"));  // 1 / (0.43 + 0.17)
 }
 
+TEST_F(Draw, a_bar_shows_the_scale) {
+  save("Wall", veldra::Composition::Type::Wall, {100, 330});
+  const auto svg = drawn("Wall");  // at 1:5, so that 200 mm take 40 mm of paper
+  EXPECT_THAT(svg, HasSubstr(">100<"));
+  EXPECT_THAT(svg, HasSubstr(">200 mm<"));
+}
+
+TEST_F(Draw, numbers_of_thin_layers_stand_on_the_other_side_of_the_line) {
+  save("Wall", veldra::Composition::Type::Wall, {200, 7, 200});
+  const auto number = [svg = drawn("Wall")](const std::string& text) {
+    std::smatch match;
+    const std::regex element("<text x=\"[0-9.]+\" y=\"([0-9.]+)\"[^>]*>" + text + "<");
+    EXPECT_TRUE(std::regex_search(svg, match, element)) << text;
+    return std::stod(match[1]);
+  };
+  EXPECT_GT(number("7"), number("200"));
+}
+
+TEST_F(Draw, a_ventilated_cavity_is_told) {
+  const auto wall = veldra::Composition::create("Wall");
+  const auto cavity = veldra::Material::create("Cavity");
+  cavity->custom_value("Ventilation", "well ventilated");
+  wall->appendLayer({cavity, veldra::Material::Function::None, 40});
+  library("a.lib")->save(wall);
+  EXPECT_THAT(drawn("Wall"), HasSubstr("Layer 1 is well ventilated"));
+}
+
 TEST_F(Draw, names_are_escaped) {
   save("<a href='x'>&\"\x01\n", veldra::Composition::Type::Floor, {100});
   const auto svg = drawn("1");

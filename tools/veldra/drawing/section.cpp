@@ -1,6 +1,7 @@
 #include "drawing/section.hpp"
 
 #include "drawing/hatch.hpp"
+#include "kinds.hpp"
 #include "summary.hpp"
 #include "text.hpp"
 
@@ -23,9 +24,15 @@ constexpr double number_radius = 2.3;
 constexpr double number_spacing = 5.4;
 constexpr double number_distance = 9;
 constexpr double margin_before = 16;  ///< for the numbers, or for what stands outside
-constexpr double margin_behind = 20;  ///< for the dimensions, or for what stands inside
+constexpr double margin_behind = 18;  ///< for the dimensions
+constexpr double margin_lying = 8;    ///< for what stands outside and inside
 constexpr double chain_distance = 7;
-constexpr double total_distance = 13.5;
+constexpr double total_distance = 14.5;
+constexpr double digit_width = 1.46;
+constexpr double text_before = -0.9;  ///< from a dimension line
+constexpr double text_beyond = 3.5;
+constexpr double bar_margin = 9;
+constexpr double longest_bar = 40;
 
 double millimetres(double length, veldra::Unit unit) {
   const double value = unit == veldra::Unit::Inches ? length * 25.4 : length;
@@ -79,8 +86,11 @@ void Section::place_layers() {
   }
 }
 
-double Section::height() const {
-  return lie_ == Lie::Standing ? margin_before + length + margin_behind : 8 + width() + 8;
+double Section::height() const { return depth() + bar_margin; }
+
+double Section::depth() const {
+  return lie_ == Lie::Standing ? margin_before + length + margin_behind
+                               : margin_lying + width() + margin_lying;
 }
 
 /// A place of the section on paper; `along` runs down or to the right.
@@ -88,9 +98,9 @@ Point Section::at(double across, double along) const {
   const double left = origin_.x + (area_width - lying_length) / 2;
   switch (lie_) {
     case Lie::OutsideAbove:
-      return {left + along, origin_.y + 8 + across};
+      return {left + along, origin_.y + margin_lying + across};
     case Lie::OutsideBelow:
-      return {left + along, origin_.y + 8 + width() - across};
+      return {left + along, origin_.y + margin_lying + width() - across};
     default:
       break;
   }
@@ -106,6 +116,7 @@ void Section::draw(Svg& svg) const {
   draw_dimensions(svg);
   draw_numbers(svg);
   draw_sides(svg);
+  draw_scale_bar(svg);
 }
 
 /// The frame of a hatch has its origin at the outer end of the layer; lying layers swap its axes.
@@ -122,7 +133,7 @@ void Section::draw_layer(Svg& svg, std::size_t index) const {
       R"svg(<g transform="matrix({0} {1} {2})"><clipPath id="{3}"><rect width="{4}" height="{5}"/>)svg"
       R"(</clipPath><rect width="{4}" height="{5}" fill="{6}" fill-opacity="{7}"/>)"
       R"svg(<g clip-path="url(#{3})">{8}</g><path d="M0 0V{5}M{4} 0V{5}" stroke="#1a1a1a" )svg"
-      R"(stroke-width="0.2"/></g>)",
+      R"(stroke-width="0.25"/></g>)",
       axes, paper(corner.x), paper(corner.y), clip, paper(layer_width), paper(layer_length),
       style.fill, paper(style.fill_opacity), hatch_elements(style, layer_width, layer_length)));
 }
@@ -138,10 +149,21 @@ void Section::draw_core(Svg& svg) const {
   }
 }
 
-/// The sign that the build-up goes on.
+std::size_t Section::thickest_layer() const {
+  std::size_t thickest = 0;
+  for (std::size_t i = 1; i + 1 < edges_.size(); ++i) {
+    if (edges_[i + 1] - edges_[i] > edges_[thickest + 1] - edges_[thickest]) thickest = i;
+  }
+  return thickest;
+}
+
+/// The sign that the build-up goes on. It stands aside of the middle of a layer, where its number
+/// points to.
 void Section::draw_break(Svg& svg, double along) const {
-  const double middle = width() / 2;
-  const double jag = std::min(1.6, width() / 6);
+  const std::size_t layer = thickest_layer();
+  const double layer_width = edges_[layer + 1] - edges_[layer];
+  const double middle = edges_[layer] + layer_width / 4;
+  const double jag = std::min(1.6, layer_width / 6);
   std::string path;
   const auto add = [&](char command, double across, double shift) {
     const Point point = at(across, along + shift);
@@ -158,8 +180,7 @@ void Section::draw_break(Svg& svg, double along) const {
 }
 
 /// A dimension line on the far side of standing layers and on the left of lying ones.
-void Section::draw_dimension(Svg& svg, double from, double to, double distance,
-                             const std::string& text) const {
+void Section::draw_dimension(Svg& svg, double from, double to, double distance) const {
   const bool standing = lie_ == Lie::Standing;
   const double along = standing ? length + distance : -distance;
   const Point start = at(from, along);
@@ -171,26 +192,65 @@ void Section::draw_dimension(Svg& svg, double from, double to, double distance,
     svg.line({point.x - (standing ? 0 : reach), point.y - (standing ? reach : 0)},
              {point.x + (standing ? 0 : reach), point.y + (standing ? reach : 0)}, 0.13);
   }
-  if (text.empty()) return;
+}
+
+/// The number of a dimension, so far from its line as `shift` says.
+void Section::draw_dimension_text(Svg& svg, double middle, double distance, double shift,
+                                  const std::string& text) const {
+  const bool standing = lie_ == Lie::Standing;
   TextStyle style;
   style.size = 2.3;
   style.anchor = Anchor::Middle;
   style.turn = standing ? 0 : -90;
-  const Point middle{(start.x + end.x) / 2, (start.y + end.y) / 2};
-  svg.text(standing ? Point{middle.x, middle.y - 0.9} : Point{middle.x - 0.9, middle.y}, text,
-           style);
+  svg.text(at(middle, standing ? length + distance + shift : -distance + shift), text, style);
 }
 
+/// A number that is too wide for its layer stands on the other side of the line, if there is room.
 void Section::draw_dimensions(Svg& svg) const {
   double sum = 0;
+  double free_from = -area_width;
   for (std::size_t i = 0; i < composition_.layers().size(); ++i) {
     const double thickness = composition_.layers()[i].thickness();
     sum += thickness;
     const std::string text = length_text(thickness, unit_);
-    const bool fits = 1.4 * static_cast<double>(text.size()) + 1 < edges_[i + 1] - edges_[i];
-    draw_dimension(svg, edges_[i], edges_[i + 1], chain_distance, fits ? text : "");
+    const double text_width = digit_width * static_cast<double>(text.size());
+    const double middle = (edges_[i] + edges_[i + 1]) / 2;
+    draw_dimension(svg, edges_[i], edges_[i + 1], chain_distance);
+    if (text_width + 2 < edges_[i + 1] - edges_[i]) {
+      draw_dimension_text(svg, middle, chain_distance, text_before, text);
+    } else if (middle - text_width / 2 >= free_from) {
+      draw_dimension_text(svg, middle, chain_distance, text_beyond, text);
+      free_from = middle + text_width / 2 + 1;
+    }
   }
-  draw_dimension(svg, 0, width(), total_distance, length_text(sum, unit_));
+  draw_dimension(svg, 0, width(), total_distance);
+  draw_dimension_text(svg, width() / 2, total_distance, text_before, length_text(sum, unit_));
+}
+
+/// For sheets that are not printed at their size.
+void Section::draw_scale_bar(Svg& svg) const {
+  const double unit_on_paper = millimetres(1, unit_) / scale_;
+  double bar = 1;
+  for (double step = 0.001; step < 1e7; step *= 10) {
+    for (const double leading : {1.0, 2.0, 5.0}) {
+      if (leading * step * unit_on_paper <= longest_bar) bar = leading * step;
+    }
+  }
+  const double bar_length = bar * unit_on_paper;
+  const Point start{origin_.x + (area_width - bar_length) / 2, origin_.y + depth() + 3};
+  const Point middle{start.x + bar_length / 2, start.y};
+  const Point end{start.x + bar_length, start.y};
+  svg.line(start, middle, 1.1);
+  for (const double side : {-0.5, 0.5}) {
+    svg.line({start.x, start.y + side}, {end.x, end.y + side}, 0.13);
+  }
+  svg.line({end.x, end.y - 0.5}, {end.x, end.y + 0.5}, 0.13);
+  TextStyle style;
+  style.size = 2.3;
+  style.anchor = Anchor::Middle;
+  svg.text({start.x, start.y + 3.2}, "0", style);
+  svg.text({middle.x, middle.y + 3.2}, length_text(bar / 2, unit_), style);
+  svg.text({end.x, end.y + 3.2}, length_text(bar, unit_) + " " + name_of(unit_), style);
 }
 
 /// The places of the numbers across the section. They may reach beyond it on both sides.

@@ -16,7 +16,8 @@ class Section {
   /// Chooses the largest usual scale that fits.
   Section(const veldra::Composition& composition, veldra::Unit unit, Point origin);
 
-  /// Draws the layers, the core, the ends and the dimensions, with a number for each layer.
+  /// Draws the layers, the core, the ends, the dimensions and a bar that shows the scale, with a
+  /// number for each layer.
   void draw(Svg& svg) const;
 
   double scale() const { return scale_; }
@@ -31,12 +32,16 @@ class Section {
   void draw_layer(Svg& svg, std::size_t index) const;
   void draw_core(Svg& svg) const;
   void draw_break(Svg& svg, double along) const;
-  void draw_dimension(Svg& svg, double from, double to, double distance,
-                      const std::string& text) const;
+  void draw_dimension(Svg& svg, double from, double to, double distance) const;
+  void draw_dimension_text(Svg& svg, double middle, double distance, double shift,
+                           const std::string& text) const;
   void draw_dimensions(Svg& svg) const;
+  void draw_scale_bar(Svg& svg) const;
   void draw_numbers(Svg& svg) const;
   void draw_sides(Svg& svg) const;
   std::vector<double> number_places() const;
+  std::size_t thickest_layer() const;
+  double depth() const;  ///< of the drawing without the bar below it
 
   double width() const { return edges_.back(); }
 

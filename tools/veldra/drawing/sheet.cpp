@@ -51,6 +51,11 @@ TextStyle style_of(double size, Anchor anchor = Anchor::Start) {
   return style;
 }
 
+/// With as many decimals in every row, so that the points stand under each other; metals need none.
+std::string conductivity_text(double conductivity) {
+  return fmt::format("{:.{}f}", conductivity, conductivity < 10 ? 3 : 0);
+}
+
 std::string title_of(veldra::Composition::Type type) {
   switch (type) {
     case veldra::Composition::Type::Wall:
@@ -133,7 +138,7 @@ class Panel {
     TextStyle number = style_of(2.8, Anchor::End);
     svg.text({thickness_right, base}, thickness_text(index), number);
     const auto conductivity = conductivity_of(*layer.material());
-    svg.text({conductivity_right, base}, conductivity ? rounded_number(*conductivity, 3) : "–",
+    svg.text({conductivity_right, base}, conductivity ? conductivity_text(*conductivity) : "–",
              number);
     svg.text({right, base}, transmission_.resistance_text(index), number);
     const double end = y + row_padding + line_height * static_cast<double>(lines.size());
@@ -161,8 +166,7 @@ class Panel {
     y = draw_transmission(svg, y + 5);
     TextStyle note = style_of(2.2);
     note.color = "#555555";
-    y += 4.5;
-    svg.text({name_left, y}, note_text(), note);
+    for (const auto& text : notes()) svg.text({name_left, y += 4.5}, text, note);
     return y;
   }
 
@@ -175,8 +179,8 @@ class Panel {
     }
     TextStyle number = style_of(2.8, Anchor::End);
     svg.text({name_left, y},
-             fmt::format("with surfaces, outside {:.2f} and inside {:.2f}", transmission_.outside,
-                         transmission_.inside),
+             fmt::format("total R, with surfaces {:.2f} outside and {:.2f} inside",
+                         transmission_.outside, transmission_.inside),
              label);
     svg.text({right, y}, fmt::format("{:.3f}", *total), number);
     y += 8;
@@ -201,10 +205,16 @@ class Panel {
     return fmt::format("nothing is known of layer {}", numbers);
   }
 
-  std::string note_text() const {
-    std::string text = "Filled number: structural layer. Thick lines: the core.";
-    if (section_.has_thickened_layers()) text += " The thinnest layers are drawn thicker.";
-    return text;
+  std::vector<std::string> notes() const {
+    std::vector<std::string> notes{"Filled number: structural layer. Thick lines: the core."};
+    if (section_.has_thickened_layers()) {
+      notes.front() += " The thinnest layers are drawn thicker.";
+    }
+    if (transmission_.ventilated > 0) {
+      notes.push_back(fmt::format("Layer {} is well ventilated: R counts from the next one.",
+                                  transmission_.ventilated));
+    }
+    return notes;
   }
 
   const veldra::Composition& composition_;
