@@ -9,14 +9,16 @@ namespace {
 class ExampleCatalogue : public ProgramTest {
  protected:
   void SetUp() override {
-    std::vector<std::string> arguments{"import", "a.lib", "--strict", "--json"};
+    std::set<std::string> files;
     for (const auto& entry : std::filesystem::directory_iterator(VELDRA_CATALOGUE)) {
       const auto extension = entry.path().extension();
       if (extension == ".json" || extension == ".idf" || extension == ".epJSON") {
-        arguments.push_back(entry.path().string());
+        files.insert(entry.path().string());
         formats_.insert(extension.string());
       }
     }
+    std::vector<std::string> arguments{"import", "a.lib", "--strict", "--json"};
+    arguments.insert(arguments.end(), files.begin(), files.end());
     must(arguments);
   }
 
@@ -61,6 +63,15 @@ TEST_F(ExampleCatalogue, gives_a_round_trip) {
   write("a.json", exported("a.lib"));
   must({"import", "b.lib", "a.json"});
   EXPECT_EQ(exported("b.lib"), read("a.json"));
+}
+
+TEST_F(ExampleCatalogue, is_shown_on_the_front_page_as_the_program_prints_it) {
+  const std::string wall = "AW-05 Zweischalige Wand mit Klinker";
+  const auto shown = must({"show", "a.lib", "composition", wall}).out;
+  EXPECT_THAT(
+      read_file(VELDRA_FRONT_PAGE),
+      testing::HasSubstr("$ veldra show office.lib composition \"" + wall + "\"\n" + shown));
+  EXPECT_EQ(must({"draw", "a.lib", wall}).out, read_file(VELDRA_FRONT_PICTURE));
 }
 
 TEST_F(ExampleCatalogue, can_be_drawn_as_a_whole) {
