@@ -60,6 +60,17 @@ TEST_F(Create, a_folder_that_is_missing_gives_a_sentence) {
   const auto run = veldra({"create", "nowhere/a.lib"});
   EXPECT_EQ(run.status, 1);
   EXPECT_THAT(run.err, is_one_sentence());
+  EXPECT_THAT(run.err, HasSubstr("'nowhere/a.lib': it cannot be made in its folder"));
+}
+
+TEST_F(Create, arguments_that_are_wrong_are_told_with_the_command_that_helps) {
+  EXPECT_EQ(veldra({}).err, "veldra: a command is missing\n'veldra --help' tells more.\n");
+  EXPECT_EQ(veldra({"craete", "a.lib"}).err,
+            "veldra: there is no command 'craete'\n'veldra --help' tells more.\n");
+  EXPECT_EQ(veldra({"create"}).err,
+            "veldra: FILE is required\n'veldra create --help' tells more.\n");
+  EXPECT_EQ(veldra({"export", "a.lib", "--format", "xml"}).err,
+            "veldra: --format: 'xml' is none of json, csv\n'veldra export --help' tells more.\n");
 }
 
 class WrongArguments : public ProgramTest, public testing::WithParamInterface<int> {};

@@ -225,6 +225,9 @@ INSTANTIATE_TEST_SUITE_P(
         BadSource{"{\"format\": \"veldra\",\n\"materials\": [\n{\"name\": \"A\", "
                   "\"colour\": 1}]}",
                   "material 'A': 'colour'"},
+        BadSource{"{\"format\": \"veldra\", \"materials\": [{\"name\": \"A\", \"code\": \"X\"},\n"
+                  "{\"name\": \"B\", \"code\": \"X\"}]}",
+                  "'bad', line 2: material 'B' has the code 'X', which 'A'"},
         BadSource{"{\"format\": \"veldra\", \"version\": 9}", "version"},
         BadSource{"{\"format\": \"veldra\", \"library\": {\"unit\": \"feet\"}}", "unit"},
         BadSource{"{\"format\": \"veldra\", \"tags\": [\"a\\u0000b\"]}", "U+0000"},

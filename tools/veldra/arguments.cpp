@@ -31,16 +31,16 @@ CLI::Validator named_value(std::map<std::string, Value> values, const std::strin
       "");
 }
 
+}  // namespace
+
 std::string kind_choices() {
   std::string choices;
   for (const auto kind : all_kinds()) choices += (choices.empty() ? "" : ", ") + plural_of(kind);
   return choices;
 }
 
-}  // namespace
-
 void add_file(CLI::App& command, std::string& file) {
-  command.add_option("FILE", file, "The library file")->required();
+  command.add_option("FILE", file, "The library file")->required()->type_name("");
 }
 
 void add_kind(CLI::App& command, veldra::ObjectType& kind) {
@@ -51,7 +51,9 @@ void add_kind(CLI::App& command, veldra::ObjectType& kind) {
 }
 
 void add_object(CLI::App& command, std::string& object) {
-  command.add_option("OBJECT", object, "The name of the object, or its id")->required();
+  command.add_option("OBJECT", object, "The name of the object, or its id")
+      ->required()
+      ->type_name("");
 }
 
 void add_kinds(CLI::App& command, std::vector<veldra::ObjectType>& kinds) {
@@ -76,7 +78,21 @@ void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::stri
 }
 
 void add_output(CLI::App& command, std::string& output) {
-  command.add_option("-o,--output", output, "The file to write; standard output by default");
+  command.add_option("-o,--output", output, "The file to write; standard output by default")
+      ->type_name("OUT");
+}
+
+void add_format(CLI::App& command, std::string& format) {
+  const auto known = [](const std::string& text) {
+    if (text == "json" || text == "csv") return std::string();
+    return fmt::format("{} is none of json, csv", in_quotes(text));
+  };
+  command
+      .add_option("--format", format,
+                  "json (default): everything, for 'import' to read again; csv: a table of "
+                  "materials, compositions and their layers")
+      ->check(CLI::Validator(known, ""))
+      ->type_name("FORMAT");
 }
 
 void add_unit(CLI::App& command, veldra::Unit& unit) {

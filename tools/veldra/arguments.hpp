@@ -12,6 +12,9 @@
 
 namespace veldra_tool {
 
+/// The names of all kinds, for people.
+std::string kind_choices();
+
 // Arguments that several commands have, and that they name alike.
 
 void add_file(CLI::App& command, std::string& file);
@@ -26,6 +29,7 @@ void add_json(CLI::App& command, bool& json);
 /// The same for commands whose result goes to a file.
 void add_json_of_file(CLI::App& command, bool& json);
 
+void add_format(CLI::App& command, std::string& format);
 void add_unit(CLI::App& command, veldra::Unit& unit);
 
 /// Ends the help of a command.

@@ -176,10 +176,17 @@ void add_copy(Host& host) {
   auto& command = *host.arguments.add_subcommand(
       "copy", "Copy objects, and what they refer to, from one library into another");
   const auto arguments = std::make_shared<Arguments>();
-  command.add_option("SOURCE", arguments->source, "The library to copy from")->required();
-  command.add_option("DEST", arguments->destination, "The library to copy into")->required();
-  command.add_option("OBJECT", arguments->objects,
-                     "What to copy, as KIND:NAME or KIND:ID; kinds as in 'list'");
+  command.add_option("SOURCE", arguments->source, "The library to copy from")
+      ->required()
+      ->type_name("");
+  command.add_option("DEST", arguments->destination, "The library to copy into")
+      ->required()
+      ->type_name("");
+  command
+      .add_option("OBJECT", arguments->objects,
+                  "What to copy, as KIND:NAME or KIND:ID; the kinds are " + kind_choices() +
+                      ", also in the singular")
+      ->type_name("");
   command.add_flag("--all", arguments->all, "Copy everything");
   add_on_conflict(command, arguments->on_conflict);
   add_json(command, arguments->json);

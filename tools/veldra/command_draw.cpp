@@ -59,7 +59,9 @@ void add_draw(Host& host) {
       "draw", "Draw sections through build-ups, to scale, as an SVG picture");
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
-  command.add_option("COMPOSITION", arguments->compositions, "Their names or ids")->required();
+  command.add_option("COMPOSITION", arguments->compositions, "Their names or ids")
+      ->required()
+      ->type_name("");
   add_output(command, arguments->output);
   add_json_of_file(command, arguments->json);
   add_example(command, "veldra draw office.lib 'Cavity wall' 'Flat roof' -o sheet.svg");

@@ -85,15 +85,10 @@ void export_library(const Arguments& arguments) {
 }  // namespace
 
 void add_export(Host& host) {
-  auto& command = *host.arguments.add_subcommand(
-      "export", "Write a whole library as text, which 'import' reads again");
+  auto& command = *host.arguments.add_subcommand("export", "Write a whole library as text");
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
-  command
-      .add_option("--format", arguments->format,
-                  "json (default): everything; csv: a table of materials, compositions and their "
-                  "layers")
-      ->check(CLI::IsMember({"json", "csv"}).description(""));
+  add_format(command, arguments->format);
   add_output(command, arguments->output);
   add_json_of_file(command, arguments->json);
   add_example(command, "veldra export office.lib -o office.json");

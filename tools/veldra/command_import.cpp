@@ -152,7 +152,7 @@ void add_import(Host& host) {
       "import", "Read IDF, epJSON and veldra's own JSON into a library, making it if missing");
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
-  command.add_option("SOURCE", arguments->sources, "The files to read")->required();
+  command.add_option("SOURCE", arguments->sources, "The files to read")->required()->type_name("");
   add_on_conflict(command, arguments->on_conflict);
   add_tags(command, arguments->tags,
            "A tag for every material and composition that is imported; may be given several "

@@ -108,7 +108,8 @@ void add_remove(Host& host) {
   add_file(command, arguments->file);
   add_kind(command, arguments->kind);
   command.add_option("OBJECT", arguments->objects, "The names of the objects, or their ids")
-      ->required();
+      ->required()
+      ->type_name("");
   add_json(command, arguments->json);
   add_example(command, "veldra remove office.lib materials 'Solid brick' 17");
   command.callback([arguments, &host] { remove(*arguments, host.status); });

@@ -72,8 +72,9 @@ int ConflictReactor::resolveNameConflict(veldra::Library& library, ObjectType ty
 }
 
 void ConflictReactor::fail(const Name& original) {
-  throw Failure(fmt::format("the library has another {} {} already", singular_of(original.first),
-                            in_quotes(original.second.utf8())));
+  throw Failure(
+      fmt::format("the library has a {} {} already, which differs; --on-conflict says what to do",
+                  singular_of(original.first), in_quotes(original.second.utf8())));
 }
 
 int ConflictReactor::rename(const veldra::Library& library, const Name& original,

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace veldra_tool {
@@ -11,10 +12,14 @@ namespace veldra_tool {
 Host::Host() : arguments("Catalogues of building materials and build-ups in library files") {
   arguments.name("veldra");
   arguments.require_subcommand(1);
+  arguments.get_formatter()->label("SUBCOMMAND", "COMMAND");
+  arguments.get_formatter()->label("Positionals", "Arguments");
+  arguments.get_formatter()->label("REQUIRED", "(required)");
   arguments.footer("'veldra COMMAND --help' tells more about a command.");
   for (const auto add : {add_create, add_info, add_list, add_show, add_where_used, add_import,
                          add_export, add_copy, add_remove, add_purge, add_draw, add_check})
     add(*this);
+  for (CLI::App* command : arguments.get_subcommands({})) command->group("Commands");
 }
 
 namespace {
@@ -27,11 +32,36 @@ int complain(const std::string& sentence) {
   return failed;
 }
 
+int refuse(const std::string& sentence, const std::string& command) {
+  fmt::print(stderr, "veldra: {}\n'{} --help' tells more.\n", printable(sentence), command);
+  return wrong_arguments;
+}
+
+bool is_command(const Host& host, const std::string& name) {
+  const auto commands = host.arguments.get_subcommands({});
+  return std::any_of(commands.begin(), commands.end(),
+                     [&](const CLI::App* command) { return command->get_name() == name; });
+}
+
+/// What the arguments are wrong about, for the command that they begin with.
+int refuse(const Host& host, const CLI::ParseError& error) {
+  const auto commands = host.arguments.get_subcommands();
+  return refuse(error.what(),
+                commands.empty() ? "veldra" : "veldra " + commands.front()->get_name());
+}
+
 int run(Host& host, int count, char** values) {
+  if (count < 2) return refuse("a command is missing", "veldra");
+  const std::string first = values[1];
+  if (first.compare(0, 1, "-") != 0 && !is_command(host, first)) {
+    return refuse(fmt::format("there is no command {}", in_quotes(first)), "veldra");
+  }
   try {
     host.arguments.parse(count, values);
+  } catch (const CLI::Success& wish) {  // such as help
+    return host.arguments.exit(wish);
   } catch (const CLI::ParseError& error) {
-    return host.arguments.exit(error) == 0 ? 0 : wrong_arguments;
+    return refuse(host, error);
   } catch (const Failure& failure) {
     return complain(failure.what());
   } catch (const std::exception& error) {

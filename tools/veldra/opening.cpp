@@ -5,6 +5,8 @@
 
 #include <fmt/format.h>
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -83,6 +85,10 @@ std::shared_ptr<veldra::Library> create_library(const std::string& file, veldra:
                                                 const std::string& guid) {
   if (file_exists(file)) throw failure(file, "there is a file of that name already");
   const auto path = plain_path(file);
+  const auto folder = std::filesystem::absolute(file).parent_path();
+  if (::access(folder.c_str(), W_OK) != 0) {
+    throw failure(file, fmt::format("it cannot be made in its folder: {}", std::strerror(errno)));
+  }
   return working_on(file, [&] { return veldra::Library::create(path, unit, library_text(guid)); });
 }
 

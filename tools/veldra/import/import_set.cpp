@@ -105,7 +105,10 @@ void ImportSet::enter(IncomingObjects<T>& objects, const std::shared_ptr<T>& obj
   give_tags(*object, from_simulation, report);
   const Incoming<T> incoming{object, source, from_simulation && tags_.empty()};
   const auto* first = objects.taken(name, from_simulation ? Names::Folded : Names::Exact);
-  if (!first) return objects.add(incoming, name);
+  if (!first) {
+    require_free_code(*object, line, report);
+    return objects.add(incoming, name);
+  }
   if (same_objects(*first, incoming)) {
     ++outcomes_of(*object, report)[Outcome::Equal];
     return;
@@ -132,13 +135,25 @@ void ImportSet::settle(const Incoming<T>& first, const std::shared_ptr<T>& secon
       ++outcomes_of(*second, report)[Outcome::Kept];
       return;
     case OnConflict::Overwrite:
+      release_code(*first.object);
       *first.object = *second;
+      require_free_code(*first.object, line, report);
       ++outcomes_of(*second, report)[Outcome::Changed];
       return;
     case OnConflict::Rename:
       second->name(library_text(free_name(objects, name)));
       return objects.add(incoming, name);
   }
+}
+
+void ImportSet::require_free_code(const veldra::Material& material, unsigned line,
+                                  const SourceReport& report) {
+  if (!material.has_code()) return;
+  const auto [holder, is_free] = names_by_code_.emplace(material.code(), material.name());
+  if (is_free) return;
+  throw Failure(fmt::format("{}: material {} has the code {}, which {} of the sources has already",
+                            place(report.file, line), in_quotes(material.name().utf8()),
+                            in_quotes(material.code().utf8()), in_quotes(holder->second.utf8())));
 }
 
 void ImportSet::add_material(const SourceMaterial& material, std::size_t source,

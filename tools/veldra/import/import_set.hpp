@@ -94,6 +94,11 @@ class ImportSet {
   void settle(const Incoming<T>& first, const std::shared_ptr<T>& second,
               IncomingObjects<T>& objects, const Incoming<T>& incoming, unsigned line,
               SourceReport& report);
+  void require_free_code(const veldra::Material& material, unsigned line,
+                         const SourceReport& report);
+  void require_free_code(const veldra::Composition&, unsigned, const SourceReport&) {}
+  void release_code(const veldra::Material& material) { names_by_code_.erase(material.code()); }
+  void release_code(const veldra::Composition&) {}
   void add_material(const SourceMaterial& material, std::size_t source, SourceReport& report);
   void resolve(const SourceConstruction& construction, std::size_t source, SourceReport& report);
   void resolve(const CatalogueComposition& composition, std::size_t source, SourceReport& report);
@@ -110,6 +115,7 @@ class ImportSet {
   std::vector<Compositions> catalogue_compositions_;
   std::size_t sources_ = 0;
   std::optional<std::set<veldra::String>> types_;
+  std::map<veldra::String, veldra::String> names_by_code_;  ///< of materials
   veldra::String locale_;
   veldra::String region_;
 };

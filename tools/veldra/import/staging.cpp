@@ -16,7 +16,7 @@ void save(const std::shared_ptr<T>& object, veldra::Library& staging) {
   try {
     staging.save(object);
   } catch (const veldra::ObjectNotUnique&) {
-    throw Failure(fmt::format("{} {} has a code that another one of the sources has",
+    throw Failure(fmt::format("{} {} has a code that another one of the sources has already",
                               singular_of(veldra::ObjectTraits<T>::type),
                               in_quotes(object->name().utf8())));
   }
