@@ -192,6 +192,14 @@ TEST_F(RealData, a_second_import_of_everything_changes_nothing) {
   }
 }
 
+TEST_F(RealData, a_fresh_import_is_sound) {
+  for (const auto& [files, rows] : by_file("counts.tsv")) {
+    SCOPED_TRACE(files);
+    imported(files, library_name(files));
+    must({"check", library_name(files)});
+  }
+}
+
 TEST_F(RealData, exports_give_a_round_trip) {
   imported("idf/ASHRAE_2005_HOF_Materials.idf", "a.lib");
   write("a.json", exported("a.lib"));
