@@ -6,6 +6,7 @@
 #include "lookup.hpp"
 #include "opening.hpp"
 #include "output.hpp"
+#include "progress.hpp"
 #include "summary.hpp"
 
 #include <fmt/format.h>
@@ -29,9 +30,12 @@ Json names_to_json(const veldra::Library& library) {
 }
 
 template <class T>
-Json objects_to_json(const veldra::Library& library) {
+Json objects_to_json(const veldra::Library& library, Progress& progress) {
   Json objects = Json::array();
-  for (const auto& object : all_objects<T>(library)) objects.push_back(to_json(*object));
+  for (const auto& object : all_objects<T>(library)) {
+    objects.push_back(to_json(*object));
+    progress.step();
+  }
   return objects;
 }
 
@@ -47,7 +51,7 @@ Json properties_to_json(const veldra::Library& library) {
   return objects;
 }
 
-std::string json_of(const veldra::Library& library) {
+std::string json_of(const veldra::Library& library, Progress& progress) {
   Json json = Json::object();
   json["format"] = "veldra";
   json["version"] = 1;
@@ -56,8 +60,8 @@ std::string json_of(const veldra::Library& library) {
   json["layers"] = names_to_json<veldra::Layer>(library);
   json["material_types"] = names_to_json<veldra::MaterialType>(library);
   json["custom_properties"] = properties_to_json(library);
-  json["materials"] = objects_to_json<veldra::Material>(library);
-  json["compositions"] = objects_to_json<veldra::Composition>(library);
+  json["materials"] = objects_to_json<veldra::Material>(library, progress);
+  json["compositions"] = objects_to_json<veldra::Composition>(library, progress);
   return json.dump(2) + "\n";
 }
 
@@ -73,7 +77,8 @@ void export_library(const Arguments& arguments) {
   require_sense(arguments);
   const auto library = open_library(arguments.file, Access::Read);
   const auto text = working_on(arguments.file, [&] {
-    return arguments.format == "csv" ? csv_of(*library) : json_of(*library);
+    Progress progress("exporting");
+    return arguments.format == "csv" ? csv_of(*library, progress) : json_of(*library, progress);
   });
   write_output(arguments.output, text);
   if (!arguments.json || is_standard_output(arguments.output)) return;

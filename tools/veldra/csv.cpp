@@ -116,7 +116,7 @@ Row cells_of(const veldra::Composition& composition, std::size_t index) {
 
 }  // namespace
 
-std::string csv_of(const veldra::Library& library) {
+std::string csv_of(const veldra::Library& library, Progress& progress) {
   CsvTable table({"kind", "name", "position", "material", "thickness", "function", "type", "code",
                   "tags", "drawing layer"});
   for (const auto& text : material_texts) table.add_column(text.key);
@@ -125,12 +125,14 @@ std::string csv_of(const veldra::Library& library) {
   }
   for (const auto& material : all_objects<veldra::Material>(library)) {
     table.add(cells_of(*material));
+    progress.step();
   }
   for (const auto& composition : all_objects<veldra::Composition>(library)) {
     table.add(cells_of(*composition));
     for (std::size_t i = 0; i < composition->layers().size(); ++i) {
       table.add(cells_of(*composition, i));
     }
+    progress.step();
   }
   return table.text();
 }
