@@ -10,7 +10,7 @@ namespace veldra_tool {
 
 /// Something in a library that is not as it should be.
 struct Finding {
-  std::string object;  ///< such as "material 'Oak'"; "file" and "library" for what concerns all of it
+  std::string object;  ///< such as "material 'Oak'"; "file" or "library" for all of it
   std::string sentence;
 };
 
