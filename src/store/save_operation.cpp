@@ -159,10 +159,10 @@ void SaveOperation::save_properties(Record& record, UndoLog* log) {
   for (auto& property : saved) property = save_reference(property);
   if (same_objects(saved, properties)) return;
 
-  // A property that stands for another one has its name, so the order stays.
-  auto values = record.custom_values;
+  // A property that a mapping names may have been renamed since, so the order is made anew.
+  std::map<CustomPropertyKey, String> values;
   auto property = saved.begin();
-  for (auto& value : values) ObjectAccess::property(value.first) = *property++;
+  for (const auto& value : record.custom_values) values.emplace(*property++, value.second);
   set(log, record.custom_values, std::move(values));
 }
 

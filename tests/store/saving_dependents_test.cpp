@@ -232,6 +232,32 @@ TEST_F(SavingDependents, what_copies_share_is_copied_once_within_a_mapping) {
   EXPECT_EQ(reactor.calls_starting_with("saved Tag").size(), 1u);
 }
 
+TEST_F(SavingDependents,
+       mapped_properties_that_were_renamed_stand_in_the_order_of_their_new_names) {
+  const auto other = create("other.lib");
+  const auto first = other->save(named<CustomProperty>("first"));
+  const auto second = other->save(named<CustomProperty>("second"));
+  const auto oak = Material::create("Oak");
+  oak->custom_value(first, "1");
+  oak->custom_value(second, "2");
+  other->save(oak);
+  IdMapping mapping(library.get());
+  for (const auto& property : {first, second}) library->save(property, mapping);
+  const auto renamed = library->get<CustomProperty>("first");
+  renamed->name("third");
+  library->save(renamed);
+
+  const auto copy = library->save(oak, mapping);
+
+  ASSERT_EQ(copy->custom_values().size(), 2u);
+  EXPECT_EQ(copy->custom_values().begin()->first->name(), String("second"));
+  copy->custom_value("second", "changed");
+  copy->custom_value("third", "changed");
+  EXPECT_EQ(copy->custom_values().size(), 2u);
+  library->save(copy);
+  EXPECT_EQ(values_of(library->get<Material>("Oak")), values_of(copy));
+}
+
 TEST_F(SavingDependents, layers_of_the_same_foreign_material_share_one_copy) {
   const auto other = create("other.lib");
   const auto oak = other->save(Material::create("Oak"));
