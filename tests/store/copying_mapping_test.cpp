@@ -306,7 +306,8 @@ TEST_F(CopyingWithMapping, a_type_that_is_gone_fails_the_copy_that_needs_it) {
   library->remove(library->get<MaterialType>("type"));
   const std::string before = rows();
 
-  EXPECT_FALSE(thrown_by([&] { library->copy<Material>(source, Ids{oak->id()}, mapping); }) == "");
+  EXPECT_EQ(thrown_by([&] { library->copy<Material>(source, Ids{oak->id()}, mapping); }),
+            "veldra::ObjectNotFound");
 
   EXPECT_EQ(rows(), before);
   mapping.remove(source_key(source->get<MaterialType>("type")));

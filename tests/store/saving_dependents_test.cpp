@@ -232,6 +232,21 @@ TEST_F(SavingDependents, what_copies_share_is_copied_once_within_a_mapping) {
   EXPECT_EQ(reactor.calls_starting_with("saved Tag").size(), 1u);
 }
 
+TEST_F(SavingDependents, a_mapped_one_that_is_gone_is_not_found_even_where_it_could_be_left_out) {
+  const auto other = create("other.lib");
+  for (const char* name : {"Oak", "Pine"}) {
+    const auto material = Material::create(name);
+    material->cut_layer(other->save(named<Layer>("Section")));
+    other->save(material);
+  }
+  IdMapping mapping(library.get());
+  library->save(other->get<Material>("Oak"), mapping);
+  PlainDatabase(path).execute("UPDATE Material SET cut_layer=NULL; DELETE FROM Layer");
+  EXPECT_EQ(thrown_by([&] { library->save(other->get<Material>("Pine"), mapping); }),
+            "veldra::ObjectNotFound");
+  EXPECT_FALSE(library->get<Material>("Pine"));
+}
+
 TEST_F(SavingDependents,
        mapped_properties_that_were_renamed_stand_in_the_order_of_their_new_names) {
   const auto other = create("other.lib");
