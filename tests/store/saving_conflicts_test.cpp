@@ -111,6 +111,16 @@ TYPED_TEST(SavingConflicts, use_existing_makes_the_object_the_stored_one) {
   EXPECT_THAT(this->reactor.calls, ElementsAre(this->asked("Oak")));
 }
 
+TYPED_TEST(SavingConflicts, use_existing_links_what_the_stored_one_refers_to) {
+  this->stored->addTag(Tag::create("warm"));
+  this->library->save(this->stored);
+  this->reactor.decision = Reactor::UseExisting;
+  const auto object = this->described("Oak", "new");
+  this->library->save(object);
+  ASSERT_EQ(object->tags().size(), 1u);
+  EXPECT_EQ(object->tags()[0]->library(), this->library);
+}
+
 TYPED_TEST(SavingConflicts, overwrite_gives_the_stored_one_the_values) {
   this->reactor.decision = Reactor::Overwrite;
   const auto object = this->described("Oak", "new");

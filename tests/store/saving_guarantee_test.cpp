@@ -396,6 +396,36 @@ TEST_F(SavingGuarantee, a_decision_to_rename_is_taken_back) {
   EXPECT_EQ(wall->layer(1).material()->name(), String("Wall core 2"));
 }
 
+TEST_F(SavingGuarantee, every_rename_of_an_object_is_taken_back) {
+  library->save(Material::create("Oak"));
+  library->save(Material::create("Oak 2"));
+  reactor.on_conflict = [](Library&, ObjectType, String& name) {
+    name = String((name.utf8() + " 2").c_str());
+    return Library::Reactor::Rename;
+  };
+  const auto oak = Material::create("Oak");
+  execute(Refusal{"INSERT", "Material", "NEW.name='Oak 2 2'"}.statement());
+  expect_that_failing_changes_nothing(oak);
+  EXPECT_EQ(oak->name(), String("Oak"));
+}
+
+TEST_F(SavingGuarantee, an_object_that_is_saved_twice_is_as_it_was_before_the_first_time) {
+  const auto oak = Material::create("Oak");
+  const auto wall = Composition::create("Wall");
+  wall->appendLayer({oak, Material::Function::None, 1.0});
+  wall->appendLayer({oak, Material::Function::None, 2.0});
+  reactor.on_saved = [&oak](Library&, const ObjectKey& key) {
+    if (key.type == ObjectType::Material) oak->cost("changed while the wall is being saved");
+  };
+  execute(Refusal{"INSERT", "Composition", ""}.statement());
+  EXPECT_EQ(thrown_by([&] { library->save(wall); }), "odb::sqlite::database_exception");
+  EXPECT_THAT(reactor.calls_starting_with("saved Material"),
+              ElementsAre("saved Material 1", "saved Material 1"));
+  EXPECT_EQ(oak->id(), 0u);
+  EXPECT_FALSE(oak->library());
+  EXPECT_TRUE(oak->isDirty());
+}
+
 TEST_F(SavingGuarantee, an_object_that_was_taken_for_a_stored_one_is_itself_again) {
   const auto stored = library->save(full_material("Oak"));
   const auto pine = full_material("Pine");
@@ -524,6 +554,15 @@ TEST_F(SavingGuarantee, what_was_collected_is_told_after_a_failure) {
   reactor.calls.clear();
   library->save(Layer::create("Section"));
   EXPECT_THAT(reactor.calls, ElementsAre("saved Layer 1", "type Layer", "library"));
+}
+
+TEST_F(SavingGuarantee, a_kind_whose_report_fails_does_not_count_as_changed) {
+  reactor.on_saved = [](Library&, const ObjectKey&) { throw std::runtime_error("full"); };
+  IdMapping mapping(library.get());
+  EXPECT_EQ(thrown_by([&] { library->save(Layer::create("Section"), mapping); }),
+            "std::runtime_error");
+  EXPECT_THAT(reactor.calls, ElementsAre("saved Layer 1"));
+  EXPECT_TRUE(mapping.has({ObjectKey(ObjectType::Layer, 0), nullptr}));
 }
 
 TEST_F(SavingGuarantee, entries_of_a_mapping_stay_after_a_failure) {
