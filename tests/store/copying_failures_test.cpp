@@ -1,5 +1,7 @@
 #include "store/copying_fixture.hpp"
 
+#include <stdexcept>
+
 namespace veldra_tests {
 namespace {
 
@@ -11,6 +13,7 @@ using veldra::Layer;
 using veldra::Library;
 using veldra::Material;
 using veldra::MaterialType;
+using veldra::ObjectType;
 using veldra::Tag;
 
 constexpr int kReadOnly = 8;
@@ -140,6 +143,15 @@ TEST_F(CopyingFailures, what_was_collected_is_told_once_also_after_a_failure) {
 
   EXPECT_THAT(reactor.calls,
               ElementsAre("saved Tag 101", "saved Layer 101", "type Tag", "type Layer", "library"));
+}
+
+TEST_F(CopyingFailures, an_exception_of_a_notification_reaches_the_caller_and_the_copy_stays) {
+  put(named<Tag>("one"));
+  reactor.on_type_changed = [](Library&, ObjectType) { throw std::runtime_error("full"); };
+
+  EXPECT_EQ(thrown_by([&] { library->copyAll(source); }), "std::runtime_error");
+
+  EXPECT_EQ(library->count<Tag>(), 1u);
 }
 
 class CopyingAssets : public CopyingTest {

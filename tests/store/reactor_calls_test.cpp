@@ -460,6 +460,15 @@ TEST_F(ReactorNotifications, one_that_throws_after_a_failure_does_not_end_the_pr
   EXPECT_EQ(rows(), before);
 }
 
+TEST_F(ReactorNotifications, the_library_is_there_until_the_last_of_them) {
+  const std::weak_ptr<Library> watched = library;
+  reactor.on_type_changed = [this](Library&, ObjectType) { library.reset(); };
+  reactor.on_library_changed = [&watched](Library&) { EXPECT_FALSE(watched.expired()); };
+  library->save(Layer::create("Section"));
+  EXPECT_THAT(reactor.calls, ElementsAre("saved Layer 1", "type Layer", "library"));
+  EXPECT_TRUE(watched.expired());
+}
+
 TEST_F(ReactorNotifications, a_save_that_changes_nothing_tells_nothing) {
   library->save(Tag::create("warm"));
   reactor.calls.clear();

@@ -217,6 +217,7 @@ TEST_F(RemovalReactor, an_exception_of_the_report_takes_the_removal_back) {
 
   EXPECT_EQ(tag->library(), library);
   EXPECT_EQ(rows(), before);
+  EXPECT_THAT(reactor.calls, ElementsAre("may remove Tag 1", "removed Tag 1"));
   reactor.on_removed = nullptr;
   EXPECT_TRUE(library->remove(tag));
 }
@@ -427,6 +428,22 @@ TEST_F(RemovalReactor, the_last_notification_may_write) {
 
   EXPECT_THAT(reactor.calls, ElementsAre("may remove Tag 1", "removed Tag 1", "type Tag", "library",
                                          "saved Layer 1", "type Layer", "library"));
+}
+
+TEST_F(RemovalReactor, an_exception_of_a_notification_reaches_the_caller_of_every_form) {
+  const auto one = stored<Tag>("one");
+  for (const char* name : {"two", "three", "four", "five", "six"}) stored<Tag>(name);
+  reactor.on_type_changed = [](Library&, ObjectType) { throw HostIsTired(); };
+
+  EXPECT_TRUE(tires([&] { library->remove(one); }));
+  EXPECT_TRUE(tires([&] { library->remove<Tag>(2u); }));
+  EXPECT_TRUE(tires([&] { library->remove<Tag>(std::set<unsigned>{3}); }));
+  EXPECT_TRUE(tires([&] { library->remove({key_of<Tag>(4)}); }));
+  EXPECT_EQ(rows_in("Tag"), "2");
+  EXPECT_TRUE(tires([&] { library->purge<Tag>(); }));
+
+  EXPECT_EQ(rows_in("Tag"), "0");
+  EXPECT_FALSE(one->library());
 }
 
 }  // namespace
