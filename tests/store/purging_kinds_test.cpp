@@ -199,6 +199,17 @@ TEST_F(Purging, the_kinds_come_in_a_fixed_order_and_ids_ascending) {
                   "type CustomProperty", "type Layer", "library"));
 }
 
+TEST_F(Purging, properties_go_in_the_order_of_their_ids_and_not_of_their_names) {
+  for (const char* name : {"b", "c", "a"}) stored<CustomProperty>(name);
+  listen();
+
+  library->purge<CustomProperty>();
+
+  EXPECT_THAT(reactor.calls_starting_with("removed"),
+              ElementsAre("removed CustomProperty 1", "removed CustomProperty 2",
+                          "removed CustomProperty 3"));
+}
+
 TEST_F(Purging, chosen_kinds_come_in_the_fixed_order_whatever_their_numbers) {
   stored<Tag>("tag");
   stored<Layer>("layer");
