@@ -13,6 +13,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
 using veldra::Library;
@@ -260,6 +261,17 @@ TEST_F(LibraryCheck, goes_on_when_a_foreign_key_has_nothing_to_refer_to) {
   EXPECT_THAT(findings(), ElementsAre(HasSubstr("foreign key mismatch"),
                                       "The file has the table \"Prices\", which does not belong "
                                       "there"));
+}
+
+TEST_F(LibraryCheck, goes_on_when_a_table_is_too_damaged_to_be_read) {
+  create_and_close();
+  tamper(
+      "CREATE TABLE Prices (id); PRAGMA writable_schema = ON; UPDATE sqlite_master SET rootpage = "
+      "(SELECT rootpage FROM sqlite_master WHERE name = 'Layer_name_i') WHERE name = "
+      "'Composition_tags'");
+  EXPECT_THAT(findings(), IsSupersetOf({"database disk image is malformed",
+                                        "The file has the table \"Prices\", which does not belong "
+                                        "there"}));
 }
 
 TEST_F(LibraryCheck, waits_for_others_and_then_throws_and_appends_nothing) {
