@@ -139,6 +139,18 @@ TEST_F(CopyingWithMapping, a_key_of_no_copied_kind_is_skipped) {
   EXPECT_EQ(PlainDatabase(path).value("SELECT count(*) FROM \"Asset\""), "0");
 }
 
+TEST_F(CopyingWithMapping, a_key_of_no_copied_kind_stands_for_itself_in_this_very_library) {
+  const ObjectKey asset(ObjectType::Asset, 1);
+  IdMapping mapping = fresh_mapping();
+
+  library->copy(library, Keys{asset}, mapping);
+
+  IdMapping::Value value;
+  ASSERT_TRUE(mapping.compute({asset, library.get()}, value));
+  EXPECT_EQ(value.id, 1u);
+  EXPECT_EQ(value.status, IdMapping::Existing);
+}
+
 TEST_F(CopyingWithMapping, a_material_that_is_listed_beside_its_composition_is_copied_once) {
   const auto wall = put(full_composition("Wall"));
   const auto core = source->get<Material>("Wall core");
