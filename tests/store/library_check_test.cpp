@@ -201,6 +201,25 @@ TEST_F(LibraryCheck, tells_of_tables_of_another_sort) {
                           "belong there"));
 }
 
+TEST_F(LibraryCheck, tells_of_tables_without_rowids) {
+  create_and_close();
+  tamper(
+      "DROP TABLE Material_thicknesses;"
+      "CREATE TABLE Material_thicknesses (object_id INTEGER PRIMARY KEY, value REAL) "
+      "WITHOUT ROWID");
+  const std::string rest = ", which does not belong there";
+  EXPECT_THAT(
+      findings(),
+      UnorderedElementsAre(
+          "The file lacks the table \"Material_thicknesses\"",
+          "The file has the table \"Material_thicknesses\" WITHOUT ROWID" + rest,
+          "\"Material_thicknesses\" has the column \"object_id\" INTEGER NOT NULL PRIMARY KEY" +
+              rest,
+          "\"Material_thicknesses\" has the unique index "
+          "\"sqlite_autoindex_Material_thicknesses_1\" on \"object_id\"" +
+              rest));
+}
+
 struct Rewriting {
   const char* table;
   const char* word;
