@@ -121,7 +121,6 @@ std::shared_ptr<T> SaveOperation::mapped(const T& object, unsigned id) {
   ObjectRecord& record = ObjectAccess::impl(*copy);
   record.id = id;
   record.name = object.name();
-  record.library = impl_.self;
   return copy;
 }
 
