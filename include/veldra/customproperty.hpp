@@ -91,7 +91,7 @@ class VELDRA_EXPORT CustomValued {
   Values::iterator custom_values_end(const ToModify&);
 
   /// The value of a property; null when there is none, also when the value of that name belongs
-  /// to a property for another kind of object.
+  /// to a property for another kind of object, and for an empty pointer.
   odb::nullable<String> custom_value(const std::shared_ptr<const CustomProperty>& property) const;
 
   /// The value under a property name, whatever kind of object the property is for; null when
@@ -101,8 +101,8 @@ class VELDRA_EXPORT CustomValued {
   /// Sets a value and marks the owner dirty, also when the value is the same. A value under the
   /// same name keeps the property object that it has.
   ///
-  /// Throws `InappropriateCustomProperty`, and changes nothing, when the property is null or for
-  /// another kind of object than the owner (a property for kind 0 is for all).
+  /// Throws `InappropriateCustomProperty`, and changes nothing, when the property is for another
+  /// kind of object than the owner (a property for kind 0 is for all), or the pointer is empty.
   void custom_value(const std::shared_ptr<const CustomProperty>& property, const String& value);
 
   /// Sets a value under a property name and marks the owner dirty. A name without a value gets a

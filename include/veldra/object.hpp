@@ -102,7 +102,7 @@ class VELDRA_EXPORT Tagged {
   void addTag(const unsigned short* name);
 
   /// Removes every entry that has the id of `tag`. Unsaved tags all have id 0, so removing one of
-  /// them removes them all. Null removes nothing.
+  /// them removes them all. A null `tag` removes nothing.
   void removeTag(const std::shared_ptr<Tag>& tag);
 
   /// Removes every entry of that name.

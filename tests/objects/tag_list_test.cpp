@@ -198,10 +198,22 @@ TYPED_TEST(TagListTest, removing_a_tag_that_is_not_there_makes_the_owner_dirty) 
   EXPECT_THAT(this->owner.tags(), IsEmpty());
 }
 
-TYPED_TEST(TagListTest, removing_a_null_tag_removes_nothing) {
-  this->owner.tags(toModify) = {this->wood, nullptr};
+TYPED_TEST(TagListTest, removing_a_null_tag_removes_nothing_and_makes_the_owner_dirty) {
   this->owner.removeTag(std::shared_ptr<Tag>());
-  EXPECT_THAT(this->owner.tags(), ElementsAre(this->wood, nullptr));
+  EXPECT_TRUE(this->owner.isDirty());
+  this->owner.tags(toModify) = {this->wood, nullptr, this->stone};
+  this->owner.removeTag(std::shared_ptr<Tag>());
+  EXPECT_THAT(this->owner.tags(), ElementsAre(this->wood, nullptr, this->stone));
+}
+
+TYPED_TEST(TagListTest, removing_leaves_null_entries) {
+  this->owner.tags(toModify) = {nullptr, this->wood, nullptr, this->stone};
+  this->owner.removeTag(this->name.c_str());
+  EXPECT_THAT(this->owner.tags(), ElementsAre(nullptr, nullptr, this->stone));
+  this->owner.removeTag(String().c_str());
+  EXPECT_THAT(this->owner.tags(), ElementsAre(nullptr, nullptr, this->stone));
+  this->owner.removeTag(this->stone);
+  EXPECT_THAT(this->owner.tags(), ElementsAre(nullptr, nullptr));
 }
 
 TYPED_TEST(TagListTest, an_entry_of_the_list_can_be_removed) {
@@ -306,6 +318,10 @@ TEST(TagListEqualityTest, ids_and_libraries_do_not_count) {
 }
 
 TEST(TagListEqualityTest, the_same_null_entry_is_equal) { expect_equal({nullptr}, {nullptr}); }
+
+TEST(TagListEqualityTest, a_null_entry_equals_no_tag) {
+  expect_unequal({nullptr}, {Tag::create("")});
+}
 
 }  // namespace
 }  // namespace veldra_tests
