@@ -128,6 +128,24 @@ TEST_F(FileCatalogue, tables_of_others_stay_when_a_library_is_made_around_them) 
   EXPECT_EQ(PlainDatabase(path()).value("SELECT word FROM Notes"), "'kept'");
 }
 
+// Foreign keys are not enforced while the tables are dropped.
+TEST_F(FileCatalogue, rows_of_others_that_refer_to_a_library_do_not_keep_it_from_being_made_anew) {
+  create_and_close();
+  PlainDatabase(path()).execute(
+      "INSERT INTO Tag VALUES (1, 'facade'); CREATE TABLE Notes (tag REFERENCES Tag (id));"
+      "INSERT INTO Notes VALUES (1); DELETE FROM schema_version");
+  EXPECT_EQ(open()->count<veldra::Tag>(), 0u);
+  EXPECT_EQ(PlainDatabase(path()).value("SELECT tag FROM Notes"), "1");
+}
+
+TEST_F(FileCatalogue, the_version_table_may_be_written_in_any_case) {
+  create_and_close();
+  PlainDatabase(path()).execute(
+      "INSERT INTO Tag (name) VALUES ('kept'); ALTER TABLE schema_version RENAME TO other;"
+      "ALTER TABLE other RENAME TO Schema_Version");
+  EXPECT_EQ(open()->count<veldra::Tag>(), 1u);
+}
+
 TEST_F(FileCatalogue, version_rows_of_other_schemas_do_not_count_and_stay) {
   PlainDatabase(path()).execute(
       "CREATE TABLE schema_version (name TEXT NOT NULL PRIMARY KEY, version INTEGER NOT NULL, "

@@ -6,6 +6,7 @@
 #include "support/thrown.hpp"
 
 #include <gmock/gmock.h>
+#include <sqlite3.h>
 
 #include <chrono>
 #include <functional>
@@ -14,6 +15,7 @@ namespace veldra_tests {
 namespace {
 
 using testing::Each;
+using testing::ElementsAre;
 using testing::IsEmpty;
 using veldra::Library;
 using veldra::MaterialType;
@@ -53,6 +55,15 @@ TEST_F(FileSharing, handles_are_distinct) {
   const auto second = open();
   EXPECT_NE(first, second);
   EXPECT_EQ(first->guid(), second->guid());
+}
+
+// Handles that share what SQLite caches of a file would wait for each other for ever.
+TEST_F(FileSharing, handles_share_no_cache_even_where_the_host_has_it_so) {
+  ASSERT_EQ(sqlite3_enable_shared_cache(1), SQLITE_OK);
+  const auto first = create();
+  const auto second = open();
+  sqlite3_enable_shared_cache(0);
+  EXPECT_THAT(open_files(folder().path()), ElementsAre("walls.lib", "walls.lib"));
 }
 
 TEST_F(FileSharing, a_handle_reads_what_another_one_wrote) {
@@ -134,6 +145,16 @@ TEST_F(FileSharing, waiting_ends_after_five_seconds) {
   }
   EXPECT_TRUE(before == FileState(path()));
   EXPECT_EQ(open()->count<MaterialType>(), 13u);
+}
+
+TEST_F(FileSharing, a_setter_that_waits_in_vain_fails_for_an_unknown_reason) {
+  const auto library = create();
+  {
+    const LockingProcess other(path(), "BEGIN IMMEDIATE", 20000);
+    EXPECT_EQ(thrown_by([&] { library->locale("de-CH"); }).type, "veldra::UnknownError");
+  }
+  EXPECT_EQ(library->locale().utf8(), "de-CH");
+  EXPECT_TRUE(open()->locale().empty());
 }
 
 TEST_F(FileSharing, migrating_waits_for_another_writer) {

@@ -144,6 +144,19 @@ TEST_F(LibraryCreation, foreign_keys_are_enforced_afterwards) {
   EXPECT_EQ(library->count<veldra::Tag>(), 1u);
 }
 
+TEST_F(LibraryCreation, foreign_keys_are_enforced_in_a_library_that_is_there) {
+  {
+    const auto library = create();
+    const auto oak = veldra::Material::create("Oak");
+    oak->addTag(veldra::Tag::create("hard"));
+    oak->save(library);
+  }
+  for (const auto& library : {create(), open()}) {
+    EXPECT_EQ(thrown_by([&] { library->remove<veldra::Tag>(1); }).type, "veldra::ObjectInUse");
+    EXPECT_EQ(library->count<veldra::Tag>(), 1u);
+  }
+}
+
 // The default material types.
 
 TEST_F(LibraryCreation, the_default_material_types_have_the_ids_1_to_13) {
