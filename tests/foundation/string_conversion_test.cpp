@@ -171,6 +171,12 @@ TEST(StringConversionTest, a_text_ends_at_its_first_zero_byte) {
   EXPECT_EQ(text.utf8(), "ab");
 }
 
+TEST(StringConversionTest, what_follows_the_first_zero_byte_may_be_malformed) {
+  String text;
+  text.utf8(std::string("ab\0\xFF", 4));
+  EXPECT_EQ(text.utf8(), "ab");
+}
+
 TEST(StringConversionTest, a_text_may_be_replaced_by_its_own_encoding) {
   String text("Gl\xC3\xA4tteputz");
   text.utf8(text.utf8());

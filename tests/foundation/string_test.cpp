@@ -130,6 +130,13 @@ TEST(StringTest, a_move_assignment_takes_the_array) {
   expect_abc(target);
 }
 
+TEST(StringTest, moving_it_to_itself_keeps_the_text) {
+  String text("abc");
+  String& itself = text;
+  text = std::move(itself);
+  expect_abc(text);
+}
+
 TEST(StringTest, an_empty_text_can_be_moved) {
   String source;
   String target("former");

@@ -75,6 +75,8 @@ TEST_F(AllocationsTest, an_empty_text_costs_none) {
               const String by_default;
               const String of_null(no_text);
               const String of_null_utf8(no_utf8);
+              const String of_no_units(by_default.c_str());
+              const String of_no_bytes("");
               const String copy(by_default);
               String target;
               target = by_default;
