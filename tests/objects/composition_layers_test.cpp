@@ -559,6 +559,13 @@ TEST(MoveLayerTest, from_the_core_to_behind_it) {
   EXPECT_LAYERS(carried, "AbDEc", 1, 2, 1);
 }
 
+// Moving the core alone would pull the structural layer to "b".
+TEST(MoveLayerTest, the_structural_layer_moves_from_where_it_was_before_the_core_moved) {
+  const auto composition = build_up("AbC", {0, 2, 2});
+  composition->moveLayer(0, 3);
+  EXPECT_LAYERS(composition, "bCA", 0, 1, 1);
+}
+
 TEST(MoveLayerTest, takes_the_variable_layer_along) {
   const auto variable_after_moving = [](std::uint64_t from, std::uint64_t to) {
     const auto composition = five_layers();
