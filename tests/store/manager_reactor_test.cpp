@@ -96,6 +96,7 @@ TEST_F(ManagerReactor, null_brings_the_default_one_back) {
 
 TEST_F(ManagerReactor, released_libraries_are_passed_over) {
   LibraryManager manager;
+  created(manager, "attic.lib");
   created(manager, "walls.lib");
   const auto floors = created(manager, "floors.lib");
   manager.setReactor(&reactor_);
