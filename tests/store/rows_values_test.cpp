@@ -125,6 +125,17 @@ INSTANTIATE_TEST_SUITE_P(All, RowsTexts,
                                          "it's \"so\"", "?1 :name @x $y",
                                          std::string(1 << 20, 'x') + "\xC3\xA9"));
 
+// Each unit takes three bytes, so the room for a text is more than the number of its units.
+TEST_F(RowsValues, texts_of_wide_characters_come_back_at_any_length) {
+  std::string text;
+  for (int length = 1; length != 700; ++length) {
+    text += "\xE2\x82\xAC";
+    if (length % 85 > 1) continue;
+    const auto layer = library->save(Layer::create(text.c_str()));
+    EXPECT_EQ(library->get<Layer>(layer->id())->name().utf8(), text) << length;
+  }
+}
+
 TEST_F(RowsValues, numbers_come_back_bit_by_bit) {
   const std::vector<double> numbers = {1.0 / 3,
                                        -1.0 / 3,
