@@ -195,7 +195,7 @@ class VELDRA_EXPORT Composition : public Object<Composition>,
   double variable_layer_min_thickness() const noexcept;
   void variable_layer_min_thickness(double thickness);
 
-  /// The thickest that the variable layer may be, where there is a limit.
+  /// The thickest that the variable layer may be, where there is a limit. NaN is stored as none.
   bool has_variable_layer_max_thickness() const noexcept;
   double variable_layer_max_thickness() const noexcept;  ///< 0 while unset
   void variable_layer_max_thickness(double thickness);

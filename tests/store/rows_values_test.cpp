@@ -184,6 +184,14 @@ TEST_F(RowsValues, a_nan_is_stored_as_null_where_a_number_may_be_absent) {
   EXPECT_TRUE(std::isnan(again->variable_layer_min_thickness()));
 }
 
+TEST_F(RowsValues, a_maximum_of_nan_comes_back_unset) {
+  const auto composition = Composition::create("Wall");
+  composition->variable_layer_max_thickness(nan);
+  library->save(composition);
+  EXPECT_EQ(value("SELECT variable_layer_max_thickness FROM Composition"), "NULL");
+  EXPECT_FALSE(read_again(composition)->has_variable_layer_max_thickness());
+}
+
 TEST_F(RowsValues, a_nan_among_the_thicknesses_is_not_written) {
   const auto material = Material::create("Oak");
   material->thicknesses(toModify) = {nan};
