@@ -14,6 +14,9 @@ enum class AssetType : int { Thermal = 1, Structural = 5 };
 /// memory, which marks them dirty, but the library never writes them: not with their material,
 /// and not into another library. The units of their numbers are the host's; a number that the
 /// file does not hold is NaN.
+///
+/// Keep the pointer that the material gives: `shared_from_this` throws `std::bad_weak_ptr`, since
+/// the kinds of assets inherit it twice and no `std::shared_ptr` sets what is ambiguous.
 class VELDRA_EXPORT Asset : public Object<Asset>, public Tagged<Asset> {
  public:
   /// Whether the asset is of the kind. False for every kind in a plain `Asset`.

@@ -149,6 +149,14 @@ TEST(AssetTest, a_read_asset_is_clean_and_bound) {
   EXPECT_FALSE(thermal->isDirty());
 }
 
+TEST(AssetTest, a_read_asset_does_not_know_the_pointer_that_holds_it) {
+  const StoredObjects stored;
+  const auto structural = stored.get<StructuralAsset>();
+  const auto thermal = stored.get<ThermalAsset>();
+  EXPECT_THROW(static_cast<Asset&>(*structural).shared_from_this(), std::bad_weak_ptr);
+  EXPECT_THROW(static_cast<Asset&>(*thermal).shared_from_this(), std::bad_weak_ptr);
+}
+
 TEST(AssetTest, a_read_asset_has_the_values_of_its_rows) {
   const StoredObjects stored;
   const auto structural = stored.get<StructuralAsset>();
