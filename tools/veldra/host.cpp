@@ -1,0 +1,18 @@
+#include "host.hpp"
+
+namespace veldra_tool {
+
+Host::Host() : arguments("Catalogues of building materials and build-ups in library files") {
+  arguments.name("veldra");
+  arguments.require_subcommand(1);
+  arguments.get_formatter()->label("SUBCOMMAND", "COMMAND");
+  arguments.get_formatter()->label("Positionals", "Arguments");
+  arguments.get_formatter()->label("REQUIRED", "(required)");
+  arguments.footer("'veldra COMMAND --help' tells more about a command.");
+  for (const auto add : {add_create, add_info, add_list, add_show, add_where_used, add_import,
+                         add_export, add_copy, add_remove, add_purge, add_draw, add_check})
+    add(*this);
+  for (CLI::App* command : arguments.get_subcommands({})) command->group("Commands");
+}
+
+}  // namespace veldra_tool
