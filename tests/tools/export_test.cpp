@@ -121,6 +121,16 @@ TEST_F(Export, settings_and_purged_types_come_along) {
   EXPECT_EQ(count("b.lib", "types"), 0U);
 }
 
+TEST_F(Export, properties_for_unknown_kinds_of_objects_come_along) {
+  for (const int kind : {-1, 99}) {
+    library("a.lib")->save(
+        veldra::CustomProperty::create("odd", static_cast<veldra::ObjectType>(kind)));
+  }
+  write("a.json", exported("a.lib"));
+  must({"import", "b.lib", "a.json"});
+  EXPECT_EQ(exported("b.lib"), read("a.json"));
+}
+
 TEST_F(Export, a_new_library_gives_a_round_trip) {
   must({"create", "a.lib"});
   write("a.json", exported("a.lib"));

@@ -109,9 +109,9 @@ class CatalogueReader {
     shared_.property(name, owner_of(*owner, reader));
   }
 
-  static veldra::ObjectType owner_of(const JsonNode& node, const ObjectReader& reader) {
+  static veldra::ObjectType owner_of(const JsonNode& node, ObjectReader& reader) {
     if (node.kind != JsonNode::Kind::Text) {
-      return static_cast<veldra::ObjectType>(reader.index_of(node));
+      return static_cast<veldra::ObjectType>(reader.integer("object_type", 0));
     }
     for (const auto kind : {veldra::ObjectType::Material, veldra::ObjectType::Composition}) {
       if (node.text == singular_of(kind)) return kind;
