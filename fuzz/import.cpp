@@ -3,7 +3,8 @@
 // library is as it was. What was imported can be exported and imported again, with the same text.
 //
 // The command is run as a whole, into a library that it makes and into one that has objects of the
-// names that the inputs use.
+// names that the inputs use. The fuzzer takes one of these ways for each input, which its length
+// chooses; the replay takes them all.
 
 #include "support/database.hpp"
 #include "support/temporary.hpp"
@@ -30,6 +31,12 @@ void expect(bool condition, const std::string& what) {
   std::cerr << what << std::endl;
   std::abort();
 }
+
+#ifdef VELDRA_REPLAY
+constexpr bool every_way = true;
+#else
+constexpr bool every_way = false;
+#endif
 
 constexpr const char* stored_objects = R"({
   "format": "veldra", "version": 1, "library": {"unit": "in", "locale": "de", "region": "CH"},
@@ -132,9 +139,12 @@ void import_into_stored(const char* on_conflict) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  constexpr const char* decisions[] = {"fail", "use", "overwrite", "rename"};
   write_file(place().source, std::string(reinterpret_cast<const char*>(data), size));
-  import_into_new();
-  import_into_stored(decisions[size % 4]);
+  const std::size_t way = size % 5;
+  if (every_way || way == 4) import_into_new();
+  constexpr const char* decisions[] = {"fail", "use", "overwrite", "rename"};
+  for (std::size_t n = 0; n != std::size(decisions); ++n) {
+    if (every_way || way == n) import_into_stored(decisions[n]);
+  }
   return 0;
 }
