@@ -189,8 +189,8 @@ void work_at_once(unsigned workers, unsigned steps) {
 }
 
 TEST(Processes, that_work_on_one_file_lose_nothing) {
-  work_at_once(2, number_or(200, 25000));
-  work_at_once(4, number_or(100, 12500));
+  work_at_once(2, number_or(200, 50000));
+  work_at_once(4, number_or(100, 25000));
 }
 
 // Runs an operation while another process holds a lock on the file for a moment.
