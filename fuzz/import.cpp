@@ -40,7 +40,7 @@ constexpr bool every_way = false;
 
 constexpr const char* stored_objects = R"({
   "format": "veldra", "version": 1, "library": {"unit": "in", "locale": "de", "region": "CH"},
-  "tags": ["a", "spare"], "layers": ["cut"],
+  "tags": ["a", "spare", "\udbff\udffd\udbff\udffd end of the pretence"], "layers": ["cut"],
   "custom_properties": [{"name": "p", "object_type": 0}],
   "materials": [
     {"name": "Brick", "code": "B", "type": "Opaque", "tags": ["a"], "thicknesses": [4, 8],

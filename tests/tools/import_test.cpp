@@ -193,6 +193,17 @@ TEST_F(Import, a_dry_run_tells_all_and_writes_nothing) {
   EXPECT_EQ(dump(path("a.lib")), before);
 }
 
+TEST_F(Import, a_dry_run_writes_nothing_into_a_library_with_the_tag_that_ends_it) {
+  write("tag.json", R"({"format": "veldra", "tags": [")"
+                    "\xF4\x8F\xBF\xBD\xF4\x8F\xBF\xBD end of the pretence"
+                    R"("]})");
+  imported({"tag.json"});
+  const auto before = dump(path("a.lib"));
+  write("a.idf", brick_wall);
+  EXPECT_EQ(imported({"a.idf", "--dry-run"})[0]["materials"]["added"], 2);
+  EXPECT_EQ(dump(path("a.lib")), before);
+}
+
 struct BadSource {
   const char* content;
   const char* place;

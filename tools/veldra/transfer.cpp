@@ -1,6 +1,9 @@
 #include "transfer.hpp"
 
 #include "reactor_guard.hpp"
+#include "text.hpp"
+
+#include <string>
 
 namespace veldra_tool {
 
@@ -10,10 +13,12 @@ namespace {
 struct EndOfPretence {};
 
 /// The last tag in the order of names, and tags are the last kind that is copied: when it is
-/// saved, everything else was.
-const veldra::String& last_tag() {
-  static const veldra::String name("\xF4\x8F\xBF\xBD\xF4\x8F\xBF\xBD end of the pretence");
-  return name;
+/// saved, everything else was. The library must not have it, or it would not be saved.
+veldra::String last_tag(const veldra::Library& library) {
+  const std::string last = "\xF4\x8F\xBF\xBD";
+  std::string name = last + last + " end of the pretence";
+  while (library.get<veldra::Tag>(library_text(name))) name += last;
+  return library_text(name);
 }
 
 }  // namespace
@@ -21,12 +26,13 @@ const veldra::String& last_tag() {
 void transfer(const std::shared_ptr<veldra::Library>& staging,
               const std::shared_ptr<veldra::Library>& library, ConflictReactor& reactor,
               veldra::IdMapping& mapping, Effect effect, Progress& progress) {
-  if (effect == Effect::Pretend) staging->save(veldra::Tag::create(last_tag()));
+  const auto last = last_tag(*library);
+  if (effect == Effect::Pretend) staging->save(veldra::Tag::create(last));
   reactor.settle_codes(*library);
   reactor.on_saved([&](veldra::Library& destination, const veldra::ObjectKey& key) {
     progress.step();
     if (effect != Effect::Pretend || key.type != veldra::ObjectType::Tag) return;
-    if (destination.get<veldra::Tag>(key.id)->name() == last_tag()) throw EndOfPretence();
+    if (destination.get<veldra::Tag>(key.id)->name() == last) throw EndOfPretence();
   });
   try {
     const ReactorGuard guard(*library, reactor);
