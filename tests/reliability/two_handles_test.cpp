@@ -128,6 +128,12 @@ std::string name_of(const testing::TestParamInfo<Operation>& info) {
 }
 
 class TwoHandles : public testing::TestWithParam<Operation> {
+ public:
+  static void TearDownTestSuite() {
+    if (pairs != 0) report_figure("pairs of operations on two handles", pairs);
+    pairs = 0;
+  }
+
  protected:
   // Another one for most operations.
   static std::size_t number_of_parameter() { return std::string(GetParam().name).size(); }
@@ -141,17 +147,19 @@ class TwoHandles : public testing::TestWithParam<Operation> {
     }
     return sample;
   }
+
+  static unsigned long pairs;
 };
 
+unsigned long TwoHandles::pairs = 0;
+
 TEST_P(TwoHandles, do_one_after_the_other_what_one_handle_does) {
-  unsigned long pairs = 0;
   for (const Operation& second : sample_of(operations())) {
     if (!can_follow(GetParam(), second)) continue;
     expect_as_with_one_handle(GetParam(), second, Handles::Two);
     expect_as_with_one_handle(GetParam(), second, Handles::TwoUnderDifferentNames);
     pairs += 2;
   }
-  report_figure("pairs of operations on two handles", pairs);
 }
 
 INSTANTIATE_TEST_SUITE_P(Operations, TwoHandles, testing::ValuesIn(operations()), name_of);
