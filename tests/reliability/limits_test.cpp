@@ -76,7 +76,7 @@ bool has_memory_for_the_longest_names() {
 }
 
 TEST_F(Limits, a_name_is_as_long_as_sqlite_can_keep_and_no_longer) {
-  if (!soaking()) GTEST_SKIP() << "takes a minute and 16 GB";
+  if (!soaking()) GTEST_SKIP() << "takes minutes and 16 GB";
   if (!has_memory_for_the_longest_names()) GTEST_SKIP() << "takes 16 GB";
   save_layer("first");  // whose id takes no byte
   for (const std::size_t size : {longest_name - 1, longest_name, longest_name + 1}) {
