@@ -129,6 +129,10 @@ std::vector<ReadResult> read_everything(const Library& library) {
   read_selected<Material>(library, calls, "tagged materials", tagged_materials);
   read_selected<Composition>(library, calls, "tagged compositions", tagged_walls);
   read_selected<CustomProperty>(library, calls, "properties of materials", of_materials);
+  calls("check", [&] {
+    std::vector<String> findings;
+    library.check(findings);
+  });
   return calls.results();
 }
 

@@ -215,6 +215,12 @@ void count_selected(Scene& scene) {
   scene.number = scene.library->count<Material>(criteria);
 }
 
+// What it finds is not compared: SQLite tells of a page that cannot be read as of a damaged one.
+void check(Scene& scene) {
+  std::vector<veldra::String> findings;
+  scene.library->check(findings);
+}
+
 std::vector<Operation> opening() {
   return {
       {"create a missing file", Kind::Making, Start::Missing, name_the_file, create},
@@ -294,6 +300,7 @@ std::vector<Operation> reading() {
       {"search selected", Kind::Reading, Start::Current, name_pattern, search_selected},
       {"count", Kind::Reading, Start::Current, nothing, count},
       {"count selected", Kind::Reading, Start::Current, nothing, count_selected},
+      {"check", Kind::Reading, Start::Current, nothing, check},
   };
 }
 
