@@ -111,10 +111,22 @@ TEST_F(Show, a_composition_tells_its_layers_core_and_total) {
   office->save(wall);
   const auto text = must({"show", "a.lib", "composition", "Aufbau"}).out;
   EXPECT_THAT(text, ContainsRegex("total +475 mm"));
-  EXPECT_THAT(text, ContainsRegex("core +layers 3 to 3"));
+  EXPECT_THAT(text, ContainsRegex("core +layer 3\n"));
   EXPECT_THAT(text, ContainsRegex("structural layer +3"));
   EXPECT_THAT(text, ContainsRegex("variable layer +layer 2, from 80 to 240 mm"));
-  EXPECT_THAT(text, ContainsRegex("3  Concrete +230 +0.115 +1  core, structural"));
+  EXPECT_THAT(text, ContainsRegex("3  Concrete +230 +0.115  structure  core, structural"));
+}
+
+TEST_F(Show, a_core_of_several_layers_and_a_function_of_the_host_are_told) {
+  const auto office = library("a.lib");
+  const auto wall = build_up(veldra::Composition::Type::Wall);
+  wall->layer(0, veldra::toModify).function(static_cast<veldra::Material::Function>(7));
+  wall->first_core_layer(1);
+  office->save(wall);
+  const auto text = must({"show", "a.lib", "composition", "Aufbau"}).out;
+  EXPECT_THAT(text, ContainsRegex("core +layers 2 to 3\n"));
+  EXPECT_THAT(text, ContainsRegex("1  Render +20 +0.020  7\n"));
+  EXPECT_THAT(text, ContainsRegex("2  Wool +200 +5.000  –"));
 }
 
 TEST_F(Show, a_name_wins_over_an_id) {

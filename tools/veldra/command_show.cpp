@@ -69,6 +69,18 @@ void print_asset(const std::string& title, const std::shared_ptr<Asset>& asset) 
   line("  conductivity", rounded_number(asset->thermal_conductivity(), 6));
 }
 
+/// Other numbers than these two are the host's.
+std::string function_text(veldra::Material::Function function) {
+  switch (function) {
+    case veldra::Material::Function::None:
+      return "–";
+    case veldra::Material::Function::Structure:
+      return "structure";
+    default:
+      return fmt::format("{}", static_cast<int>(function));
+  }
+}
+
 void print_details(const veldra::Material& material, veldra::Unit unit) {
   if (material.type()) line("type", material.type()->name().utf8());
   if (material.has_code()) {
@@ -80,7 +92,7 @@ void print_details(const veldra::Material& material, veldra::Unit unit) {
                           ? ""
                           : thicknesses_text(material, unit) + " " + name_of(unit));
   line("other thicknesses", material.allow_custom_thickness() ? "allowed" : "not allowed");
-  line("function", fmt::format("{}", static_cast<int>(material.function())));
+  line("function", function_text(material.function()));
   line("shading", material.shading_use_appearance() ? "from the appearance" : "from its colour");
   for (const auto& color : material_colors) line(color.key, color_text((material.*color.get)()));
   for (const auto& pattern : material_patterns) {
@@ -115,15 +127,22 @@ void print_layers(const veldra::Composition& composition, const Transmission& tr
                {"material"},
                {fmt::format("thickness [{}]", name_of(unit)), Align::Right},
                {"R [m²K/W]", Align::Right},
-               {"function", Align::Right},
+               {"function"},
                {"role"}});
   for (std::size_t i = 0; i < composition.layers().size(); ++i) {
     const auto& layer = composition.layers()[i];
     table.add({fmt::format("{}", i + 1), layer.material()->name().utf8(),
                length_text(layer.thickness(), unit), transmission.resistance_text(i),
-               fmt::format("{}", static_cast<int>(layer.function())), roles_text(composition, i)});
+               function_text(layer.function()), roles_text(composition, i)});
   }
   fmt::print("\nLayers from outside to inside\n\n{}\n", table.text());
+}
+
+std::string core_text(const veldra::Composition& composition) {
+  const auto first = composition.first_core_layer() + 1ULL;
+  const auto last = composition.last_core_layer() + 1ULL;
+  return first == last ? fmt::format("layer {}", first)
+                       : fmt::format("layers {} to {}", first, last);
 }
 
 std::string variable_text(const veldra::Composition& composition, veldra::Unit unit) {
@@ -173,8 +192,7 @@ void print_details(const veldra::Composition& composition, veldra::Unit unit) {
   const auto transmission = transmission_of(composition, unit);
   if (!composition.layers().empty()) print_layers(composition, transmission, unit);
   line("total", length_text(total_thickness(composition), unit) + " " + name_of(unit));
-  line("core", fmt::format("layers {} to {}", composition.first_core_layer() + 1ULL,
-                           composition.last_core_layer() + 1ULL));
+  line("core", core_text(composition));
   line("structural layer", fmt::format("{}", composition.structural_layer() + 1ULL));
   if (composition.has_variable_layer()) line("variable layer", variable_text(composition, unit));
   print_transmission(composition, transmission);
