@@ -48,13 +48,7 @@ FileName parse(const std::string& name) {
 Database::Database(const std::string& name, int flags)
     : odb::sqlite::database(parse(name).path, flags | SQLITE_OPEN_PRIVATECACHE, true,
                             parse(name).vfs,
-                            std::unique_ptr<odb::sqlite::connection_factory>(new OneConnection)) {
-  prepare_transactions();
-}
-
-// A failure to prepare the end of a transaction is not told, and would leave the connection within
-// it. Here it is.
-void Database::prepare_transactions() { odb::sqlite::transaction(begin(), false).rollback(); }
+                            std::unique_ptr<odb::sqlite::connection_factory>(new OneConnection)) {}
 
 odb::sqlite::connection& Database::connection_in_use() { return *connection(); }
 

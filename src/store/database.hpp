@@ -21,9 +21,6 @@ class Database : public odb::sqlite::database {
 
   odb::sqlite::connection& connection_in_use();
 
-  /// Prepares the statements that begin and end transactions; a pragma makes them stale.
-  void prepare_transactions();
-
   /// The transaction that is writing; null while none is.
   odb::sqlite::transaction* writing = nullptr;
 

@@ -138,7 +138,6 @@ void bring_up_to_date(Database& database, Unit unit, const String& guid) {
   }
   transaction.commit();
   foreign_keys.on_again();
-  database.prepare_transactions();  // the pragma has made them stale
 }
 
 Meta load_meta(Database& database) {

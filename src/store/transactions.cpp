@@ -21,21 +21,26 @@ SetAsideTransaction::~SetAsideTransaction() {
 
 namespace {
 
-/// Ends a transaction. The runtime prepares the statement for it when it is first needed and does
-/// not tell when that fails, which would leave the connection within the transaction for ever.
+/// Rolls back what the runtime could not. SQLite prepares the statement for it when it is first
+/// needed and whenever the schema was read anew; that may fail, and the connection would remain
+/// within the transaction for ever.
+void end_what_is_left(Database& database) {
+  sqlite3* connection = database.connection_in_use().handle();
+  if (sqlite3_get_autocommit(connection) != 0) return;
+  sqlite3_exec(connection, "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
 void end(Database& database, odb::sqlite::transaction& transaction) noexcept {
   try {
     if (!transaction.finalized()) transaction.rollback();
   } catch (...) {
   }
-  sqlite3* connection = database.connection_in_use().handle();
-  if (sqlite3_get_autocommit(connection) == 0) {
-    sqlite3_exec(connection, "ROLLBACK", nullptr, nullptr, nullptr);
-  }
+  end_what_is_left(database);
 }
 
 template <class Begin>
 void begin(Database& database, odb::sqlite::transaction& transaction, Begin begin) {
+  end_what_is_left(database);  // the memory that was lacking then may be there now
   try {
     transaction.reset(begin());
   } catch (...) {
