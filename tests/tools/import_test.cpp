@@ -209,6 +209,8 @@ struct BadSource {
   const char* place;
 };
 
+void PrintTo(const BadSource& source, std::ostream* out) { *out << source.place; }
+
 class Unreadable : public Import, public testing::WithParamInterface<BadSource> {};
 
 TEST_P(Unreadable, sources_give_a_sentence_with_their_place_and_leave_the_library_alone) {
