@@ -188,6 +188,8 @@ struct Malformed {
   const char* bytes;
 };
 
+void PrintTo(const Malformed& malformed, std::ostream* out) { *out << malformed.what; }
+
 class MalformedUtf8Test : public testing::TestWithParam<Malformed> {};
 
 TEST_P(MalformedUtf8Test, raises_the_error_of_the_utf8_library_and_keeps_the_text) {

@@ -520,6 +520,8 @@ struct Move {
   Core core;
 };
 
+void PrintTo(const Move& move, std::ostream* out) { *out << move.name; }
+
 class MovedLayer : public testing::TestWithParam<Move> {};
 
 TEST_P(MovedLayer, takes_its_place_and_the_core_adapts) {

@@ -366,6 +366,8 @@ struct Reference {
   void (*drop)(Material&);
 };
 
+void PrintTo(const Reference& reference, std::ostream* out) { *out << reference.name; }
+
 class MaterialReferenceTest : public testing::TestWithParam<Reference> {};
 
 TEST_P(MaterialReferenceTest, one_that_is_missing_counts_in_comparisons) {
