@@ -4,6 +4,7 @@
 #include "import/source_model.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
+#include "progress.hpp"
 #include "text.hpp"
 
 #include <fmt/format.h>
@@ -68,7 +69,10 @@ class Examination {
     }
     failed_ = 0;
     sort_by_name(objects);
-    for (const auto& object : objects) examine(*object);
+    for (const auto& object : objects) {
+      examine(*object);
+      progress_.step();
+    }
   }
 
   /// One object cannot be read: so each is read alone, to find out which. Ids are given in
@@ -220,6 +224,7 @@ class Examination {
   }
 
   const veldra::Library& library_;
+  Progress progress_{"examining"};
   std::vector<Finding> findings_;
   std::size_t failed_ = 0;  ///< objects of the kind that gave an error
 };
