@@ -24,8 +24,9 @@ namespace veldra {
 ///     library->search(found, "%brick%");
 ///
 /// The file is open until the last `std::shared_ptr` to the handle goes; objects do not keep it
-/// open. Every operation that writes is one transaction: it is done in full, or not at all. What
-/// is read is a snapshot in memory: two reads give two objects.
+/// open. Every operation that writes is one transaction: it is done in full, or not at all;
+/// `Transaction` makes one of several. What is read is a snapshot in memory: two reads give two
+/// objects.
 ///
 /// `T` stands for `Tag`, `MaterialType`, `Layer`, `CustomProperty`, `Material` and `Composition`.
 ///
@@ -291,6 +292,52 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// from the mapping.
   void copyAll(const std::shared_ptr<const Library>& source, IdMapping& mapping);
   void copyAll(const std::shared_ptr<const Library>& source);
+
+  /// Several operations on one library that are done together or not at all.
+  ///
+  ///     veldra::Library::Transaction transaction(*office);
+  ///     office->purge<veldra::Tag>();
+  ///     office->copyAll(supplier);
+  ///     office->region("Ostschweiz");
+  ///     transaction.commit();
+  ///
+  /// Without the last line, or when something throws before it, nothing has happened.
+  ///
+  /// While it lasts, every operation on the handle is a part of it. Each is still done in full or
+  /// not at all, so that a host may catch what an operation throws and go on with others, and sees
+  /// what the former ones have done. Others, also other handles on the same file, see the file as
+  /// it was and wait when they want to write; so keep it short. `typeChanged` and `libraryChanged`
+  /// are called once, at its end, also when it is rolled back. It keeps the library open.
+  ///
+  /// Rolled back, the file is as it was before. So are the library's locale and region, and the
+  /// id, the library and the dirty flag of each object that was saved or removed within the
+  /// transaction, and what saving replaced in it; such an object is kept in memory until then. What
+  /// was read within the transaction stays as it was read, and entries of mappings stay: they may
+  /// name ids that were taken back.
+  class VELDRA_EXPORT Transaction {
+   public:
+    /// Begins. Throws `LibraryReadOnly`; `odb::timeout` when the file is held by others for over 5
+    /// seconds; `odb::already_in_transaction` when the library has a transaction already, or within
+    /// an operation's call of the reactor; and `odb::exception` for all else.
+    explicit Transaction(Library& library);
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    /// Rolls back, unless it was committed.
+    ~Transaction();
+
+    /// Ends it and keeps what was done. A second call throws `odb::transaction_already_finalized`;
+    /// so do commit, reading and saving when a full disk or a lack of memory has ended it within an
+    /// operation (`UnknownError` out of removal, purging and the setters). Throws `odb::timeout`
+    /// when others keep reading for over 5 seconds, `odb::exception` for all else, and what the
+    /// reactor throws. Unless it is the reactor that throws, all is rolled back then.
+    void commit();
+
+   private:
+    class Impl;
+
+    std::unique_ptr<Impl> impl_;
+  };
 
  private:
   friend class LibraryAccess;

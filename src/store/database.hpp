@@ -10,6 +10,7 @@
 
 namespace veldra {
 
+class HeldTransaction;
 class ObjectCache;
 
 /// The database of an open library file, with one connection that lives as long as it does.
@@ -23,6 +24,9 @@ class Database : public odb::sqlite::database {
 
   /// The transaction that is writing; null while none is.
   odb::sqlite::transaction* writing = nullptr;
+
+  /// The transaction that the host holds over several operations; null while there is none.
+  HeldTransaction* held = nullptr;
 
   /// What list reads fetched already; null while none is running.
   ObjectCache* cache = nullptr;

@@ -126,6 +126,7 @@ bool is_current(Database& database) {
 void bring_up_to_date(Database& database, Unit unit, const String& guid) {
   if (is_current(database)) return;
 
+  end_what_is_left(database);  // within a transaction the keys would stay on
   ForeignKeysOff foreign_keys(database.connection_in_use());
   WriteTransaction transaction(database);
   // Another process may have been faster while the lock was waited for.

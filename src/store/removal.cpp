@@ -28,11 +28,12 @@ bool stopped_by_reference(Step step) {
   }
 }
 
-/// Removes one object in a transaction of its own. That something refers to it is told at the
+/// Removes one object in a transaction of its own; `logs` are of what the caller changes in the
+/// object then. That something refers to it is told at the
 /// statement or at the commit. What the reactor throws is none of the database's errors, so it is
 /// called outside of their translation.
 template <class T>
-Outcome remove_object(Library& library, unsigned id) {
+Outcome remove_object(Library& library, unsigned id, UndoLogs& logs) {
   auto& impl = LibraryAccess::impl(library);
   const ObjectKey key(ObjectTraits<T>::type, id);
   std::unique_ptr<WriteTransaction> transaction;
@@ -41,21 +42,22 @@ Outcome remove_object(Library& library, unsigned id) {
   if (stopped_by_reference([&] { impl.database->erase<T>(id); })) return Outcome::InUse;
   impl.reactor->objectRemoved(library, key);
   impl.changed.insert(key.type);
-  if (stopped_by_reference([&] { transaction->commit(); })) return Outcome::InUse;
+  if (stopped_by_reference([&] { transaction->commit(logs); })) return Outcome::InUse;
   return Outcome::Removed;
 }
 
 template <class T>
-bool remove_or_throw(Library& library, unsigned id) {
-  const Outcome outcome = remove_object<T>(library, id);
+bool remove_or_throw(Library& library, unsigned id, UndoLogs& logs) {
+  const Outcome outcome = remove_object<T>(library, id, logs);
   if (outcome == Outcome::InUse) throw ObjectInUse();
   return outcome == Outcome::Removed;
 }
 
 template <class T, class Ids>
 void remove_objects(Library& library, const Ids& ids, Result& result) {
+  UndoLogs none;
   for (const unsigned id : ids) {
-    const bool removed = remove_object<T>(library, id) == Outcome::Removed;
+    const bool removed = remove_object<T>(library, id, none) == Outcome::Removed;
     result.emplace(ObjectKey(ObjectTraits<T>::type, id), removed);
   }
 }
@@ -86,8 +88,15 @@ bool Library::remove(const std::shared_ptr<T>& object) {
   const auto bound = object->library();
   if (bound != nullptr && bound.get() != this) throw ObjectNotFound();
   Notifications notifications(*this);
-  const bool removed = remove_or_throw<T>(*this, object->id());
-  if (removed) ObjectAccess::impl(*object).library.reset();
+  auto& record = ObjectAccess::impl(*object);
+  UndoLogs logs(1);
+  logs.front().remember(object, record);
+  const bool removed = remove_or_throw<T>(*this, record.id, logs);
+  if (removed) {
+    record.library.reset();
+  } else {
+    logs.front().keep_changes();
+  }
   notifications.deliver();
   return removed;
 }
@@ -95,7 +104,8 @@ bool Library::remove(const std::shared_ptr<T>& object) {
 template <class T>
 bool Library::remove(unsigned id) {
   Notifications notifications(*this);
-  const bool removed = remove_or_throw<T>(*this, id);
+  UndoLogs none;
+  const bool removed = remove_or_throw<T>(*this, id, none);
   notifications.deliver();
   return removed;
 }

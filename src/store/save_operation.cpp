@@ -70,10 +70,7 @@ SaveOperation::SaveOperation(Library& library, IdMapping& mapping, Results resul
       results_(results),
       transaction_(*impl_.database) {}
 
-void SaveOperation::commit() {
-  transaction_.commit();
-  log_.keep_changes();
-}
+void SaveOperation::commit() { transaction_.commit(logs_); }
 
 template <class T>
 std::shared_ptr<T> SaveOperation::save(const std::shared_ptr<T>& object) {
@@ -107,10 +104,18 @@ SaveOperation::Working<T> SaveOperation::working_object(const std::shared_ptr<T>
   if (source != nullptr) {
     const auto copy = object->clone();
     convert_lengths(*copy, source->unit(), library_.unit());
-    return {copy, nullptr};
+    // Nobody ever has a copy that is discarded.
+    if (results_ == Results::Discarded) return {copy, nullptr};
+    return remembered(copy);
   }
-  if (object->isDirty()) log_.remember(object, ObjectAccess::impl(*object));
-  return {object, &log_};
+  return object->isDirty() ? remembered(object) : Working<T>{object, &logs_.front()};
+}
+
+template <class T>
+SaveOperation::Working<T> SaveOperation::remembered(const std::shared_ptr<T>& object) {
+  UndoLog& log = logs_.front();
+  log.remember(object, ObjectAccess::impl(*object));
+  return {object, &log};
 }
 
 template <class T>

@@ -31,7 +31,7 @@ class SaveOperation {
   void commit();
 
  private:
-  // An object that is being saved. A copy of a foreign object needs no log: nobody else has it.
+  // An object that is being saved, and where its changes are logged, if they are.
   template <class T>
   struct Working {
     std::shared_ptr<T> object;
@@ -40,6 +40,8 @@ class SaveOperation {
 
   template <class T>
   Working<T> working_object(const std::shared_ptr<T>& object, const Library* source);
+  template <class T>
+  Working<T> remembered(const std::shared_ptr<T>& object);
 
   // Objects of this library that stand for an object of another one.
   template <class T>
@@ -89,7 +91,7 @@ class SaveOperation {
   LibraryAccess::Impl& impl_;
   IdMapping& mapping_;
   Results results_;
-  UndoLog log_;
+  UndoLogs logs_{1};
   WriteTransaction transaction_;
   std::unordered_set<std::uint64_t> there_;  // keys of mapped objects that are known to be stored
 };

@@ -1,6 +1,7 @@
 #include "store/transactions.hpp"
 
 #include <odb/exceptions.hxx>
+#include <odb/sqlite/exceptions.hxx>
 
 #include <sqlite3.h>
 
@@ -19,16 +20,13 @@ SetAsideTransaction::~SetAsideTransaction() {
   }
 }
 
-namespace {
-
-/// Rolls back what the runtime could not. SQLite prepares the statement for it when it is first
-/// needed and whenever the schema was read anew; that may fail, and the connection would remain
-/// within the transaction for ever.
-void end_what_is_left(Database& database) {
+void end_what_is_left(Database& database) noexcept {
   sqlite3* connection = database.connection_in_use().handle();
   if (sqlite3_get_autocommit(connection) != 0) return;
   sqlite3_exec(connection, "ROLLBACK", nullptr, nullptr, nullptr);
 }
+
+namespace {
 
 void end(Database& database, odb::sqlite::transaction& transaction) noexcept {
   try {
@@ -49,32 +47,119 @@ void begin(Database& database, odb::sqlite::transaction& transaction, Begin begi
   }
 }
 
+void begin_writing(Database& database, odb::sqlite::transaction& transaction) {
+  begin(database, transaction, [&database] { return database.begin_immediate(); });
+}
+
+/// Only the end of the whole transaction would tell.
+void require_intact_references(Database& database) {
+  int broken = 0;
+  int unused = 0;
+  sqlite3_db_status(database.connection_in_use().handle(), SQLITE_DBSTATUS_DEFERRED_FKS, &broken,
+                    &unused, 0);
+  if (broken == 0) return;
+  throw odb::sqlite::database_exception(SQLITE_CONSTRAINT, SQLITE_CONSTRAINT_FOREIGNKEY,
+                                        "FOREIGN KEY constraint failed");
+}
+
+void keep_changes(UndoLogs& logs) noexcept {
+  for (UndoLog& log : logs) log.keep_changes();
+}
+
 }  // namespace
 
-WriteTransaction::WriteTransaction(Database& database) : database_(database) {
+HeldTransaction::HeldTransaction(Database& database) : database_(database) {
+  if (database.writing != nullptr || database.held != nullptr) throw odb::already_in_transaction();
+  const SetAsideTransaction aside;
+  begin_writing(database, transaction_);
+  database.held = this;
+}
+
+HeldTransaction::~HeldTransaction() {
+  end(database_, transaction_);
+  database_.held = nullptr;
+  while (!logs_.empty()) logs_.pop_front();
+}
+
+void HeldTransaction::commit() {
+  get().commit();
+  keep_changes(logs_);
+}
+
+odb::sqlite::transaction& HeldTransaction::get() {
+  // SQLite ends a transaction by itself when the disk is full or memory runs out.
+  const bool running = sqlite3_get_autocommit(database_.connection_in_use().handle()) == 0;
+  if (broken_ || !running) throw odb::transaction_already_finalized();
+  return transaction_;
+}
+
+void HeldTransaction::set_savepoint() {
+  database_.connection_in_use().execute("SAVEPOINT operation");
+}
+
+void HeldTransaction::release_savepoint() {
+  require_intact_references(database_);
+  database_.connection_in_use().execute("RELEASE operation");
+}
+
+void HeldTransaction::roll_back_to_savepoint() noexcept {
+  sqlite3* connection = database_.connection_in_use().handle();
+  const int result = sqlite3_exec(connection, "ROLLBACK TO operation; RELEASE operation", nullptr,
+                                  nullptr, nullptr);
+  if (result != SQLITE_OK) broken_ = true;
+}
+
+void HeldTransaction::keep(UndoLogs& logs) noexcept { logs_.splice(logs_.begin(), logs); }
+
+WriteTransaction::WriteTransaction(Database& database)
+    : database_(database), outer_(database.held) {
   if (database.writing != nullptr) throw odb::already_in_transaction();
-  begin(database, transaction_, [&database] { return database.begin_immediate(); });
-  database.writing = &transaction_;
+  if (outer_ == nullptr) {
+    begin_writing(database, transaction_);
+    database.writing = &transaction_;
+  } else {
+    odb::transaction::current(outer_->get());
+    outer_->set_savepoint();
+    database.writing = &outer_->get();
+  }
 }
 
 WriteTransaction::~WriteTransaction() {
-  end(database_, transaction_);
+  if (outer_ == nullptr) {
+    end(database_, transaction_);
+  } else if (!released_) {
+    outer_->roll_back_to_savepoint();
+  }
   database_.writing = nullptr;
 }
 
-void WriteTransaction::commit() { transaction_.commit(); }
+void WriteTransaction::commit() {
+  if (outer_ == nullptr) return transaction_.commit();
+  outer_->release_savepoint();
+  released_ = true;
+}
 
-ReadTransaction::ReadTransaction(Database& database)
-    : database_(database), part_of_writing_(database.writing != nullptr) {
-  if (part_of_writing_) {
+void WriteTransaction::commit(UndoLogs& logs) {
+  commit();
+  if (outer_ == nullptr) {
+    keep_changes(logs);
+  } else {
+    outer_->keep(logs);
+  }
+}
+
+ReadTransaction::ReadTransaction(Database& database) : database_(database) {
+  if (database.writing != nullptr) {
     odb::transaction::current(*database.writing);
+  } else if (database.held != nullptr) {
+    odb::transaction::current(database.held->get());
   } else {
     begin(database, transaction_, [&database] { return database.begin(); });
   }
 }
 
 ReadTransaction::~ReadTransaction() {
-  if (!part_of_writing_) end(database_, transaction_);
+  if (!transaction_.finalized()) end(database_, transaction_);
 }
 
 }  // namespace veldra

@@ -2,6 +2,7 @@
 #define VELDRA_STORE_TRANSACTIONS_HPP
 
 #include "store/database.hpp"
+#include "store/undo_log.hpp"
 
 #include <odb/sqlite/transaction.hxx>
 
@@ -20,8 +21,44 @@ class SetAsideTransaction {
   odb::transaction* former_;
 };
 
+/// Rolls back what the runtime could not. SQLite prepares the statement for it when it is first
+/// needed and whenever the schema was read anew; that may fail, and the connection would remain
+/// within the transaction for ever.
+void end_what_is_left(Database& database) noexcept;
+
+/// A transaction that the host holds over several operations: what reads is a part of it, what
+/// writes is nested in it. Rolled back at the end unless committed.
+class HeldTransaction {
+ public:
+  /// Throws `odb::already_in_transaction` when the database has one, or is being written.
+  explicit HeldTransaction(Database& database);
+  HeldTransaction(const HeldTransaction&) = delete;
+  HeldTransaction& operator=(const HeldTransaction&) = delete;
+  ~HeldTransaction();
+
+  void commit();
+
+  /// The transaction itself. Throws `odb::transaction_already_finalized` when a failure ended it.
+  odb::sqlite::transaction& get();
+
+  /// What follows can be taken back alone, until it is released.
+  void set_savepoint();
+  void release_savepoint();
+  void roll_back_to_savepoint() noexcept;
+
+  /// Takes over what an operation changed in the host's objects.
+  void keep(UndoLogs& logs) noexcept;
+
+ private:
+  Database& database_;
+  odb::sqlite::transaction transaction_;
+  bool broken_ = false;  // something of a failed operation is left in it
+  UndoLogs logs_;
+};
+
 /// A transaction that writes. It begins with the lock for writing, so that two writers wait for
-/// each other instead of failing half-way. Rolled back at the end unless committed.
+/// each other instead of failing half-way. Nested in the one that the host holds, if any. Rolled
+/// back at the end unless committed.
 class WriteTransaction {
  public:
   /// Throws `odb::already_in_transaction` when the database is being written already.
@@ -32,13 +69,20 @@ class WriteTransaction {
 
   void commit();
 
+  /// The same for an operation that changes objects of the host: they stay as they are now, unless
+  /// the transaction that the host holds is rolled back.
+  void commit(UndoLogs& logs);
+
  private:
   Database& database_;
+  HeldTransaction* outer_;
+  bool released_ = false;
   SetAsideTransaction aside_;  // before the transaction, so that it restores after its end
   odb::sqlite::transaction transaction_;
 };
 
-/// A transaction that reads; a part of the running one where the database is being written.
+/// A transaction that reads; a part of the running one where the database is being written or the
+/// host holds one.
 class ReadTransaction {
  public:
   explicit ReadTransaction(Database& database);
@@ -48,9 +92,8 @@ class ReadTransaction {
 
  private:
   Database& database_;
-  bool part_of_writing_;
   SetAsideTransaction aside_;
-  odb::sqlite::transaction transaction_;
+  odb::sqlite::transaction transaction_;  // finalized while it is a part of another one
 };
 
 }  // namespace veldra

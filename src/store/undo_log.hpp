@@ -4,6 +4,7 @@
 #include "objects/record.hpp"
 
 #include <functional>
+#include <list>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -49,6 +50,9 @@ class UndoLog {
   std::vector<Former> records_;
   std::vector<std::function<void()>> actions_;
 };
+
+/// The logs of several operations, the latest first. A list, so that handing on never fails.
+using UndoLogs = std::list<UndoLog>;
 
 }  // namespace veldra
 

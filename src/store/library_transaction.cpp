@@ -1,0 +1,60 @@
+#include "store/library_impl.hpp"
+#include "store/notifications.hpp"
+#include "store/transactions.hpp"
+
+#include <odb/exceptions.hxx>
+
+#include <utility>
+
+// The transactions that hosts hold over several operations.
+
+namespace veldra {
+
+class Library::Transaction::Impl {
+ public:
+  explicit Impl(Library& library);
+  Impl(const Impl&) = delete;
+  Impl& operator=(const Impl&) = delete;
+  ~Impl();
+
+  void commit();
+
+ private:
+  std::shared_ptr<Library> library_;  // stays open
+  Notifications notifications_;
+  Meta former_meta_;
+  std::unique_ptr<HeldTransaction> held_;  // ends before the reactor is told
+  bool committed_ = false;
+};
+
+Library::Transaction::Impl::Impl(Library& library)
+    : library_(library.shared_from_this()),
+      notifications_(library),
+      former_meta_(library.impl_->meta),
+      held_(new HeldTransaction(*library.impl_->database)) {}
+
+Library::Transaction::Impl::~Impl() {
+  if (!committed_) std::swap(library_->impl_->meta, former_meta_);
+}
+
+void Library::Transaction::Impl::commit() {
+  held_->commit();
+  committed_ = true;
+  held_.reset();
+  notifications_.deliver();
+}
+
+Library::Transaction::Transaction(Library& library) {
+  if (library.readOnly()) throw LibraryReadOnly();
+  impl_.reset(new Impl(library));
+}
+
+Library::Transaction::~Transaction() = default;
+
+void Library::Transaction::commit() {
+  const auto ending = std::move(impl_);  // rolled back at the end of this call if it fails
+  if (ending == nullptr) throw odb::transaction_already_finalized();
+  ending->commit();
+}
+
+}  // namespace veldra
