@@ -170,20 +170,54 @@ TEST_F(CodeConflict, use_and_overwrite_work_with_the_same_code) {
   EXPECT_EQ(oak()["code"], "H-1");
 }
 
-TEST_F(CodeConflict, a_code_that_cannot_be_given_back_is_named_and_comes_with_the_next_import) {
+TEST_F(CodeConflict, an_import_that_fails_after_codes_were_given_up_changes_nothing) {
   write_material("new.json", "Oak", "H-1", "new");
   PlainDatabase(path("a.lib"))
       .execute(
           "CREATE TRIGGER refusal BEFORE UPDATE ON Material WHEN NEW.code IS NOT NULL "
           "BEGIN SELECT RAISE(ABORT, 'refused'); END");
+  const auto before = dump(path("a.lib"));
   const auto run = veldra({"import", "a.lib", "new.json", "--on-conflict", "overwrite"});
   EXPECT_EQ(run.status, 1);
   EXPECT_THAT(run.err, is_one_sentence());
-  EXPECT_THAT(run.err, HasSubstr("material 'Oak' could not be given its code 'H-1'"));
-  PlainDatabase(path("a.lib")).execute("DROP TRIGGER refusal");
-  must({"import", "a.lib", "new.json", "--on-conflict", "overwrite"});
+  EXPECT_EQ(dump(path("a.lib")), before);
+}
+
+TEST_F(CodeConflict, a_dry_run_with_the_same_code_tells_of_the_change_and_writes_nothing) {
+  write_material("new.json", "Oak", "H-1", "new");
+  const auto before = dump(path("a.lib"));
+  const auto run =
+      must({"import", "a.lib", "new.json", "--on-conflict", "overwrite", "--dry-run", "--json"});
+  EXPECT_EQ(run.json()[0]["materials"]["changed"], 1);
+  EXPECT_EQ(dump(path("a.lib")), before);
+}
+
+TEST_F(CodeConflict, materials_that_are_overwritten_may_exchange_their_codes) {
+  write("two.json", R"({"format": "veldra", "materials": [{"name": "Oak", "code": "H-1"},
+                        {"name": "Pine", "code": "H-2"}]})");
+  write("exchanged.json", R"({"format": "veldra", "materials": [{"name": "Oak", "code": "H-2"},
+                              {"name": "Pine", "code": "H-1"}]})");
+  must({"import", "b.lib", "two.json"});
+  must({"import", "b.lib", "exchanged.json", "--on-conflict", "overwrite"});
+  EXPECT_EQ(must({"show", "b.lib", "material", "Oak", "--json"}).json()["code"], "H-2");
+  EXPECT_EQ(must({"show", "b.lib", "material", "Pine", "--json"}).json()["code"], "H-1");
+}
+
+TEST_F(CodeConflict, a_copy_overwrites_a_material_with_the_same_code) {
+  write_material("new.json", "Oak", "H-1", "new");
+  must({"import", "b.lib", "new.json"});
+  must({"copy", "b.lib", "a.lib", "material:Oak", "--on-conflict", "overwrite"});
   EXPECT_EQ(oak()["label"], "new");
   EXPECT_EQ(oak()["code"], "H-1");
+}
+
+TEST_F(CodeConflict, a_copy_under_another_name_cannot_have_the_same_code) {
+  write_material("new.json", "Oak", "H-1", "new");
+  const auto before = dump(path("a.lib"));
+  const auto run = veldra({"import", "a.lib", "new.json", "--on-conflict", "rename"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, HasSubstr("'Oak' has the code 'H-1', which 'Oak'"));
+  EXPECT_EQ(dump(path("a.lib")), before);
 }
 
 TEST_F(CodeConflict, a_code_of_another_material_is_named_and_nothing_changes) {

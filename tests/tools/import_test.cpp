@@ -193,14 +193,48 @@ TEST_F(Import, a_dry_run_tells_all_and_writes_nothing) {
   EXPECT_EQ(dump(path("a.lib")), before);
 }
 
-TEST_F(Import, a_dry_run_writes_nothing_into_a_library_with_the_tag_that_ends_it) {
-  write("tag.json", R"({"format": "veldra", "tags": [")"
-                    "\xF4\x8F\xBF\xBD\xF4\x8F\xBF\xBD end of the pretence"
-                    R"("]})");
-  imported({"tag.json"});
+/// What `veldra export` says of a library counts where it is imported into an empty one.
+class ImportIntoEmpty : public Import {
+ protected:
+  void SetUp() override {
+    write("all.json", R"({"format": "veldra", "library": {"locale": "de_AT", "region": "AT"},
+                          "material_types": ["Straw"], "materials": [{"name": "Oak"}]})");
+    must({"create", "a.lib"});
+  }
+};
+
+TEST_F(ImportIntoEmpty, takes_over_locale_region_and_types) {
+  imported({"all.json"});
+  const auto info = must({"info", "a.lib", "--json"}).json();
+  EXPECT_EQ(info["locale"], "de_AT");
+  EXPECT_EQ(info["region"], "AT");
+  EXPECT_EQ(count("a.lib", "types"), 2U);  // that of the material as well
+  EXPECT_EQ(must({"show", "a.lib", "type", "Straw", "--json"}).json()["name"], "Straw");
+}
+
+TEST_F(ImportIntoEmpty, takes_over_nothing_in_a_dry_run) {
   const auto before = dump(path("a.lib"));
-  write("a.idf", brick_wall);
-  EXPECT_EQ(imported({"a.idf", "--dry-run"})[0]["materials"]["added"], 2);
+  imported({"all.json", "--dry-run"});
+  EXPECT_EQ(dump(path("a.lib")), before);
+}
+
+TEST_F(ImportIntoEmpty, changes_nothing_when_the_region_cannot_be_set) {
+  PlainDatabase(path("a.lib"))
+      .execute(
+          "CREATE TRIGGER refusal BEFORE UPDATE ON Meta WHEN NEW.region <> '' "
+          "BEGIN SELECT RAISE(ABORT, 'refused'); END");
+  const auto before = dump(path("a.lib"));
+  EXPECT_EQ(veldra({"import", "a.lib", "all.json"}).status, 1);
+  EXPECT_EQ(dump(path("a.lib")), before);
+}
+
+TEST_F(ImportIntoEmpty, changes_nothing_when_a_type_cannot_be_removed) {
+  PlainDatabase(path("a.lib"))
+      .execute(
+          "CREATE TRIGGER failure BEFORE DELETE ON MaterialType WHEN OLD.name = 'Wood' "
+          "BEGIN SELECT abs(-9223372036854775807 - 1); END");
+  const auto before = dump(path("a.lib"));
+  EXPECT_EQ(veldra({"import", "a.lib", "all.json"}).status, 1);
   EXPECT_EQ(dump(path("a.lib")), before);
 }
 

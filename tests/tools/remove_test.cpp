@@ -48,6 +48,19 @@ TEST_F(Remove, a_name_that_is_not_there_keeps_everything_in_place) {
   EXPECT_EQ(count("a.lib", "materials"), 3U);
 }
 
+TEST_F(Remove, when_one_of_several_fails_all_stay) {
+  PlainDatabase(path("a.lib"))
+      .execute(
+          "CREATE TRIGGER failure BEFORE DELETE ON Material WHEN OLD.name = '3' "
+          "BEGIN SELECT abs(-9223372036854775807 - 1); END");
+  const auto before = dump(path("a.lib"));
+  const auto run = veldra({"remove", "a.lib", "materials", "Free", "3"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, is_one_sentence());
+  EXPECT_EQ(veldra({"purge", "a.lib", "materials"}).status, 1);
+  EXPECT_EQ(dump(path("a.lib")), before);
+}
+
 TEST_F(Remove, the_same_object_may_be_named_twice) {
   EXPECT_EQ(must({"remove", "a.lib", "materials", "Free", "Free", "--json"}).json().size(), 1U);
 }

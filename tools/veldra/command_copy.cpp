@@ -141,9 +141,9 @@ void print(const std::vector<Copied>& objects, bool json) {
 
 /// Goes through a library in memory, so that what is copied is there to be compared in the unit of
 /// the destination.
-void copy_objects(const Arguments& arguments, const std::vector<Wanted>& wanted,
-                  const std::shared_ptr<veldra::Library>& source,
-                  const std::shared_ptr<veldra::Library>& destination) {
+std::vector<Copied> copy_objects(const Arguments& arguments, const std::vector<Wanted>& wanted,
+                                 const std::shared_ptr<veldra::Library>& source,
+                                 const std::shared_ptr<veldra::Library>& destination) {
   Progress progress("copying");
   const auto staging = create_staging_library(destination->unit());
   if (arguments.all) {
@@ -153,8 +153,10 @@ void copy_objects(const Arguments& arguments, const std::vector<Wanted>& wanted,
   }
   veldra::IdMapping mapping(destination.get());
   ConflictReactor reactor(arguments.on_conflict, *staging, mapping);
-  transfer(staging, destination, reactor, mapping, Effect::Write, progress);
-  print(copied_objects(*staging, *destination, mapping, reactor), arguments.json);
+  veldra::Library::Transaction transaction(*destination);
+  transfer(staging, destination, reactor, mapping, progress);
+  transaction.commit();
+  return copied_objects(*staging, *destination, mapping, reactor);
 }
 
 void copy(const Arguments& arguments) {
@@ -167,7 +169,8 @@ void copy(const Arguments& arguments) {
   if (same_file(arguments.source, arguments.destination)) {
     throw Failure("the source and the destination are the same file");
   }
-  working_on(arguments.destination, [&] { copy_objects(arguments, wanted, source, destination); });
+  working_on(arguments.destination,
+             [&] { print(copy_objects(arguments, wanted, source, destination), arguments.json); });
 }
 
 }  // namespace

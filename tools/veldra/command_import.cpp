@@ -126,10 +126,11 @@ ImportReport import_into(Destination& destination, const std::vector<Source>& so
   set.resolve();
   print_problems(report);
   if (arguments.strict) require_no_problems(report);
+  veldra::Library::Transaction transaction(*library);
   const bool was_empty = is_empty(*library);
-  const auto effect = arguments.dry_run ? Effect::Pretend : Effect::Write;
-  transfer_set(set, library, arguments.on_conflict, effect, report);
-  if (was_empty && !arguments.dry_run) adopt_settings(*library, set);
+  transfer_set(set, library, arguments.on_conflict, report);
+  if (was_empty) adopt_settings(*library, set);
+  if (!arguments.dry_run) transaction.commit();
   return report;
 }
 

@@ -5,6 +5,7 @@
 #include "kinds.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
+#include "progress.hpp"
 #include "summary.hpp"
 #include "table.hpp"
 
@@ -87,14 +88,25 @@ std::vector<std::shared_ptr<T>> found(const veldra::Library& library, const Argu
 }
 
 template <class T>
-void print(const std::vector<std::shared_ptr<T>>& objects, const veldra::Library& library,
-           bool json) {
-  if (json) {
-    return print_json_list(objects, [](const auto& object) { return summary_of(*object); });
+Json json_of(const veldra::Library& library, const Arguments& arguments) {
+  Progress progress("listing");
+  Json list = Json::array();
+  for (const auto& object : found<T>(library, arguments)) {
+    list.push_back(summary_of(*object));
+    progress.step();
   }
+  return list;
+}
+
+template <class T>
+Table table_of(const veldra::Library& library, const Arguments& arguments) {
+  Progress progress("listing");
   Table table(summary_columns<T>(library.unit()));
-  for (const auto& object : objects) table.add(summary_cells(*object, library.unit()));
-  fmt::print("{}", table.text());
+  for (const auto& object : found<T>(library, arguments)) {
+    table.add(summary_cells(*object, library.unit()));
+    progress.step();
+  }
+  return table;
 }
 
 void list(const Arguments& arguments) {
@@ -103,7 +115,8 @@ void list(const Arguments& arguments) {
   working_on(arguments.file, [&] {
     with_class_of(arguments.kind, [&](auto of) {
       using T = typename decltype(of)::type;
-      print(found<T>(*library, arguments), *library, arguments.json);
+      if (arguments.json) return print_json(json_of<T>(*library, arguments));
+      fmt::print("{}", table_of<T>(*library, arguments).text());
     });
   });
 }

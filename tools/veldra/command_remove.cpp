@@ -42,7 +42,7 @@ std::vector<Candidate> named_candidates(const veldra::Library& library,
   return result;
 }
 
-/// Sees how far a removal is: each object is a transaction of its own, which takes its time.
+/// Sees how far a removal is.
 class RemovalProgress : public veldra::Library::Reactor {
  public:
   int mayRemove(veldra::Library&, const veldra::ObjectKey&) override {
@@ -53,6 +53,19 @@ class RemovalProgress : public veldra::Library::Reactor {
  private:
   Progress progress_{"removing"};
 };
+
+/// Removes objects by `removal`, all or, when something fails, none, and enters what became of
+/// each.
+template <class Removal>
+void remove_all(veldra::Library& library, std::vector<Candidate>& objects, Removal removal) {
+  RemovalProgress progress;
+  const ReactorGuard guard(library, progress);
+  veldra::Library::Transaction transaction(library);
+  std::map<veldra::ObjectKey, bool> results;
+  removal(results);
+  transaction.commit();
+  enter_results(objects, results);
+}
 
 bool any_removed(const std::vector<Candidate>& candidates) {
   return std::any_of(candidates.begin(), candidates.end(),
@@ -65,13 +78,7 @@ void remove(const RemoveArguments& arguments, int& status) {
     auto objects = named_candidates(*library, arguments);
     std::set<veldra::ObjectKey> keys;
     for (const auto& object : objects) keys.insert(object.key);
-    std::map<veldra::ObjectKey, bool> results;
-    {
-      RemovalProgress progress;
-      const ReactorGuard guard(*library, progress);
-      library->remove(keys, results);
-    }
-    enter_results(objects, results);
+    remove_all(*library, objects, [&](auto& results) { library->remove(keys, results); });
     print_candidates(objects, arguments.json, "removed");
     if (!any_removed(objects)) status = 1;
   });
@@ -88,13 +95,7 @@ void purge(const PurgeArguments& arguments) {
       predict_purge(objects, *library);
       return print_purged(objects, arguments.json, "would go");
     }
-    std::map<veldra::ObjectKey, bool> results;
-    {
-      RemovalProgress progress;
-      const ReactorGuard guard(*library, progress);
-      library->purge(kinds, results);
-    }
-    enter_results(objects, results);
+    remove_all(*library, objects, [&](auto& results) { library->purge(kinds, results); });
     print_purged(objects, arguments.json, "removed");
   });
 }

@@ -27,6 +27,14 @@ void drop_layer_materials(veldra::Composition& composition) {
   }
 }
 
+bool has_code(const std::shared_ptr<veldra::Material>& material) { return material->has_code(); }
+
+[[noreturn]] void fail_code(const veldra::Material& incoming, const veldra::String& owner) {
+  throw Failure(fmt::format("material {} has the code {}, which {} of the library has already",
+                            in_quotes(incoming.name().utf8()), in_quotes(incoming.code().utf8()),
+                            in_quotes(owner.utf8())));
+}
+
 bool has(const veldra::Library& library, ObjectType type, const veldra::String& name) {
   if (type == ObjectType::Material) return library.get<veldra::Material>(name) != nullptr;
   return library.get<veldra::Composition>(name) != nullptr;
@@ -42,13 +50,10 @@ void ConflictReactor::ignore_tags(ObjectType type, const veldra::String& name) {
   without_tags_.insert({type, name});
 }
 
-void ConflictReactor::on_saved(
-    std::function<void(veldra::Library&, const veldra::ObjectKey&)> listener) {
-  listener_ = std::move(listener);
-}
+void ConflictReactor::on_saved(std::function<void()> listener) { listener_ = std::move(listener); }
 
-void ConflictReactor::objectSaved(veldra::Library& library, const veldra::ObjectKey& key) {
-  if (listener_) listener_(library, key);
+void ConflictReactor::objectSaved(veldra::Library&, const veldra::ObjectKey&) {
+  if (listener_) listener_();
 }
 
 int ConflictReactor::resolveNameConflict(veldra::Library& library, ObjectType type,
@@ -102,40 +107,49 @@ Outcome ConflictReactor::outcome(ObjectType type, const veldra::String& name,
 void ConflictReactor::settle_codes(const veldra::Library& library) {
   std::vector<std::shared_ptr<veldra::Material>> incoming;
   source_.get(incoming);
-  incoming.erase(std::remove_if(incoming.begin(), incoming.end(),
-                                [](const auto& material) { return !material->has_code(); }),
-                 incoming.end());
-  if (incoming.empty()) return;
+  if (std::none_of(incoming.begin(), incoming.end(), has_code)) return;
+
   std::vector<std::shared_ptr<veldra::Material>> stored;
   library.get(stored);
-  std::map<veldra::String, veldra::String> names_by_code;
+  std::map<veldra::String, std::shared_ptr<veldra::Material>> with_code;
   for (const auto& material : stored) {
-    if (material->has_code()) names_by_code[material->code()] = material->name();
+    if (has_code(material)) with_code[material->name()] = material;
   }
-  for (const auto& material : incoming) settle_code(*material, library, names_by_code);
+  for (const auto& material : incoming) {
+    const auto found = with_code.find(material->name());
+    if (found != with_code.end()) settle_code(*material, *found->second);
+  }
+
+  std::map<veldra::String, veldra::String> names_by_code;
+  for (const auto& [name, material] : with_code) {
+    if (has_code(material)) names_by_code[material->code()] = name;
+  }
+  for (const auto& material : incoming) {
+    if (!has_code(material) || settled(*material)) continue;
+    const auto taken = names_by_code.find(material->code());
+    if (taken != names_by_code.end()) fail_code(*material, taken->second);
+  }
 }
 
-void ConflictReactor::settle_code(veldra::Material& incoming, const veldra::Library& library,
-                                  const std::map<veldra::String, veldra::String>& names_by_code) {
+/// What becomes of a code of the library when a material of the same name comes in.
+void ConflictReactor::settle_code(const veldra::Material& incoming, veldra::Material& stored) {
   const Name original(ObjectType::Material, incoming.name());
-  const auto stored = library.get<veldra::Material>(incoming.name());
-  if (stored && same(library, original, incoming.name())) {
+  if (same(*stored.library(), original, stored.name())) {
     equal_.insert(original);
-    return use_stored(incoming, *stored);
+    return use_stored(incoming, stored);
   }
-  if (stored && policy_ == OnConflict::Use) return use_stored(incoming, *stored);
-  const auto taken = names_by_code.find(incoming.code());
-  if (taken == names_by_code.end()) return;
-  const bool own = taken->second == incoming.name();
-  if (own && policy_ == OnConflict::Fail) return fail(original);
-  if (!own || policy_ != OnConflict::Overwrite) {
-    throw Failure(fmt::format("material {} has the code {}, which {} of the library has already",
-                              in_quotes(incoming.name().utf8()), in_quotes(incoming.code().utf8()),
-                              in_quotes(taken->second.utf8())));
+  switch (policy_) {
+    case OnConflict::Fail:
+      fail(original);
+    case OnConflict::Use:
+      return use_stored(incoming, stored);
+    case OnConflict::Overwrite:
+      stored.clear_code();
+      stored.save();
+      return;
+    case OnConflict::Rename:
+      return;
   }
-  codes_[incoming.name()] = incoming.code();
-  incoming.clear_code();
-  incoming.save();
 }
 
 void ConflictReactor::use_stored(const veldra::Material& incoming, const veldra::Material& stored) {
@@ -143,19 +157,8 @@ void ConflictReactor::use_stored(const veldra::Material& incoming, const veldra:
                   {stored.id(), veldra::IdMapping::Existing});
 }
 
-void ConflictReactor::restore_codes(veldra::Library& library) const {
-  for (const auto& [name, code] : codes_) {
-    try {
-      const auto material = library.get<veldra::Material>(name);
-      material->code(code);
-      material->save();
-    } catch (const std::exception&) {
-      throw Failure(
-          fmt::format("everything was copied, but material {} could not be given its code "
-                      "{} again; the same once more will do it",
-                      in_quotes(name.utf8()), in_quotes(code.utf8())));
-    }
-  }
+bool ConflictReactor::settled(const veldra::Material& incoming) const {
+  return mapping_.has({{ObjectType::Material, incoming.id()}, &source_});
 }
 
 template <class T>

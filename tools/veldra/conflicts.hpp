@@ -24,20 +24,18 @@ class ConflictReactor : public veldra::Library::Reactor {
  public:
   ConflictReactor(OnConflict policy, const veldra::Library& source, veldra::IdMapping& mapping);
 
-  /// Decides about the materials that have a code, before anything is copied: where both the name
-  /// and the code are taken, the database tells of the code, about which nobody is asked. Takes
-  /// the codes from materials that are to overwrite others, which `restore_codes` gives back.
-  /// Throws `Failure` when a code is taken by a material of another name, and when it cannot be
-  /// given back.
+  /// Decides about codes before anything is copied: a code that is taken is no question but an
+  /// error of the copy. A material that is to be overwritten gives its code up, so that a failure
+  /// afterwards must take that back; one that is taken as it is stands for the incoming one.
+  /// Throws `Failure` when a code stays taken.
   void settle_codes(const veldra::Library& library);
-  void restore_codes(veldra::Library& library) const;
 
   /// The tags of this object say where it came from and not what it is; they do not count when it
   /// is compared.
   void ignore_tags(veldra::ObjectType type, const veldra::String& name);
 
-  /// Is called with each object that was written.
-  void on_saved(std::function<void(veldra::Library&, const veldra::ObjectKey&)> listener);
+  /// Is called for each object that was written.
+  void on_saved(std::function<void()> listener);
 
   int resolveNameConflict(veldra::Library& library, veldra::ObjectType type,
                           veldra::String& name) override;
@@ -62,9 +60,9 @@ class ConflictReactor : public veldra::Library::Reactor {
   template <class T>
   void drop_ignored_tags(T& object, const Name& original) const;
 
-  void settle_code(veldra::Material& incoming, const veldra::Library& library,
-                   const std::map<veldra::String, veldra::String>& names_by_code);
+  void settle_code(const veldra::Material& incoming, veldra::Material& stored);
   void use_stored(const veldra::Material& incoming, const veldra::Material& stored);
+  bool settled(const veldra::Material& incoming) const;
 
   [[noreturn]] static void fail(const Name& original);
   int rename(const veldra::Library& library, const Name& original, veldra::String& name);
@@ -73,11 +71,10 @@ class ConflictReactor : public veldra::Library::Reactor {
   const veldra::Library& source_;
   veldra::IdMapping& mapping_;
   std::set<Name> without_tags_;
-  std::function<void(veldra::Library&, const veldra::ObjectKey&)> listener_;
+  std::function<void()> listener_;
   std::map<Name, veldra::String> originals_;  ///< of the new names
   std::set<Name> equal_;
   std::set<Name> renamed_;
-  std::map<veldra::String, veldra::String> codes_;  ///< taken off for the time, by material
 };
 
 }  // namespace veldra_tool

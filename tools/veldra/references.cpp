@@ -1,6 +1,7 @@
 #include "references.hpp"
 
 #include "lookup.hpp"
+#include "progress.hpp"
 
 #include <fmt/format.h>
 
@@ -76,12 +77,17 @@ class Collector {
 }  // namespace
 
 References references_in(const veldra::Library& library) {
+  Progress progress("looking for references");
   References references;
   Collector collector(references);
   for (const auto& composition : all_objects<veldra::Composition>(library)) {
     collector.add(*composition);
+    progress.step();
   }
-  for (const auto& material : all_objects<veldra::Material>(library)) collector.add(*material);
+  for (const auto& material : all_objects<veldra::Material>(library)) {
+    collector.add(*material);
+    progress.step();
+  }
   return references;
 }
 

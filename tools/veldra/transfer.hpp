@@ -10,13 +10,11 @@
 
 namespace veldra_tool {
 
-enum class Effect { Write, Pretend };
-
-/// Copies all objects of a staging library into a library of the same unit, in one transaction.
-/// With `Pretend` the transaction is taken back, and the mapping tells what it would have done.
+/// Copies all objects of a staging library into a library of the same unit. The caller holds a
+/// transaction, since it is more than one operation.
 void transfer(const std::shared_ptr<veldra::Library>& staging,
               const std::shared_ptr<veldra::Library>& library, ConflictReactor& reactor,
-              veldra::IdMapping& mapping, Effect effect, Progress& progress);
+              veldra::IdMapping& mapping, Progress& progress);
 
 }  // namespace veldra_tool
 

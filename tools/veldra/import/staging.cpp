@@ -56,7 +56,7 @@ void count_outcomes(const IncomingObjects<T>& objects, const veldra::Library& st
 }  // namespace
 
 void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& library,
-                  OnConflict policy, Effect effect, ImportReport& report) {
+                  OnConflict policy, ImportReport& report) {
   const auto staging = create_staging_library(library->unit());
   Progress progress("importing");
   set.shared().save_all(*staging);
@@ -66,7 +66,7 @@ void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& 
   ConflictReactor reactor(policy, *staging, mapping);
   ignore_tags_of_origin(set.materials(), reactor);
   ignore_tags_of_origin(set.compositions(), reactor);
-  transfer(staging, library, reactor, mapping, effect, progress);
+  transfer(staging, library, reactor, mapping, progress);
   count_outcomes(set.materials(), *staging, reactor, mapping, &SourceReport::materials, report);
   count_outcomes(set.compositions(), *staging, reactor, mapping, &SourceReport::compositions,
                  report);

@@ -12,10 +12,10 @@
 
 namespace veldra_tool {
 
-/// Brings all objects of a set into a library, in one transaction, and enters into the report
-/// what became of each. With `Pretend` the transaction is taken back.
+/// Brings all objects of a set into a library, of which the caller holds a transaction, and enters
+/// into the report what became of each.
 void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& library,
-                  OnConflict policy, Effect effect, ImportReport& report);
+                  OnConflict policy, ImportReport& report);
 
 }  // namespace veldra_tool
 
