@@ -171,6 +171,32 @@ void choose_source_keys(Scene& scene) {
 void copy_keys(Scene& scene) { scene.library->copy(scene.source, scene.keys); }
 void copy_all(Scene& scene) { scene.library->copyAll(scene.source); }
 
+// Several operations in one transaction.
+
+void choose_for_several(Scene& scene) {
+  change_material(scene);
+  find_spare_composition(scene);
+  choose_roof(scene);
+}
+
+void do_several(Scene& scene) {
+  scene.library->save(scene.objects.material);
+  scene.library->remove(scene.objects.composition);
+  scene.library->copy<Composition>(scene.source, scene.ids);
+  scene.library->region("Ostschweiz");
+}
+
+void do_several_and_commit(Scene& scene) {
+  Library::Transaction transaction(*scene.library);
+  do_several(scene);
+  transaction.commit();
+}
+
+void do_several_and_roll_back(Scene& scene) {
+  const Library::Transaction transaction(*scene.library);
+  do_several(scene);
+}
+
 // Reading.
 
 void choose_wall(Scene& scene) { scene.ids = {id_of<Composition>(*scene.library, "Wall")}; }
@@ -287,6 +313,15 @@ std::vector<Operation> copying() {
   };
 }
 
+std::vector<Operation> holding() {
+  return {
+      {"several in one transaction", Kind::Holding, Start::Current, choose_for_several,
+       do_several_and_commit},
+      {"several for nothing", Kind::Holding, Start::Current, choose_for_several,
+       do_several_and_roll_back},
+  };
+}
+
 std::vector<Operation> reading() {
   return {
       {"get by id", Kind::Reading, Start::Current, choose_wall, get_by_id},
@@ -313,7 +348,8 @@ std::vector<Operation> joined(const std::vector<std::vector<Operation>>& groups)
 }  // namespace
 
 const std::vector<Operation>& operations() {
-  static const auto all = joined({opening(), saving(), removing(), copying(), reading()});
+  static const auto all =
+      joined({opening(), saving(), removing(), copying(), holding(), reading()});
   return all;
 }
 

@@ -166,6 +166,10 @@ std::string Scene::objects_state() const {
   return text;
 }
 
+std::string Scene::settings() const {
+  return library ? library->locale().utf8() + ", " + library->region().utf8() : std::string();
+}
+
 std::string Scene::rows() const {
   return !file_exists(path_) || read_file(path_).empty() ? std::string() : dump(path_);
 }

@@ -75,6 +75,9 @@ class Scene {
   /// All values and identities of the objects in memory.
   std::string objects_state() const;
 
+  /// What the handle says of the library's locale and region; empty when there is none.
+  std::string settings() const;
+
   /// All rows of the library's file; empty when there are none, or no file.
   std::string rows() const;
   std::string source_rows() const;
@@ -120,6 +123,7 @@ struct Operation {
     Making,   ///< the same, and brings the file to the current version
     Reading,
     Writing,   ///< in one transaction
+    Holding,   ///< several operations in one transaction of the host, which sets the region too
     Removing,  ///< in as many transactions as there are objects
     Setting    ///< of the metadata, which the handle keeps also when writing them fails
   };

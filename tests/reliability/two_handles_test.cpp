@@ -112,7 +112,8 @@ void expect_as_with_one_handle(const Operation& first, const Operation& second, 
 
 // Deliberate: the last of two handles that set the locale and the region decides about both.
 bool is_for_one_handle(const Operation& first, const Operation& second) {
-  return first.kind == Kind::Setting && second.kind == Kind::Setting;
+  const auto sets = [](Kind kind) { return kind == Kind::Setting || kind == Kind::Holding; };
+  return sets(first.kind) && sets(second.kind);
 }
 
 bool can_follow(const Operation& first, const Operation& second) {
@@ -196,7 +197,7 @@ std::vector<Operation> operations_of(std::initializer_list<Kind> kinds) {
 
 // Those that have a reactor to be interrupted by.
 std::vector<Operation> interrupted_operations() {
-  return operations_of({Kind::Writing, Kind::Removing});
+  return operations_of({Kind::Writing, Kind::Holding, Kind::Removing});
 }
 
 // Runs an operation, and within its transaction another one on a second handle. What the second one
@@ -235,7 +236,7 @@ INSTANTIATE_TEST_SUITE_P(Operations, ReaderBesideAWriter,
 // Each waits for the usual 5 seconds.
 TEST(WriterBesideAWriter, writes_nothing) {
   const auto first = interrupted_operations();
-  const auto second = operations_of({Kind::Writing, Kind::Setting});
+  const auto second = operations_of({Kind::Writing, Kind::Holding, Kind::Setting});
   for (std::size_t n = 0; n < first.size(); n += stride_or(static_cast<unsigned>(first.size()))) {
     const Operation& late = second[(n + 7) % second.size()];
     SCOPED_TRACE(first[n].name + (", and within it " + std::string(late.name)));
