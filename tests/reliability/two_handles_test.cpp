@@ -285,6 +285,37 @@ INSTANTIATE_TEST_SUITE_P(Decisions, CopyBetweenHandles,
                          testing::Values(Library::Reactor::UseExisting,
                                          Library::Reactor::Overwrite));
 
+// What SQLite's cache does not hold is written to the file, which nobody may be reading then; the
+// handle that is copied from waits the usual 5 seconds.
+TEST(LargeCopyBetweenHandles, waits_for_itself_and_changes_nothing) {
+  class Renaming : public Library::Reactor {
+    int resolveNameConflict(Library&, veldra::ObjectType, veldra::String& name) override {
+      name.utf8(name.utf8() + " again");
+      return Rename;
+    }
+  };
+  Scene scene(Start::Current, "");
+  PlainDatabase(scene.path()).execute("UPDATE Material SET code=NULL");
+  scene.open();
+  {
+    Library::Transaction transaction(*scene.library);
+    for (int number = 0; number < 10000; ++number) {
+      const auto material = named<veldra::Material>("Brick " + std::to_string(number));
+      material->comments(veldra::String(std::string(1000, 'x').c_str()));
+      scene.library->save(material);
+    }
+    transaction.commit();
+  }
+  const auto before = scene.rows();
+  Renaming renaming;
+  scene.library->setReactor(&renaming);
+  EXPECT_EQ(thrown_by([&] { scene.library->copyAll(Library::open(scene.name(), false)); }),
+            "odb::timeout");
+  EXPECT_EQ(scene.rows(), before);
+  scene.library->setReactor(nullptr);
+  expect_usable(*scene.library);
+}
+
 }  // namespace
 
 }  // namespace veldra_tests
