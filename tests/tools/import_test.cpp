@@ -201,6 +201,13 @@ class ImportIntoEmpty : public Import {
                           "material_types": ["Straw"], "materials": [{"name": "Oak"}]})");
     must({"create", "a.lib"});
   }
+
+  void expect_nothing_changes_with(const std::string& trigger) {
+    PlainDatabase(path("a.lib")).execute(trigger);
+    const auto before = dump(path("a.lib"));
+    EXPECT_EQ(veldra({"import", "a.lib", "all.json"}).status, 1);
+    EXPECT_EQ(dump(path("a.lib")), before);
+  }
 };
 
 TEST_F(ImportIntoEmpty, takes_over_locale_region_and_types) {
@@ -219,23 +226,15 @@ TEST_F(ImportIntoEmpty, takes_over_nothing_in_a_dry_run) {
 }
 
 TEST_F(ImportIntoEmpty, changes_nothing_when_the_region_cannot_be_set) {
-  PlainDatabase(path("a.lib"))
-      .execute(
-          "CREATE TRIGGER refusal BEFORE UPDATE ON Meta WHEN NEW.region <> '' "
-          "BEGIN SELECT RAISE(ABORT, 'refused'); END");
-  const auto before = dump(path("a.lib"));
-  EXPECT_EQ(veldra({"import", "a.lib", "all.json"}).status, 1);
-  EXPECT_EQ(dump(path("a.lib")), before);
+  expect_nothing_changes_with(
+      "CREATE TRIGGER refusal BEFORE UPDATE ON Meta WHEN NEW.region <> '' "
+      "BEGIN SELECT RAISE(ABORT, 'refused'); END");
 }
 
 TEST_F(ImportIntoEmpty, changes_nothing_when_a_type_cannot_be_removed) {
-  PlainDatabase(path("a.lib"))
-      .execute(
-          "CREATE TRIGGER failure BEFORE DELETE ON MaterialType WHEN OLD.name = 'Wood' "
-          "BEGIN SELECT abs(-9223372036854775807 - 1); END");
-  const auto before = dump(path("a.lib"));
-  EXPECT_EQ(veldra({"import", "a.lib", "all.json"}).status, 1);
-  EXPECT_EQ(dump(path("a.lib")), before);
+  expect_nothing_changes_with(
+      "CREATE TRIGGER failure BEFORE DELETE ON MaterialType WHEN OLD.name = 'Wood' "
+      "BEGIN SELECT abs(-9223372036854775807 - 1); END");
 }
 
 struct BadSource {
