@@ -312,8 +312,10 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// Rolled back, the file is as it was before. So are the library's locale and region, and the
   /// id, the library and the dirty flag of each object that was saved or removed within the
   /// transaction, and what saving replaced in it; such an object is kept in memory until then. What
-  /// was read within the transaction stays as it was read, and entries of mappings stay: they may
-  /// name ids that were taken back.
+  /// the host has changed in it since stays changed, and it is dirty then; but a list in which
+  /// foreign objects were replaced goes back as a whole, and so do all values of an object for
+  /// which the stored one was used. What was read within the transaction stays as it was read, and
+  /// entries of mappings stay: they may name ids that were taken back.
   class VELDRA_EXPORT Transaction {
    public:
     /// Begins. Throws `LibraryReadOnly`; `odb::timeout` when the file is held by others for over 5
@@ -323,7 +325,8 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
 
-    /// Rolls back, unless it was committed.
+    /// Rolls back, unless it was committed. Not to be called within an operation's call of the
+    /// reactor.
     ~Transaction();
 
     /// Ends it and keeps what was done. A second call throws `odb::transaction_already_finalized`;
@@ -331,6 +334,9 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     /// operation (`UnknownError` out of removal, purging and the setters). Throws `odb::timeout`
     /// when others keep reading for over 5 seconds, `odb::exception` for all else, and what the
     /// reactor throws. Unless it is the reactor that throws, all is rolled back then.
+    ///
+    /// Within an operation's call of the reactor it throws `odb::already_in_transaction` and the
+    /// transaction lasts.
     void commit();
 
    private:

@@ -17,6 +17,9 @@ class Library::Transaction::Impl {
   Impl& operator=(const Impl&) = delete;
   ~Impl();
 
+  /// An operation that runs would go on in a transaction that is gone.
+  void require_no_operation() const;
+
   void commit();
 
  private:
@@ -37,6 +40,10 @@ Library::Transaction::Impl::~Impl() {
   if (!committed_) std::swap(library_->impl_->meta, former_meta_);
 }
 
+void Library::Transaction::Impl::require_no_operation() const {
+  if (library_->impl_->database->writing != nullptr) throw odb::already_in_transaction();
+}
+
 void Library::Transaction::Impl::commit() {
   held_->commit();
   committed_ = true;
@@ -52,8 +59,9 @@ Library::Transaction::Transaction(Library& library) {
 Library::Transaction::~Transaction() = default;
 
 void Library::Transaction::commit() {
+  if (impl_ == nullptr) throw odb::transaction_already_finalized();
+  impl_->require_no_operation();
   const auto ending = std::move(impl_);  // rolled back at the end of this call if it fails
-  if (ending == nullptr) throw odb::transaction_already_finalized();
   ending->commit();
 }
 

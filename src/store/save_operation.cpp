@@ -45,6 +45,15 @@ void set(UndoLog* log, Value& field, Value value) {
   }
 }
 
+template <class List>
+void set_list(UndoLog* log, List& field, List list) {
+  if (log == nullptr) {
+    field = std::move(list);
+  } else {
+    log->set_list(field, std::move(list));
+  }
+}
+
 template <class T>
 void set_reference(UndoLog* log, std::shared_ptr<T>& field, std::shared_ptr<T> saved) {
   if (field != saved) set(log, field, std::move(saved));
@@ -152,7 +161,7 @@ template <class Record>
 void SaveOperation::save_tags(Record& record, UndoLog* log) {
   auto tags = record.tags;
   for (auto& tag : tags) tag = save_reference(tag);
-  if (!same_objects(tags, record.tags)) set(log, record.tags, std::move(tags));
+  if (!same_objects(tags, record.tags)) set_list(log, record.tags, std::move(tags));
 }
 
 template <class Record>
@@ -167,7 +176,7 @@ void SaveOperation::save_properties(Record& record, UndoLog* log) {
   std::map<CustomPropertyKey, String> values;
   auto property = saved.begin();
   for (const auto& value : record.custom_values) values.emplace(*property++, value.second);
-  set(log, record.custom_values, std::move(values));
+  set_list(log, record.custom_values, std::move(values));
 }
 
 /// The id of an asset of another library means nothing in this file.
@@ -203,7 +212,7 @@ void SaveOperation::save_references(const Working<Composition>& working) {
     same = same && saved == layer.material();
     layer.material(saved);
   }
-  if (!same) set(working.log, record.layers, std::move(layers));
+  if (!same) set_list(working.log, record.layers, std::move(layers));
 }
 
 template <class T>

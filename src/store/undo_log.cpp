@@ -7,7 +7,8 @@ UndoLog::~UndoLog() {
   for (auto former = records_.rbegin(); former != records_.rend(); ++former) {
     former->record->id = former->id;
     former->record->library = std::move(former->library);
-    former->record->dirty = former->dirty;
+    // What the host has changed since must not be taken for saved.
+    former->record->dirty = former->dirty || former->record->dirty;
   }
 }
 

@@ -23,11 +23,21 @@ class UndoLog {
   /// Remembers what saving changes in every object: id, library and dirty flag.
   void remember(std::shared_ptr<const void> object, ObjectRecord& record);
 
-  /// Sets a field of a remembered object.
+  /// Sets a field of a remembered object. What the host sets in place of that value stays.
   template <class Value>
   void set(Value& field, Value value) {
-    actions_.push_back([&field, former = field]() mutable { field = std::move(former); });
+    actions_.push_back([&field, value, former = field]() mutable {
+      if (field == value) field = std::move(former);
+    });
     field = std::move(value);
+  }
+
+  /// Sets a list of references. It goes back as a whole: objects that were read to stand in it keep
+  /// ids that may be those of others then.
+  template <class List>
+  void set_list(List& field, List list) {
+    actions_.push_back([&field, former = field]() mutable { field = std::move(former); });
+    field = std::move(list);
   }
 
   /// Remembers all values of a remembered object.

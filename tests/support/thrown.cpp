@@ -50,6 +50,8 @@ Thrown call_and_catch(const std::function<void()>& call) {
     return standard("odb::object_already_persistent", error);
   } catch (const odb::already_in_transaction& error) {
     return standard("odb::already_in_transaction", error);
+  } catch (const odb::transaction_already_finalized& error) {
+    return standard("odb::transaction_already_finalized", error);
   } catch (const odb::timeout& error) {
     return standard("odb::timeout", error);
   } catch (const odb::deadlock& error) {
