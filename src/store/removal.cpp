@@ -29,9 +29,8 @@ bool stopped_by_reference(Step step) {
 }
 
 /// Removes one object in a transaction of its own; `logs` are of what the caller changes in the
-/// object then. That something refers to it is told at the
-/// statement or at the commit. What the reactor throws is none of the database's errors, so it is
-/// called outside of their translation.
+/// object then. That something refers to it is told at the statement or at the commit. What the
+/// reactor throws is none of the database's errors, so it is called outside of their translation.
 template <class T>
 Outcome remove_object(Library& library, unsigned id, UndoLogs& logs) {
   auto& impl = LibraryAccess::impl(library);
@@ -39,6 +38,7 @@ Outcome remove_object(Library& library, unsigned id, UndoLogs& logs) {
   std::unique_ptr<WriteTransaction> transaction;
   translating_errors([&] { transaction.reset(new WriteTransaction(*impl.database)); });
   if (impl.reactor->mayRemove(library, key) != 0) return Outcome::Refused;
+  translating_errors([&] { transaction->require_running(); });
   if (stopped_by_reference([&] { impl.database->erase<T>(id); })) return Outcome::InUse;
   impl.reactor->objectRemoved(library, key);
   impl.changed.insert(key.type);

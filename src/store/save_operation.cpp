@@ -102,6 +102,7 @@ std::shared_ptr<T> SaveOperation::save(const std::shared_ptr<T>& object) {
   if (results_ == Results::Discarded) there_.insert(packed(type, id));
   if (status != IdMapping::Existing) {
     impl_.reactor->objectSaved(library_, {type, id});
+    transaction_.require_running();
     impl_.changed.insert(type);
   }
   return working.object;
@@ -284,6 +285,7 @@ bool SaveOperation::decide(const Working<T>& working, const std::string& message
   auto& record = ObjectAccess::impl(*working.object);
   String name = record.name;
   const int decision = impl_.reactor->resolveNameConflict(library_, ObjectTraits<T>::type, name);
+  transaction_.require_running();
   if (decision == Library::Reactor::Rename) {
     set(working.log, record.name, std::move(name));
     return false;

@@ -28,6 +28,11 @@ void end_what_is_left(Database& database) noexcept {
 
 namespace {
 
+/// SQLite ends a transaction by itself when the disk is full or cannot be read, or memory runs out.
+bool is_running(Database& database) {
+  return sqlite3_get_autocommit(database.connection_in_use().handle()) == 0;
+}
+
 void end(Database& database, odb::sqlite::transaction& transaction) noexcept {
   try {
     if (!transaction.finalized()) transaction.rollback();
@@ -87,9 +92,7 @@ void HeldTransaction::commit() {
 }
 
 odb::sqlite::transaction& HeldTransaction::get() {
-  // SQLite ends a transaction by itself when the disk is full or memory runs out.
-  const bool running = sqlite3_get_autocommit(database_.connection_in_use().handle()) == 0;
-  if (broken_ || !running) throw odb::transaction_already_finalized();
+  if (broken_ || !is_running(database_)) throw odb::transaction_already_finalized();
   return transaction_;
 }
 
@@ -131,6 +134,10 @@ WriteTransaction::~WriteTransaction() {
     outer_->roll_back_to_savepoint();
   }
   database_.writing = nullptr;
+}
+
+void WriteTransaction::require_running() const {
+  if (!is_running(database_)) throw odb::transaction_already_finalized();
 }
 
 void WriteTransaction::commit() {

@@ -67,6 +67,10 @@ class WriteTransaction {
   WriteTransaction& operator=(const WriteTransaction&) = delete;
   ~WriteTransaction();
 
+  /// Throws `odb::transaction_already_finalized` when a failure that nobody told of has ended it:
+  /// what is written from then on would stay.
+  void require_running() const;
+
   void commit();
 
   /// The same for an operation that changes objects of the host: they stay as they are now, unless
