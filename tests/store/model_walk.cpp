@@ -39,6 +39,12 @@ void expect_second_purge_removes_nothing(Library& library) {
   EXPECT_EQ(damage(library.filename().utf8()), "");
 }
 
+std::vector<std::string> notifications_in(const RecordingReactor& reactor) {
+  std::vector<std::string> calls = reactor.calls_starting_with("type");
+  for (const std::string& call : reactor.calls_starting_with("library")) calls.push_back(call);
+  return calls;
+}
+
 std::vector<std::string> notifications_of(const std::set<ObjectType>& changed) {
   std::vector<std::string> calls;
   for (const ObjectType kind : changed) calls.push_back("type " + kind_name(kind));
@@ -54,6 +60,42 @@ RandomWalk::RandomWalk(unsigned seed)
              Side(folder_ / "inches.lib", Unit::Inches)} {}
 
 void RandomWalk::step() {
+  if (random_.chance(8)) return do_several();
+  do_one();
+}
+
+void RandomWalk::do_several() {
+  Side& side = sides_[random_.below(2)];
+  side.held = std::make_unique<HeldTransaction>(*side.library, side.model);
+  for (unsigned steps = 1 + random_.below(6); steps != 0 && !testing::Test::HasFailure(); --steps) {
+    do_one();
+    compare();
+    EXPECT_EQ(dump(side.path), side.held->before.rows) << what_;
+  }
+  random_.chance(50) ? commit(side) : roll_back(side);
+}
+
+void RandomWalk::commit(Side& side) {
+  side.reactor.calls.clear();
+  side.held->transaction.commit();
+  EXPECT_EQ(notifications_in(side.reactor), notifications_of(side.held->changed));
+  side.held.reset();
+  what_ = "commit of " + side.path + " after " + what_;
+}
+
+void RandomWalk::roll_back(Side& side) {
+  const Before before = std::move(side.held->before);
+  const std::set<ObjectType> changed = side.held->changed;
+  what_ = "rollback of " + side.path + " after " + what_;
+  side.reactor.calls.clear();
+  side.held.reset();
+  side.model = before.model;
+  EXPECT_EQ(notifications_in(side.reactor), notifications_of(changed)) << what_;
+  EXPECT_EQ(dump(side.path), before.rows) << what_;
+  for (const auto& object : before.objects) EXPECT_EQ(object.state(), object.before) << what_;
+}
+
+void RandomWalk::do_one() {
   const unsigned chosen = random_.below(2);
   side_ = &sides_[chosen];
   other_ = &sides_[1 - chosen];
@@ -115,16 +157,19 @@ bool RandomWalk::run(const Call& call, const Expected& expected, bool keeps_what
   const Thrown thrown = thrown_by(call);
   EXPECT_EQ(thrown.type, failure.type) << what_ << ": " << thrown;
   EXPECT_EQ(thrown.text, failure.text) << what_;
-  EXPECT_EQ(notifications(), notifications_of(operation.changed())) << what_;
+  expect_told(operation.changed());
   if (failure.type.empty() || keeps_what_was_done) side_->model = attempted;
   return failure.type.empty();
 }
 
-std::vector<std::string> RandomWalk::notifications() const {
-  std::vector<std::string> calls = side_->reactor.calls_starting_with("type");
-  for (const std::string& call : side_->reactor.calls_starting_with("library"))
-    calls.push_back(call);
-  return calls;
+void RandomWalk::expect_told(const std::set<ObjectType>& changed) {
+  const std::vector<std::string> told = notifications_in(side_->reactor);
+  if (!side_->held) {
+    EXPECT_EQ(told, notifications_of(changed)) << what_;
+    return;
+  }
+  EXPECT_EQ(told, std::vector<std::string>()) << what_;
+  side_->held->changed.insert(changed.begin(), changed.end());
 }
 
 void RandomWalk::decide() {
@@ -143,6 +188,7 @@ std::vector<ModelKey> RandomWalk::keys_of_some_kind(const ModelStore& store) {
 }
 
 void RandomWalk::reopen() {
+  if (side_->held) return;
   begin("reopen");
   side_->reopen();
 }

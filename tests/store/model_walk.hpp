@@ -2,6 +2,8 @@
 #define VELDRA_TESTS_STORE_MODEL_WALK_HPP
 
 #include "store/model_drafts.hpp"
+#include "support/database.hpp"
+#include "support/description.hpp"
 #include "support/recording_reactor.hpp"
 #include "support/temporary.hpp"
 
@@ -13,6 +15,28 @@
 #include <vector>
 
 namespace veldra_tests {
+
+/// What must be so again when a transaction is rolled back.
+struct Before {
+  struct Watched {
+    std::string before;
+    std::function<std::string()> state;
+  };
+
+  ModelStore model;
+  std::string rows;
+  std::vector<Watched> objects;
+};
+
+/// A transaction that is held over several steps.
+struct HeldTransaction {
+  HeldTransaction(veldra::Library& library, const ModelStore& model)
+      : before{model, dump(library.filename().utf8()), {}}, transaction(library) {}
+
+  Before before;
+  std::set<veldra::ObjectType> changed;  ///< the kinds of which the reactor is told at the end
+  veldra::Library::Transaction transaction;
+};
 
 /// A library, its model, and the reactor that they share.
 struct Side {
@@ -33,6 +57,7 @@ struct Side {
   RecordingReactor reactor;
   std::shared_ptr<veldra::Library> library;
   ModelStore model;
+  std::unique_ptr<HeldTransaction> held;
 };
 
 /// An object that is to be removed, as both sides know it.
@@ -61,6 +86,21 @@ class RandomWalk {
   using Expected = std::function<void(ModelOperation&)>;
   using Call = std::function<void()>;
 
+  void do_one();
+
+  /// Does some steps within one transaction of one side, which is then kept or taken back.
+  void do_several();
+  void commit(Side& side);
+  void roll_back(Side& side);
+
+  /// Remembers the object as it is, to see whether a rollback makes it so again.
+  template <class T>
+  void watch(const std::shared_ptr<T>& object) {
+    if (side_->held)
+      side_->held->before.objects.push_back(
+          {state_of(object), [object] { return state_of(object); }});
+  }
+
   std::shared_ptr<veldra::Library> new_library();
   void begin(const std::string& what);
 
@@ -68,7 +108,8 @@ class RandomWalk {
   /// Returns whether the call succeeds.
   bool run(const Call& call, const Expected& expected, bool keeps_what_was_done = false);
 
-  std::vector<std::string> notifications() const;
+  /// The reactor is told of these kinds now, or at the end of the transaction that is held.
+  void expect_told(const std::set<veldra::ObjectType>& changed);
 
   /// Draws the answer to all names that are taken from now on.
   void decide();

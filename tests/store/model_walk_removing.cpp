@@ -74,6 +74,7 @@ void RandomWalk::remove_one() {
     using T = typename decltype(kind)::Class;
     Library& library = *side_->library;
     const auto object = library.template get<T>(victim.key.id);
+    watch(object);
     bool removed = false;
     run(
         [&] {

@@ -28,6 +28,7 @@ std::shared_ptr<CustomProperty> created(Kind<CustomProperty>, const ModelKey& ke
 
 template <class T>
 void RandomWalk::save(const std::shared_ptr<T>& object, const Expected& expected) {
+  watch(object);
   const std::string before = state_of(object);
   const bool saved = run([&] { side_->library->save(object); }, expected);
   if (!saved) {
@@ -49,6 +50,7 @@ void RandomWalk::save_named() {
   begin("save a new " + kind_name(key.kind) + " " + key.name);
   for_kind(key.kind, [&](auto kind) {
     const auto object = created(kind, key);
+    watch(object);
     run([&] { side_->library->save(object); },
         [&](ModelOperation& operation) { operation.save_named(key); });
     EXPECT_EQ(object->library(), side_->library);
@@ -117,6 +119,7 @@ void RandomWalk::save_removed() {
   run([&] { side_->library->remove<Composition>(object->id()); },
       [&](ModelOperation& operation) { operation.remove(key); });
   object->description("changed");
+  watch(object);
   const std::string before = state_of(object);
   run([&] { object->save(); },
       [](ModelOperation&) {
