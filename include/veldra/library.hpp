@@ -329,14 +329,16 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     /// reactor.
     ~Transaction();
 
-    /// Ends it and keeps what was done. A second call throws `odb::transaction_already_finalized`;
-    /// so do commit, reading and saving when a full disk or a lack of memory has ended it within an
-    /// operation (`UnknownError` out of removal, purging and the setters). Throws `odb::timeout`
-    /// when others keep reading for over 5 seconds, `odb::exception` for all else, and what the
-    /// reactor throws. Unless it is the reactor that throws, all is rolled back then.
+    /// Ends the transaction and keeps what was done in it.
     ///
-    /// Within an operation's call of the reactor it throws `odb::already_in_transaction` and the
-    /// transaction lasts.
+    /// Throws `odb::transaction_already_finalized` when it has ended before: by `commit`, or by
+    /// itself, when the disk was full or memory ran out within an operation. In the latter case
+    /// reading and saving throw the same, and removal, purging and the setters `UnknownError`,
+    /// until the object is destroyed. Throws `odb::timeout` when others keep reading for over 5
+    /// seconds, and `odb::exception` for all else. All is rolled back then.
+    ///
+    /// Within an operation's call of the reactor it throws `odb::already_in_transaction` and goes
+    /// on. What the reactor throws when it is told of the changes passes; they are kept.
     void commit();
 
    private:
