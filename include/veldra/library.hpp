@@ -332,10 +332,10 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     /// Ends the transaction and keeps what was done in it.
     ///
     /// Throws `odb::transaction_already_finalized` when it has ended before: by `commit`, or by
-    /// itself, when the disk was full or memory ran out within an operation. In the latter case
-    /// reading and saving throw the same, and removal, purging and the setters `UnknownError`,
-    /// until the object is destroyed. Throws `odb::timeout` when others keep reading for over 5
-    /// seconds, and `odb::exception` for all else. All is rolled back then.
+    /// itself, when the disk was full or could not be read or memory ran out within an operation.
+    /// In the latter case reading and saving throw the same, and removal, purging and the setters
+    /// `UnknownError`, until the object is destroyed. Throws `odb::timeout` when others keep
+    /// reading for over 5 seconds, and `odb::exception` for all else. All is rolled back then.
     ///
     /// Within an operation's call of the reactor it throws `odb::already_in_transaction` and goes
     /// on. What the reactor throws when it is told of the changes passes; they are kept.

@@ -249,6 +249,23 @@ TEST_F(ReactorThatReadsInVain, ends_a_removal_of_which_it_is_told) {
   expect_to_fail("veldra::UnknownError", [&] { library->remove<Composition>(1); });
 }
 
+// The same between two operations.
+TEST_F(ReactorThatReadsInVain, is_no_different_from_a_host_that_does) {
+  const std::string before = dump(path);
+  const auto late = named<Tag>("later");
+  {
+    Transaction transaction(*library);
+    library->locale("de-CH");
+    read_in_vain();
+    expect_ended(transaction);
+    EXPECT_TRUE(dump(path) == before);
+    EXPECT_EQ(library->locale(), String("fr-CH"));
+    library->save(late);
+  }
+  EXPECT_TRUE(library->get<Tag>("later"));
+  expect_usable();
+}
+
 }  // namespace
 
 }  // namespace veldra_tests
