@@ -6,6 +6,7 @@
 #include "json.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
+#include "progress.hpp"
 
 #include <fmt/format.h>
 
@@ -114,7 +115,7 @@ void print_problems(const ImportReport& report) {
 }
 
 ImportReport import_into(Destination& destination, const std::vector<Source>& sources,
-                         const Arguments& arguments) {
+                         const Arguments& arguments, Progress& progress) {
   const auto& library = destination.library();
   ImportReport report(sources.size());
   ImportSet set(library->unit(), arguments.on_conflict, arguments.tags);
@@ -128,22 +129,28 @@ ImportReport import_into(Destination& destination, const std::vector<Source>& so
   if (arguments.strict) require_no_problems(report);
   veldra::Library::Transaction transaction(*library);
   const bool was_empty = is_empty(*library);
-  transfer_set(set, library, arguments.on_conflict, report);
+  transfer_set(set, library, arguments.on_conflict, report, progress);
   if (was_empty) adopt_settings(*library, set);
   if (!arguments.dry_run) transaction.commit();
   return report;
 }
 
-void import(const Arguments& arguments) {
+ImportReport imported(const Arguments& arguments) {
+  Progress progress("importing");
   const auto sources = read_sources(arguments);
-  working_on(arguments.file, [&] {
+  return working_on(arguments.file, [&] {
     Destination destination(arguments, sources);
-    const auto report = import_into(destination, sources, arguments);
+    const auto report = import_into(destination, sources, arguments, progress);
     destination.keep();
-    if (arguments.json) return print_json(to_json(report));
-    fmt::print("{}", text_of(report));
-    if (arguments.dry_run) fmt::print("Nothing was written, because this was a dry run.\n");
+    return report;
   });
+}
+
+void import(const Arguments& arguments) {
+  const auto report = imported(arguments);
+  if (arguments.json) return print_json(to_json(report));
+  fmt::print("{}", text_of(report));
+  if (arguments.dry_run) fmt::print("Nothing was written, because this was a dry run.\n");
 }
 
 }  // namespace

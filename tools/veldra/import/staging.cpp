@@ -56,9 +56,8 @@ void count_outcomes(const IncomingObjects<T>& objects, const veldra::Library& st
 }  // namespace
 
 void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& library,
-                  OnConflict policy, ImportReport& report) {
+                  OnConflict policy, ImportReport& report, Progress& progress) {
   const auto staging = create_staging_library(library->unit());
-  Progress progress("importing");
   set.shared().save_all(*staging);
   save_all(set.materials(), *staging, progress);
   save_all(set.compositions(), *staging, progress);

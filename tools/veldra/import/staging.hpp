@@ -15,7 +15,7 @@ namespace veldra_tool {
 /// Brings all objects of a set into a library, of which the caller holds a transaction, and enters
 /// into the report what became of each.
 void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& library,
-                  OnConflict policy, ImportReport& report);
+                  OnConflict policy, ImportReport& report, Progress& progress);
 
 }  // namespace veldra_tool
 
