@@ -20,18 +20,21 @@ SetAsideTransaction::~SetAsideTransaction() {
   }
 }
 
-void end_what_is_left(Database& database) noexcept {
-  sqlite3* connection = database.connection_in_use().handle();
-  if (sqlite3_get_autocommit(connection) != 0) return;
-  sqlite3_exec(connection, "ROLLBACK", nullptr, nullptr, nullptr);
-}
-
 namespace {
 
 /// SQLite ends a transaction by itself when the disk is full or cannot be read, or memory runs out.
 bool is_running(Database& database) {
   return sqlite3_get_autocommit(database.connection_in_use().handle()) == 0;
 }
+
+}  // namespace
+
+void end_what_is_left(Database& database) noexcept {
+  if (!is_running(database)) return;
+  sqlite3_exec(database.connection_in_use().handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+namespace {
 
 void end(Database& database, odb::sqlite::transaction& transaction) noexcept {
   try {
