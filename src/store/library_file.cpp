@@ -97,6 +97,12 @@ long long setting(odb::sqlite::connection& connection, const char* pragma) {
   return row.next() ? row.integer(0) : 0;
 }
 
+/// Another program may have turned the log on: the last pages may be there and not in the file yet.
+bool has_write_ahead_log(odb::sqlite::connection& connection) {
+  Statement row(connection, "PRAGMA journal_mode");
+  return row.next() && row.text(0) == "wal";
+}
+
 /// SQLite notices when whole pages are missing, but takes the rest of a last page that was cut off
 /// for zeros.
 void check_last_page(odb::sqlite::connection& connection) {
@@ -107,7 +113,8 @@ void check_last_page(odb::sqlite::connection& connection) {
   const int result = file->pMethods->xFileSize(file, &size);
   if (result != SQLITE_OK) odb::sqlite::translate_error(result, connection);
   const auto pages = setting(connection, "PRAGMA page_count");
-  if (size < pages * setting(connection, "PRAGMA page_size")) {
+  const bool whole = size >= pages * setting(connection, "PRAGMA page_size");
+  if (!whole && !has_write_ahead_log(connection)) {
     throw odb::sqlite::database_exception(SQLITE_CORRUPT, SQLITE_CORRUPT,
                                           sqlite3_errstr(SQLITE_CORRUPT));
   }

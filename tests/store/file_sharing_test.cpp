@@ -48,6 +48,38 @@ TEST_F(FileSharing, reading_writes_nothing) {
   EXPECT_TRUE(before == FileState(path()));
 }
 
+// Another program may have made the file keep a log of what is written.
+
+/// Writes 2,000 layers, most of whose pages are in the log then and not yet in the file.
+void write_to_the_log(PlainDatabase& writer) {
+  writer.execute(
+      "PRAGMA journal_mode=WAL;"
+      "WITH RECURSIVE n(i) AS (VALUES (1) UNION ALL SELECT i + 1 FROM n WHERE i < 2000) "
+      "INSERT INTO Layer (name) SELECT 'Layer ' || i FROM n");
+}
+
+TEST_F(FileSharing, a_file_is_not_damaged_for_pages_that_are_in_its_log) {
+  create_and_close();
+  PlainDatabase writer(path());
+  write_to_the_log(writer);
+  EXPECT_EQ(open()->count<veldra::Layer>(), 2000u);
+  EXPECT_EQ(open_read_only()->count<veldra::Layer>(), 2000u);
+}
+
+TEST_F(FileSharing, a_log_that_a_crash_has_left_is_read) {
+  create_and_close();
+  std::string file, log;
+  {
+    PlainDatabase writer(path());
+    write_to_the_log(writer);
+    file = read_file(path());
+    log = read_file(path() + "-wal");
+  }
+  write_file(path(), file);
+  write_file(path() + "-wal", log);
+  EXPECT_EQ(open()->count<veldra::Layer>(), 2000u);
+}
+
 // Several handles in one process.
 
 TEST_F(FileSharing, handles_are_distinct) {
