@@ -108,7 +108,7 @@ template <class View>
 void append_ids(Database& database, const Condition& condition, std::vector<unsigned>& ids) {
   odb::result<View> rows = database.query<View>(odb::query<View>(condition));
   for (const View& row : rows) {
-    if (row.value <= std::numeric_limits<unsigned>::max()) {
+    if (row.value != 0 && row.value <= std::numeric_limits<unsigned>::max()) {
       ids.push_back(static_cast<unsigned>(row.value));
     }
   }

@@ -115,6 +115,13 @@ TYPED_TEST(ReadingKinds, id_0_and_the_empty_name_are_null_even_where_such_a_row_
   EXPECT_FALSE(this->reader().template get<TypeParam>(String("")));
 }
 
+TYPED_TEST(ReadingKinds, id_0_is_in_no_list) {
+  this->put("0", "'Alpine'");
+  EXPECT_THAT(this->names(this->all()), UnorderedElementsAre("Alpha", "Beta", "Gamma"));
+  EXPECT_THAT(this->names(this->found("Al%")), ElementsAre("Alpha"));
+  EXPECT_THAT(this->names(this->with_ids({0, 101})), ElementsAre("Alpha"));
+}
+
 TYPED_TEST(ReadingKinds, a_name_is_compared_exactly) {
   EXPECT_FALSE(this->reader().template get<TypeParam>(String("alpha")));
   EXPECT_FALSE(this->reader().template get<TypeParam>(String("Alpha ")));
