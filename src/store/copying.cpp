@@ -62,9 +62,9 @@ class CopyOperation {
   SaveOperation saving_;
 };
 
-/// Runs `work` with a copy operation and tells the reactor about it.
+/// Runs `work` with a copy operation and tells the reactor about it, which may let the source go.
 template <class Work>
-void copying(Library& destination, const std::shared_ptr<const Library>& source, IdMapping& mapping,
+void copying(Library& destination, std::shared_ptr<const Library> source, IdMapping& mapping,
              Work work) {
   if (source == nullptr || source.get() == &destination) return;
   Notifications notifications(destination);

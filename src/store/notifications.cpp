@@ -4,7 +4,8 @@
 
 namespace veldra {
 
-Notifications::Notifications(Library& library) : library_(library) {
+Notifications::Notifications(Library& library)
+    : keep_(LibraryAccess::impl(library).self.lock()), library_(library) {
   ++LibraryAccess::impl(library_).operations;
 }
 
@@ -22,7 +23,6 @@ void Notifications::deliver() {
   if (--impl.operations != 0) return;
 
   // The reactor may start operations of its own now, which collect and deliver anew.
-  const std::shared_ptr<Library> keep = impl.self.lock();
   std::set<ObjectType> changed;
   changed.swap(impl.changed);
   for (const ObjectType type : changed) impl.reactor->typeChanged(library_, type);

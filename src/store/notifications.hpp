@@ -3,11 +3,13 @@
 
 #include <veldra/library.hpp>
 
+#include <memory>
+
 namespace veldra {
 
 /// One public operation, as the reactor is told of it: at its end, also when it failed, each kind
 /// that it changed is notified once, and then the library. Operations within it tell nothing of
-/// their own.
+/// their own. The library stays open for as long, whatever the reactor lets go.
 class Notifications {
  public:
   explicit Notifications(Library& library);
@@ -21,6 +23,7 @@ class Notifications {
   void deliver();
 
  private:
+  std::shared_ptr<Library> keep_;
   Library& library_;
   bool delivered_ = false;
 };

@@ -53,8 +53,9 @@ bool remove_or_throw(Library& library, unsigned id, UndoLogs& logs) {
   return outcome == Outcome::Removed;
 }
 
+/// Takes the ids by value, since the reactor may change those of the host.
 template <class T, class Ids>
-void remove_objects(Library& library, const Ids& ids, Result& result) {
+void remove_objects(Library& library, const Ids ids, Result& result) {
   UndoLogs none;
   for (const unsigned id : ids) {
     const bool removed = remove_object<T>(library, id, none) == Outcome::Removed;
@@ -70,7 +71,7 @@ void purge_kind(Library& library, Result& result) {
     return all_ids<T>(database);
   });
   std::sort(ids.begin(), ids.end());
-  remove_objects<T>(library, ids, result);
+  remove_objects<T>(library, std::move(ids), result);
 }
 
 const std::set<ObjectType>& saveable_kinds() {
@@ -83,7 +84,9 @@ const std::set<ObjectType>& saveable_kinds() {
 }  // namespace
 
 template <class T>
-bool Library::remove(const std::shared_ptr<T>& object) {
+bool Library::remove(const std::shared_ptr<T>& passed) {
+  // The reactor may let go what the host holds.
+  const std::shared_ptr<T> object = passed;
   if (object == nullptr) return false;
   const auto bound = object->library();
   if (bound != nullptr && bound.get() != this) throw ObjectNotFound();

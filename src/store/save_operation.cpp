@@ -167,8 +167,10 @@ void SaveOperation::save_tags(Record& record, UndoLog* log) {
 
 template <class Record>
 void SaveOperation::save_properties(Record& record, UndoLog* log) {
+  // The reactor may change those of the object while the properties are saved.
+  const auto former = record.custom_values;
   std::vector<std::shared_ptr<const CustomProperty>> properties;
-  for (const auto& value : record.custom_values) properties.push_back(value.first);
+  for (const auto& value : former) properties.push_back(value.first);
   auto saved = properties;
   for (auto& property : saved) property = save_reference(property);
   if (same_objects(saved, properties)) return;
@@ -176,7 +178,7 @@ void SaveOperation::save_properties(Record& record, UndoLog* log) {
   // A property that a mapping names may have been renamed since, so the order is made anew.
   std::map<CustomPropertyKey, String> values;
   auto property = saved.begin();
-  for (const auto& value : record.custom_values) values.emplace(*property++, value.second);
+  for (const auto& value : former) values.emplace(*property++, value.second);
   set_list(log, record.custom_values, std::move(values));
 }
 

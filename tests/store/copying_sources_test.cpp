@@ -191,6 +191,18 @@ TEST_F(CopyingWithinReactors, a_reactor_may_copy_into_another_library) {
   EXPECT_NE(library->get<Tag>("tag"), nullptr);
 }
 
+TEST_F(CopyingWithinReactors, a_reactor_may_let_the_source_and_the_destination_go) {
+  put(full_composition("Wall"));
+  const Contents expected = contents_of(*source);
+  reactor.on_saved = [this](Library&, const ObjectKey&) {
+    source.reset();
+    library.reset();
+  };
+  library->copyAll(source);
+  EXPECT_FALSE(library);
+  EXPECT_EQ(contents_of(*Library::open(path.c_str(), true)), expected);
+}
+
 TEST_F(CopyingWithinReactors, a_reactor_may_copy_what_the_running_save_has_written) {
   reactor.on_saved = [&](Library&, const ObjectKey& key) {
     if (key.type == ObjectType::Tag) source->copy(library, {key});

@@ -278,6 +278,34 @@ TEST_F(RemovalReactor, reading_sees_the_running_removal) {
   EXPECT_THAT(found, ElementsAre(true, false, false));
 }
 
+TEST_F(RemovalReactor, the_host_may_let_go_what_is_being_removed) {
+  auto selected = stored<Tag>("selected");
+  const std::weak_ptr<Tag> watched = selected;
+  reactor.on_removed = [&](Library&, const ObjectKey&) { selected.reset(); };
+
+  EXPECT_TRUE(library->remove(selected));
+
+  EXPECT_TRUE(watched.expired());
+  EXPECT_EQ(rows_in("Tag"), "0");
+}
+
+TEST_F(RemovalReactor, the_host_may_change_the_ids_and_keys_of_what_is_being_removed) {
+  const auto id = [this](const char* name) { return stored<Tag>(name)->id(); };
+  std::set<unsigned> ids = {id("one"), id("two"), id("three")};
+  std::set<ObjectKey> keys = {key_of<Tag>(id("four")), key_of<Tag>(id("five"))};
+  reactor.on_removed = [&](Library&, const ObjectKey& key) {
+    ids.erase(key.id);
+    keys.erase(key);
+  };
+
+  library->remove<Tag>(ids);
+  library->remove(keys);
+
+  EXPECT_THAT(ids, IsEmpty());
+  EXPECT_THAT(keys, IsEmpty());
+  EXPECT_EQ(rows_in("Tag"), "0");
+}
+
 TEST_F(RemovalReactor, all_ways_of_reading_work_within) {
   library->save(full_composition("Wall"));
   const auto tag = stored<Tag>("one");
