@@ -36,10 +36,12 @@ namespace veldra {
 /// `veldra::Exception` out of removal, purging and the setters of `Library`. A file that another
 /// process holds is waited for up to 5 seconds; then reading, saving and copying throw
 /// `odb::timeout`. Text that is not UTF-8 in the file, or not UTF-16 in an object, raises the
-/// exceptions of utf8-cpp. After a throw the file is as it was, and so is every object in memory.
+/// exceptions of utf8-cpp. After a throw the file is as it was, and so is every object in memory,
+/// unless the reactor threw when all was done (`Reactor`) or the function says otherwise.
 ///
 /// Thread rule: a library and its objects are used from one thread at a time; different libraries
-/// may be used in different threads.
+/// may be used in different threads, but `create` and `open` are called from one thread at a time,
+/// whatever the file. Copying, and saving an object of another library, use that library as well.
 class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
  public:
   /// What a library tells its host, and asks it. Override what is of interest.
@@ -47,17 +49,24 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// `resolveNameConflict`, `objectSaved`, `mayRemove` and `objectRemoved` are called within the
   /// transaction of the operation. Reading from the same library is allowed there and sees what
   /// the operation has done so far, and so is anything on other libraries; starting a write on the
-  /// same library throws `odb::already_in_transaction`. `typeChanged` and `libraryChanged` are
-  /// called when the operation has ended, also when it failed; there everything is allowed.
+  /// same library throws `odb::already_in_transaction`. What one of the four throws ends the
+  /// operation and reaches its caller.
   ///
-  /// An exception that a reactor throws ends the operation and reaches its caller.
+  /// `typeChanged` and `libraryChanged` are called when the operation has ended, also when the
+  /// changes were taken back; there everything is allowed. What they throw reaches the caller too,
+  /// but what was done stays, and the calls still to come are left out. It is dropped when the
+  /// operation had failed, or the transaction was rolled back.
   class VELDRA_EXPORT Reactor {
    public:
     /// The answers to a name that is taken.
     enum Decision : int {
-      UseExisting = 1,  ///< the stored object stands for the one that was to be saved
-      Overwrite = 2,    ///< the stored object gets the values of the one that was to be saved
-      Rename = 3        ///< the object is saved under the name as it was changed
+      /// The object takes the id and the values of the stored one; its own values are lost.
+      UseExisting = 1,
+      /// The object takes the id of the stored one and overwrites it. If it had an id, what is
+      /// stored under that stays as it is.
+      Overwrite = 2,
+      /// The object is saved under the name as it was changed.
+      Rename = 3
     };
 
     virtual ~Reactor() = 0;
@@ -67,13 +76,15 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     /// end. By default throws `ObjectNotUnique`.
     virtual int resolveNameConflict(Library& library, ObjectType type, String& name);
 
-    /// Told of each object that was inserted or updated.
+    /// Told of each object that was inserted or updated; taken back if the operation fails later.
     virtual void objectSaved(Library& library, const ObjectKey& key);
 
-    /// Asked before each removal; anything but 0 refuses it. By default returns 0.
+    /// Asked before each removal, also of an object that is in use or not there; anything but 0
+    /// refuses it. By default returns 0.
     virtual int mayRemove(Library& library, const ObjectKey& key);
 
-    /// Told of each object that was removed.
+    /// Told of each object that was deleted, before that is committed. Then it may still turn out
+    /// that something refers to the object: it stays, as the operation's result or exception says.
     virtual void objectRemoved(Library& library, const ObjectKey& key);
 
     /// Told once at the end of an operation that changed something, after `typeChanged`.
@@ -86,7 +97,8 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     virtual void reserved();
   };
 
-  /// Opens the library in the file `filename`; a missing or empty file becomes a new library.
+  /// Opens the library in the file `filename`; a missing or empty file becomes a new library. A
+  /// database that does not say its version counts as empty, and loses tables of the same names.
   ///
   /// A new library has the unit, no locale, no region, and thirteen material types, whose names
   /// the host may translate (`Translations`). Its GUID is `guid` if that is the text of one; a
@@ -100,14 +112,15 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// be opened or is no database (`odb::sqlite::database_exception`) or has an unknown version
   /// (`odb::unknown_schema_version`); when it is held by others (`odb::timeout`); when it does not
   /// say what library it is (`odb::object_not_persistent`). The file is then as it was, and a new
-  /// one remains empty.
+  /// one remains empty, unless only the reading at the end failed, as for a file that does not say
+  /// what library it is: then it is new, or of the current version, already.
   static std::shared_ptr<Library> create(const String& filename, Unit unit, const String& guid);
 
   /// Opens the library in the existing file `filename`; an empty file becomes a new library in
   /// millimetres with a random GUID. Throws as `create` does, also when there is no such file.
   ///
-  /// With `readOnly` the library refuses all changes. A file of an older version is brought to the
-  /// current one all the same, so it must be writable.
+  /// With `readOnly` the library refuses all changes. An empty file becomes a new library and one
+  /// of an older version is brought to the current one all the same, so these must be writable.
   static std::shared_ptr<Library> open(const String& filename, bool readOnly);
 
   Library(const Library&) = delete;
@@ -120,7 +133,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// The identity of the library: 36 characters, hexadecimal in lower case with hyphens.
   const String& guid() const noexcept;
 
-  /// The unit of all lengths in the library. It never changes.
+  /// The unit of all thicknesses in the library. It never changes.
   Unit unit() const noexcept;
 
   /// The locale of the texts in the library, and the region that it is meant for. As read when the
@@ -128,11 +141,14 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   const String& locale() const noexcept;
   const String& region() const noexcept;
 
-  /// Sets the value and writes it to the file at once.
+  /// Sets the value and writes both to the file at once, as this handle knows them: what another
+  /// handle has set since is overwritten. The reactor is not told.
   ///
   /// Throws `LibraryReadOnly`, `ObjectInUse` when a constraint of the file forbids it,
-  /// `ObjectNotFound` when the file does not say any more what library it is, and `UnknownError`
-  /// for any other failure. The file is then as it was, while this handle keeps the new value.
+  /// `ObjectNotFound` when the file does not say any more what library it is,
+  /// `odb::already_in_transaction` within an operation's call of the reactor, `utf8::invalid_utf16`
+  /// for text that is not UTF-16, and `UnknownError` for any other failure of the database. The
+  /// file is then as it was, while this handle keeps the new value.
   void locale(const String& locale);
   void region(const String& region);
 
@@ -168,7 +184,8 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   //
   // Throw odb::exception and the exceptions of utf8-cpp, and then leave `out` as it was.
 
-  /// The object with that id or name; empty when there is none, and for id 0 or an empty name.
+  /// The object with that id or name; empty when there is none, and for id 0 or an empty name. Of
+  /// several custom properties of one name, for different kinds, it gives any.
   template <class T>
   std::shared_ptr<T> get(unsigned id) const;
   template <class T>
@@ -201,8 +218,9 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
 
   // Saving.
 
-  /// Saves a dirty object, and first what it refers to, in one transaction; an object that is not
-  /// dirty is left alone with all that it refers to.
+  /// Saves an object, and first what it refers to, in one transaction. One that belongs to no
+  /// library, or to this one, and is not dirty is left alone with all that it refers to; one of
+  /// another library is copied, dirty or not.
   ///
   /// An object that belongs to no library, or to this one, is saved itself: it is inserted when
   /// its id is 0 and updated otherwise, belongs to this library and is clean afterwards, and is
@@ -211,9 +229,10 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// properties and materials that it refers to; assets are not saved, and a reference to an asset
   /// of another library is dropped.
   ///
-  /// A tag, material type, drawing layer or custom property whose name is taken becomes the stored
-  /// object of that name. For a material or composition the reactor decides. A material without a
-  /// type gets the type "Generic". A tag that has an id is never written again.
+  /// A new tag, material type, drawing layer or custom property whose name is taken becomes the
+  /// stored object of that name; one that has an id is refused (`ObjectNotUnique`). For a material
+  /// or composition the reactor decides. A material without a type gets the type "Generic". A tag
+  /// that has an id is never written again.
   ///
   /// Returns empty for an empty pointer.
   ///
@@ -221,13 +240,17 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// reactor did not decide otherwise, `ObjectNotFound` when an object with an id is not in the
   /// file any more, what the reactor throws, and `odb::exception` for all else; among them
   /// `odb::sqlite::database_exception` for a read-only library. After a throw the file and all
-  /// objects are as they were.
+  /// objects are as they were, unless it came from `typeChanged` or `libraryChanged`.
   template <class T>
   std::shared_ptr<T> save(const std::shared_ptr<T>& object);
 
-  /// The same with a mapping: an object of another library that is in the mapping is not saved
-  /// again, and the object that stands for it is read and returned. All that is saved is entered.
-  /// Entries stay when the call throws, and may then name ids that were taken back.
+  /// The same with a mapping into this library, which is not checked. An object of another library
+  /// that is in the mapping is not saved again: the object that stands for it is read and returned,
+  /// empty when it is gone by now; a reference to one that is gone throws `ObjectNotFound`.
+  ///
+  /// All that is saved is entered, what belongs to no library under a null library and its id, so
+  /// that all new objects of a kind share the key with id 0. Entries stay when the call throws, and
+  /// may then name ids that were taken back.
   template <class T>
   std::shared_ptr<T> save(const std::shared_ptr<T>& object, IdMapping& mapping);
 
@@ -239,7 +262,10 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   // removed.
 
   /// Removes one object. Returns false when the reactor refused, or `object` is empty. The object
-  /// in memory keeps its id and belongs to no library any more.
+  /// in memory keeps its id and belongs to no library any more. To store it again, save its
+  /// `clone()`: saving the object itself writes nothing while it is clean, and throws
+  /// `ObjectNotFound` when it is dirty.
+  ///
   /// Throws `ObjectInUse` when another object refers to it; `ObjectNotFound` also when the object
   /// belongs to another library.
   template <class T>
@@ -259,7 +285,12 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   void remove(const std::set<ObjectKey>& keys, std::map<ObjectKey, bool>& result);
   void remove(const std::set<ObjectKey>& keys);
 
-  /// Removes every object of the kind, of the kinds, or of all six kinds that nothing refers to.
+  /// Removes every object of the kind, of the kinds, or of all six kinds that nothing refers to,
+  /// kind by kind in the order above. `result` gets an entry for each object of these kinds.
+  ///
+  /// Nothing ever refers to a composition, so purging compositions removes all of them, and
+  /// `purge()` with them all that only they used: of the six kinds it leaves nothing but what the
+  /// reactor keeps, what that refers to, and the tags of assets.
   template <class T>
   void purge(std::map<ObjectKey, bool>& result);
   template <class T>
@@ -270,11 +301,11 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   void purge();
 
   // Copying, called on the destination. Saves objects of `source` here by the rules of `save`, in
-  // one transaction: what they refer to comes along, lengths are converted to the unit of this
+  // one transaction: what they refer to comes along, thicknesses are converted to the unit of this
   // library, and the reactor of this library decides about names that are taken. The source is
   // only read. An empty source, and ids that it does not have, copy nothing.
   //
-  // Throw as `save` does; then nothing of the copy stays.
+  // Throw as `save` does; then nothing of the copy stays, but for the same exception.
 
   template <class T>
   void copy(const std::shared_ptr<const Library>& source, const std::set<unsigned>& ids,
@@ -305,9 +336,12 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   ///
   /// While it lasts, every operation on the handle is a part of it. Each is still done in full or
   /// not at all, so that a host may catch what an operation throws and go on with others, and sees
-  /// what the former ones have done. Others, also other handles on the same file, see the file as
-  /// it was and wait when they want to write; so keep it short. `typeChanged` and `libraryChanged`
-  /// are called once, at its end, also when it is rolled back. It keeps the library open.
+  /// what the former ones have done. `typeChanged` and `libraryChanged` are called once, at its
+  /// end, also when it is rolled back. It keeps the library open.
+  ///
+  /// Others, also other handles on the same file, see the file as it was and wait when they want to
+  /// write. While it commits, and from when its changes outgrow SQLite's cache of 2 megabytes, they
+  /// wait for reading as well; after 5 seconds they get `odb::timeout`. So keep it short.
   ///
   /// Rolled back, the file is as it was before. So are the library's locale and region, and the
   /// id, the library and the dirty flag of each object that was saved or removed within the

@@ -7,7 +7,8 @@
 namespace veldra {
 
 /// The host's translations of the texts that the library writes into files: the names of the
-/// material types of a new library.
+/// material types of a new library, and the type "Generic" of a material that is saved without
+/// one. So with a provider of another language than the file's such a material adds a type to it.
 ///
 ///     class German : public veldra::Translations {
 ///      public:
@@ -18,7 +19,7 @@ namespace veldra {
 ///       }
 ///     };
 ///     German german;
-///     veldra::Translations::set(&german);   // before libraries are created
+///     veldra::Translations::set(&german);   // before libraries are used
 class VELDRA_EXPORT Translations {
  public:
   virtual ~Translations();
@@ -32,7 +33,8 @@ class VELDRA_EXPORT Translations {
 
   /// Makes `provider` the one that is asked from now on, in the whole process; null means that
   /// texts stay as they are, which is so at the start. The provider stays the host's and must
-  /// live until it is replaced. Not synchronised: call it before libraries are used.
+  /// live until it is replaced. Not synchronised: call it before libraries are used. The provider
+  /// is asked in each thread that uses a library.
   static void set(Translations* provider);
 
   /// The provider that was set last; null for none.
