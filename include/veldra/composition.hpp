@@ -40,8 +40,8 @@ namespace veldra {
 ///     wall->first_core_layer(1);
 ///     wall->save(library);   // saves the materials as well
 ///
-/// Lengths are in the unit of the composition's library. Setters mark the composition dirty when
-/// the value differs, unless they say that they always do.
+/// Thicknesses are in the unit of the composition's library. Setters mark the composition dirty
+/// when the value differs, unless they say that they always do.
 class VELDRA_EXPORT Composition : public Object<Composition>,
                                   public Saveable<Composition>,
                                   public Tagged<Composition>,
@@ -143,23 +143,27 @@ class VELDRA_EXPORT Composition : public Object<Composition>,
   void appendLayer(const Layer& layer);
 
   /// Inserts a layer before the one at `index` and moves the indices that are at or behind it.
-  /// Inserting at or before a core of one layer makes the core two layers deep. Marks the
-  /// composition dirty.
+  /// Inserting at or before a core of one layer makes the core two layers deep. Inserting at or
+  /// before a core whose first layer is the structural one can make another layer structural: set
+  /// it again. Marks the composition dirty.
   ///
   /// Throws `std::out_of_range` for `index > layers().size()`, before anything is changed; and as
   /// `structural_layer` does.
   void insertLayer(std::uint64_t index, const Layer& layer);
 
   /// Moves the layer at `from` so that it stands at `to`, or at the end when `to` is beyond it,
-  /// and the indices with it. Marks the composition dirty.
+  /// and the indices with it; the index of a variable layer that is moved becomes `to` as it is,
+  /// also beyond the end. Marks the composition dirty.
   ///
   /// Throws `std::out_of_range` for `from >= layers().size()`: then nothing but the dirty mark has
   /// changed; and as `structural_layer` does.
   void moveLayer(std::uint64_t from, std::uint64_t to);
 
   /// Removes the layer at `index` and moves the indices behind it; a removed variable layer is
-  /// cleared. Removing the first core layer leaves `first_core_layer` where it is. Marks the
-  /// composition dirty.
+  /// cleared. Removing the first core layer leaves `first_core_layer` where it is; removing
+  /// the last one, or the structural layer, sets that index to one less (from 0 to 4294967295) by
+  /// the rules of the setters below. Removing a layer before a structural one that is the last core
+  /// layer can make another layer structural: set it again. Marks the composition dirty.
   ///
   /// Throws `std::out_of_range` for `index >= layers().size()`, before anything is changed; and as
   /// `structural_layer` does.

@@ -21,7 +21,8 @@ class VELDRA_EXPORT CustomProperty : public Object<CustomProperty>,
 
   using Object<CustomProperty>::name;
 
-  /// Renames it; marks it dirty when the name differs.
+  /// Renames it; marks it dirty when the name differs. Not while an object in memory has a value of
+  /// it by this very pointer: values are ordered by the names. Read another handle to rename it.
   void name(const String& name);
 
   /// The kind of object that the property is for.
@@ -53,6 +54,7 @@ class VELDRA_EXPORT CustomProperty : public Object<CustomProperty>,
 /// equality looks at the kind of object as well. The difference is deliberate.
 class VELDRA_EXPORT CustomPropertyKey {
  public:
+  /// `property` must not be null.
   CustomPropertyKey(const std::shared_ptr<const CustomProperty>& property);
   CustomPropertyKey(const CustomPropertyKey& other);
   CustomPropertyKey& operator=(const CustomPropertyKey& other);

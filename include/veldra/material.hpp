@@ -22,11 +22,14 @@ namespace veldra {
 ///     oak->custom_value("Fire class", "D-s2,d0");
 ///     oak->save(library);
 ///
-/// Lengths are in the unit of the material's library. Setters mark the material dirty when the
-/// value differs; references (`type`, `cut_layer` and the assets) differ when they point to
-/// another object, whatever its contents. Getters and setters throw nothing but `std::bad_alloc`,
-/// and the custom values what `CustomValued` says. They take any number, but a material with NaN
-/// in a colour, a pattern or the alignment cannot be saved, and a thickness of NaN is not stored.
+/// Thicknesses are in the unit of the material's library. The scale, angle and alignment of
+/// patterns are in units of the host's and are never converted.
+///
+/// Setters mark the material dirty when the value differs; references (`type`, `cut_layer` and the
+/// assets) differ when they point to another object, whatever its contents. Getters and setters
+/// throw nothing but `std::bad_alloc`, and the custom values what `CustomValued` says. They take
+/// any number, but a material with NaN in a colour, a pattern or the alignment cannot be saved, and
+/// a thickness of NaN is not stored.
 class VELDRA_EXPORT Material : public Object<Material>,
                                public Saveable<Material>,
                                public Tagged<Material>,

@@ -52,8 +52,8 @@ struct Pattern {
 
   Type type = Type::None;
   String name;
-  double scale = 1.0;
-  double angle = 0.0;
+  double scale = 1.0;  ///< in the host's unit, never converted
+  double angle = 0.0;  ///< in the host's unit; the program `veldra` draws degrees
   bool cross = false;  ///< hatched both ways
 
   Pattern() = default;
@@ -74,7 +74,7 @@ struct Pattern {
   bool operator!=(const Pattern& other) const { return !(*this == other); }
 };
 
-/// The unit of the lengths of a library. Stored in files, never renumber.
+/// The unit of the thicknesses in a library. Stored in files, never renumber.
 enum class Unit : int { Inches = 0, Millimetres = 1 };
 
 /// The kinds of objects. Stored in files, never renumber.
