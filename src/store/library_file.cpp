@@ -168,6 +168,7 @@ LibraryFile open(const std::string& name, FileAccess access, Unit unit, const St
   }
   file.version = current_version();
   file.meta = load_meta(*file.database);
+  require_ended(*file.database);  // a library that nobody uses must not hold a lock
   return file;
 }
 

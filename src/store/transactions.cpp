@@ -5,6 +5,8 @@
 
 #include <sqlite3.h>
 
+#include <new>
+
 namespace veldra {
 
 SetAsideTransaction::SetAsideTransaction()
@@ -32,6 +34,10 @@ bool is_running(Database& database) {
 void end_what_is_left(Database& database) noexcept {
   if (!is_running(database)) return;
   sqlite3_exec(database.connection_in_use().handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void require_ended(Database& database) {
+  if (is_running(database)) throw std::bad_alloc();
 }
 
 namespace {

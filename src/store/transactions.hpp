@@ -26,6 +26,9 @@ class SetAsideTransaction {
 /// within the transaction for ever.
 void end_what_is_left(Database& database) noexcept;
 
+/// Throws `std::bad_alloc` when a transaction has ended and is still there: even that has failed.
+void require_ended(Database& database);
+
 /// A transaction that the host holds over several operations: what reads is a part of it, what
 /// writes is nested in it. Rolled back at the end unless committed.
 class HeldTransaction {
