@@ -5,6 +5,7 @@ namespace veldra_tests {
 
 /// Counts allocations while it is armed, and fails one of them, or all from that one on.
 struct FailingAllocation {
+  long long blocks = 0;  ///< that are taken and not given back, armed or not
   bool armed = false;
   bool fired = false;
   unsigned count = 0;
@@ -12,7 +13,11 @@ struct FailingAllocation {
   bool persistent = false;
 
   void arm(unsigned failing, bool all_from_there) {
-    *this = {true, false, 0, failing, all_from_there};
+    armed = true;
+    fired = false;
+    count = 0;
+    point = failing;
+    persistent = all_from_there;
   }
   void disarm() { armed = false; }
 

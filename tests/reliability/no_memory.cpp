@@ -38,4 +38,6 @@ bool allocator_of_sqlite_is_replaced() { return allocator_of_sqlite == SQLITE_OK
 
 std::string NoMemory::vfs() const { return FaultVfs::name_of(""); }
 
+long long NoMemory::memory_taken() const { return failing_new.blocks + sqlite3_memory_used(); }
+
 }  // namespace veldra_tests

@@ -24,6 +24,7 @@ class NoMemory : public Faults {
   unsigned points() const override { return allocation_.count; }
   std::string vfs() const override;
   bool of_memory() const override { return true; }
+  long long memory_taken() const override;
 
  private:
   FailingAllocation& allocation_;

@@ -297,11 +297,11 @@ std::vector<Operation> removing() {
       remove_one<Material>("remove a material", "spare material"),
       remove_one<Composition>("remove a composition", "spare composition"),
       {"remove an object", Kind::Removing, Start::Current, find_spare_composition, remove_object},
-      {"remove ids", Kind::Removing, Start::Current, choose_tags, remove_ids},
-      {"remove keys", Kind::Removing, Start::Current, choose_keys, remove_keys},
-      {"purge a kind", Kind::Removing, Start::Current, nothing, purge_layers},
-      {"purge kinds", Kind::Removing, Start::Current, nothing, purge_kinds},
-      {"purge", Kind::Removing, Start::Current, nothing, purge_all},
+      {"remove ids", Kind::RemovingSeveral, Start::Current, choose_tags, remove_ids},
+      {"remove keys", Kind::RemovingSeveral, Start::Current, choose_keys, remove_keys},
+      {"purge a kind", Kind::Purging, Start::Current, nothing, purge_layers},
+      {"purge kinds", Kind::Purging, Start::Current, nothing, purge_kinds},
+      {"purge", Kind::Purging, Start::Current, nothing, purge_all},
   };
 }
 

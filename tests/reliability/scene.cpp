@@ -4,6 +4,7 @@
 #include "support/catalogues.hpp"
 #include "support/database.hpp"
 #include "support/description.hpp"
+#include "support/recording_reactor.hpp"
 #include "support/rows.hpp"
 
 namespace veldra_tests {
@@ -99,6 +100,16 @@ void describe(std::string& text, const std::shared_ptr<T>& object) {
 }
 
 template <class T>
+void identify(std::string& text, const Scene& scene, const std::shared_ptr<T>& object) {
+  if (!object) return;
+  text += kind_name(veldra::ObjectTraits<T>::type) + " " + std::to_string(object->id());
+  if (object->isDirty()) text += ", dirty";
+  if (object->library() == nullptr) text += ", of no library";
+  if (object->library() == scene.source) text += ", of the source";
+  text += "\n";
+}
+
+template <class T>
 void describe_values(std::string& text, const std::vector<std::shared_ptr<T>>& objects) {
   for (const auto& object : objects) text += values_of(object);
 }
@@ -163,6 +174,17 @@ std::string Scene::objects_state() const {
   describe(text, objects.property);
   describe(text, objects.material);
   describe(text, objects.composition);
+  return text;
+}
+
+std::string Scene::identities() const {
+  std::string text;
+  identify(text, *this, objects.tag);
+  identify(text, *this, objects.layer);
+  identify(text, *this, objects.type);
+  identify(text, *this, objects.property);
+  identify(text, *this, objects.material);
+  identify(text, *this, objects.composition);
   return text;
 }
 

@@ -75,6 +75,9 @@ class Scene {
   /// All values and identities of the objects in memory.
   std::string objects_state() const;
 
+  /// The id of each of them, whether it is dirty and whose it is; the same in every scene.
+  std::string identities() const;
+
   /// What the handle says of the library's locale and region; empty when there is none.
   std::string settings() const;
 
@@ -124,8 +127,10 @@ struct Operation {
     Reading,
     Writing,   ///< in one transaction
     Holding,   ///< several operations in one transaction of the host, which sets the region too
-    Removing,  ///< in as many transactions as there are objects
-    Setting    ///< of the metadata, which the handle keeps also when writing them fails
+    Removing,  ///< in one transaction
+    RemovingSeveral,  ///< in as many transactions as there are objects
+    Purging,          ///< the same, of all objects that nothing refers to
+    Setting           ///< of the metadata, which the handle keeps also when writing them fails
   };
 
   const char* name;

@@ -26,6 +26,9 @@ class Faults {
 
   /// Whether `std::bad_alloc` is an answer.
   virtual bool of_memory() const = 0;
+
+  /// A number that is the same whenever the same memory is taken; 0 if nobody counts.
+  virtual long long memory_taken() const { return 0; }
 };
 
 /// Lets faults happen for as long as it lives; no longer than an exception needs to leave.
@@ -45,8 +48,9 @@ struct Reference {
   explicit Reference(const Operation& operation);
 
   std::vector<std::string>
-      states;         ///< of the file: the old one, those between objects, the new one
-  std::string found;  ///< what was read
+      states;              ///< of the file: the old one, those between objects, the new one
+  std::string found;       ///< what was read
+  std::string identities;  ///< of the objects in memory
 
   const std::string& before() const { return states.front(); }
   const std::string& after() const { return states.back(); }
@@ -57,6 +61,9 @@ bool opens(const Operation& operation);
 
 /// Brings a scene to where its operation begins.
 void set_up(Scene& scene, const Operation& operation);
+
+/// Expects that nobody holds a lock on either file.
+void expect_unlocked(const Scene& scene);
 
 /// Expects that SQLite finds nothing wrong with the file, and that it is a library or empty.
 void expect_sane(const Scene& scene, Start start);
@@ -71,11 +78,14 @@ class Sweep {
   ///
   ///  - what was thrown is documented, and nothing takes longer than 10 seconds;
   ///  - the file passes SQLite's checks, and holds the new state if the call returned and the old
-  ///    one if it threw;
-  ///  - the objects in memory are as they were;
+  ///    one if it threw, or one between two objects when several are removed;
+  ///  - what was said of each removed object is true;
+  ///  - the objects in memory and the lists of what was read are as they were if it threw, and as
+  ///    without a fault if it returned;
+  ///  - nobody holds a lock;
   ///  - the same handle does the same operation, and others, with success;
   ///  - the kinds that changed were told once, in ascending order;
-  ///  - no file is left open, no journal is left over.
+  ///  - no file is left open, no journal is left over, and no memory.
   unsigned run(unsigned sample);
 
   /// The same with a fault at each of the last points.
@@ -83,9 +93,11 @@ class Sweep {
 
  private:
   bool run_at(unsigned point);
+  bool fail_at(unsigned point);
   void expect_documented(const Thrown& thrown) const;
   void expect_old_state(const Scene& scene) const;
   void expect_new_state(const Scene& scene) const;
+  void expect_true_results(const Scene& scene) const;
   void expect_told_in_order(const Scene& scene) const;
   void repeat(Scene& scene) const;
 

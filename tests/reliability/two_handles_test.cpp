@@ -197,7 +197,8 @@ std::vector<Operation> operations_of(std::initializer_list<Kind> kinds) {
 
 // Those that have a reactor to be interrupted by.
 std::vector<Operation> interrupted_operations() {
-  return operations_of({Kind::Writing, Kind::Holding, Kind::Removing});
+  return operations_of(
+      {Kind::Writing, Kind::Holding, Kind::Removing, Kind::RemovingSeveral, Kind::Purging});
 }
 
 // Runs an operation, and within its transaction another one on a second handle. What the second one
