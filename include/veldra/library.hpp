@@ -35,9 +35,10 @@ namespace veldra {
 /// `std::exception`) out of opening, reading, saving and copying, and translated into
 /// `veldra::Exception` out of removal, purging and the setters of `Library`. A file that another
 /// process holds is waited for up to 5 seconds; then reading, saving and copying throw
-/// `odb::timeout`. Text that is not UTF-8 in the file, or not UTF-16 in an object, raises the
-/// exceptions of utf8-cpp. After a throw the file is as it was, and so is every object in memory,
-/// unless the reactor threw when all was done (`Reactor`) or the function says otherwise.
+/// `odb::timeout`. Text that is not UTF-8 in the file, or not UTF-16 in an object or in the name of
+/// a file, raises the exceptions of utf8-cpp. After a throw the file is as it was, and so is every
+/// object in memory, unless the reactor threw when all was done (`Reactor`) or the function says
+/// otherwise.
 ///
 /// Thread rule: a library and its objects are used from one thread at a time; different libraries
 /// may be used in different threads, but `create` and `open` are called from one thread at a time,
@@ -49,8 +50,9 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// `resolveNameConflict`, `objectSaved`, `mayRemove` and `objectRemoved` are called within the
   /// transaction of the operation. Reading from the same library is allowed there and sees what
   /// the operation has done so far, and so is anything on other libraries; starting a write on the
-  /// same library throws `odb::already_in_transaction`. What one of the four throws ends the
-  /// operation and reaches its caller.
+  /// same library throws `odb::already_in_transaction`. The host may let go there what it passed to
+  /// the operation, but must not change an object that is being saved. What one of the four throws
+  /// ends the operation and reaches its caller.
   ///
   /// `typeChanged` and `libraryChanged` are called when the operation has ended, also when the
   /// changes were taken back; there everything is allowed. What they throw reaches the caller too,
@@ -174,7 +176,8 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   ///     library->check(findings);
   ///     for (const auto& finding : findings) std::cerr << finding.utf8() << "\n";
   ///
-  /// Throws `odb::exception` when the file cannot be read, and then leaves `findings` as it was.
+  /// What cannot be read of the file is told of as damage, or `odb::exception` is thrown; then
+  /// `findings` is as it was.
   void check(std::vector<String>& findings) const;
 
   // Reading. Objects that are read belong to this library and are clean. Lists append to `out`,
@@ -249,8 +252,9 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// empty when it is gone by now; a reference to one that is gone throws `ObjectNotFound`.
   ///
   /// All that is saved is entered, what belongs to no library under a null library and its id, so
-  /// that all new objects of a kind share the key with id 0. Entries stay when the call throws, and
-  /// may then name ids that were taken back.
+  /// that all new objects of a kind share the key with id 0. Entries stay when the call throws, or
+  /// its transaction is rolled back, but their ids may be given to other objects then: go on with a
+  /// mapping as it was before.
   template <class T>
   std::shared_ptr<T> save(const std::shared_ptr<T>& object, IdMapping& mapping);
 
@@ -267,7 +271,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// `ObjectNotFound` when it is dirty.
   ///
   /// Throws `ObjectInUse` when another object refers to it; `ObjectNotFound` also when the object
-  /// belongs to another library.
+  /// belongs to another library. One whose library was closed goes by its id (`Object::id`).
   template <class T>
   bool remove(const std::shared_ptr<T>& object);
   template <class T>
@@ -305,7 +309,8 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   // library, and the reactor of this library decides about names that are taken. The source is
   // only read. An empty source, and ids that it does not have, copy nothing.
   //
-  // Throw as `save` does; then nothing of the copy stays, but for the same exception.
+  // Throw as `save` does; then nothing of the copy stays, but for the same exception, and the
+  // mapping is to be replaced as there.
 
   template <class T>
   void copy(const std::shared_ptr<const Library>& source, const std::set<unsigned>& ids,

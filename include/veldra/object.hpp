@@ -43,12 +43,12 @@ class VELDRA_EXPORT Object : public std::enable_shared_from_this<T> {
 
   /// The key of the object within its library; 0 while it was never saved.
   ///
-  /// An object whose library was closed keeps its id, and so does all that it refers to; saving
-  /// goes by these ids. That is right for the same file opened again and wrong for any other, where
-  /// they are ids of other objects or of none. The way into another file is to save the object
-  /// there while its own library is open. Later it takes a `clone()` in which all that it refers
-  /// to, and shares with the object, is replaced by clones too, and assets are cleared; thicknesses
-  /// are not converted then.
+  /// An object whose library was closed keeps its id, and so does all that it refers to; saving and
+  /// removing go by these ids. That is right for the same file opened again and wrong for any
+  /// other, where they are ids of other objects or of none. The way into another file is to save
+  /// the object there while its own library is open. Later it takes a `clone()` in which all that
+  /// it refers to, and shares with the object, is replaced by clones too, and assets are cleared;
+  /// thicknesses are not converted then.
   unsigned id() const noexcept;
 
   const String& name() const noexcept;

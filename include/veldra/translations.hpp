@@ -27,7 +27,8 @@ class VELDRA_EXPORT Translations {
   /// Writes the translation of `source` into `translation`, which is empty at the call, and
   /// returns true; or returns false, and `source` is used as it is.
   ///
-  /// The library passes a null `context` and a `count` of 0.
+  /// The library passes a null `context` and a `count` of 0. What it throws ends the operation that
+  /// asked, and reaches its caller.
   virtual bool translate(String& translation, const String& source, const char* context,
                          int count) = 0;
 
