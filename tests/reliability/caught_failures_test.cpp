@@ -38,6 +38,10 @@ void prepare(Scene& scene) {
   scene.ids = {scene.source->get<Composition>("Roof")->id()};
 }
 
+constexpr Operation::Kind kinds[number_of_steps] = {
+    Operation::Kind::Writing, Operation::Kind::Writing, Operation::Kind::Removing,
+    Operation::Kind::Writing, Operation::Kind::Setting};
+
 // None of them needs what another one does.
 void do_step(Scene& scene, std::size_t number) {
   Library& library = *scene.library;
@@ -104,6 +108,7 @@ class CaughtFailures {
       transaction.commit();
     });
     const bool committed = thrown.type.empty();
+    if (!committed) expect_documented(Operation::Kind::Writing, thrown);
     if (committed && !done.all()) ++committed_in_part_;
     expect_done(scene, committed ? done : Steps(), before);
     // A setter that fails keeps its value in the handle, unless all is rolled back.
@@ -116,13 +121,19 @@ class CaughtFailures {
 
   /// A fault that lasts ends with the step that it makes fail.
   bool works(Scene& scene, std::size_t step) {
-    try {
-      do_step(scene, step);
-      return true;
-    } catch (...) {
-      faults_.disarm();
-      return false;
-    }
+    const Thrown thrown = thrown_by([&] { do_step(scene, step); });
+    if (thrown == "") return true;
+    faults_.disarm();
+    expect_documented(kinds[step], thrown);
+    return false;
+  }
+
+  /// A step that ended the transaction makes the following ones say so.
+  void expect_documented(Operation::Kind kind, const Thrown& thrown) const {
+    auto types = documented_exceptions(kind);
+    if (kind == Operation::Kind::Writing) types.push_back("odb::transaction_already_finalized");
+    if (faults_.of_memory()) types.push_back("std::bad_alloc");
+    EXPECT_THAT(types, testing::Contains(thrown.type)) << thrown;
   }
 
   using States = std::array<std::string, number_of_steps>;

@@ -61,7 +61,8 @@ int failed_expectations() {
   return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
 }
 
-/// What an error of the file may arrive as.
+}  // namespace
+
 std::vector<std::string> documented_exceptions(Kind kind) {
   const std::string translated = "veldra::UnknownError";
   const std::string as_it_is = "odb::sqlite::database_exception";
@@ -77,8 +78,6 @@ std::vector<std::string> documented_exceptions(Kind kind) {
       return {as_it_is};
   }
 }
-
-}  // namespace
 
 // The time of the processor finds what never ends, also on a busy machine; the other one finds what
 // waits for ever.

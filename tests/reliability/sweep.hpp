@@ -59,6 +59,9 @@ struct Reference {
 /// Whether the operation opens the library itself.
 bool opens(const Operation& operation);
 
+/// What an error of the file may arrive as out of operations of this kind.
+std::vector<std::string> documented_exceptions(Operation::Kind kind);
+
 /// Brings a scene to where its operation begins.
 void set_up(Scene& scene, const Operation& operation);
 
