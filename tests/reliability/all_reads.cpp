@@ -1,6 +1,7 @@
 #include "reliability/all_reads.hpp"
 
 #include "support/builders.hpp"
+#include "support/database.hpp"
 #include "support/description.hpp"
 
 #include <algorithm>
@@ -149,6 +150,18 @@ std::vector<ReadResult> write_everything(Library& library) {
   calls("save a tag", [&] { library.save(named<Tag>("probe")); });
   library.setReactor(nullptr);
   return calls.results();
+}
+
+bool counts_as_empty(const std::string& path) {
+  bool has_version = false;
+  const Thrown thrown = thrown_by([&] {
+    PlainDatabase database(path);
+    const Rows tables =
+        database.query("SELECT 1 FROM sqlite_master WHERE name='schema_version' COLLATE NOCASE");
+    has_version =
+        !tables.empty() && !database.query("SELECT 1 FROM schema_version WHERE name=''").empty();
+  });
+  return thrown == "" && !has_version;
 }
 
 bool is_documented_for_reading(const Thrown& thrown) {

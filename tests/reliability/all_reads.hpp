@@ -20,6 +20,10 @@ struct ReadResult {
 /// and copies, compares and describes it.
 std::vector<ReadResult> read_everything(const veldra::Library& library);
 
+/// Whether a file has no row by which it is known as a library. It counts as an empty one then, and
+/// becomes a new library when it is opened.
+bool counts_as_empty(const std::string& path);
+
 /// Whether a read of a file that others have changed may throw this.
 bool is_documented_for_reading(const Thrown& thrown);
 
