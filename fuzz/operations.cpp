@@ -1,5 +1,6 @@
 // The input is a sequence of operations on two libraries, which are compared with a plain model in
-// memory after each step: names, texts and references, by ids.
+// memory after each step: tags, layers, materials and compositions by their names, with comments
+// and references, also within a transaction that is kept or rolled back.
 
 #include "reliability/fault_vfs.hpp"
 #include "support/database.hpp"
@@ -16,6 +17,7 @@
 
 namespace {
 
+using veldra::Composition;
 using veldra::Layer;
 using veldra::Library;
 using veldra::Material;
@@ -45,7 +47,7 @@ class Input {
   const std::uint8_t* end_;
 };
 
-// What a library must hold: tags, layers and materials, by name.
+// What a library must hold, by name.
 struct Model {
   struct MaterialModel {
     std::string comments;
@@ -56,12 +58,22 @@ struct Model {
     }
   };
 
+  struct CompositionModel {
+    std::string comments;
+    std::vector<std::string> materials;
+    bool operator==(const CompositionModel& other) const {
+      return comments == other.comments && materials == other.materials;
+    }
+  };
+
   std::set<std::string> tags;
   std::set<std::string> layers;
   std::map<std::string, MaterialModel> materials;
+  std::map<std::string, CompositionModel> compositions;
 
   bool operator==(const Model& other) const {
-    return tags == other.tags && layers == other.layers && materials == other.materials;
+    return tags == other.tags && layers == other.layers && materials == other.materials &&
+           compositions == other.compositions;
   }
 
   bool uses_tag(const std::string& tag) const {
@@ -80,25 +92,52 @@ struct Model {
     return false;
   }
 
+  bool uses_material(const std::string& material) const {
+    for (const auto& composition : compositions) {
+      for (const auto& name : composition.second.materials) {
+        if (name == material) return true;
+      }
+    }
+    return false;
+  }
+
   void save(const std::string& name, const MaterialModel& material) {
     materials[name] = material;
+    save_references(material);
+  }
+
+  void save_references(const MaterialModel& material) {
     tags.insert(material.tags.begin(), material.tags.end());
     if (!material.layer.empty()) layers.insert(material.layer);
   }
 
-  void purge() {
-    materials.clear();
-    tags.clear();
-    layers.clear();
+  // What a library has after it was copied here, and its objects have overwritten those of ours.
+  void merge(const Model& source) {
+    tags.insert(source.tags.begin(), source.tags.end());
+    layers.insert(source.layers.begin(), source.layers.end());
+    for (const auto& material : source.materials) materials[material.first] = material.second;
+    for (const auto& each : source.compositions) compositions[each.first] = each.second;
   }
 };
 
-// Decides as the model does: an object that is overwritten has the new values.
+std::string other_name(const std::string& name) { return name + "'"; }
+
+// Gives the same answer to every question.
 class Reactor : public Library::Reactor {
  public:
   int decision = Overwrite;
-  int resolveNameConflict(Library&, ObjectType, String&) override { return decision; }
+  int resolveNameConflict(Library&, ObjectType, String& name) override {
+    if (decision == Rename) name = other_name(name.utf8()).c_str();
+    return decision;
+  }
 };
+
+// The name under which a new object is to be found, when names are decided about so.
+template <class Objects>
+std::string saved_name(const Objects& stored, std::string name, int decision) {
+  while (decision == Library::Reactor::Rename && stored.count(name) != 0) name = other_name(name);
+  return name;
+}
 
 template <class T>
 std::set<std::string> names(const Library& library) {
@@ -125,6 +164,16 @@ Model read_model(const Library& library) {
     if (material->cut_layer()) values.layer = material->cut_layer()->name().utf8();
     model.materials[material->name().utf8()] = values;
   }
+  std::vector<std::shared_ptr<Composition>> compositions;
+  library.get<Composition>(compositions);
+  for (const auto& composition : compositions) {
+    Model::CompositionModel values;
+    values.comments = composition->comments().utf8();
+    for (const auto& layer : composition->layers()) {
+      values.materials.push_back(layer.material()->name().utf8());
+    }
+    model.compositions[composition->name().utf8()] = values;
+  }
   return model;
 }
 
@@ -136,6 +185,7 @@ class Pair {
   }
 
   void reopen() {
+    roll_back();
     library_.reset();
     library_ = Library::create(name_.c_str(), veldra::Unit::Millimetres, "");
     library_->setReactor(&reactor_);
@@ -151,20 +201,19 @@ class Pair {
     model_.layers.insert(name);
   }
 
-  void save_material(const std::string& name, Model::MaterialModel values, int decision) {
+  void save_material(const std::string& name, const Model::MaterialModel& values, int decision) {
     const auto material = Material::create(name.c_str());
     fill(*material, values);
-    reactor_.decision = decision;
-    const bool taken = model_.materials.count(name) != 0;
-    library_->save(material);
-    expect(material->id() != 0 && !material->isDirty(), "saved, but dirty or without an id");
-    if (taken && decision == Library::Reactor::UseExisting) {
-      // What the unused object refers to is saved all the same.
-      const auto stored = model_.materials[name];
-      model_.save(name, values);
-      values = stored;
-    }
-    model_.save(name, values);
+    save(material, model_.materials, values, decision);
+    // Also what an unused object refers to.
+    model_.save_references(values);
+  }
+
+  // Of the materials that there are.
+  void save_composition(const std::string& name, Model::CompositionModel values, int decision) {
+    const auto composition = Composition::create(name.c_str());
+    fill(*composition, values);
+    save(composition, model_.compositions, values, decision);
   }
 
   void change_material(const std::string& name, const Model::MaterialModel& values) {
@@ -178,8 +227,26 @@ class Pair {
     model_.save(name, values);
   }
 
-  template <class T>
-  void remove(const std::string& name, std::set<std::string>& of_model, bool in_use) {
+  // The first layer stays: a composition whose only layer goes has no core any more.
+  void change_composition(const std::string& name, Model::CompositionModel values) {
+    const auto composition = library_->get<Composition>(String(name.c_str()));
+    expect((composition != nullptr) == (model_.compositions.count(name) != 0),
+           "there or not there");
+    if (composition == nullptr) return;
+    while (composition->layers().size() > 1) {
+      composition->removeLayer(composition->layers().size() - 1);
+    }
+    fill(*composition, values);
+    library_->save(composition);
+    auto& stored = model_.compositions[name];
+    if (!stored.materials.empty()) {
+      values.materials.insert(values.materials.begin(), stored.materials.front());
+    }
+    stored = values;
+  }
+
+  template <class T, class Objects>
+  void remove(const std::string& name, Objects& of_model, bool in_use) {
     const auto object = library_->get<T>(String(name.c_str()));
     expect((object != nullptr) == (of_model.count(name) != 0), "there or not there");
     if (object == nullptr) return;
@@ -197,11 +264,11 @@ class Pair {
   }
 
   void remove_material(const std::string& name) {
-    const auto material = library_->get<Material>(String(name.c_str()));
-    expect((material != nullptr) == (model_.materials.count(name) != 0), "there or not there");
-    if (material == nullptr) return;
-    library_->remove(material);
-    model_.materials.erase(name);
+    remove<Material>(name, model_.materials, model_.uses_material(name));
+  }
+
+  void remove_composition(const std::string& name) {
+    remove<Composition>(name, model_.compositions, false);
   }
 
   void purge_tags_and_layers() {
@@ -211,27 +278,68 @@ class Pair {
 
   void purge() {
     library_->purge();
-    model_.purge();
+    model_ = Model();
   }
 
   // With every object; the reactor overwrites.
   void copy_all(const Pair& source) {
     reactor_.decision = Library::Reactor::Overwrite;
     library_->copyAll(source.library_);
-    model_.tags.insert(source.model_.tags.begin(), source.model_.tags.end());
-    model_.layers.insert(source.model_.layers.begin(), source.model_.layers.end());
-    for (const auto& material : source.model_.materials) {
-      model_.save(material.first, material.second);
+    model_.merge(source.model_);
+  }
+
+  // Begins a transaction; when there is one, it ends.
+  void begin_or_end(bool to_keep) {
+    if (transaction_ == nullptr) {
+      transaction_.reset(new Library::Transaction(*library_));
+      model_before_ = model_;
+      return;
     }
+    if (!to_keep) return roll_back();
+    transaction_->commit();
+    transaction_.reset();
   }
 
   void compare() const { expect(read_model(*library_) == model_, "the library is not its model"); }
 
  private:
+  template <class T, class Objects>
+  void save(const std::shared_ptr<T>& object, Objects& of_model,
+            const typename Objects::mapped_type& values, int decision) {
+    const std::string name = saved_name(of_model, object->name().utf8(), decision);
+    reactor_.decision = decision;
+    library_->save(object);
+    expect(object->id() != 0 && !object->isDirty(), "saved, but dirty or without an id");
+    if (decision == Library::Reactor::UseExisting) {
+      of_model.insert({name, values});
+    } else {
+      of_model[name] = values;
+    }
+  }
+
+  void roll_back() {
+    if (transaction_ == nullptr) return;
+    transaction_.reset();
+    model_ = model_before_;
+  }
+
   static void fill(Material& material, const Model::MaterialModel& values) {
     material.comments(values.comments.c_str());
     for (const auto& tag : values.tags) material.addTag(Tag::create(tag.c_str()));
     if (!values.layer.empty()) material.cut_layer(Layer::create(values.layer.c_str()));
+  }
+
+  // Takes materials out of the values that are not there.
+  void fill(Composition& composition, Model::CompositionModel& values) {
+    composition.comments(values.comments.c_str());
+    const auto wanted = std::move(values.materials);
+    values.materials.clear();
+    for (const auto& name : wanted) {
+      const auto material = library_->get<Material>(String(name.c_str()));
+      if (material == nullptr) continue;
+      composition.appendLayer(Composition::Layer(material, Material::Function::None, 1.0));
+      values.materials.push_back(name);
+    }
   }
 
   void keep_used() {
@@ -246,7 +354,9 @@ class Pair {
   std::string name_;
   Reactor reactor_;
   std::shared_ptr<Library> library_;
+  std::unique_ptr<Library::Transaction> transaction_;
   Model model_;
+  Model model_before_;  // as of the beginning of the transaction
 };
 
 Model::MaterialModel values_from(Input& input) {
@@ -257,8 +367,19 @@ Model::MaterialModel values_from(Input& input) {
   return values;
 }
 
+Model::CompositionModel composition_from(Input& input) {
+  Model::CompositionModel values;
+  values.comments = input.name();
+  for (unsigned count = input.next(4); count != 0; --count) {
+    values.materials.push_back(input.name());
+  }
+  return values;
+}
+
+int decision_from(Input& input) { return 1 + static_cast<int>(input.next(3)); }
+
 void step(Pair& library, const Pair& other, Input& input) {
-  switch (input.next(12)) {
+  switch (input.next(16)) {
     case 0:
       return library.save_tag(input.name());
     case 1:
@@ -266,7 +387,7 @@ void step(Pair& library, const Pair& other, Input& input) {
     case 2:
     case 3: {
       const std::string name = input.name();
-      const int decision = 1 + static_cast<int>(input.next(2));
+      const int decision = decision_from(input);
       return library.save_material(name, values_from(input), decision);
     }
     case 4:
@@ -284,8 +405,21 @@ void step(Pair& library, const Pair& other, Input& input) {
       return input.next(4) == 0 ? library.purge() : library.purge_tags_and_layers();
     case 10:
       return library.copy_all(other);
-    default:
+    case 11:
       return library.reopen();
+    case 12: {
+      const std::string name = input.name();
+      const int decision = decision_from(input);
+      return library.save_composition(name, composition_from(input), decision);
+    }
+    case 13: {
+      const std::string name = input.name();
+      return library.change_composition(name, composition_from(input));
+    }
+    case 14:
+      return library.remove_composition(input.name());
+    default:
+      return library.begin_or_end(input.next(2) == 0);
   }
 }
 
@@ -303,9 +437,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       left.compare();
       right.compare();
     }
+    for (Pair* library : {&left, &right}) {
+      library->reopen();
+      library->compare();
+    }
   });
   if (!(thrown == "")) std::cerr << thrown << std::endl;
   expect(thrown == "", "something was thrown");
-  expect(veldra_tests::damage(folder / "left.lib").empty(), "the file is damaged");
+  for (const char* name : {"left.lib", "right.lib"}) {
+    expect(veldra_tests::damage(folder / name).empty(), "the file is damaged");
+  }
   return 0;
 }
