@@ -16,7 +16,9 @@ using testing::Contains;
 // What is rolled back without a failure stays so, whether the power goes at that or not: a removal
 // of what is in use, and the transaction of a host.
 bool rolls_back(const Operation& operation) {
-  return operation.kind == Operation::Kind::Removing || operation.kind == Operation::Kind::Holding;
+  using Kind = Operation::Kind;
+  const Kind kind = operation.kind;
+  return kind == Kind::RemovingSeveral || kind == Kind::Purging || kind == Kind::Holding;
 }
 
 // Runs an operation until the power goes, and ends everything that runs. The operation throws as
