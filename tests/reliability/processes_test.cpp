@@ -193,27 +193,51 @@ TEST(Processes, that_work_on_one_file_lose_nothing) {
   work_at_once(4, number_or(100, 25000));
 }
 
-// Runs an operation while another process holds a lock on the file for a moment.
-void wait_for_lock(const Operation& operation, const std::string& begin) {
+const char* const reading = "BEGIN; SELECT count(*) FROM sqlite_master";
+const char* const about_to_write = "BEGIN IMMEDIATE";
+const char* const alone = "BEGIN EXCLUSIVE";
+
+// Everybody waits for a process that wants to be alone, writers for each other, and what has
+// changed something for readers.
+bool must_wait(const Operation& operation, const Reference& reference, const std::string& begin) {
+  if (begin == alone) return true;
+  const bool writes =
+      operation.kind != Operation::Kind::Opening && operation.kind != Operation::Kind::Reading;
+  if (begin == about_to_write) return writes;
+  return reference.before() != reference.after();
+}
+
+// Runs an operation while another process holds a lock on the file for a moment; returns whether it
+// had to wait.
+bool run_beside(const std::string& begin, const Operation& operation) {
   SCOPED_TRACE(operation.name + (" after " + begin));
   const Deadline deadline;
   Scene scene(operation.start, FaultVfs::name_of(""));
   set_up(scene, operation);
+  const Reference reference(operation);
+  const bool waits = must_wait(operation, reference, begin);
   const LockingProcess other(scene.path(), begin, 100);
   EXPECT_EQ(thrown_by([&] { operation.run(scene); }), "");
-  EXPECT_EQ(scene.rows(), Reference(operation).after());
+  EXPECT_TRUE(other.time_is_over() || !waits) << "the other process still held its lock";
+  EXPECT_EQ(scene.rows(), reference.after());
+  return waits;
 }
 
 TEST(Processes, that_hold_the_file_for_a_moment_are_waited_for) {
   unsigned waits = 0;
   for (std::size_t n = 0; n < operations().size(); n += stride_or(7)) {
-    for (const char* begin :
-         {"BEGIN EXCLUSIVE", "BEGIN IMMEDIATE", "BEGIN; SELECT count(*) FROM sqlite_master"}) {
-      wait_for_lock(operations()[n], begin);
-      ++waits;
+    for (const char* begin : {alone, about_to_write, reading}) {
+      if (run_beside(begin, operations()[n])) ++waits;
     }
   }
   report_figure("operations that waited for a lock", waits);
+}
+
+TEST(Processes, that_cannot_hold_the_file_say_so) {
+  const Scene scene(Start::Current, "");
+  const LockingProcess holding(scene.path(), alone, 60000);
+  EXPECT_EQ(thrown_by([&] { LockingProcess(scene.path(), alone, 0); }), "std::runtime_error");
+  EXPECT_FALSE(holding.time_is_over());
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "support/thrown.hpp"
 
 #include <dirent.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -16,8 +17,6 @@
 #include <stdexcept>
 
 namespace veldra_tests {
-
-namespace {
 
 class Pipe {
  public:
@@ -45,6 +44,17 @@ class Pipe {
     return text;
   }
 
+  // Waits for a byte; false when every process has closed its writing end before.
+  bool read_byte() {
+    char byte;
+    return ::read(ends_[0], &byte, 1) == 1;
+  }
+
+  bool has_bytes() const {
+    pollfd end = {ends_[0], POLLIN, 0};
+    return ::poll(&end, 1, 0) == 1 && (end.revents & POLLIN) != 0;
+  }
+
   void write(const std::string& text) {
     if (::write(ends_[1], text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
       throw std::runtime_error("cannot write to a pipe");
@@ -59,6 +69,8 @@ class Pipe {
 
   int ends_[2];
 };
+
+namespace {
 
 pid_t fork_process() {
   const pid_t process = ::fork();
@@ -105,14 +117,19 @@ class WaitingProcess {
   pid_t process_;
 };
 
+// Tells when it holds the lock, and once more before it gives the lock up: whoever was waiting for
+// that finds that it was told.
 [[noreturn]] void hold_lock(const std::string& path, const std::string& begin, int milliseconds,
-                            Pipe& locked) noexcept {
-  PlainDatabase database(path);
-  database.execute(begin);
-  locked.close_writing();
-  ::usleep(static_cast<useconds_t>(milliseconds) * 1000);
-  database.execute("COMMIT");
-  ::_exit(0);
+                            Pipe& told) noexcept {
+  const Thrown thrown = thrown_by([&] {
+    PlainDatabase database(path);
+    database.execute(begin);
+    told.write("b");
+    ::usleep(static_cast<useconds_t>(milliseconds) * 1000);
+    told.write("e");
+    database.execute("COMMIT");
+  });
+  ::_exit(thrown == "" ? 0 : 1);
 }
 
 bool is_same_file(const struct stat& left, const struct stat& right) {
@@ -153,19 +170,21 @@ std::string run_without_privileges(const std::function<std::string()>& call) {
   return run_at_once({call_as_nobody}).front();
 }
 
-LockingProcess::LockingProcess(const std::string& path, const std::string& begin,
-                               int milliseconds) {
-  Pipe locked;
-  process_ = fork_process();
-  if (process_ == 0) hold_lock(path, begin, milliseconds, locked);
-  locked.close_writing();
-  locked.read_all();
+LockingProcess::LockingProcess(const std::string& path, const std::string& begin, int milliseconds)
+    : told_(new Pipe), process_(fork_process()) {
+  if (process_ == 0) hold_lock(path, begin, milliseconds, *told_);
+  told_->close_writing();
+  if (told_->read_byte()) return;
+  ::waitpid(process_, nullptr, 0);
+  throw std::runtime_error("another process cannot execute " + begin);
 }
 
 LockingProcess::~LockingProcess() {
   ::kill(process_, SIGKILL);
   ::waitpid(process_, nullptr, 0);
 }
+
+bool LockingProcess::time_is_over() const { return told_->has_bytes(); }
 
 std::vector<std::string> open_files(const std::string& folder) {
   const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), ::closedir);

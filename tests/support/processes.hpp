@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -17,11 +18,13 @@ std::vector<std::string> run_at_once(const std::vector<std::function<std::string
 /// file; other users run the call as they are.
 std::string run_without_privileges(const std::function<std::string()>& call);
 
+class Pipe;
+
 /// Another process that holds a lock on a database.
 class LockingProcess {
  public:
   /// Returns when the other process has executed `begin`, such as "BEGIN IMMEDIATE", on the file;
-  /// it commits after `milliseconds`.
+  /// it commits after `milliseconds`. Throws `std::runtime_error` when it cannot execute that.
   LockingProcess(const std::string& path, const std::string& begin, int milliseconds);
   LockingProcess(const LockingProcess&) = delete;
   LockingProcess& operator=(const LockingProcess&) = delete;
@@ -29,7 +32,11 @@ class LockingProcess {
   /// Ends the other process, whether its time has come or not.
   ~LockingProcess();
 
+  /// Whether its time has come: it is about to commit, or has done so.
+  bool time_is_over() const;
+
  private:
+  std::unique_ptr<Pipe> told_;
   pid_t process_;
 };
 
