@@ -32,20 +32,24 @@ class KilledProcess {
   KilledProcess& operator=(const KilledProcess&) = delete;
   ~KilledProcess() { ::close(told_[0]); }
 
-  // Waits for some steps to be done, lets the process go on for a moment, and kills it. Returns how
-  // many steps it has told of.
-  unsigned kill_after(unsigned wait_for, unsigned microseconds) {
-    unsigned done = 0;
-    while (done != wait_for && next_step()) ++done;
+  // Waits for some steps to be done, lets the process go on for a moment, and kills it.
+  void kill_after(unsigned wait_for, unsigned microseconds) {
+    while (done_ != wait_for && next_step()) ++done_;
     ::usleep(microseconds);
     ::kill(process_, SIGKILL);
-    while (next_step()) ++done;
+    while (next_step()) ++done_;
     int status = 0;
     ::waitpid(process_, &status, 0);
-    EXPECT_TRUE(WIFSIGNALED(status) ? WTERMSIG(status) == SIGKILL : WEXITSTATUS(status) == 0)
+    killed_ = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+    EXPECT_TRUE(killed_ || (WIFEXITED(status) && WEXITSTATUS(status) == 0))
         << "the process has failed";
-    return done;
   }
+
+  // How many steps it has told of.
+  unsigned done() const { return done_; }
+
+  // Whether it was still at work then.
+  bool killed() const { return killed_; }
 
  private:
   bool next_step() {
@@ -71,14 +75,28 @@ class KilledProcess {
 
   int told_[2];
   pid_t process_;
+  unsigned done_ = 0;
+  bool killed_ = false;
+};
+
+struct Kills {
+  unsigned tried = 0;
+  unsigned killed = 0;              // before the process came to its end by itself
+  unsigned within_transaction = 0;  // of these, with a journal left
+
+  bool are_enough(unsigned wanted) const { return killed >= wanted && within_transaction != 0; }
 };
 
 void kill_once(const std::vector<std::vector<std::string>>& states, unsigned seed,
-               std::mt19937& random) {
+               std::mt19937& random, Kills& kills) {
   const Deadline deadline;
   Scene scene(Start::Current, "");
   KilledProcess process(scene, seed);
-  const unsigned done = process.kill_after(random() % steps, random() % 20000);
+  process.kill_after(random() % steps, random() % 5000);
+  const unsigned done = process.done();
+  ++kills.tried;
+  if (process.killed()) ++kills.killed;
+  if (process.killed() && file_exists(scene.path() + "-journal")) ++kills.within_transaction;
 
   SCOPED_TRACE("killed after step " + std::to_string(done));
   const std::string rows = scene.rows();
@@ -96,15 +114,21 @@ TEST(KilledProcess, loses_nothing_that_it_told_of) {
   const unsigned seed = number_from_environment("VELDRA_SEED", 1);
   std::mt19937 random(seed);
   std::vector<std::vector<std::string>> states;
-  const unsigned kills = number_or(12, 500);
-  for (unsigned n = 0; n != kills && !testing::Test::HasFailure(); ++n) {
+  const unsigned wanted = number_or(16, 500);
+  Kills kills;
+  while (!kills.are_enough(wanted) && kills.tried != 4 * wanted && !testing::Test::HasFailure()) {
+    const unsigned n = kills.tried;
     if (n % 50 == 0) {
       const Scene scene(Start::Current, "");
       states = states_of(scene.path(), scene.source_path(), seed + n, steps);
     }
-    kill_once(states, seed + n / 50 * 50, random);
+    kill_once(states, seed + n / 50 * 50, random, kills);
   }
-  report_figure("killed processes", kills);
+  EXPECT_TRUE(kills.are_enough(wanted));
+  EXPECT_GT(2 * kills.killed, kills.tried) << "most came to their end before";
+  report_figure("killed processes", kills.killed);
+  report_figure("of which in the middle of a transaction", kills.within_transaction);
+  report_figure("processes that were to be killed", kills.tried);
 }
 
 }  // namespace
