@@ -7,6 +7,10 @@
 #include "support/recording_reactor.hpp"
 #include "support/rows.hpp"
 
+#include <algorithm>
+#include <iterator>
+#include <numeric>
+
 namespace veldra_tests {
 
 namespace {
@@ -17,6 +21,7 @@ using veldra::Layer;
 using veldra::Library;
 using veldra::Material;
 using veldra::MaterialType;
+using veldra::ObjectKey;
 using veldra::ObjectType;
 using veldra::String;
 using veldra::Tag;
@@ -110,8 +115,21 @@ void identify(std::string& text, const Scene& scene, const std::shared_ptr<T>& o
 }
 
 template <class T>
-void describe_values(std::string& text, const std::vector<std::shared_ptr<T>>& objects) {
-  for (const auto& object : objects) text += values_of(object);
+void describe_values(std::string& text, const Found<T>& found) {
+  if (found.object) text += values_of(found.object);
+  text += std::to_string(found.list.size()) + " in a list\n";
+  for (const auto& object : found.list) text += values_of(object);
+}
+
+std::string text_of(const ObjectKey& key) {
+  return std::to_string(static_cast<int>(key.type)) + "/" + std::to_string(key.id);
+}
+
+// What all handles of a file say of it, whenever they were opened.
+std::string text_of(const Library& library) {
+  return library.guid().utf8() + ", unit " + std::to_string(static_cast<int>(library.unit())) +
+         ", version " + std::to_string(library.version()) +
+         (library.readOnly() ? ", read-only\n" : "\n");
 }
 
 }  // namespace
@@ -124,16 +142,33 @@ std::shared_ptr<Composition> composition_without_codes(const std::string& name) 
   return composition;
 }
 
+std::string PlainReactor::told_of_objects() const {
+  std::string text = std::to_string(number_of_calls_) + " objects saved or removed\n";
+  const std::size_t kept_calls = std::min(number_of_calls_, std::size(calls_));
+  for (std::size_t n = 0; n != kept_calls; ++n) {
+    text += calls_[n].what + (" " + text_of({calls_[n].type, calls_[n].id})) + "\n";
+  }
+  return text;
+}
+
+void PlainReactor::forget() {
+  size_ = 0;
+  number_of_calls_ = 0;
+}
+
 int PlainReactor::resolveNameConflict(Library&, ObjectType, String& name) {
-  static const String other("another name");
-  if (decision == Rename) name = other;
+  if (decision == Rename) name.utf8(name.utf8() + " again");
   return decision;
 }
 
-int PlainReactor::mayRemove(Library&, const veldra::ObjectKey&) {
+void PlainReactor::objectSaved(Library&, const ObjectKey& key) { tell("saved", key); }
+
+int PlainReactor::mayRemove(Library&, const ObjectKey& key) {
   if (on_may_remove) on_may_remove();
-  return 0;
+  return key.type == kept ? 1 : 0;
 }
+
+void PlainReactor::objectRemoved(Library&, const ObjectKey& key) { tell("removed", key); }
 
 void PlainReactor::libraryChanged(Library&) { tell('0'); }
 
@@ -143,6 +178,11 @@ void PlainReactor::typeChanged(Library&, ObjectType type) {
 
 void PlainReactor::tell(char what) {
   if (size_ != sizeof told_) told_[size_++] = what;
+}
+
+void PlainReactor::tell(const char* what, const ObjectKey& key) {
+  if (number_of_calls_ < std::size(calls_)) calls_[number_of_calls_] = {what, key.type, key.id};
+  ++number_of_calls_;
 }
 
 Scene::Scene(Start start, const std::string& vfs)
@@ -198,22 +238,35 @@ std::string Scene::rows() const {
 
 std::string Scene::source_rows() const { return dump(source_path_); }
 
-std::string Scene::found_text() const {
+std::string Scene::read_text() const {
   std::string text = std::to_string(number) + "\n";
-  if (found.material) text += values_of(found.material);
-  if (found.composition) text += values_of(found.composition);
-  describe_values(text, compositions);
-  describe_values(text, materials);
-  describe_values(text, properties);
+  std::apply([&text](const auto&... found) { (describe_values(text, found), ...); }, found_);
   return text;
 }
 
+std::string Scene::found_text() const {
+  return (library ? text_of(*library) : std::string()) + read_text() + mapping_text() +
+         reactor.told_of_objects();
+}
+
+// The order of the entries is that of the addresses of libraries, which is not the same each time.
+std::string Scene::mapping_text() const {
+  std::set<std::string> lines;
+  for (const auto& entry : mapping) {
+    const Library* from = entry.first.source;
+    const std::string of = from == nullptr ? "new" : from == library.get() ? "own" : "foreign";
+    lines.insert(of + " " + text_of(entry.first.key) + " is " + std::to_string(entry.second.id) +
+                 ", " + std::to_string(static_cast<int>(entry.second.status)) + "\n");
+  }
+  return std::accumulate(lines.begin(), lines.end(), std::string());
+}
+
 void Scene::forget_found() {
-  found = Objects();
-  compositions.clear();
-  materials.clear();
-  properties.clear();
+  found_ = {};
   number = 0;
+  mapping = veldra::IdMapping(nullptr);
+  findings.clear();
+  reactor.forget();
 }
 
 }  // namespace veldra_tests

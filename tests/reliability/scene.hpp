@@ -5,9 +5,13 @@
 
 #include <veldra/veldra.hpp>
 
+#include <cstddef>
 #include <functional>
+#include <map>
 #include <memory>
+#include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace veldra_tests {
@@ -15,27 +19,45 @@ namespace veldra_tests {
 /// What the library's file is before an operation.
 enum class Start { Missing, Empty, Version150201, Version150301, Current };
 
-/// Decides as it is told and keeps the kinds that it was told of, without any allocation.
+/// Decides as it is told and keeps what it was told of, the latter without any allocation.
 class PlainReactor : public veldra::Library::Reactor {
  public:
   int decision = UseExisting;
+  veldra::ObjectType kept{};  ///< objects of this kind must not be removed
   std::function<void()> on_may_remove;
 
   /// The numbers of the kinds of `typeChanged`, in order, and 0 for `libraryChanged`.
   std::string told() const { return std::string(told_, size_); }
-  void forget() { size_ = 0; }
 
+  /// The calls of `objectSaved` and `objectRemoved`, in order: a line such as "saved 4/17" for
+  /// each, with the kind and the id. Beyond the first 256 they are only counted.
+  std::string told_of_objects() const;
+
+  void forget();
+
+  /// Gives a longer name for `Rename`.
   int resolveNameConflict(veldra::Library& library, veldra::ObjectType type,
                           veldra::String& name) override;
+  void objectSaved(veldra::Library& library, const veldra::ObjectKey& key) override;
   int mayRemove(veldra::Library& library, const veldra::ObjectKey& key) override;
+  void objectRemoved(veldra::Library& library, const veldra::ObjectKey& key) override;
   void libraryChanged(veldra::Library& library) override;
   void typeChanged(veldra::Library& library, veldra::ObjectType type) override;
 
  private:
+  struct Call {
+    const char* what;
+    veldra::ObjectType type;
+    unsigned id;
+  };
+
   void tell(char what);
+  void tell(const char* what, const veldra::ObjectKey& key);
 
   char told_[64];
   std::size_t size_ = 0;
+  Call calls_[256];
+  std::size_t number_of_calls_ = 0;
 };
 
 /// The objects that operations work on: what `Scene::prepare` made of them.
@@ -46,6 +68,13 @@ struct Objects {
   std::shared_ptr<veldra::CustomProperty> property;
   std::shared_ptr<veldra::Material> material;
   std::shared_ptr<veldra::Composition> composition;
+};
+
+/// What an operation gave of one kind: a single object, a list.
+template <class T>
+struct Found {
+  std::shared_ptr<T> object;
+  std::vector<std::shared_ptr<T>> list;
 };
 
 /// A library file and a second one to copy from, in a folder of their own.
@@ -95,21 +124,34 @@ class Scene {
   std::set<veldra::ObjectKey> keys;
   std::map<veldra::ObjectKey, bool> removed;
   veldra::String text;
+  veldra::IdMapping known{nullptr};  ///< what a mapping has before an operation gets a copy of it
 
-  // What an operation that reads has read.
-  Objects found;
-  std::vector<std::shared_ptr<veldra::Composition>> compositions;
-  std::vector<std::shared_ptr<veldra::Material>> materials;
-  std::vector<std::shared_ptr<veldra::CustomProperty>> properties;
+  // What an operation has read or given back.
+  template <class T>
+  Found<T>& found() {
+    return std::get<Found<T>>(found_);
+  }
   unsigned long long number = 0;
+  veldra::IdMapping mapping{nullptr};
+  std::vector<veldra::String> findings;
 
-  /// All that was read, as a text.
+  /// What the operation was to read: objects, lists, a number.
+  std::string read_text() const;
+
+  /// All that was read and given back, and what the reactor was told of objects, as a text. Without
+  /// `removed`, and without `findings`: SQLite tells of a page that cannot be read as of a damaged
+  /// one.
   std::string found_text() const;
 
-  /// Forgets what was read.
+  /// Forgets what `found_text` tells, and the findings.
   void forget_found();
 
  private:
+  std::string mapping_text() const;
+
+  std::tuple<Found<veldra::Tag>, Found<veldra::Layer>, Found<veldra::MaterialType>,
+             Found<veldra::CustomProperty>, Found<veldra::Material>, Found<veldra::Composition>>
+      found_;
   TemporaryFolder folder_;
   std::string vfs_;
   std::string path_;
@@ -126,6 +168,7 @@ struct Operation {
     Making,   ///< the same, and brings the file to the current version
     Reading,
     Writing,   ///< in one transaction
+    Merging,   ///< the same, which finds that all is there and writes nothing
     Holding,   ///< several operations in one transaction of the host, which sets the region too
     Removing,  ///< in one transaction
     RemovingSeveral,  ///< in as many transactions as there are objects
@@ -133,7 +176,7 @@ struct Operation {
     Setting           ///< of the metadata, which the handle keeps also when writing them fails
   };
 
-  const char* name;
+  std::string name;
   Kind kind;
   Start start;
   std::function<void(Scene&)> prepare;

@@ -192,7 +192,7 @@ bool Sweep::fail_at(unsigned point) {
   set_up(scene, operation_);
   const std::string objects = scene.objects_state();
   const std::string settings = scene.settings();
-  const std::string found = scene.found_text();
+  const std::string read = scene.read_text();
   const std::string source_bytes = read_file(scene.source_path());
 
   const Thrown thrown = thrown_by([&] {
@@ -206,11 +206,14 @@ bool Sweep::fail_at(unsigned point) {
   expect_true_results(scene);
   if (thrown == "") {
     expect_new_state(scene);
+    // SQLite tells of a page that cannot be read as of a damaged one.
+    EXPECT_TRUE(faults_.fired() || scene.findings.empty());
   } else {
     expect_documented(thrown);
     expect_old_state(scene);
     EXPECT_EQ(scene.objects_state(), objects);
-    EXPECT_EQ(scene.found_text(), found);
+    EXPECT_EQ(scene.read_text(), read);
+    EXPECT_THAT(scene.findings, IsEmpty());
     if (operation_.kind != Kind::Setting) {
       EXPECT_EQ(scene.settings(), settings);
     } else if (!faults_.of_memory()) {
