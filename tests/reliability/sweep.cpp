@@ -212,7 +212,8 @@ bool Sweep::fail_at(unsigned point) {
     expect_documented(thrown);
     expect_old_state(scene);
     EXPECT_EQ(scene.objects_state(), objects);
-    EXPECT_EQ(scene.read_text(), read);
+    // One that failed after others may have read in these.
+    EXPECT_TRUE(scene.read_text() == read || operation_.kind == Kind::Holding);
     EXPECT_THAT(scene.findings, IsEmpty());
     if (operation_.kind != Kind::Setting) {
       EXPECT_EQ(scene.settings(), settings);
@@ -268,19 +269,19 @@ void Sweep::expect_told_in_order(const Scene& scene) const {
 }
 
 void Sweep::repeat(Scene& scene) const {
-  // What went already is not there to be removed again, and ends the rest.
-  const bool is_gone =
-      operation_.kind == Kind::RemovingSeveral && scene.rows() != reference_.before();
   const std::string rows = scene.rows();
+  const bool is_done_in_part = is_in_parts(operation_.kind) && rows != reference_.before();
   scene.forget_found();
   const Thrown thrown = thrown_by([&] { operation_.run(scene); });
-  if (is_gone) {
+  if (is_done_in_part && operation_.kind == Kind::RemovingSeveral) {
+    // What went already is not there to be removed again, and ends the rest.
     EXPECT_EQ(thrown, "veldra::ObjectNotFound");
     EXPECT_EQ(scene.rows(), rows);
     return;
   }
   EXPECT_EQ(thrown, "") << "when the operation is repeated";
-  expect_new_state(scene);
+  EXPECT_EQ(scene.rows(), reference_.after());
+  if (!is_done_in_part) expect_new_state(scene);
   expect_true_results(scene);
 }
 
