@@ -98,7 +98,7 @@ unsigned lose_power_at_each_point(const Operation& operation, unsigned seeds, un
 // The new state is not certain even when the call returned: SQLite commits by deleting the journal,
 // and does not wait for the deletion to reach the disk.
 TEST(PowerLoss, leaves_the_old_state_or_the_new_one) {
-  const unsigned seeds = number_or(2, 64);
+  const unsigned seeds = number_or(2, 16);
   unsigned long all = 0;
   for (const Operation& operation : writing_operations()) {
     const unsigned losses = lose_power_at_each_point(operation, seeds, stride_or(29));
