@@ -8,6 +8,7 @@
 #include "support/rows.hpp"
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
 #include <numeric>
 
@@ -232,9 +233,11 @@ std::string Scene::settings() const {
   return library ? library->locale().utf8() + ", " + library->region().utf8() : std::string();
 }
 
-std::string Scene::rows() const {
-  return !file_exists(path_) || read_file(path_).empty() ? std::string() : dump(path_);
+bool Scene::has_file() const {
+  return std::filesystem::exists(path_) && std::filesystem::file_size(path_) != 0;
 }
+
+std::string Scene::rows() const { return has_file() ? dump(path_) : std::string(); }
 
 std::string Scene::source_rows() const { return dump(source_path_); }
 

@@ -110,6 +110,9 @@ class Scene {
   /// What the handle says of the library's locale and region; empty when there is none.
   std::string settings() const;
 
+  /// Whether there is a file and something in it.
+  bool has_file() const;
+
   /// All rows of the library's file; empty when there are none, or no file.
   std::string rows() const;
   std::string source_rows() const;

@@ -38,12 +38,7 @@ std::string expected_catalogue(Start start) {
 
 bool is_in_parts(Kind kind) { return kind == Kind::RemovingSeveral || kind == Kind::Purging; }
 
-std::string version_in(const std::string& path) {
-  return PlainDatabase(path).value("SELECT version FROM schema_version");
-}
-
-void expect_one_version_and_identity(const std::string& path) {
-  PlainDatabase database(path);
+void expect_one_version_and_identity(PlainDatabase& database) {
   EXPECT_EQ(database.value("SELECT count(*) FROM schema_version"), "1");
   EXPECT_EQ(database.value("SELECT count(*) FROM Meta"), "1");
 }
@@ -114,14 +109,15 @@ Reference::Reference(const Operation& operation) {
 }
 
 void expect_sane(const Scene& scene, Start start) {
-  if (scene.rows().empty()) {
-    EXPECT_TRUE(start == Start::Missing || start == Start::Empty) << "all rows are gone";
-    return;
-  }
-  EXPECT_EQ(damage(scene.path()), "");
-  expect_one_version_and_identity(scene.path());
-  const std::string version = version_in(scene.path());
-  EXPECT_EQ(catalogue(scene.path()),
+  const bool may_be_empty = start == Start::Missing || start == Start::Empty;
+  if (may_be_empty && !scene.has_file()) return;
+  PlainDatabase database(scene.path());
+  EXPECT_EQ(damage(database), "");
+  // What an interrupted operation has left of it is undone by now.
+  if (may_be_empty && database.query("SELECT 1 FROM sqlite_master").empty()) return;
+  expect_one_version_and_identity(database);
+  const std::string version = database.value("SELECT version FROM schema_version");
+  EXPECT_EQ(catalogue(database),
             version == "150302" ? expected_catalogue(start) : old_catalogue(std::stoi(version)));
 }
 
@@ -250,8 +246,9 @@ void Sweep::expect_new_state(const Scene& scene) const {
 }
 
 void Sweep::expect_true_results(const Scene& scene) const {
+  if (scene.removed.empty()) return;
+  PlainDatabase database(scene.path());
   for (const auto& [key, removed] : scene.removed) {
-    PlainDatabase database(scene.path());
     EXPECT_EQ(database.value("SELECT count(*) FROM " + kind_name(key.type) +
                              " WHERE id=" + std::to_string(key.id)),
               removed ? "0" : "1")
@@ -280,8 +277,11 @@ void Sweep::repeat(Scene& scene) const {
     return;
   }
   EXPECT_EQ(thrown, "") << "when the operation is repeated";
-  EXPECT_EQ(scene.rows(), reference_.after());
-  if (!is_done_in_part) expect_new_state(scene);
+  if (is_done_in_part) {
+    EXPECT_EQ(scene.rows(), reference_.after());
+  } else {
+    expect_new_state(scene);
+  }
   expect_true_results(scene);
 }
 

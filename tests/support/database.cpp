@@ -81,14 +81,18 @@ std::string PlainDatabase::value(const std::string& statement) {
   return rows.front().front();
 }
 
-std::string catalogue(const std::string& path) {
-  PlainDatabase database(path);
+std::string catalogue(PlainDatabase& database) {
   std::string texts;
   for (const Row& row :
        database.query("SELECT sql FROM sqlite_master WHERE sql IS NOT NULL ORDER BY rowid")) {
     texts += row[0].substr(1, row[0].size() - 2) + "\n\n";
   }
   return texts;
+}
+
+std::string catalogue(const std::string& path) {
+  PlainDatabase database(path);
+  return catalogue(database);
 }
 
 std::string dump(const std::string& path) {
@@ -106,8 +110,7 @@ std::string dump(const std::string& path) {
   return lines;
 }
 
-std::string damage(const std::string& path) {
-  PlainDatabase database(path);
+std::string damage(PlainDatabase& database) {
   std::string found;
   for (const Row& row : database.query("PRAGMA integrity_check")) {
     if (row[0] != "'ok'") found += row[0] + "\n";
@@ -116,6 +119,11 @@ std::string damage(const std::string& path) {
     found += "foreign key: " + row[0] + " " + row[1] + " -> " + row[2] + "\n";
   }
   return found;
+}
+
+std::string damage(const std::string& path) {
+  PlainDatabase database(path);
+  return damage(database);
 }
 
 }  // namespace veldra_tests

@@ -38,6 +38,7 @@ class PlainDatabase {
 };
 
 /// The texts of the catalogue in the order of creation, each followed by an empty line.
+std::string catalogue(PlainDatabase& database);
 std::string catalogue(const std::string& path);
 
 /// All rows of all tables in a fixed order: "Table: value, value, ..." a line.
@@ -45,6 +46,7 @@ std::string dump(const std::string& path);
 
 /// What is wrong with the file; empty when SQLite's checks of integrity and of foreign keys find
 /// nothing.
+std::string damage(PlainDatabase& database);
 std::string damage(const std::string& path);
 
 }  // namespace veldra_tests
