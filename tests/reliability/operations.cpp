@@ -254,7 +254,6 @@ void choose_all(Scene& scene) {
 }
 
 void remove_ids(Scene& scene) { scene.library->remove<Tag>(scene.ids, scene.removed); }
-void remove_ids_silently(Scene& scene) { scene.library->remove<CustomProperty>(scene.ids); }
 
 void choose_keys(Scene& scene) {
   const Library& library = *scene.library;
@@ -268,21 +267,14 @@ void choose_keys(Scene& scene) {
 }
 
 void remove_keys(Scene& scene) { scene.library->remove(scene.keys, scene.removed); }
-void remove_keys_silently(Scene& scene) { scene.library->remove(scene.keys); }
 void purge_layers(Scene& scene) { scene.library->purge<Layer>(scene.removed); }
-void purge_types_silently(Scene& scene) { scene.library->purge<MaterialType>(); }
 
 void purge_kinds(Scene& scene) {
   scene.library->purge({ObjectType::Tag, ObjectType::MaterialType, ObjectType::CustomProperty},
                        scene.removed);
 }
 
-void purge_kinds_silently(Scene& scene) {
-  scene.library->purge({ObjectType::Composition, ObjectType::Material});
-}
-
 void purge_all(Scene& scene) { scene.library->purge(scene.removed); }
-void purge_all_silently(Scene& scene) { scene.library->purge(); }
 void keep_compositions(Scene& scene) { scene.reactor.kept = ObjectType::Composition; }
 
 // Copying.
@@ -574,15 +566,10 @@ std::vector<Operation> removing_several() {
   };
   return {
       removing("remove ids", choose_all<Tag>, remove_ids),
-      removing("remove ids without results", choose_all<CustomProperty>, remove_ids_silently),
       removing("remove keys", choose_keys, remove_keys),
-      removing("remove keys without results", choose_keys, remove_keys_silently),
       purging("purge a kind", nothing, purge_layers),
-      purging("purge a kind without results", nothing, purge_types_silently),
       purging("purge kinds", nothing, purge_kinds),
-      purging("purge kinds without results", nothing, purge_kinds_silently),
       purging("purge", nothing, purge_all),
-      purging("purge without results", nothing, purge_all_silently),
       purging("purge but for what is refused", keep_compositions, purge_all),
   };
 }

@@ -186,7 +186,7 @@ struct Operation {
   std::function<void(Scene&)> run;
 };
 
-/// Every operation of a library, in all its forms.
+/// Every operation of a library, in all its forms but those that only drop the results.
 const std::vector<Operation>& operations();
 
 const Operation& operation_named(const char* name);
