@@ -170,6 +170,7 @@ void SaveOperation::save_properties(Record& record, UndoLog* log) {
   // The reactor may change those of the object while the properties are saved.
   const auto former = record.custom_values;
   std::vector<std::shared_ptr<const CustomProperty>> properties;
+  properties.reserve(former.size());
   for (const auto& value : former) properties.push_back(value.first);
   auto saved = properties;
   for (auto& property : saved) property = save_reference(property);
