@@ -6,6 +6,7 @@
 #include "store/transactions.hpp"
 
 #include <algorithm>
+#include <utility>
 
 // The removing operations of a library.
 
