@@ -85,16 +85,16 @@ const std::set<ObjectType>& saveable_kinds() {
 }  // namespace
 
 template <class T>
-bool Library::remove(const std::shared_ptr<T>& passed) {
-  // The reactor may let go what the host holds.
-  const std::shared_ptr<T> object = passed;
+bool Library::remove(const std::shared_ptr<T>& object) {
   if (object == nullptr) return false;
+  // The reactor may let go what the host holds.
+  const std::shared_ptr<const void> held = object;
   const auto bound = object->library();
   if (bound != nullptr && bound.get() != this) throw ObjectNotFound();
   Notifications notifications(*this);
   auto& record = ObjectAccess::impl(*object);
   UndoLogs logs(1);
-  logs.front().remember(object, record);
+  logs.front().remember(held, record);
   const bool removed = remove_or_throw<T>(*this, record.id, logs);
   if (removed) {
     record.library.reset();
