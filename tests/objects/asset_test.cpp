@@ -253,6 +253,31 @@ TEST(AssetTest, tags_do_not_count_in_comparisons) {
   EXPECT_TRUE(*thermal == *stored.get<ThermalAsset>());
 }
 
+TEST(AssetTest, an_empty_text_equals_a_missing_one_and_leaves_it_clean) {
+  Bare<StructuralAsset> structural;
+  structural.name("");
+  structural.description("");
+  structural.subclass("");
+  EXPECT_FALSE(structural.isDirty());
+  Bare<ThermalAsset> thermal;
+  thermal.name("");
+  thermal.description("");
+  thermal.subclass("");
+  thermal.source("");
+  EXPECT_FALSE(thermal.isDirty());
+}
+
+TEST(AssetTest, a_read_asset_does_not_keep_its_library_open) {
+  StoredObjects stored;
+  const auto structural = stored.get<StructuralAsset>();
+  const auto thermal = stored.get<ThermalAsset>();
+  const std::weak_ptr<veldra::Library> library = stored.library();
+  stored.close();
+  EXPECT_TRUE(library.expired());
+  EXPECT_EQ(structural->library(), nullptr);
+  EXPECT_EQ(thermal->library(), nullptr);
+}
+
 /// Sets a number that is NaN already, which the asset that was read last has in all numbers, and
 /// one that is not.
 template <class T>

@@ -167,6 +167,16 @@ TEST(CompositionTest, reading_leaves_it_clean) {
   EXPECT_EQ(composition->library(), stored.library());
 }
 
+TEST(CompositionTest, does_not_keep_its_library_open) {
+  StoredObjects stored;
+  const auto composition = stored.get<Composition>();
+  const std::weak_ptr<veldra::Library> library = stored.library();
+  stored.close();
+  EXPECT_TRUE(library.expired());
+  EXPECT_EQ(composition->library(), nullptr);
+  EXPECT_EQ(composition->id(), StoredObjects::id);
+}
+
 // Every field.
 
 const std::shared_ptr<const veldra::Layer> other_layer = veldra::Layer::create("Other");
@@ -411,6 +421,32 @@ TEST(CompositionVariableLayerTest, a_minimum_of_zero_leaves_a_new_composition_cl
   EXPECT_FALSE(composition->isDirty());
 }
 
+/// Sets the thickness once, and again after it was saved, which leaves it in the object.
+void expect_nan_to_make_it_dirty_each_time(Composition& composition,
+                                           void (Composition::*set)(double)) {
+  for (int times = 0; times != 2; ++times) {
+    ASSERT_FALSE(composition.isDirty());
+    (composition.*set)(not_a_number);
+    EXPECT_TRUE(composition.isDirty());
+    composition.save();
+  }
+}
+
+TEST(CompositionVariableLayerTest, a_minimum_of_nan_makes_it_dirty_each_time_and_unequal) {
+  const StoredObjects stored;
+  const auto composition = stored.get<Composition>();
+  expect_nan_to_make_it_dirty_each_time(*composition, &Composition::variable_layer_min_thickness);
+  EXPECT_FALSE(*composition == *composition);
+  EXPECT_TRUE(*composition != *composition);
+}
+
+TEST(CompositionVariableLayerTest, a_maximum_of_nan_makes_it_dirty_each_time) {
+  const StoredObjects stored;
+  const auto composition = stored.get<Composition>();
+  expect_nan_to_make_it_dirty_each_time(*composition, &Composition::variable_layer_max_thickness);
+  EXPECT_TRUE(*composition == *composition) << "only its presence counts";
+}
+
 TEST(CompositionVariableLayerTest, only_presence_counts_in_comparisons) {
   const auto with = [](unsigned index, double maximum) {
     const auto composition = Composition::create("Wall");
@@ -512,6 +548,7 @@ TEST(CompositionLayersTest, an_index_beyond_the_layers_is_refused) {
   const Thrown changing = thrown_by([&] { composition->layer(5, toModify); });
   EXPECT_EQ(changing, "std::out_of_range");
   EXPECT_EQ(changing.text, "invalid vector<T> subscript");
+  EXPECT_FALSE(composition->isDirty());
   EXPECT_EQ(thrown_by([] { Composition::create()->layer(0); }), "std::out_of_range");
 }
 

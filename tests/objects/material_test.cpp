@@ -126,6 +126,16 @@ TEST(MaterialTest, reading_leaves_it_clean) {
   EXPECT_EQ(material->library(), stored.library());
 }
 
+TEST(MaterialTest, does_not_keep_its_library_open) {
+  StoredObjects stored;
+  const auto material = stored.get<Material>();
+  const std::weak_ptr<veldra::Library> library = stored.library();
+  stored.close();
+  EXPECT_TRUE(library.expired());
+  EXPECT_EQ(material->library(), nullptr);
+  EXPECT_EQ(material->id(), StoredObjects::id);
+}
+
 const std::shared_ptr<const MaterialType> other_type = MaterialType::create("Other");
 const std::shared_ptr<const Layer> other_layer = Layer::create("Other");
 const std::shared_ptr<StructuralAsset> other_structural_asset =
@@ -440,15 +450,29 @@ TEST(MaterialValuesTest, any_value_is_accepted) {
   EXPECT_EQ(material->cut_pattern().angle, 1e-320);
 }
 
-TEST(MaterialValuesTest, a_nan_makes_it_dirty_each_time_and_unequal_to_itself) {
-  const auto point = Material::create();
-  point->surface_pattern_alignment(Point2d(0.0, not_a_number));
-  EXPECT_TRUE(point->isDirty());
-  EXPECT_FALSE(*point == *point);
-  const auto color = Material::create();
-  color->cut_pattern_color(Color(0, not_a_number, 0, 0));
-  EXPECT_TRUE(color->isDirty());
-  EXPECT_FALSE(*color == *color);
+template <class Value>
+void expect_to_make_it_dirty_and_unequal_to_itself(void (Material::*set)(const Value&),
+                                                   const Value& value) {
+  const auto material = Material::create();
+  (material.get()->*set)(value);
+  EXPECT_TRUE(material->isDirty());
+  EXPECT_FALSE(*material == *material);
+  EXPECT_TRUE(*material != *material);
+}
+
+TEST(MaterialValuesTest, a_nan_makes_it_dirty_and_unequal_to_itself) {
+  const double nan = not_a_number;
+  for (const Point2d& point : {Point2d(nan, 0.0), Point2d(0.0, nan)}) {
+    expect_to_make_it_dirty_and_unequal_to_itself(&Material::surface_pattern_alignment, point);
+  }
+  for (const Color& color : {Color(nan, 0.0, 0.0, 0.0), Color(0.0, nan, 0.0, 0.0),
+                             Color(0.0, 0.0, nan, 0.0), Color(0.0, 0.0, 0.0, nan)}) {
+    expect_to_make_it_dirty_and_unequal_to_itself(&Material::cut_pattern_color, color);
+  }
+  const auto none = Pattern::Type::None;
+  for (const Pattern& pattern : {Pattern(none, "", nan, 0.0), Pattern(none, "", 1.0, nan)}) {
+    expect_to_make_it_dirty_and_unequal_to_itself(&Material::cut_pattern, pattern);
+  }
 }
 
 TEST(MaterialValuesTest, minus_zero_equals_zero_and_leaves_it_clean) {
