@@ -1,6 +1,5 @@
 #include "support/library_test.hpp"
-
-#include <sqlite3.h>
+#include "support/statement_log.hpp"
 
 #include <algorithm>
 #include <set>
@@ -17,50 +16,6 @@ using veldra::Material;
 using veldra::MaterialType;
 using veldra::Tag;
 using veldra::toModify;
-
-using Statements = std::vector<std::string>;
-
-/// The statements of all connections that are opened while the log is there.
-class StatementLog {
- public:
-  StatementLog() { sqlite3_auto_extension(entry_point()); }
-  StatementLog(const StatementLog&) = delete;
-  StatementLog& operator=(const StatementLog&) = delete;
-  ~StatementLog() { sqlite3_cancel_auto_extension(entry_point()); }
-
-  /// The statements since the last call that read or write rows.
-  Statements take() {
-    Statements taken;
-    std::copy_if(statements_.begin(), statements_.end(), std::back_inserter(taken), touches_rows);
-    statements_.clear();
-    return taken;
-  }
-
- private:
-  static bool touches_rows(const std::string& statement) {
-    return statement.find("schema_version") == std::string::npos &&
-           statement.find("sqlite_master") == std::string::npos &&
-           (statement.compare(0, 6, "SELECT") == 0 || statement.compare(0, 6, "INSERT") == 0 ||
-            statement.compare(0, 6, "UPDATE") == 0 || statement.compare(0, 6, "DELETE") == 0);
-  }
-
-  static void (*entry_point())() { return reinterpret_cast<void (*)()>(&trace_connection); }
-
-  static int trace_connection(sqlite3* connection, const char**, const void*) {
-    return sqlite3_trace_v2(connection, SQLITE_TRACE_PROFILE, &note, nullptr);
-  }
-
-  // Called when a statement has ended: at its beginning, a foreign key that acts would tell of it
-  // as well.
-  static int note(unsigned, void*, void* statement, void*) {
-    statements_.push_back(sqlite3_sql(static_cast<sqlite3_stmt*>(statement)));
-    return 0;
-  }
-
-  static Statements statements_;
-};
-
-Statements StatementLog::statements_;
 
 struct Logged {
   StatementLog log;

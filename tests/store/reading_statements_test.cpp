@@ -1,0 +1,192 @@
+#include "support/library_test.hpp"
+#include "support/statement_log.hpp"
+
+namespace veldra_tests {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+using veldra::Composition;
+using veldra::CriteriaOf;
+using veldra::CustomProperty;
+using veldra::Material;
+using veldra::Tag;
+
+struct Logged {
+  StatementLog log;
+};
+
+/// What is asked of the database when a library without objects, but for the default types, is
+/// read.
+class ReadingStatements : protected Logged, public LibraryTest {
+ protected:
+  ReadingStatements() { log.take(); }
+
+  template <class T>
+  Statements of_getting(const typename CriteriaOf<T>::type& criteria) {
+    std::vector<std::shared_ptr<T>> objects;
+    library->get(objects, criteria);
+    return log.take();
+  }
+
+  template <class T>
+  Statements of_searching(const typename CriteriaOf<T>::type& criteria) {
+    std::vector<std::shared_ptr<T>> objects;
+    library->search(objects, "Oak%", criteria);
+    return log.take();
+  }
+
+  template <class T>
+  Statements of_counting(const typename CriteriaOf<T>::type& criteria) {
+    library->count<T>(criteria);
+    return log.take();
+  }
+
+  static veldra::MaterialCriteria tagged_materials() {
+    veldra::MaterialCriteria criteria;
+    criteria.tags = {"dry", "warm"};
+    return criteria;
+  }
+
+  static veldra::CompositionCriteria tagged_walls_and_floors() {
+    veldra::CompositionCriteria criteria;
+    criteria.types = 3;
+    criteria.tags = {"dry"};
+    return criteria;
+  }
+};
+
+const std::string tagged_materials_view =
+    R"( FROM "Material" AS "Object")"
+    R"( LEFT JOIN "Material_tags" AS "Object_Material_tags" ON)"
+    R"( "Object_Material_tags"."object_id"="Object"."id")"
+    R"( LEFT JOIN "Tag" ON "Object_Material_tags"."tag_id"="Tag"."id" WHERE )";
+
+const std::string tagged_compositions_view =
+    R"( FROM "Composition" AS "Object")"
+    R"( LEFT JOIN "Composition_tags" AS "Object_Composition_tags" ON)"
+    R"( "Object_Composition_tags"."object_id"="Object"."id")"
+    R"( LEFT JOIN "Tag" ON "Object_Composition_tags"."tag_id"="Tag"."id" WHERE )";
+
+// What is known without the file.
+
+TEST_F(ReadingStatements, what_cannot_be_there_is_not_asked_for) {
+  log.take_all();
+  EXPECT_FALSE(library->get<Material>(0u));
+  EXPECT_FALSE(library->get<Composition>(0u));
+  EXPECT_FALSE(library->get<Tag>(0u));
+  EXPECT_FALSE(library->get<Material>(veldra::String()));
+  EXPECT_FALSE(library->get<CustomProperty>(veldra::String()));
+  std::vector<std::shared_ptr<Tag>> tags;
+  library->search(tags, "");
+  EXPECT_THAT(log.take_all(), IsEmpty());
+}
+
+TEST_F(ReadingStatements, the_metadata_are_not_asked_for_again) {
+  log.take_all();
+  library->guid();
+  library->unit();
+  library->locale();
+  library->region();
+  library->version();
+  library->readOnly();
+  library->filename();
+  EXPECT_THAT(log.take_all(), IsEmpty());
+}
+
+// Transactions.
+
+TEST_F(ReadingStatements, reading_ends_without_a_commit) {
+  full_composition("Wall")->save(library);
+  log.take_all();
+  ASSERT_TRUE(library->get<Composition>(1u));
+  std::vector<std::shared_ptr<Material>> materials;
+  library->get(materials);
+  library->search(materials, "%");
+  library->count<Tag>();
+  const Statements statements = log.take_all();
+  EXPECT_THAT(statements, Contains("ROLLBACK").Times(4));
+  EXPECT_THAT(statements, Not(Contains("COMMIT")));
+}
+
+// The ids that are asked for. A dollar sign stands for the table.
+
+template <class T>
+std::string of_table(std::string statement) {
+  const std::string table = "\"" + table_of<T>() + "\"";
+  for (std::size_t at; (at = statement.find('$')) != std::string::npos;) {
+    statement.replace(at, 1, table);
+  }
+  return statement;
+}
+
+template <class T>
+std::string in_order(const std::string& statement) {
+  const bool by_name = std::is_same<T, CustomProperty>::value;
+  return of_table<T>(statement) + (by_name ? R"( ORDER BY "CustomProperty"."name")" : "");
+}
+
+template <class T>
+class ReadingStatementsOf : public ReadingStatements {};
+TYPED_TEST_SUITE(ReadingStatementsOf, AllKinds, KindNames);
+
+TYPED_TEST(ReadingStatementsOf, getting_asks_the_table_of_the_kind) {
+  EXPECT_THAT(this->template of_getting<TypeParam>({}),
+              Contains(in_order<TypeParam>(R"(SELECT $."id" FROM $ WHERE 1)")));
+}
+
+TYPED_TEST(ReadingStatementsOf, getting_by_ids_asks_for_these) {
+  std::vector<std::shared_ptr<TypeParam>> objects;
+  this->library->get(objects, std::set<unsigned>{21, 22});
+  EXPECT_THAT(this->log.take(),
+              ElementsAre(in_order<TypeParam>(R"(SELECT $."id" FROM $ WHERE $."id" IN (?, ?))")));
+}
+
+TYPED_TEST(ReadingStatementsOf, getting_by_name_asks_for_it) {
+  this->library->template get<TypeParam>("Oak");
+  EXPECT_THAT(this->log.take(),
+              ElementsAre(of_table<TypeParam>(R"(SELECT $."id" FROM $ WHERE $."name"= ?)")));
+}
+
+TYPED_TEST(ReadingStatementsOf, searching_compares_the_name_with_the_pattern) {
+  EXPECT_THAT(this->template of_searching<TypeParam>({}),
+              ElementsAre(in_order<TypeParam>(R"(SELECT $."id" FROM $ WHERE $."name" LIKE ?)")));
+}
+
+TYPED_TEST(ReadingStatementsOf, counting_counts_the_rows_of_the_table) {
+  const auto expected = ElementsAre(of_table<TypeParam>(R"(SELECT count($."id") FROM $ WHERE 1)"));
+  EXPECT_THAT(this->template of_counting<TypeParam>({}), expected);
+  this->library->template count<TypeParam>();
+  EXPECT_THAT(this->log.take(), expected);
+}
+
+TEST_F(ReadingStatements, tags_of_materials_are_joined_and_each_id_comes_once) {
+  EXPECT_THAT(of_getting<Material>(tagged_materials()),
+              ElementsAre(R"(SELECT DISTINCT "Object"."id")" + tagged_materials_view +
+                          R"("Tag"."name" IN (?, ?))"));
+  EXPECT_THAT(of_searching<Material>(tagged_materials()),
+              ElementsAre(R"(SELECT DISTINCT "Object"."id")" + tagged_materials_view +
+                          R"(("Object"."name" LIKE ?) AND ("Tag"."name" IN (?, ?)))"));
+  EXPECT_THAT(of_counting<Material>(tagged_materials()),
+              ElementsAre(R"(SELECT count(DISTINCT "Object"."id"))" + tagged_materials_view +
+                          R"("Tag"."name" IN (?, ?))"));
+}
+
+TEST_F(ReadingStatements, types_and_tags_of_compositions_are_joined) {
+  const std::string types = R"((("Object"."type"= ?) OR ("Object"."type"= ?)))";
+  const std::string tags = R"(("Tag"."name" IN (?)))";
+  EXPECT_THAT(of_getting<Composition>(tagged_walls_and_floors()),
+              ElementsAre(R"(SELECT DISTINCT "Object"."id")" + tagged_compositions_view + types +
+                          " AND " + tags));
+  EXPECT_THAT(of_searching<Composition>(tagged_walls_and_floors()),
+              ElementsAre(R"(SELECT DISTINCT "Object"."id")" + tagged_compositions_view + "(" +
+                          types + R"( AND ("Object"."name" LIKE ?)) AND )" + tags));
+  EXPECT_THAT(of_counting<Composition>(tagged_walls_and_floors()),
+              ElementsAre(R"(SELECT count(DISTINCT "Object"."id"))" + tagged_compositions_view +
+                          types + " AND " + tags));
+}
+
+}  // namespace
+}  // namespace veldra_tests
