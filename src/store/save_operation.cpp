@@ -112,13 +112,24 @@ template <class T>
 SaveOperation::Working<T> SaveOperation::working_object(const std::shared_ptr<T>& object,
                                                         const Library* source) {
   if (source != nullptr) {
-    const auto copy = object->clone();
+    const auto copy = whole(object, *source)->clone();
     convert_lengths(*copy, source->unit(), library_.unit());
     // Nobody ever has a copy that is discarded.
     if (results_ == Results::Discarded) return {copy, nullptr};
     return remembered(copy);
   }
   return object->isDirty() ? remembered(object) : Working<T>{object, &logs_.front()};
+}
+
+/// What was in the mapping when it was fetched for a copy has its id only, and so no name. It comes
+/// here when the reactor has removed the entry since.
+template <class T>
+std::shared_ptr<T> SaveOperation::whole(const std::shared_ptr<T>& object, const Library& source) {
+  if (results_ == Results::Wanted || !object->name().empty()) return object;
+  ReadTransaction transaction(LibraryAccess::database(source));
+  const auto read = load<T>(source, object->id());
+  if (read == nullptr) throw ObjectNotFound();
+  return read;
 }
 
 template <class T>
@@ -137,6 +148,14 @@ std::shared_ptr<T> SaveOperation::mapped(const T& object, unsigned id) {
   record.id = id;
   record.name = object.name();
   return copy;
+}
+
+/// The values of an owner are kept by the name of their property, which may be another one here.
+template <>
+std::shared_ptr<CustomProperty> SaveOperation::mapped(const CustomProperty&, unsigned id) {
+  std::shared_ptr<CustomProperty>& property = properties_[id];
+  if (property == nullptr) property = load<CustomProperty>(library_, id);
+  return property;
 }
 
 /// An entry of a mapping that the caller kept may name an object that is gone by now.

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace veldra {
@@ -40,6 +41,8 @@ class SaveOperation {
 
   template <class T>
   Working<T> working_object(const std::shared_ptr<T>& object, const Library* source);
+  template <class T>
+  std::shared_ptr<T> whole(const std::shared_ptr<T>& object, const Library& source);
   template <class T>
   Working<T> remembered(const std::shared_ptr<T>& object);
 
@@ -94,6 +97,7 @@ class SaveOperation {
   UndoLogs logs_{1};
   WriteTransaction transaction_;
   std::unordered_set<std::uint64_t> there_;  // keys of mapped objects that are known to be stored
+  std::unordered_map<unsigned, std::shared_ptr<CustomProperty>> properties_;  // mapped ones by id
 };
 
 }  // namespace veldra

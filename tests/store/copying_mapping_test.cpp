@@ -217,6 +217,88 @@ TEST_F(CopyingWithMapping, copying_and_saving_share_a_mapping) {
   EXPECT_EQ(library->count<Composition>(), 1u);
 }
 
+// A host may drop an entry when it is told of something.
+
+class CopyingWithADroppedEntry : public CopyingWithMapping {
+ protected:
+  CopyingWithADroppedEntry() {
+    library->copy<Material>(source, Ids{core->id()}, mapping);
+    reactor.calls.clear();
+  }
+
+  /// Copies the composition. When its tag is told of, the material's entry is dropped.
+  void copy_wall(const std::function<void()>& when_dropped = [] {}) {
+    reactor.on_saved = [this, when_dropped](Library&, const ObjectKey& key) {
+      if (key.type != ObjectType::Tag) return;
+      ASSERT_TRUE(mapping.remove(source_key(core)));
+      when_dropped();
+    };
+    library->copy<Composition>(source, Ids{wall->id()}, mapping);
+  }
+
+  static std::shared_ptr<Composition> tagged_wall() {
+    const auto composition = Composition::create("Wall");
+    composition->addTag(Tag::create("outside"));
+    composition->appendLayer({full_material("Core"), Material::Function::None, 5.0});
+    return composition;
+  }
+
+  const std::shared_ptr<Composition> wall = put(tagged_wall());
+  const std::shared_ptr<Material> core = source->get<Material>("Core");
+  IdMapping mapping = fresh_mapping();
+};
+
+TEST_F(CopyingWithADroppedEntry, a_material_that_was_removed_is_copied_anew) {
+  library->purge<Material>();
+  copy_wall();
+  const auto material = twin_of(mapping, wall)->layer(0).material();
+  EXPECT_EQ(values_of(material), values_of(core));
+  EXPECT_EQ(entry_of(mapping, core).id, material->id());
+  EXPECT_EQ(entry_of(mapping, core).status, IdMapping::Inserted);
+}
+
+TEST_F(CopyingWithADroppedEntry, a_material_that_is_still_there_is_a_conflict) {
+  reactor.decision = Library::Reactor::UseExisting;
+  const auto stored = library->get<Material>("Core");
+  stored->code(veldra::String());
+  stored->save();
+  copy_wall();
+  EXPECT_THAT(reactor.calls_starting_with("conflict"), ElementsAre("conflict Material 'Core'"));
+  EXPECT_EQ(library->count<Material>(), 1u);
+  EXPECT_EQ(twin_of(mapping, wall)->layer(0).material()->id(), stored->id());
+}
+
+TEST_F(CopyingWithADroppedEntry, a_material_that_is_gone_from_the_source_too_is_not_found) {
+  const std::string before = rows();
+  const auto remove_from_source = [this] {
+    source->remove(wall);
+    source->remove(core);
+  };
+  EXPECT_EQ(thrown_by([&] { copy_wall(remove_from_source); }), "veldra::ObjectNotFound");
+  EXPECT_EQ(rows(), before);
+}
+
+// Two properties of the source may stand for one: the first was renamed, and a second one took its
+// former name.
+TEST_F(CopyingWithMapping, values_of_two_properties_that_stand_for_one_are_one_value) {
+  const auto first = put(CustomProperty::create("Rating", ObjectType::Material));
+  IdMapping mapping = fresh_mapping();
+  library->copyAll(source, mapping);
+  first->name("Former rating");
+  first->save();
+  put(CustomProperty::create("Rating", ObjectType::Material));
+  const auto oak = Material::create("Oak");
+  oak->custom_value("Former rating", "A");
+  oak->custom_value("Rating", "B");
+  put(oak);
+
+  library->copyAll(source, mapping);
+
+  EXPECT_THAT(PlainDatabase(path).query("SELECT value FROM Material_custom_values"),
+              ElementsAre(ElementsAre("'A'")));
+  EXPECT_EQ(twin_of(mapping, oak)->custom_value("Rating").get(), veldra::String("A"));
+}
+
 TEST_F(CopyingWithMapping, later_changes_of_the_source_are_not_copied_with_the_same_mapping) {
   const auto oak = put(named<Material>("Oak"));
   IdMapping mapping = fresh_mapping();
