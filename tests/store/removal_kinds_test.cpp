@@ -279,6 +279,21 @@ TYPED_TEST(RemovalOfKind, a_library_for_reading_refuses_every_form) {
   EXPECT_NE(library.template get<TypeParam>(id), nullptr);
 }
 
+TYPED_TEST(RemovalOfKind, a_library_for_reading_asks_the_reactor_first) {
+  const unsigned id = this->template stored<TypeParam>("one")->id();
+  this->reopen_for_reading();
+  this->library->setReactor(&this->reactor);
+  this->reactor.refusal = 1;
+  EXPECT_FALSE(this->library->template remove<TypeParam>(id));
+  EXPECT_NE(this->library->template get<TypeParam>(id), nullptr);
+}
+
+TYPED_TEST(RemovalOfKind, a_library_for_reading_refuses_what_is_not_there) {
+  this->reopen_for_reading();
+  EXPECT_EQ(thrown_by([&] { this->library->template remove<TypeParam>(12345); }),
+            "veldra::LibraryReadOnly");
+}
+
 TYPED_TEST(RemovalOfKind, a_failure_of_the_database_is_an_unknown_error) {
   const auto object = this->template stored<TypeParam>("one");
   this->on_delete_from(table_of<TypeParam>(), kOverflow);

@@ -347,6 +347,16 @@ TEST_F(SavingCodes, a_taken_code_is_not_unique_and_nobody_is_asked) {
   EXPECT_EQ(library->save(pine), pine);
 }
 
+TEST_F(SavingCodes, a_taken_code_counts_before_a_taken_name) {
+  library->save(coded("Oak", "W-1"));
+  reactor.calls.clear();
+  reactor.decision = Reactor::Overwrite;
+  const Thrown thrown = thrown_by([&] { library->save(coded("Oak", "W-1")); });
+  EXPECT_EQ(thrown, "veldra::ObjectNotUnique");
+  EXPECT_EQ(thrown.text, "Material.code");
+  EXPECT_THAT(reactor.calls, IsEmpty());
+}
+
 TEST_F(SavingCodes, an_update_to_a_taken_code_is_not_unique) {
   library->save(coded("Oak", "W-1"));
   const auto pine = library->save(coded("Pine", "W-2"));

@@ -273,6 +273,25 @@ TEST_F(SavingDependents,
   EXPECT_EQ(values_of(library->get<Material>("Oak")), values_of(copy));
 }
 
+TEST_F(SavingDependents, what_is_met_again_in_its_own_library_counts_as_existing) {
+  const auto oak = library->save(Material::create("Oak"));
+  oak->mark("changed");
+  const auto wall = Composition::create("Wall");
+  wall->appendLayer({oak, Material::Function::None, 1.0});
+  IdMapping mapping(library.get());
+  const IdMapping::Key key({ObjectType::Material, oak->id()}, library.get());
+  IdMapping::Value met;
+
+  library->save(oak, mapping);
+  ASSERT_TRUE(mapping.compute(key, met));
+  EXPECT_EQ(met.status, IdMapping::Updated);
+
+  library->save(wall, mapping);
+  ASSERT_TRUE(mapping.compute(key, met));
+  EXPECT_EQ(met.id, oak->id());
+  EXPECT_EQ(met.status, IdMapping::Existing);
+}
+
 TEST_F(SavingDependents, layers_of_the_same_foreign_material_share_one_copy) {
   const auto other = create("other.lib");
   const auto oak = other->save(Material::create("Oak"));

@@ -96,6 +96,15 @@ TYPED_TEST(SavingKinds, an_unchanged_object_is_left_alone) {
   EXPECT_EQ(entry.status, IdMapping::Existing);
 }
 
+TYPED_TEST(SavingKinds, in_a_library_for_reading_nothing_and_the_unchanged_are_saved) {
+  const unsigned id = this->library->save(named<TypeParam>("Alpha"))->id();
+  this->library.reset();
+  this->library = Library::open(this->path.c_str(), true);
+  const auto loaded = this->library->template get<TypeParam>(id);
+  EXPECT_EQ(this->library->save(std::shared_ptr<TypeParam>()), nullptr);
+  EXPECT_EQ(this->library->save(loaded), loaded);
+}
+
 TYPED_TEST(SavingKinds, an_object_of_another_library_is_copied) {
   const auto other = this->create("other.lib");
   other->save(named<TypeParam>("First"));
