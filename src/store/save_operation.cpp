@@ -141,7 +141,11 @@ SaveOperation::Working<T> SaveOperation::remembered(const std::shared_ptr<T>& ob
 
 template <class T>
 std::shared_ptr<T> SaveOperation::mapped(const T& object, unsigned id) {
-  if (results_ == Results::Wanted) return load<T>(library_, id);
+  return results_ == Results::Wanted ? load<T>(library_, id) : stand_in(object, id);
+}
+
+template <class T>
+std::shared_ptr<T> SaveOperation::stand_in(const T& object, unsigned id) {
   if (!is_there<T>(id)) return nullptr;
   const auto copy = ObjectAccess::make<T>();
   ObjectRecord& record = ObjectAccess::impl(*copy);
@@ -152,7 +156,7 @@ std::shared_ptr<T> SaveOperation::mapped(const T& object, unsigned id) {
 
 /// The values of an owner are kept by the name of their property, which may be another one here.
 template <>
-std::shared_ptr<CustomProperty> SaveOperation::mapped(const CustomProperty&, unsigned id) {
+std::shared_ptr<CustomProperty> SaveOperation::stand_in(const CustomProperty&, unsigned id) {
   std::shared_ptr<CustomProperty>& property = properties_[id];
   if (property == nullptr) property = load<CustomProperty>(library_, id);
   return property;

@@ -50,6 +50,8 @@ class SaveOperation {
   template <class T>
   std::shared_ptr<T> mapped(const T& object, unsigned id);
   template <class T>
+  std::shared_ptr<T> stand_in(const T& object, unsigned id);
+  template <class T>
   bool is_there(unsigned id);
 
   // What an object refers to.
@@ -97,7 +99,7 @@ class SaveOperation {
   UndoLogs logs_{1};
   WriteTransaction transaction_;
   std::unordered_set<std::uint64_t> there_;  // keys of mapped objects that are known to be stored
-  std::unordered_map<unsigned, std::shared_ptr<CustomProperty>> properties_;  // mapped ones by id
+  std::unordered_map<unsigned, std::shared_ptr<CustomProperty>> properties_;  // stand-ins by id
 };
 
 }  // namespace veldra
