@@ -267,17 +267,6 @@ TEST(AssetTest, an_empty_text_equals_a_missing_one_and_leaves_it_clean) {
   EXPECT_FALSE(thermal.isDirty());
 }
 
-TEST(AssetTest, a_read_asset_does_not_keep_its_library_open) {
-  StoredObjects stored;
-  const auto structural = stored.get<StructuralAsset>();
-  const auto thermal = stored.get<ThermalAsset>();
-  const std::weak_ptr<veldra::Library> library = stored.library();
-  stored.close();
-  EXPECT_TRUE(library.expired());
-  EXPECT_EQ(structural->library(), nullptr);
-  EXPECT_EQ(thermal->library(), nullptr);
-}
-
 /// Sets a number that is NaN already, which the asset that was read last has in all numbers, and
 /// one that is not.
 template <class T>

@@ -167,16 +167,6 @@ TEST(CompositionTest, reading_leaves_it_clean) {
   EXPECT_EQ(composition->library(), stored.library());
 }
 
-TEST(CompositionTest, does_not_keep_its_library_open) {
-  StoredObjects stored;
-  const auto composition = stored.get<Composition>();
-  const std::weak_ptr<veldra::Library> library = stored.library();
-  stored.close();
-  EXPECT_TRUE(library.expired());
-  EXPECT_EQ(composition->library(), nullptr);
-  EXPECT_EQ(composition->id(), StoredObjects::id);
-}
-
 // Every field.
 
 const std::shared_ptr<const veldra::Layer> other_layer = veldra::Layer::create("Other");

@@ -126,16 +126,6 @@ TEST(MaterialTest, reading_leaves_it_clean) {
   EXPECT_EQ(material->library(), stored.library());
 }
 
-TEST(MaterialTest, does_not_keep_its_library_open) {
-  StoredObjects stored;
-  const auto material = stored.get<Material>();
-  const std::weak_ptr<veldra::Library> library = stored.library();
-  stored.close();
-  EXPECT_TRUE(library.expired());
-  EXPECT_EQ(material->library(), nullptr);
-  EXPECT_EQ(material->id(), StoredObjects::id);
-}
-
 const std::shared_ptr<const MaterialType> other_type = MaterialType::create("Other");
 const std::shared_ptr<const Layer> other_layer = Layer::create("Other");
 const std::shared_ptr<StructuralAsset> other_structural_asset =

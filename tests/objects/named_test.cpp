@@ -119,24 +119,6 @@ TYPED_TEST(NamedTest, a_read_object_is_clean_and_bound) {
   EXPECT_FALSE(object->isDirty());
 }
 
-TYPED_TEST(NamedTest, an_object_does_not_keep_its_library_open) {
-  StoredObjects stored;
-  const auto object = stored.get<TypeParam>();
-  const std::weak_ptr<Library> library = stored.library();
-  stored.close();
-  EXPECT_TRUE(library.expired());
-}
-
-TYPED_TEST(NamedTest, an_object_outlives_its_library_and_keeps_its_id) {
-  StoredObjects stored;
-  const auto object = stored.get<TypeParam>();
-  stored.close();
-  EXPECT_EQ(object->library(), nullptr);
-  EXPECT_EQ(object->id(), StoredObjects::id);
-  EXPECT_EQ(object->name().utf8(), "Stored");
-  EXPECT_FALSE(object->isDirty());
-}
-
 TYPED_TEST(NamedTest, a_clone_is_dirty_and_unbound) {
   const auto clone = create<TypeParam>("Wood")->clone();
   EXPECT_EQ(clone->name().utf8(), "Wood");
@@ -275,6 +257,35 @@ TYPED_TEST(RenamingTest, keeps_id_and_library) {
   this->object->name("Other");
   EXPECT_NE(this->object->id(), 0u);
   EXPECT_NE(this->object->library(), nullptr);
+}
+
+// Of every kind, assets too.
+
+using StoredKinds = testing::Types<Tag, Layer, MaterialType, CustomProperty, Material, Composition,
+                                   StructuralAsset, ThermalAsset>;
+
+template <class T>
+class StoredObjectTest : public testing::Test {};
+TYPED_TEST_SUITE(StoredObjectTest, StoredKinds);
+
+TYPED_TEST(StoredObjectTest, does_not_keep_its_library_open) {
+  StoredObjects stored;
+  const auto object = stored.get<TypeParam>();
+  const std::weak_ptr<Library> library = stored.library();
+  stored.close();
+  EXPECT_TRUE(library.expired());
+}
+
+TYPED_TEST(StoredObjectTest, outlives_its_library_and_keeps_its_id) {
+  StoredObjects stored;
+  const auto object = stored.get<TypeParam>();
+  const unsigned id = object->id();
+  stored.close();
+  EXPECT_EQ(object->library(), nullptr);
+  EXPECT_NE(id, 0u);
+  EXPECT_EQ(object->id(), id);
+  EXPECT_EQ(object->name().utf8(), "Stored");
+  EXPECT_FALSE(object->isDirty());
 }
 
 }  // namespace
