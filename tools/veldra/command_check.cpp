@@ -16,7 +16,7 @@ struct Arguments {
   bool json = false;
 };
 
-void print(const std::vector<Finding>& findings, bool json) {
+void print(Spool& output, const std::vector<Finding>& findings, bool json) {
   if (json) {
     Json list = Json::array();
     for (const auto& finding : findings) {
@@ -25,29 +25,29 @@ void print(const std::vector<Finding>& findings, bool json) {
       entry["finding"] = finding.sentence;
       list.push_back(entry);
     }
-    return print_json(list);
+    return print_json(output, list);
   }
-  for (const auto& finding : findings) fmt::print("{}: {}\n", finding.object, finding.sentence);
-  if (findings.empty()) fmt::print("Nothing is wrong.\n");
+  for (const auto& finding : findings) output.print("{}: {}\n", finding.object, finding.sentence);
+  if (findings.empty()) output.print("Nothing is wrong.\n");
 }
 
-void check(const Arguments& arguments, int& status) {
+void check(const Arguments& arguments, Host& host) {
   const auto library = open_library(arguments.file, Access::Read);
   const auto findings = working_on(arguments.file, [&] { return findings_in(*library); });
-  print(findings, arguments.json);
-  if (!findings.empty()) status = 1;
+  print(host.output, findings, arguments.json);
+  if (!findings.empty()) host.status = Status::Findings;
 }
 
 }  // namespace
 
 void add_check(Host& host) {
   auto& command = *host.arguments.add_subcommand(
-      "check", "Look for what is wrong in a library; the exit status is 1 if anything is");
+      "check", "Look for what is wrong in a library; the exit status is 3 if anything is");
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
   add_json(command, arguments->json);
   add_example(command, "veldra check office.lib");
-  command.callback([arguments, &host] { check(*arguments, host.status); });
+  command.callback([arguments, &host] { check(*arguments, host); });
 }
 
 }  // namespace veldra_tool

@@ -122,9 +122,9 @@ const char* outcome_text(Outcome outcome) {
 }
 
 /// The name is the one in the source, the id the one in the destination.
-void print(const std::vector<Copied>& objects, bool json) {
+void print(Spool& output, const std::vector<Copied>& objects, bool json) {
   if (json) {
-    return print_json_list(objects, [](const Copied& copied) {
+    return print_json_list(output, objects, [](const Copied& copied) {
       Json entry = key_to_json({copied.kind, copied.id}, copied.name);
       entry["outcome"] = outcome_text(copied.outcome);
       entry["name_in_destination"] = copied.result;
@@ -136,7 +136,7 @@ void print(const std::vector<Copied>& objects, bool json) {
     table.add(
         {singular_of(copied.kind), fmt::format("{}", copied.id), copied.name, status_text(copied)});
   }
-  print_table(table, "There was nothing to copy.");
+  print_table(output, table, "There was nothing to copy.");
 }
 
 /// Goes through a library in memory, so that what is copied is there to be compared in the unit of
@@ -159,7 +159,7 @@ std::vector<Copied> copy_objects(const Arguments& arguments, const std::vector<W
   return copied_objects(*staging, *destination, mapping, reactor);
 }
 
-void copy(const Arguments& arguments) {
+void copy(const Arguments& arguments, Host& host) {
   if (arguments.all != arguments.objects.empty()) {
     throw CLI::ValidationError("OBJECT", "say which objects to copy, or --all");
   }
@@ -169,8 +169,9 @@ void copy(const Arguments& arguments) {
   if (same_file(arguments.source, arguments.destination)) {
     throw Failure("the source and the destination are the same file");
   }
-  working_on(arguments.destination,
-             [&] { print(copy_objects(arguments, wanted, source, destination), arguments.json); });
+  working_on(arguments.destination, [&] {
+    print(host.output, copy_objects(arguments, wanted, source, destination), arguments.json);
+  });
 }
 
 }  // namespace
@@ -194,7 +195,7 @@ void add_copy(Host& host) {
   add_on_conflict(command, arguments->on_conflict);
   add_json(command, arguments->json);
   add_example(command, "veldra copy office.lib site.lib 'composition:Flat roof' material:17");
-  command.callback([arguments] { copy(*arguments); });
+  command.callback([arguments, &host] { copy(*arguments, host); });
 }
 
 }  // namespace veldra_tool

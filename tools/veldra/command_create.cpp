@@ -21,7 +21,7 @@ struct Arguments {
   bool json = false;
 };
 
-void create(const Arguments& arguments) {
+void create(const Arguments& arguments, Host& host) {
   const auto locale = library_text(arguments.locale);
   const auto region = library_text(arguments.region);
   const auto library = create_library(arguments.file, arguments.unit, arguments.guid);
@@ -29,10 +29,10 @@ void create(const Arguments& arguments) {
     if (locale) library->locale(locale);
     if (region) library->region(region);
   });
-  if (!arguments.json) return fmt::print("{}\n", library->guid().utf8());
+  if (!arguments.json) return host.output.print("{}\n", library->guid().utf8());
   Json facts = facts_of(*library);
   facts["read_only"] = false;
-  print_json(facts);
+  print_json(host.output, facts);
 }
 
 }  // namespace
@@ -49,7 +49,7 @@ void add_create(Host& host) {
   command.add_option("--region", arguments->region, "The region that it is for, such as AT");
   add_json(command, arguments->json);
   add_example(command, "veldra create office.lib --unit mm --locale de_AT --region AT");
-  command.callback([arguments] { create(*arguments); });
+  command.callback([arguments, &host] { create(*arguments, host); });
 }
 
 }  // namespace veldra_tool

@@ -37,7 +37,7 @@ Json to_json(const Compositions& compositions) {
   return list;
 }
 
-void draw(const Arguments& arguments) {
+void draw(const Arguments& arguments, Host& host) {
   if (arguments.json && is_standard_output(arguments.output)) {
     throw CLI::ValidationError("--json", "a drawing is no JSON; give a file for it with -o");
   }
@@ -45,11 +45,11 @@ void draw(const Arguments& arguments) {
   const auto compositions =
       working_on(arguments.file, [&] { return wanted_compositions(*library, arguments); });
   const auto sheet = draw_sheet(compositions, library->unit());
-  write_output(arguments.output, sheet);
+  write_output(host.output, arguments.output, sheet);
   if (!arguments.json) return;
   Json written = written_to_json(arguments.output, "svg", sheet);
   written["compositions"] = to_json(compositions);
-  print_json(written);
+  print_json(host.output, written);
 }
 
 }  // namespace
@@ -65,7 +65,7 @@ void add_draw(Host& host) {
   add_output(command, arguments->output);
   add_json_of_file(command, arguments->json);
   add_example(command, "veldra draw office.lib 'Cavity wall' 'Flat roof' -o sheet.svg");
-  command.callback([arguments] { draw(*arguments); });
+  command.callback([arguments, &host] { draw(*arguments, host); });
 }
 
 }  // namespace veldra_tool

@@ -73,18 +73,18 @@ void require_sense(const Arguments& arguments) {
   throw CLI::ValidationError("--json", "a table is no JSON; give a file for it with -o");
 }
 
-void export_library(const Arguments& arguments) {
+void export_library(const Arguments& arguments, Host& host) {
   require_sense(arguments);
   const auto library = open_library(arguments.file, Access::Read);
   const auto text = working_on(arguments.file, [&] {
     Progress progress("exporting");
     return arguments.format == "csv" ? csv_of(*library, progress) : json_of(*library, progress);
   });
-  write_output(arguments.output, text);
+  write_output(host.output, arguments.output, text);
   if (!arguments.json || is_standard_output(arguments.output)) return;
   Json written = written_to_json(arguments.output, arguments.format, text);
   written["counts"] = working_on(arguments.file, [&] { return counts_of(*library); });
-  print_json(written);
+  print_json(host.output, written);
 }
 
 }  // namespace
@@ -97,7 +97,7 @@ void add_export(Host& host) {
   add_output(command, arguments->output);
   add_json_of_file(command, arguments->json);
   add_example(command, "veldra export office.lib -o office.json");
-  command.callback([arguments] { export_library(*arguments); });
+  command.callback([arguments, &host] { export_library(*arguments, host); });
 }
 
 }  // namespace veldra_tool

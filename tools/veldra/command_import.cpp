@@ -6,6 +6,7 @@
 #include "json.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
+#include "process/writing.hpp"
 #include "progress.hpp"
 
 #include <fmt/format.h>
@@ -110,7 +111,7 @@ void require_no_problems(const ImportReport& report) {
 
 void print_problems(const ImportReport& report) {
   for (const auto& source : report) {
-    for (const auto& problem : source.problems) fmt::print(stderr, "veldra: {}\n", problem);
+    for (const auto& problem : source.problems) say(fmt::format("veldra: {}\n", problem));
   }
 }
 
@@ -146,11 +147,11 @@ ImportReport imported(const Arguments& arguments) {
   });
 }
 
-void import(const Arguments& arguments) {
+void import(const Arguments& arguments, Host& host) {
   const auto report = imported(arguments);
-  if (arguments.json) return print_json(to_json(report));
-  fmt::print("{}", text_of(report));
-  if (arguments.dry_run) fmt::print("Nothing was written, because this was a dry run.\n");
+  if (arguments.json) return print_json(host.output, to_json(report));
+  host.output.write(text_of(report));
+  if (arguments.dry_run) host.output.print("Nothing was written, because this was a dry run.\n");
 }
 
 }  // namespace
@@ -170,9 +171,9 @@ void add_import(Host& host) {
   command.add_flag("--strict", arguments->strict, "Import nothing when there is any problem");
   add_json(command, arguments->json);
   add_example(command, "veldra import office.lib walls.idf glass.epJSON --on-conflict use");
-  command.callback([arguments, &command] {
+  command.callback([arguments, &command, &host] {
     arguments->unit_given = command.count("--unit") > 0;
-    import(*arguments);
+    import(*arguments, host);
   });
 }
 

@@ -72,19 +72,19 @@ bool any_removed(const std::vector<Candidate>& candidates) {
                      [](const Candidate& candidate) { return candidate.removed; });
 }
 
-void remove(const RemoveArguments& arguments, int& status) {
+void remove(const RemoveArguments& arguments, Host& host) {
   const auto library = open_library(arguments.file, Access::Write);
   working_on(arguments.file, [&] {
     auto objects = named_candidates(*library, arguments);
     std::set<veldra::ObjectKey> keys;
     for (const auto& object : objects) keys.insert(object.key);
     remove_all(*library, objects, [&](auto& results) { library->remove(keys, results); });
-    print_candidates(objects, arguments.json, "removed");
-    if (!any_removed(objects)) status = 1;
+    print_candidates(host.output, objects, arguments.json, "removed");
+    if (!any_removed(objects)) host.status = Status::Failed;
   });
 }
 
-void purge(const PurgeArguments& arguments) {
+void purge(const PurgeArguments& arguments, Host& host) {
   const auto& wanted = arguments.kinds.empty() ? all_kinds() : arguments.kinds;
   const std::set<veldra::ObjectType> kinds(wanted.begin(), wanted.end());
   const auto access = arguments.dry_run ? Access::Read : Access::Write;
@@ -93,10 +93,10 @@ void purge(const PurgeArguments& arguments) {
     auto objects = candidates(*library, kinds);
     if (arguments.dry_run) {
       predict_purge(objects, *library);
-      return print_purged(objects, arguments.json, "would go");
+      return print_purged(host.output, objects, arguments.json, "would go");
     }
     remove_all(*library, objects, [&](auto& results) { library->purge(kinds, results); });
-    print_purged(objects, arguments.json, "removed");
+    print_purged(host.output, objects, arguments.json, "removed");
   });
 }
 
@@ -113,7 +113,7 @@ void add_remove(Host& host) {
       ->type_name("");
   add_json(command, arguments->json);
   add_example(command, "veldra remove office.lib materials 'Solid brick' 17");
-  command.callback([arguments, &host] { remove(*arguments, host.status); });
+  command.callback([arguments, &host] { remove(*arguments, host); });
 }
 
 void add_purge(Host& host) {
@@ -125,7 +125,7 @@ void add_purge(Host& host) {
   command.add_flag("--dry-run", arguments->dry_run, "Tell what would go, and remove nothing");
   add_json(command, arguments->json);
   add_example(command, "veldra purge office.lib materials tags --dry-run");
-  command.callback([arguments] { purge(*arguments); });
+  command.callback([arguments, &host] { purge(*arguments, host); });
 }
 
 }  // namespace veldra_tool

@@ -1,27 +1,28 @@
 #include "failure.hpp"
 #include "host.hpp"
+#include "process/writing.hpp"
 #include "text.hpp"
 
 #include <fmt/format.h>
 
+#include <unistd.h>
+
 #include <algorithm>
-#include <cstdio>
+#include <csignal>
+#include <sstream>
 
 namespace veldra_tool {
 
 namespace {
 
-constexpr int failed = 1;
-constexpr int wrong_arguments = 2;
-
-int complain(const std::string& sentence) {
-  fmt::print(stderr, "veldra: {}\n", sentence);
-  return failed;
+Status complain(const std::string& sentence) {
+  say(fmt::format("veldra: {}\n", sentence));
+  return Status::Failed;
 }
 
-int refuse(const std::string& sentence, const std::string& command) {
-  fmt::print(stderr, "veldra: {}\n'{} --help' tells more.\n", printable(sentence), command);
-  return wrong_arguments;
+Status refuse(const std::string& sentence, const std::string& command) {
+  say(fmt::format("veldra: {}\n'{} --help' tells more.\n", printable(sentence), command));
+  return Status::WrongUse;
 }
 
 bool is_command(const Host& host, const std::string& name) {
@@ -31,13 +32,31 @@ bool is_command(const Host& host, const std::string& name) {
 }
 
 /// What the arguments are wrong about, for the command that they begin with.
-int refuse(const Host& host, const CLI::ParseError& error) {
+Status refuse(const Host& host, const CLI::ParseError& error) {
   const auto commands = host.arguments.get_subcommands();
   return refuse(error.what(),
                 commands.empty() ? "veldra" : "veldra " + commands.front()->get_name());
 }
 
-int run(Host& host, int count, char** values) {
+/// Help, or what else the arguments wish to see in place of a command.
+void tell(Host& host, const CLI::Success& wish) {
+  std::ostringstream text;
+  host.arguments.exit(wish, text, text);
+  host.output.write(text.str());
+}
+
+/// Tells what the command had to say, now that it holds nothing any more.
+Status report(const Host& host) {
+  say(host.notes);
+  const int error = host.output.copy_to(STDOUT_FILENO);
+  if (error == 0) return host.status;
+  const std::string reason = text_of_error(error);
+  if (!host.done) return complain("standard output cannot be written: " + reason);
+  complain("what was asked for is done, but standard output cannot be written: " + reason);
+  return Status::Findings;
+}
+
+Status run(Host& host, int count, char** values) {
   if (count < 2) return refuse("a command is missing", "veldra");
   const std::string first = values[1];
   if (first.compare(0, 1, "-") != 0 && !is_command(host, first)) {
@@ -46,7 +65,7 @@ int run(Host& host, int count, char** values) {
   try {
     host.arguments.parse(count, values);
   } catch (const CLI::Success& wish) {  // such as help
-    return host.arguments.exit(wish);
+    tell(host, wish);
   } catch (const CLI::ParseError& error) {
     return refuse(host, error);
   } catch (const Failure& failure) {
@@ -54,8 +73,7 @@ int run(Host& host, int count, char** values) {
   } catch (const std::exception& error) {
     return complain("something went wrong that was not to be expected");
   }
-  if (std::fflush(stdout) != 0) return complain("the output cannot be written");
-  return host.status;
+  return report(host);
 }
 
 }  // namespace
@@ -63,7 +81,8 @@ int run(Host& host, int count, char** values) {
 }  // namespace veldra_tool
 
 int main(int count, char** values) {
+  std::signal(SIGPIPE, SIG_IGN);
   veldra_tool::use_unicode();
   veldra_tool::Host host;
-  return veldra_tool::run(host, count, values);
+  return static_cast<int>(veldra_tool::run(host, count, values));
 }

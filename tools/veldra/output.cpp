@@ -40,9 +40,9 @@ void write_file(const std::string& file, const std::string& text) {
 
 bool is_standard_output(const std::string& file) { return file.empty() || file == "-"; }
 
-void write_output(const std::string& file, const std::string& text) {
+void write_output(Spool& output, const std::string& file, const std::string& text) {
   if (is_standard_output(file)) {
-    fmt::print("{}", text);
+    output.write(text);
     return;
   }
   if (!replaceable(file)) return write_file(file, text);
