@@ -84,6 +84,7 @@ void SaveOperation::commit() { transaction_.commit(logs_); }
 template <class T>
 std::shared_ptr<T> SaveOperation::save(const std::shared_ptr<T>& object) {
   if (object == nullptr) return nullptr;
+  impl_.database->stop_if_interrupted();
   constexpr ObjectType type = ObjectTraits<T>::type;
   const std::shared_ptr<Library> source = object->library();
   const IdMapping::Key key({type, object->id()}, source.get());
