@@ -145,6 +145,7 @@ std::shared_ptr<veldra::Library> staged(const Arguments& arguments,
                                         const std::vector<Wanted>& wanted, veldra::Unit unit) {
   auto staging = create_staging_library(unit);
   reading(arguments.source, [&](const veldra::Library& source) {
+    tell_as_it_was(arguments.destination);
     if (arguments.all) return staging->copyAll(source.shared_from_this());
     staging->copy(source.shared_from_this(), keys_of(source, wanted));
   });
