@@ -62,7 +62,7 @@ std::string json_of(const veldra::Library& library, Progress& progress) {
   json["custom_properties"] = properties_to_json(library);
   json["materials"] = objects_to_json<veldra::Material>(library, progress);
   json["compositions"] = objects_to_json<veldra::Composition>(library, progress);
-  return json.dump(2) + "\n";
+  return json_text(json);
 }
 
 /// With --json everything on standard output is JSON.
