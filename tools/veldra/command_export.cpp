@@ -11,6 +11,8 @@
 
 #include <fmt/format.h>
 
+#include <unistd.h>
+
 namespace veldra_tool {
 
 namespace {
@@ -73,12 +75,18 @@ void require_sense(const Arguments& arguments) {
   throw CLI::ValidationError("--json", "a table is no JSON; give a file for it with -o");
 }
 
+CsvFor reader_of(const Arguments& arguments) {
+  const bool seen = is_standard_output(arguments.output) && ::isatty(STDOUT_FILENO) == 1;
+  return seen ? CsvFor::People : CsvFor::Programs;
+}
+
 void export_library(const Arguments& arguments, Host& host) {
   require_sense(arguments);
   const auto library = open_library(arguments.file, Access::Read);
   const auto text = working_on(arguments.file, [&] {
     Progress progress("exporting");
-    return arguments.format == "csv" ? csv_of(*library, progress) : json_of(*library, progress);
+    return arguments.format == "csv" ? csv_of(*library, reader_of(arguments), progress)
+                                     : json_of(*library, progress);
   });
   write_output(host.output, arguments.output, text);
   if (!arguments.json || is_standard_output(arguments.output)) return;
