@@ -33,6 +33,9 @@ CLI::Validator named_value(std::map<std::string, Value> values, const std::strin
 
 }  // namespace
 
+const char* const naming_help =
+    "a name or an id; name:TEXT and id:NUMBER say which, where a number could be both";
+
 std::string kind_choices() {
   std::string choices;
   for (const auto kind : all_kinds()) choices += (choices.empty() ? "" : ", ") + plural_of(kind);
@@ -51,7 +54,7 @@ void add_kind(CLI::App& command, veldra::ObjectType& kind) {
 }
 
 void add_object(CLI::App& command, std::string& object) {
-  command.add_option("OBJECT", object, "The name of the object, or its id")
+  command.add_option("OBJECT", object, fmt::format("The object: {}", naming_help))
       ->required()
       ->type_name("");
 }

@@ -17,6 +17,9 @@ std::string kind_choices();
 
 // Arguments that several commands have, and that they name alike.
 
+/// How an object is named, for the help of commands.
+extern const char* const naming_help;
+
 void add_file(CLI::App& command, std::string& file);
 void add_kind(CLI::App& command, veldra::ObjectType& kind);
 void add_object(CLI::App& command, std::string& object);

@@ -34,10 +34,10 @@ struct Copied {
   Outcome outcome;
 };
 
-/// What "KIND:NAME" or "KIND:ID" says.
+/// What "KIND:OBJECT" says.
 struct Wanted {
   veldra::ObjectType kind;
-  std::string name_or_id;
+  std::string object;
 };
 
 std::vector<Wanted> wanted_objects(const Arguments& arguments) {
@@ -48,7 +48,7 @@ std::vector<Wanted> wanted_objects(const Arguments& arguments) {
     if (colon == std::string::npos || kind == kinds_by_name().end()) {
       throw CLI::ValidationError(
           "OBJECT",
-          fmt::format("{} is not KIND:NAME or KIND:ID, such as composition:Roof", in_quotes(text)));
+          fmt::format("{} is not KIND:OBJECT, such as composition:Roof", in_quotes(text)));
     }
     wanted.push_back({kind->second, text.substr(colon + 1)});
   }
@@ -61,7 +61,7 @@ std::set<veldra::ObjectKey> keys_of(const veldra::Library& library,
   for (const auto& object : wanted) {
     with_class_of(object.kind, [&](auto of) {
       using T = typename decltype(of)::type;
-      keys.insert({object.kind, find_object<T>(library, object.name_or_id)->id()});
+      keys.insert({object.kind, find_object<T>(library, object.object)->id()});
     });
   }
   return keys;
@@ -187,9 +187,11 @@ void add_copy(Host& host) {
       ->required()
       ->type_name("");
   command
-      .add_option("OBJECT", arguments->objects,
-                  "What to copy, as KIND:NAME or KIND:ID; the kinds are " + kind_choices() +
-                      ", also in the singular")
+      .add_option(
+          "OBJECT", arguments->objects,
+          fmt::format("What to copy, as KIND:OBJECT, which is {}; the kinds are {}, also in "
+                      "the singular",
+                      naming_help, kind_choices()))
       ->type_name("");
   command.add_flag("--all", arguments->all, "Copy everything");
   add_on_conflict(command, arguments->on_conflict);

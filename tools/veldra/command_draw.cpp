@@ -7,6 +7,8 @@
 #include "opening.hpp"
 #include "output.hpp"
 
+#include <fmt/format.h>
+
 namespace veldra_tool {
 
 namespace {
@@ -59,7 +61,9 @@ void add_draw(Host& host) {
       "draw", "Draw sections through build-ups, to scale, as an SVG picture");
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
-  command.add_option("COMPOSITION", arguments->compositions, "Their names or ids")
+  command
+      .add_option("COMPOSITION", arguments->compositions,
+                  fmt::format("The build-ups, each {}", naming_help))
       ->required()
       ->type_name("");
   add_output(command, arguments->output);

@@ -8,6 +8,8 @@
 #include "reactor_guard.hpp"
 #include "removal.hpp"
 
+#include <fmt/format.h>
+
 namespace veldra_tool {
 
 namespace {
@@ -108,7 +110,8 @@ void add_remove(Host& host) {
   const auto arguments = std::make_shared<RemoveArguments>();
   add_file(command, arguments->file);
   add_kind(command, arguments->kind);
-  command.add_option("OBJECT", arguments->objects, "The names of the objects, or their ids")
+  command
+      .add_option("OBJECT", arguments->objects, fmt::format("The objects, each {}", naming_help))
       ->required()
       ->type_name("");
   add_json(command, arguments->json);
