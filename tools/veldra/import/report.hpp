@@ -16,6 +16,7 @@ struct SourceReport {
   std::string format;
   std::map<std::string, unsigned> read;     ///< objects, by class
   std::map<std::string, unsigned> skipped;  ///< objects, by class
+  std::map<std::string, unsigned> dropped;  ///< what imported objects had besides, by what it is
   std::map<Outcome, unsigned> materials;
   std::map<Outcome, unsigned> compositions;
   unsigned layers = 0;
@@ -25,6 +26,9 @@ struct SourceReport {
 };
 
 using ImportReport = std::vector<SourceReport>;
+
+/// How many problems there are, and things that were dropped.
+std::size_t count_of_findings(const ImportReport& report);
 
 std::string name_of(Outcome outcome);
 
