@@ -10,7 +10,6 @@
 
 #include <sqlite3.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <fstream>
@@ -77,9 +76,7 @@ bool has_write_ahead_log(odb::sqlite::connection& connection) {
   return row.next() && row.text(0) == "wal";
 }
 
-/// Looks at a file through a connection of its own.
-Recognition look(const FileName& file, int flags) {
-  Database database(file, flags);
+Recognition look_through(Database& database) {
   ReadTransaction transaction(database);
   auto& connection = database.connection_in_use();
   const auto recognition = recognise_tables(connection);
@@ -87,20 +84,25 @@ Recognition look(const FileName& file, int flags) {
   return recognition;
 }
 
-/// Whether a connection that only reads cannot apply the journal or log of a file.
-bool may_need_a_writer(const odb::sqlite::database_exception& error) {
+/// Whether reading has failed for a journal or log that has to be applied before.
+bool needs_a_writer(const odb::sqlite::database_exception& error) {
   return error.error() == SQLITE_READONLY || error.error() == SQLITE_CANTOPEN;
 }
 
-bool is_a_usual_file(const FileName& file) { return file.vfs.empty() && file.path != ":memory:"; }
-
-bool can_be_read(const FileName& file) {
-  return !is_a_usual_file(file) || ::access(file.path.c_str(), R_OK) == 0;
+/// Looks at a file through a connection of its own; returns false where that one cannot apply its
+/// journal or log.
+bool look(const FileName& file, int flags, Recognition& recognition) {
+  Database database(file, flags);
+  try {
+    recognition = look_through(database);
+    return true;
+  } catch (const odb::sqlite::database_exception& error) {
+    if (!needs_a_writer(error)) throw;
+    return false;
+  }
 }
 
-/// Through a VFS nothing but the VFS knows which files there are.
 bool is_missing(const FileName& file) {
-  if (is_a_usual_file(file)) return false;
   sqlite3_vfs* const vfs = sqlite3_vfs_find(file.vfs.empty() ? nullptr : file.vfs.c_str());
   int there = 1;
   if (vfs == nullptr ||
@@ -115,44 +117,29 @@ bool is_missing(const FileName& file) {
 Kind kind_of_unreadable(const FileName& file) {
   const std::string mark("SQLite format 3", 16);
   std::string head(mark.size(), '\0');
-  std::ifstream stream(is_a_usual_file(file) ? file.path : "", std::ios::binary);
+  std::ifstream stream(file.path, std::ios::binary);
   stream.read(&head[0], static_cast<std::streamsize>(head.size()));
   return head == mark ? Kind::Damaged : Kind::Other;
 }
 
-Recognition recognise_by_writer(const FileName& file,
-                                const odb::sqlite::database_exception& reason) {
-  try {
-    return look(file, SQLITE_OPEN_READWRITE);
-  } catch (const odb::sqlite::database_exception& error) {
-    if (!may_need_a_writer(error)) throw;
-  }
-  if (is_missing(file)) return {Kind::Missing, 0};
-  if (!can_be_read(file)) throw reason;
-  return {Kind::NeedsRecovery, 0};
-}
-
-Recognition recognise_by_reader(const FileName& file) {
-  try {
-    return look(file, SQLITE_OPEN_READONLY);
-  } catch (const odb::sqlite::database_exception& error) {
-    if (!may_need_a_writer(error)) throw;
-    return recognise_by_writer(file, error);
-  }
-}
-
 Recognition recognise_database(const FileName& file) {
+  Recognition recognition{Kind::NeedsRecovery, 0};
   try {
-    return recognise_by_reader(file);
+    if (!look(file, SQLITE_OPEN_READONLY, recognition)) {
+      look(file, SQLITE_OPEN_READWRITE, recognition);
+    }
+    return recognition;
   } catch (const odb::sqlite::database_exception& error) {
     if (error.error() == SQLITE_CORRUPT) return {Kind::Damaged, 0};
     if (error.error() == SQLITE_NOTADB) return {kind_of_unreadable(file), 0};
+    if (error.error() == SQLITE_CANTOPEN && is_missing(file)) return {Kind::Missing, 0};
     throw;
   }
 }
 
 Recognition recognise_file(const FileName& file) {
-  if (!is_a_usual_file(file)) return recognise_database(file);
+  if (file.path == ":memory:") return {Kind::Empty, 0};
+  if (!file.vfs.empty()) return recognise_database(file);
   struct stat status;
   if (::stat(file.path.c_str(), &status) != 0) {
     if (errno == ENOENT || errno == ENOTDIR) return {Kind::Missing, 0};

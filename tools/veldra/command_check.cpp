@@ -1,5 +1,4 @@
 #include "arguments.hpp"
-#include "failure.hpp"
 #include "findings.hpp"
 #include "host.hpp"
 #include "json.hpp"
@@ -31,9 +30,20 @@ void print(Spool& output, const std::vector<Finding>& findings, bool json) {
   if (findings.empty()) output.print("Nothing is wrong.\n");
 }
 
+/// Only a file that says its version is opened as a library.
+bool says_its_version(const std::string& file) {
+  using Kind = veldra::Library::Recognition::Kind;
+  return recognised(file) != Kind::WithoutVersion;
+}
+
+Finding version_is_missing() {
+  return {"file", "It does not say its version any more, so that it is not opened as a library"};
+}
+
 void check(const Arguments& arguments, Host& host) {
-  const auto library = open_library(arguments.file, Access::Read);
-  const auto findings = working_on(arguments.file, [&] { return findings_in(*library); });
+  const auto findings = says_its_version(arguments.file)
+                            ? reading(arguments.file, findings_in)
+                            : std::vector<Finding>{version_is_missing()};
   print(host.output, findings, arguments.json);
   if (!findings.empty()) host.status = Status::Findings;
 }

@@ -1,16 +1,17 @@
 #include "arguments.hpp"
 #include "csv.hpp"
-#include "failure.hpp"
+#include "files/output_file.hpp"
 #include "host.hpp"
 #include "json.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
-#include "output.hpp"
 #include "progress.hpp"
 #include "summary.hpp"
 
 #include <fmt/format.h>
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace veldra_tool {
@@ -21,6 +22,7 @@ struct Arguments {
   std::string file;
   std::string format = "json";
   std::string output;
+  bool force = false;
   bool json = false;
 };
 
@@ -67,6 +69,30 @@ std::string json_of(const veldra::Library& library, Progress& progress) {
   return json_text(json);
 }
 
+bool goes_to_terminal(const std::string& output) {
+  if (is_standard_output(output)) return ::isatty(STDOUT_FILENO) == 1;
+  struct stat found {};
+  if (::stat(output.c_str(), &found) != 0 || !S_ISCHR(found.st_mode)) return false;
+  const int device = ::open(output.c_str(), O_WRONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  const bool terminal = device >= 0 && ::isatty(device) == 1;
+  if (device >= 0) ::close(device);
+  return terminal;
+}
+
+std::string text_of(const veldra::Library& library, const Arguments& arguments) {
+  Progress progress("exporting");
+  if (arguments.format == "json") return json_of(library, progress);
+  const auto reader = goes_to_terminal(arguments.output) ? CsvFor::People : CsvFor::Programs;
+  return csv_of(library, reader, progress);
+}
+
+void print_written(const Arguments& arguments, const std::string& text,
+                   const veldra::Library& library, Spool& output) {
+  Json written = written_to_json(arguments.output, arguments.format, text);
+  written["counts"] = counts_of(library);
+  print_json(output, written);
+}
+
 /// With --json everything on standard output is JSON.
 void require_sense(const Arguments& arguments) {
   if (!arguments.json || arguments.format == "json" || !is_standard_output(arguments.output)) {
@@ -75,24 +101,17 @@ void require_sense(const Arguments& arguments) {
   throw CLI::ValidationError("--json", "a table is no JSON; give a file for it with -o");
 }
 
-CsvFor reader_of(const Arguments& arguments) {
-  const bool seen = is_standard_output(arguments.output) && ::isatty(STDOUT_FILENO) == 1;
-  return seen ? CsvFor::People : CsvFor::Programs;
-}
-
 void export_library(const Arguments& arguments, Host& host) {
   require_sense(arguments);
-  const auto library = open_library(arguments.file, Access::Read);
-  const auto text = working_on(arguments.file, [&] {
-    Progress progress("exporting");
-    return arguments.format == "csv" ? csv_of(*library, reader_of(arguments), progress)
-                                     : json_of(*library, progress);
+  const OutputFile output(arguments.output, arguments.file, arguments.force);
+  const auto text = reading(arguments.file, [&](const veldra::Library& library) {
+    auto whole = text_of(library, arguments);
+    if (arguments.json && !is_standard_output(arguments.output)) {
+      print_written(arguments, whole, library, host.output);
+    }
+    return whole;
   });
-  write_output(host.output, arguments.output, text);
-  if (!arguments.json || is_standard_output(arguments.output)) return;
-  Json written = written_to_json(arguments.output, arguments.format, text);
-  written["counts"] = working_on(arguments.file, [&] { return counts_of(*library); });
-  print_json(host.output, written);
+  output.write(host, text);
 }
 
 }  // namespace
@@ -102,7 +121,7 @@ void add_export(Host& host) {
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
   add_format(command, arguments->format);
-  add_output(command, arguments->output);
+  add_output(command, arguments->output, arguments->force);
   add_json_of_file(command, arguments->json);
   add_example(command, "veldra export office.lib -o office.json");
   command.callback([arguments, &host] { export_library(*arguments, host); });

@@ -17,16 +17,6 @@ struct Arguments {
   bool json = false;
 };
 
-/// Whether the library can only be read shows when it is opened for writing.
-bool only_readable(const std::string& file) {
-  try {
-    open_library(file, Access::Write);
-    return false;
-  } catch (const Failure&) {
-    return true;
-  }
-}
-
 void print_facts(Spool& output, const Json& facts) {
   const auto line = [&output](const std::string& name, const std::string& value) {
     output.print("{:<16}{}\n", name, printable(value));
@@ -46,9 +36,14 @@ void print_facts(Spool& output, const Json& facts) {
 }
 
 void info(const Arguments& arguments, Host& host) {
-  const auto library = open_library(arguments.file, Access::Read);
-  Json facts = working_on(arguments.file, [&] { return facts_of(*library); });
-  facts["read_only"] = only_readable(arguments.file);
+  const auto facts = reading(
+      arguments.file,
+      [](const veldra::Library& library) {
+        Json all = facts_of(library);
+        all["read_only"] = library.readOnly();
+        return all;
+      },
+      Access::Any);
   if (arguments.json) return print_json(host.output, facts);
   print_facts(host.output, facts);
 }

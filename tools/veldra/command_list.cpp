@@ -111,12 +111,11 @@ Table table_of(const veldra::Library& library, const Arguments& arguments) {
 
 void list(const Arguments& arguments, Host& host) {
   require_sense(arguments);
-  const auto library = open_library(arguments.file, Access::Read);
-  working_on(arguments.file, [&] {
+  reading(arguments.file, [&](const veldra::Library& library) {
     with_class_of(arguments.kind, [&](auto of) {
       using T = typename decltype(of)::type;
-      if (arguments.json) return print_json(host.output, json_of<T>(*library, arguments));
-      host.output.write(table_of<T>(*library, arguments).text());
+      if (arguments.json) return print_json(host.output, json_of<T>(library, arguments));
+      host.output.write(table_of<T>(library, arguments).text());
     });
   });
 }

@@ -56,16 +56,13 @@ class RemovalProgress : public veldra::Library::Reactor {
   Progress progress_{"removing"};
 };
 
-/// Removes objects by `removal`, all or, when something fails, none, and enters what became of
-/// each.
+/// Removes objects by `removal` and enters what became of each.
 template <class Removal>
 void remove_all(veldra::Library& library, std::vector<Candidate>& objects, Removal removal) {
   RemovalProgress progress;
   const ReactorGuard guard(library, progress);
-  veldra::Library::Transaction transaction(library);
   std::map<veldra::ObjectKey, bool> results;
   removal(results);
-  transaction.commit();
   enter_results(objects, results);
 }
 
@@ -75,12 +72,11 @@ bool any_removed(const std::vector<Candidate>& candidates) {
 }
 
 void remove(const RemoveArguments& arguments, Host& host) {
-  const auto library = open_library(arguments.file, Access::Write);
-  working_on(arguments.file, [&] {
-    auto objects = named_candidates(*library, arguments);
+  changing(host, arguments.file, [&](veldra::Library& library) {
+    auto objects = named_candidates(library, arguments);
     std::set<veldra::ObjectKey> keys;
     for (const auto& object : objects) keys.insert(object.key);
-    remove_all(*library, objects, [&](auto& results) { library->remove(keys, results); });
+    remove_all(library, objects, [&](auto& results) { library.remove(keys, results); });
     print_candidates(host.output, objects, arguments.json, "removed");
     if (!any_removed(objects)) host.status = Status::Failed;
   });
@@ -89,15 +85,16 @@ void remove(const RemoveArguments& arguments, Host& host) {
 void purge(const PurgeArguments& arguments, Host& host) {
   const auto& wanted = arguments.kinds.empty() ? all_kinds() : arguments.kinds;
   const std::set<veldra::ObjectType> kinds(wanted.begin(), wanted.end());
-  const auto access = arguments.dry_run ? Access::Read : Access::Write;
-  const auto library = open_library(arguments.file, access);
-  working_on(arguments.file, [&] {
-    auto objects = candidates(*library, kinds);
-    if (arguments.dry_run) {
-      predict_purge(objects, *library);
-      return print_purged(host.output, objects, arguments.json, "would go");
-    }
-    remove_all(*library, objects, [&](auto& results) { library->purge(kinds, results); });
+  if (arguments.dry_run) {
+    return reading(arguments.file, [&](const veldra::Library& library) {
+      auto objects = candidates(library, kinds);
+      predict_purge(objects, library);
+      print_purged(host.output, objects, arguments.json, "would go");
+    });
+  }
+  changing(host, arguments.file, [&](veldra::Library& library) {
+    auto objects = candidates(library, kinds);
+    remove_all(library, objects, [&](auto& results) { library.purge(kinds, results); });
     print_purged(host.output, objects, arguments.json, "removed");
   });
 }

@@ -246,10 +246,9 @@ void show_object(Spool& output, const veldra::Library& library, const Arguments&
 }
 
 void show(const Arguments& arguments, Host& host) {
-  const auto library = open_library(arguments.file, Access::Read);
-  working_on(arguments.file, [&] {
+  reading(arguments.file, [&](const veldra::Library& library) {
     with_class_of(arguments.kind, [&](auto of) {
-      show_object<typename decltype(of)::type>(host.output, *library, arguments);
+      show_object<typename decltype(of)::type>(host.output, library, arguments);
     });
   });
 }

@@ -38,12 +38,11 @@ void print(Spool& output, const std::vector<Reference>& references, bool json) {
 }
 
 void where_used(const Arguments& arguments, Host& host) {
-  const auto library = open_library(arguments.file, Access::Read);
-  working_on(arguments.file, [&] {
+  reading(arguments.file, [&](const veldra::Library& library) {
     const unsigned id = with_class_of(arguments.kind, [&](auto of) {
-      return find_object<typename decltype(of)::type>(*library, arguments.object)->id();
+      return find_object<typename decltype(of)::type>(library, arguments.object)->id();
     });
-    auto references = references_in(*library);
+    auto references = references_in(library);
     print(host.output, references[veldra::ObjectKey(arguments.kind, id)], arguments.json);
   });
 }

@@ -21,6 +21,9 @@ struct Host {
 
   /// That something was done that no failure afterwards undoes, such as a commit.
   bool done = false;
+
+  /// Notes that a file is in place, but that its folder could not be brought to the disk.
+  void doubt(const std::string& file, int error);
 };
 
 // Each adds one command with its arguments; the command runs while the arguments are parsed.

@@ -1,5 +1,8 @@
 #include "failure.hpp"
+#include "files/output_file.hpp"
 #include "host.hpp"
+#include "process/interruption.hpp"
+#include "process/standard_streams.hpp"
 #include "process/writing.hpp"
 #include "text.hpp"
 
@@ -8,16 +11,31 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <csignal>
+#include <cerrno>
+#include <initializer_list>
+#include <new>
 #include <sstream>
+#include <string_view>
 
 namespace veldra_tool {
 
 namespace {
 
-Status complain(const std::string& sentence) {
-  say(fmt::format("veldra: {}\n", sentence));
-  return Status::Failed;
+constexpr std::string_view done = "what was asked for is done, but ";
+
+/// Needs no memory, as there may be none.
+Status complain(std::initializer_list<std::string_view> parts, Status status) noexcept {
+  say("veldra: ");
+  for (const auto part : parts) say(part);
+  say("\n");
+  return status;
+}
+
+/// What happened in place of the end of the command. What is done by then stays done.
+Status give_up(const Host& host, std::string_view sentence) noexcept {
+  say(host.notes);
+  if (!host.done) return complain({sentence}, Status::Failed);
+  return complain({done, "then: ", sentence}, Status::Findings);
 }
 
 Status refuse(const std::string& sentence, const std::string& command) {
@@ -48,32 +66,63 @@ void tell(Host& host, const CLI::Success& wish) {
 /// Tells what the command had to say, now that it holds nothing any more.
 Status report(const Host& host) {
   say(host.notes);
-  const int error = host.output.copy_to(STDOUT_FILENO);
+  int error = host.output.copy_to(STDOUT_FILENO);
+  // Some file systems say only now that they did not take everything.
+  if (error == 0 && !host.output.empty() && ::close(STDOUT_FILENO) != 0) error = errno;
   if (error == 0) return host.status;
-  const std::string reason = text_of_error(error);
-  if (!host.done) return complain("standard output cannot be written: " + reason);
-  complain("what was asked for is done, but standard output cannot be written: " + reason);
-  return Status::Findings;
+  if (error == EINTR && !host.done) {
+    say_stopped();
+    return Status::Failed;
+  }
+  const char* sentence = "standard output cannot be written: ";
+  if (!host.done) return complain({sentence, text_of_error(error)}, Status::Failed);
+  return complain({done, sentence, text_of_error(error)}, Status::Findings);
 }
 
-Status run(Host& host, int count, char** values) {
-  if (count < 2) return refuse("a command is missing", "veldra");
-  const std::string first = values[1];
-  if (first.compare(0, 1, "-") != 0 && !is_command(host, first)) {
-    return refuse(fmt::format("there is no command {}", in_quotes(first)), "veldra");
-  }
+Status run_command(Host& host, int count, char** values) {
   try {
+    require_no_library_as_standard_output();
     host.arguments.parse(count, values);
   } catch (const CLI::Success& wish) {  // such as help
     tell(host, wish);
   } catch (const CLI::ParseError& error) {
     return refuse(host, error);
   } catch (const Failure& failure) {
-    return complain(failure.what());
-  } catch (const std::exception& error) {
-    return complain("something went wrong that was not to be expected");
+    return give_up(host, failure.what());
+  } catch (const Stopped&) {
+    if (host.done) return give_up(host, "interrupted");
+    say(host.notes);
+    say_stopped();
+    return Status::Failed;
+  } catch (const std::bad_alloc&) {
+    return give_up(host, "there is not enough memory");
+  } catch (const std::exception&) {
+    return give_up(host, "something went wrong that was not to be expected");
   }
   return report(host);
+}
+
+Status run(int count, char** values) {
+  use_unicode();
+  Host host;
+  if (count < 2) return refuse("a command is missing", "veldra");
+  const std::string first = values[1];
+  if (first.compare(0, 1, "-") != 0 && !is_command(host, first)) {
+    return refuse(fmt::format("there is no command {}", in_quotes(first)), "veldra");
+  }
+  return run_command(host, count, values);
+}
+
+/// Nothing gets past this, and nothing here needs memory.
+Status run_safely(int count, char** values) noexcept {
+  try {
+    return run(count, values);
+  } catch (const std::bad_alloc&) {
+    say("veldra: there is not enough memory\n");
+  } catch (...) {
+    say("veldra: something went wrong that was not to be expected\n");
+  }
+  return Status::Failed;
 }
 
 }  // namespace
@@ -81,8 +130,7 @@ Status run(Host& host, int count, char** values) {
 }  // namespace veldra_tool
 
 int main(int count, char** values) {
-  std::signal(SIGPIPE, SIG_IGN);
-  veldra_tool::use_unicode();
-  veldra_tool::Host host;
-  return static_cast<int>(veldra_tool::run(host, count, values));
+  veldra_tool::occupy_standard_streams();
+  veldra_tool::catch_signals();
+  return static_cast<int>(veldra_tool::run_safely(count, values));
 }

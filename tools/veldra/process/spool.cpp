@@ -1,6 +1,7 @@
 #include "process/spool.hpp"
 
 #include "failure.hpp"
+#include "process/interruption.hpp"
 #include "process/writing.hpp"
 
 #include <fcntl.h>
@@ -8,6 +9,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <utility>
 
 namespace veldra_tool {
 
@@ -38,6 +40,7 @@ int open_unnamed_file() {
 int copy_file(int from, int to) noexcept {
   char block[1 << 16];
   for (off_t position = 0;;) {
+    if (stop_asked()) return EINTR;
     const auto count = ::pread(from, block, sizeof block, position);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return errno;
@@ -50,8 +53,11 @@ int copy_file(int from, int to) noexcept {
 
 }  // namespace
 
-Spool::~Spool() {
-  if (file_ >= 0) ::close(file_);
+Spool::~Spool() { clear(); }
+
+void Spool::clear() noexcept {
+  kept_.clear();
+  if (file_ >= 0) ::close(std::exchange(file_, -1));
 }
 
 void Spool::write(std::string_view text) {

@@ -28,6 +28,9 @@ class Spool {
     write(fmt::format(form, std::forward<Args>(values)...));
   }
 
+  /// Forgets all of it.
+  void clear() noexcept;
+
   bool empty() const { return kept_.empty() && file_ < 0; }
 
   /// Writes all of it to a descriptor. Gives 0, or the number of the error that ended it.

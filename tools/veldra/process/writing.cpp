@@ -1,5 +1,7 @@
 #include "process/writing.hpp"
 
+#include "process/interruption.hpp"
+
 #include <poll.h>
 #include <unistd.h>
 
@@ -19,20 +21,17 @@ void wait_for(int descriptor) noexcept {
 }  // namespace
 
 int write_all(int descriptor, std::string_view bytes) noexcept {
-  while (!bytes.empty()) {
+  for (;;) {
     const auto written = ::write(descriptor, bytes.data(), bytes.size());
-    if (written >= 0) {
-      bytes.remove_prefix(static_cast<std::size_t>(written));
-    } else if (errno == EAGAIN) {
-      wait_for(descriptor);
-    } else if (errno != EINTR) {
-      return errno;
-    }
+    if (written < 0 && errno == EAGAIN) wait_for(descriptor);
+    if (written < 0 && errno != EAGAIN && errno != EINTR) return errno;
+    if (written > 0) bytes.remove_prefix(static_cast<std::size_t>(written));
+    if (bytes.empty()) return 0;
+    if (stop_asked()) return EINTR;
   }
-  return 0;
 }
 
-std::string text_of_error(int error) { return std::strerror(error != 0 ? error : EIO); }
+const char* text_of_error(int error) noexcept { return std::strerror(error != 0 ? error : EIO); }
 
 void say(std::string_view text) noexcept { write_all(STDERR_FILENO, text); }
 
