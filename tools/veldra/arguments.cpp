@@ -122,8 +122,9 @@ void add_on_conflict(CLI::App& command, OnConflict& policy) {
       ->type_name("WHAT");
 }
 
-void add_example(CLI::App& command, const std::string& example) {
-  command.footer("Example:\n  " + example);
+void add_example(CLI::App& command, const std::string& example, const std::string& findings) {
+  const std::string status = "\n\nThe exit status is 3 when " + findings + ".";
+  command.footer("Example:\n  " + example + (findings.empty() ? "" : status));
 }
 
 }  // namespace veldra_tool

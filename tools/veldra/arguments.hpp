@@ -35,8 +35,8 @@ void add_json_of_file(CLI::App& command, bool& json);
 void add_format(CLI::App& command, std::string& format);
 void add_unit(CLI::App& command, veldra::Unit& unit);
 
-/// Ends the help of a command.
-void add_example(CLI::App& command, const std::string& example);
+/// Ends the help of a command: with an example, and with when its exit status is 3, if it can be.
+void add_example(CLI::App& command, const std::string& example, const std::string& findings = "");
 
 }  // namespace veldra_tool
 

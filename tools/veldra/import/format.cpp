@@ -103,7 +103,8 @@ bool is_utf16(std::string_view content) {
 }
 
 void refuse_database(std::string_view content, const std::string& file) {
-  if (!contains(content, "Composition_layers")) refuse_format(file, "an SQLite database");
+  if (!contains(content, "Composition_layers"))
+    refuse_format(file, "the database of another program");
   refuse(file, "this is a library; 'veldra copy' takes objects from libraries");
 }
 
@@ -155,13 +156,15 @@ std::vector<std::string_view> first_lines(std::string_view text, std::size_t cou
   return lines;
 }
 
-/// Whether the first lines have as many cells.
+/// Whether the first lines have as many cells. Prose and programs may have a comma in each line.
 bool is_table(std::string_view text) {
   const auto lines = first_lines(text, 2);
   if (lines.size() < 2) return false;
-  return std::any_of(std::begin(",;\t"), std::end(",;\t") - 1, [&](char separator) {
-    const auto cells = std::count(lines[0].begin(), lines[0].end(), separator);
-    return cells > 0 && cells == std::count(lines[1].begin(), lines[1].end(), separator);
+  constexpr std::pair<char, int> least[] = {{',', 2}, {';', 2}, {'\t', 1}};
+  return std::any_of(std::begin(least), std::end(least), [&](const auto& entry) {
+    const auto [separator, count] = entry;
+    const auto found = std::count(lines[0].begin(), lines[0].end(), separator);
+    return found >= count && found == std::count(lines[1].begin(), lines[1].end(), separator);
   });
 }
 

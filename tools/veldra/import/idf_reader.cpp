@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <charconv>
 #include <set>
+#include <sstream>
 #include <string_view>
 
 namespace veldra_tool {
@@ -147,6 +148,16 @@ bool is_evidence(const IdfObject& object) {
   return is_known_class(name) || is_usual_class(name) || colons;
 }
 
+/// Old classes are of several words, which begin with capitals.
+bool may_be_class(const std::string& name) {
+  if (name.find(' ') == std::string::npos) return can_be_class(name);
+  std::istringstream words(name);
+  for (std::string word; words >> word;) {
+    if (!can_be_class(word) || word[0] < 'A' || word[0] > 'Z') return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 bool is_idf(const std::string& text) {
@@ -158,7 +169,7 @@ bool is_idf(const std::string& text) {
   while (scanner.next(object)) {
     if (object.fields.front().empty()) continue;
     ++objects;
-    if (can_be_class(object.fields.front())) ++with_class;
+    if (may_be_class(object.fields.front())) ++with_class;
     evident = evident || is_evidence(object);
   }
   if (objects == 0) return trimmed(text).compare(0, 1, "!") == 0;

@@ -48,7 +48,7 @@ std::map<Outcome, unsigned>& outcomes_of(const veldra::Composition&, SourceRepor
 template <class SourceObject>
 void count_dropped(const SourceObject& object, SourceReport& report) {
   if (object.dropped == 0) return;
-  report.dropped[fmt::format("field of {}", object.described->name)] += object.dropped;
+  report.dropped[fmt::format("fields of {}", object.described->name)] += object.dropped;
 }
 
 /// A name with a number that no object has.
@@ -196,7 +196,7 @@ void ImportSet::add(Catalogue catalogue, SourceReport& report) {
     ++report.read["material"];
     enter(materials_, material.object, false, material.line, source, report);
   }
-  if (catalogue.assets > 0) report.dropped["asset"] = catalogue.assets;
+  if (catalogue.assets > 0) report.dropped["assets"] = catalogue.assets;
   if (catalogue.types) {
     if (!types_) types_.emplace();
     types_->insert(catalogue.types->begin(), catalogue.types->end());

@@ -88,15 +88,6 @@ std::string text_of(const SourceReport& report) {
 
 }  // namespace
 
-std::size_t count_of_findings(const ImportReport& report) {
-  std::size_t count = 0;
-  for (const auto& source : report) {
-    count += source.problems.size();
-    for (const auto& dropped : source.dropped) count += dropped.second;
-  }
-  return count;
-}
-
 std::string name_of(Outcome outcome) {
   switch (outcome) {
     case Outcome::Added:

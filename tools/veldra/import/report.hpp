@@ -27,9 +27,6 @@ struct SourceReport {
 
 using ImportReport = std::vector<SourceReport>;
 
-/// How many problems there are, and things that were dropped.
-std::size_t count_of_findings(const ImportReport& report);
-
 std::string name_of(Outcome outcome);
 
 Json to_json(const ImportReport& report);

@@ -43,8 +43,8 @@ bool starts_as_json(const std::string& text) {
 
 Source::Source(const std::string& file) : file_(file) {
   std::string text = content_of(file);
-  require_readable(text, file);
   drop_byte_order_mark(text);
+  require_readable(text, file);
   if (!starts_as_json(text)) {
     if (!is_utf8(text)) text = from_latin1(text);
     require_idf(text, file);
