@@ -60,7 +60,7 @@ void add_object(CLI::App& command, std::string& object) {
 }
 
 void add_kinds(CLI::App& command, std::vector<veldra::ObjectType>& kinds) {
-  command.add_option("KIND", kinds, "The kinds of objects, all by default: " + kind_choices())
+  command.add_option("KIND", kinds, "The kinds of objects: " + kind_choices())
       ->transform(named_value(kinds_by_name(), kind_choices()))
       ->type_name("");
 }
@@ -71,6 +71,10 @@ void add_json(CLI::App& command, bool& json) {
 
 void add_json_of_file(CLI::App& command, bool& json) {
   command.add_flag("--json", json, "Print as JSON what was written to the file");
+}
+
+void add_yes(CLI::App& command, bool& yes, const std::string& description) {
+  command.add_flag("--yes", yes, description);
 }
 
 void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::string& description) {

@@ -25,6 +25,7 @@ void add_kind(CLI::App& command, veldra::ObjectType& kind);
 void add_object(CLI::App& command, std::string& object);
 void add_kinds(CLI::App& command, std::vector<veldra::ObjectType>& kinds);
 void add_on_conflict(CLI::App& command, OnConflict& policy);
+void add_yes(CLI::App& command, bool& yes, const std::string& description);
 void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::string& description);
 void add_output(CLI::App& command, std::string& output, bool& force);
 void add_json(CLI::App& command, bool& json);
