@@ -77,6 +77,11 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     /// Asked when the name of a material or composition that is being saved is taken. Returns one
     /// of the decisions; for `Rename` it has changed `name`. Any other number asks again, without
     /// end. By default throws `ObjectNotUnique`.
+    ///
+    /// Nobody is asked about a code that is taken: saving throws `ObjectNotUnique` with the text
+    /// "Material.code". Where a name and a code are both taken, the database tells of the code
+    /// first. A host looks before it saves whether another material has the code
+    /// (`Material::clear_code`).
     virtual int resolveNameConflict(Library& library, ObjectType type, String& name);
 
     /// Told of each object that was inserted or updated; taken back if the operation fails later.
@@ -90,7 +95,8 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     /// that something refers to the object: it stays, as the operation's result or exception says.
     virtual void objectRemoved(Library& library, const ObjectKey& key);
 
-    /// Told once at the end of an operation that changed something, after `typeChanged`.
+    /// Told once at the end of an operation that changed something, after `typeChanged`. Also when
+    /// the removal of an object was refused at its commit, of which `objectRemoved` had told.
     virtual void libraryChanged(Library& library);
 
     /// Told at the end of an operation, once for each kind that it changed, in ascending order.
@@ -256,7 +262,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   template <class T>
   std::shared_ptr<T> get(const String& name) const;
 
-  /// The objects with those ids; an id that is not there is skipped.
+  /// The objects with those ids; an id that is not there is skipped, and no ids select nothing.
   template <class T>
   void get(std::vector<std::shared_ptr<T>>& out, const std::set<unsigned>& ids) const;
 
@@ -268,7 +274,8 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
            const typename CriteriaOf<T>::type& criteria) const;
 
   /// The objects whose names match `text`, a pattern of SQL's LIKE: "%" stands for any text, "_"
-  /// for any character; ASCII letters match in either case. An empty text matches nothing.
+  /// for any character; ASCII letters match in either case. An empty text matches nothing. Criteria
+  /// that ask for nothing select every object whose name matches.
   template <class T>
   void search(std::vector<std::shared_ptr<T>>& out, const String& text) const;
   template <class T>
@@ -299,7 +306,9 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// or composition the reactor decides. A material without a type gets the type "Generic". A tag
   /// that has an id is never written again.
   ///
-  /// Returns empty for an empty pointer.
+  /// Returns empty for an empty pointer. That, and saving what is left alone, takes no lock: it waits
+  /// for nobody, and works also on a library that can only be read, within an operation's call of
+  /// the reactor and within a `Snapshot`.
   ///
   /// Throws `ObjectNotUnique` when a name (without text) or a code (with text) is taken and the
   /// reactor did not decide otherwise, `ObjectNotFound` when an object with an id is not in the
