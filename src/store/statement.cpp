@@ -17,6 +17,11 @@ void Statement::bind(int parameter, long long value) {
   check(sqlite3_bind_int64(statement_, parameter, value));
 }
 
+void Statement::bind(int parameter, const std::string& text) {
+  check(sqlite3_bind_text(statement_, parameter, text.data(), static_cast<int>(text.size()),
+                          SQLITE_TRANSIENT));
+}
+
 bool Statement::next() {
   const int result = sqlite3_step(statement_);
   if (result == SQLITE_ROW) return true;

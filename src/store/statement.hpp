@@ -19,6 +19,7 @@ class Statement {
   ~Statement();
 
   void bind(int parameter, long long value);
+  void bind(int parameter, const std::string& text);
 
   /// Goes to the next row; false when there is none.
   bool next();
