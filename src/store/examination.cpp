@@ -10,8 +10,6 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <functional>
-#include <iterator>
 
 namespace veldra {
 
@@ -45,7 +43,8 @@ const std::vector<KindTables>& tables_of_kinds() {
 
 class Examination {
  public:
-  explicit Examination(Database& database) : connection_(database.connection_in_use()) {}
+  explicit Examination(Database& database)
+      : database_(database), connection_(database.connection_in_use()) {}
 
   Findings run() {
     // First, since it says what can be read.
@@ -59,11 +58,10 @@ class Examination {
   }
 
  private:
-  using Row = std::function<void(Statement&)>;
-
   /// What is the fault of the file is a finding, and the examination goes on.
   template <class Work>
   void attempt(Work work) {
+    database_.stop_if_interrupted();
     try {
       work();
     } catch (const odb::sqlite::database_exception& error) {
@@ -144,7 +142,7 @@ class Examination {
           FROM pragma_foreign_key_check(?1) AS c JOIN pragma_foreign_key_list(c."table") AS f
                ON f.id = c.fkid
          LIMIT ?2)sql");
-    row.bind(1, table);
+    row.bind(1, table.c_str());
     row.bind(2, static_cast<long long>(most));
     const std::size_t before = findings_.size();
     add_sentences(row);
@@ -161,6 +159,7 @@ class Examination {
     }
   }
 
+  Database& database_;
   odb::sqlite::connection& connection_;
   FileSchema expected_ = FileSchema::expected();
   FileSchema actual_;

@@ -161,7 +161,7 @@ FileSchema FileSchema::of(odb::sqlite::connection& connection) {
 }
 
 FileSchema FileSchema::expected() {
-  Database empty(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+  Database empty({"", ":memory:"}, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
   WriteTransaction transaction(empty);
   odb::schema_catalog::create_schema(empty, "", false);
   return of(empty.connection_in_use());

@@ -17,9 +17,8 @@ void Statement::bind(int parameter, long long value) {
   check(sqlite3_bind_int64(statement_, parameter, value));
 }
 
-void Statement::bind(int parameter, const std::string& text) {
-  check(sqlite3_bind_text(statement_, parameter, text.data(), static_cast<int>(text.size()),
-                          SQLITE_TRANSIENT));
+void Statement::bind(int parameter, const char* text) {
+  check(sqlite3_bind_text(statement_, parameter, text, -1, SQLITE_STATIC));
 }
 
 bool Statement::next() {

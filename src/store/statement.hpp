@@ -19,7 +19,9 @@ class Statement {
   ~Statement();
 
   void bind(int parameter, long long value);
-  void bind(int parameter, const std::string& text);
+
+  /// The text must outlive the statement.
+  void bind(int parameter, const char* text);
 
   /// Goes to the next row; false when there is none.
   bool next();
