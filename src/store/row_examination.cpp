@@ -216,14 +216,13 @@ RowExamination doubled_positions(const List& list) {
 RowExamination gaps(const List& list) {
   const std::string query = R"sql(
       SELECT key, 'none of its {items} has the position '
-                  || (SELECT min(i)
-                        FROM (SELECT 0 AS i
-                              UNION ALL
-                              SELECT "index" + 1 FROM "{table}"
+                  || (SELECT min(place)
+                        FROM (SELECT "index" AS position,
+                                     dense_rank() OVER (ORDER BY "index") - 1 AS place
+                                FROM "{table}"
                                WHERE "object_id" = key AND typeof("index") = 'integer'
                                  AND "index" >= 0)
-                       WHERE i NOT IN (SELECT "index" FROM "{table}"
-                                        WHERE "object_id" = key AND typeof("index") = 'integer'))
+                       WHERE position <> place)
                   || ', but one has ' || last AS sentence
         FROM (SELECT "object_id" AS key, max("index") AS last
                 FROM "{table}"
