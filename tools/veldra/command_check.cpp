@@ -35,14 +35,14 @@ void check(const Arguments& arguments, int& status) {
   const auto library = open_library(arguments.file, Access::Read);
   const auto findings = working_on(arguments.file, [&] { return findings_in(*library); });
   print(findings, arguments.json);
-  if (!findings.empty()) status = 1;
+  if (!findings.empty()) status = 3;
 }
 
 }  // namespace
 
 void add_check(Host& host) {
   auto& command = *host.arguments.add_subcommand(
-      "check", "Look for what is wrong in a library; the exit status is 1 if anything is");
+      "check", "Look for what is wrong in a library; the exit status is 3 if anything is");
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
   add_json(command, arguments->json);
