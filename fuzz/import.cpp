@@ -92,7 +92,7 @@ Place& place() {
 }
 
 std::string export_of(const std::string& library) {
-  const std::string sentence = run({"export", library, "-o", place().exported});
+  const std::string sentence = run({"export", library, "-o", place().exported, "--force"});
   expect(sentence.empty(), "cannot be exported: " + sentence);
   return read_file(place().exported);
 }

@@ -31,6 +31,45 @@ class VELDRA_EXPORT UnknownError : public Exception {
   const unsigned short* what() const override;
 };
 
+/// A failure of the database whose cause is known. Thrown where `UnknownError` is documented.
+class VELDRA_EXPORT DatabaseError : public UnknownError {
+ public:
+  /// `code` is a result code of SQLite.
+  explicit DatabaseError(int code);
+  ~DatabaseError() override;
+
+  /// The primary result code of SQLite, such as 13 for a full disk or 5 for a file that another
+  /// program holds.
+  int code() const noexcept;
+
+ private:
+  int code_;
+};
+
+/// An existing library was asked for, and the file holds none: it is empty, another database, or
+/// does not say its version.
+class VELDRA_EXPORT NotALibrary : public Exception {
+ public:
+  explicit NotALibrary(const String& filename);
+  NotALibrary(const NotALibrary& other);
+  NotALibrary& operator=(const NotALibrary& other);
+  ~NotALibrary() override;
+  const unsigned short* what() const override;
+
+  /// The name of the file as it was given. Lives as long as the exception.
+  const String& filename() const noexcept;
+
+ private:
+  String filename_;
+};
+
+/// The running operation was ended by `Library::interrupt` and taken back.
+class VELDRA_EXPORT Interrupted : public Exception {
+ public:
+  ~Interrupted() override;
+  const unsigned short* what() const override;
+};
+
 /// A change was asked of a library that is open for reading only.
 class VELDRA_EXPORT LibraryReadOnly : public Exception {
  public:

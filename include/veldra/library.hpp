@@ -36,13 +36,14 @@ namespace veldra {
 /// `veldra::Exception` out of removal, purging and the setters of `Library`. A file that another
 /// process holds is waited for up to 5 seconds; then reading, saving and copying throw
 /// `odb::timeout`. Text that is not UTF-8 in the file, or not UTF-16 in an object or in the name of
-/// a file, raises the exceptions of utf8-cpp. After a throw the file is as it was, and so is every
-/// object in memory, unless the reactor threw when all was done (`Reactor`) or the function says
-/// otherwise.
+/// a file, raises the exceptions of utf8-cpp. An operation that `interrupt` has ended throws
+/// `Interrupted`. After a throw the file is as it was, and so is every object in memory, unless the
+/// reactor threw when all was done (`Reactor`) or the function says otherwise.
 ///
-/// Thread rule: a library and its objects are used from one thread at a time; different libraries
-/// may be used in different threads, but `create` and `open` are called from one thread at a time,
-/// whatever the file. Copying, and saving an object of another library, use that library as well.
+/// Thread rule: but for `interrupt`, a library and its objects are used from one thread at a time.
+/// Different libraries may be used in different threads, but `create`, `open` and `openExisting`
+/// are called from one thread at a time, whatever the file. Copying, and saving an object of
+/// another library, use that library as well.
 class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
  public:
   /// What a library tells its host, and asks it. Override what is of interest.
@@ -108,12 +109,19 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// for the same text. An existing library stays what it is, and `unit` and `guid` are ignored; a
   /// file of an older version is brought to the current one.
   ///
-  /// A name such as "memdb:///walls" opens "/walls" through the SQLite VFS "memdb".
+  /// A name such as "memdb:///walls" opens "/walls" through the SQLite VFS "memdb". ":memory:" is a
+  /// library in memory, which goes with its handle.
+  ///
+  /// A handle belongs to the process that opened it: after `fork` the child must neither use it nor
+  /// let it go, and opens the file anew. Random GUIDs come from a generator of the process, which
+  /// takes its seed from the operating system when the first one is made; processes that were
+  /// forked after that make the same ones.
   ///
   /// Throws what the persistence runtime throws: with the file in its text, when the file cannot
   /// be opened or is no database (`odb::sqlite::database_exception`) or has an unknown version
   /// (`odb::unknown_schema_version`); when it is held by others (`odb::timeout`); when it does not
-  /// say what library it is (`odb::object_not_persistent`). The file is then as it was, and a new
+  /// say what library it is (`odb::object_not_persistent`). An empty name, or an empty path behind
+  /// "://", cannot be opened. The file is then as it was, and a new
   /// one remains empty, unless only the reading at the end failed, as for a file that does not say
   /// what library it is: then it is new, or of the current version, already.
   static std::shared_ptr<Library> create(const String& filename, Unit unit, const String& guid);
@@ -124,6 +132,49 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// With `readOnly` the library refuses all changes. An empty file becomes a new library and one
   /// of an older version is brought to the current one all the same, so these must be writable.
   static std::shared_ptr<Library> open(const String& filename, bool readOnly);
+
+  /// What `recognise` says of a file.
+  struct Recognition {
+    enum class Kind : int {
+      Missing = 0,         ///< There is no such file.
+      Empty = 1,           ///< It has no tables: `create` and `open` make a library of it.
+      Library = 2,         ///< It is a library of the current version.
+      OlderLibrary = 3,    ///< It is a library that opening brings to the current version.
+      NewerLibrary = 4,    ///< It is a library of a version to come.
+      UnknownVersion = 5,  ///< It is a library, and what it says of its version means nothing.
+      WithoutVersion = 6,  ///< It has the tables of a library and does not say its version.
+      OtherDatabase = 7,   ///< It is a database of another program.
+      Damaged = 8,         ///< It is a database that cannot be read.
+      Other = 9,           ///< It is no database: another file, a folder, a device.
+      NeedsRecovery = 10   ///< A journal or log belongs to it that cannot be applied here.
+    };
+
+    Kind kind;
+
+    /// The version of its schema where it says one, else 0.
+    unsigned long long version;
+  };
+
+  /// Says what a file is, and makes no library of it. `filename` is one as for `create`.
+  ///
+  /// The file is opened for reading. If it needs what only a connection that writes can do, as
+  /// after a crash, SQLite is let do that: it takes back what was not committed, or brings into the
+  /// file what is in its log. Where that cannot be done, as in a folder that can only be read, the
+  /// answer is `NeedsRecovery`. Nothing else is written.
+  ///
+  /// Not all of the file is read: one that is damaged further on counts as a library.
+  ///
+  /// Throws `odb::timeout` when the file is held by others for over 5 seconds, and
+  /// `odb::sqlite::database_exception` when the name is empty, or the file is there and cannot be
+  /// read.
+  static Recognition recognise(const String& filename);
+
+  /// Opens the library in the existing file `filename`, as `open` does, and makes no library of
+  /// what is none. That is decided on the connection that opens it, under the same lock.
+  ///
+  /// Throws `NotALibrary` for a file that is empty, that does not say its version, or that is a
+  /// database of another program; these stay as they are. Throws as `open` does for all else.
+  static std::shared_ptr<Library> openExisting(const String& filename, bool readOnly);
 
   Library(const Library&) = delete;
   Library& operator=(const Library&) = delete;
@@ -179,6 +230,17 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// What cannot be read of the file is told of as damage, or `odb::exception` is thrown; then
   /// `findings` is as it was.
   void check(std::vector<String>& findings) const;
+
+  /// Ends the operation that is running on this handle: it throws `Interrupted` and is taken back.
+  /// Does nothing while none is running. May be called from another thread and from a signal
+  /// handler, for as long as the handle lives.
+  ///
+  /// It reaches reading, saving, removing, purging, copying (called on the source or the
+  /// destination), `check`, the end of a `Transaction`, and waiting for a file that others hold. Of
+  /// several objects that are removed without a `Transaction`, those that went before stay removed.
+  /// Within a `Transaction` the other operations stay, unless it has ended by itself
+  /// (`Transaction::commit`). An operation that is as good as done may still return.
+  void interrupt() noexcept;
 
   // Reading. Objects that are read belong to this library and are clean. Lists append to `out`,
   // in the order in which the database gives the objects; custom properties come in the order of
@@ -328,6 +390,43 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// from the mapping.
   void copyAll(const std::shared_ptr<const Library>& source, IdMapping& mapping);
   void copyAll(const std::shared_ptr<const Library>& source);
+
+  /// One state of a library for several reads.
+  ///
+  ///     const veldra::Library::Snapshot snapshot(*office);
+  ///     office->get(materials);
+  ///     office->get(compositions);  // refers to no material that is not among them
+  ///
+  /// While it lives, all that is read through the handle is the state at its beginning, whatever
+  /// others write. It keeps the library open.
+  ///
+  /// Others can begin to write and cannot commit: they wait for its end, and after 5 seconds they
+  /// get `odb::timeout`. So keep it short, and let it go before waiting for anybody.
+  ///
+  /// A write through the handle, a `Transaction` and a second snapshot throw
+  /// `odb::already_in_transaction` meanwhile, and leave the snapshot alone. Begun within a
+  /// `Transaction`, or within an operation's call of the reactor, it is a part of that and ends
+  /// with it: it sees what was done there, and writing is allowed as it is without the snapshot.
+  ///
+  /// When the disk could not be read or memory ran out within a read, the snapshot has ended: what
+  /// is read throws `odb::transaction_already_finalized` until the object is destroyed.
+  class VELDRA_EXPORT Snapshot {
+   public:
+    /// Begins. Throws `odb::already_in_transaction` when the library has a snapshot already,
+    /// `odb::timeout` when the file is held by others for over 5 seconds, and `odb::exception` for
+    /// all else.
+    explicit Snapshot(const Library& library);
+    Snapshot(const Snapshot&) = delete;
+    Snapshot& operator=(const Snapshot&) = delete;
+
+    /// Ends.
+    ~Snapshot();
+
+   private:
+    class Impl;
+
+    std::unique_ptr<Impl> impl_;
+  };
 
   /// Several operations on one library that are done together or not at all.
   ///

@@ -6,6 +6,9 @@ namespace veldra {
 
 Exception::~Exception() = default;
 UnknownError::~UnknownError() = default;
+DatabaseError::~DatabaseError() = default;
+NotALibrary::~NotALibrary() = default;
+Interrupted::~Interrupted() = default;
 LibraryReadOnly::~LibraryReadOnly() = default;
 ObjectNotFound::~ObjectNotFound() = default;
 InappropriateCustomProperty::~InappropriateCustomProperty() = default;
@@ -15,6 +18,26 @@ ObjectInUse::~ObjectInUse() = default;
 const unsigned short* UnknownError::what() const {
   // The spelling is part of the interface: hosts compare it.
   static constexpr auto text = constant_text("Unkown error");
+  return text.units;
+}
+
+DatabaseError::DatabaseError(int code) : code_(code) {}
+
+int DatabaseError::code() const noexcept { return code_; }
+
+NotALibrary::NotALibrary(const String& filename) : filename_(filename) {}
+NotALibrary::NotALibrary(const NotALibrary& other) = default;
+NotALibrary& NotALibrary::operator=(const NotALibrary& other) = default;
+
+const unsigned short* NotALibrary::what() const {
+  static constexpr auto text = constant_text("The file is not a library");
+  return text.units;
+}
+
+const String& NotALibrary::filename() const noexcept { return filename_; }
+
+const unsigned short* Interrupted::what() const {
+  static constexpr auto text = constant_text("The operation was interrupted");
   return text.units;
 }
 

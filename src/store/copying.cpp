@@ -3,6 +3,7 @@
 #include "store/notifications.hpp"
 #include "store/object_cache.hpp"
 #include "store/queries.hpp"
+#include "store/running_operation.hpp"
 #include "store/save_operation.hpp"
 
 #include <algorithm>
@@ -67,13 +68,16 @@ template <class Work>
 void copying(Library& destination, std::shared_ptr<const Library> source, IdMapping& mapping,
              Work work) {
   if (source == nullptr || source.get() == &destination) return;
-  Notifications notifications(destination);
-  {
-    CopyOperation operation(destination, *source, mapping);
-    work(operation);
-    operation.commit();
-  }
-  notifications.deliver();
+  const auto copy = [&] {
+    Notifications notifications(destination);
+    {
+      CopyOperation operation(destination, *source, mapping);
+      work(operation);
+      operation.commit();
+    }
+    notifications.deliver();
+  };
+  interruptibly(destination, [&] { interruptibly(LibraryAccess::database(*source), copy); });
 }
 
 }  // namespace

@@ -1,14 +1,19 @@
 #include "store/database.hpp"
 
+#include <veldra/exceptions.hpp>
+
+#include <odb/sqlite/exceptions.hxx>
+
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace veldra {
 
 namespace {
 
-const int busy_milliseconds = 5000;
+constexpr auto longest_wait = std::chrono::seconds(5);
 
 /// Hands out one connection again and again, so that a name in memory means one database and
 /// prepared statements are kept.
@@ -18,16 +23,10 @@ class OneConnection : public odb::sqlite::connection_factory {
 
   void database(database_type& database) override {
     connection_.reset(new (odb::details::shared) odb::sqlite::connection(database));
-    sqlite3_busy_timeout(connection_->handle(), busy_milliseconds);
   }
 
  private:
   odb::sqlite::connection_ptr connection_;
-};
-
-struct FileName {
-  std::string vfs;
-  std::string path;
 };
 
 /// Some builds of SQLite take a path that starts with "file:" for an address.
@@ -35,21 +34,51 @@ std::string plain_path(const std::string& path) {
   return path.compare(0, 5, "file:") == 0 ? "./" + path : path;
 }
 
-FileName parse(const std::string& name) {
-  const std::string separator = "://";
-  const auto at = name.find(separator);
-  if (at == std::string::npos) return {"", plain_path(name)};
-  return {name.substr(0, at), plain_path(name.substr(at + separator.size()))};
-}
-
 }  // namespace
 
+FileName parse_file_name(const std::string& name) {
+  const std::string separator = "://";
+  const auto at = name.find(separator);
+  const bool has_vfs = at != std::string::npos;
+  FileName file{has_vfs ? name.substr(0, at) : "",
+                plain_path(has_vfs ? name.substr(at + separator.size()) : name)};
+  if (!file.path.empty()) return file;
+  throw odb::sqlite::database_exception(SQLITE_CANTOPEN, SQLITE_CANTOPEN,
+                                        "the name of the file is empty");
+}
+
 // A shared cache would make two handles on one file wait for each other for ever.
-Database::Database(const std::string& name, int flags)
-    : odb::sqlite::database(parse(name).path, flags | SQLITE_OPEN_PRIVATECACHE, true,
-                            parse(name).vfs,
-                            std::unique_ptr<odb::sqlite::connection_factory>(new OneConnection)) {}
+Database::Database(const FileName& file, int flags)
+    : odb::sqlite::database(file.path, flags | SQLITE_OPEN_PRIVATECACHE, true, file.vfs,
+                            std::unique_ptr<odb::sqlite::connection_factory>(new OneConnection)),
+      handle_(connection_in_use().handle()) {
+  sqlite3_busy_handler(handle_, wait_for_others, this);
+}
 
 odb::sqlite::connection& Database::connection_in_use() { return *connection(); }
+
+/// SQLite's own handler cannot be interrupted.
+int Database::wait_for_others(void* database, int attempt) noexcept {
+  auto& self = *static_cast<Database*>(database);
+  const auto now = std::chrono::steady_clock::now();
+  if (attempt == 0) self.waiting_since_ = now;
+  if (self.interrupted_ || now - self.waiting_since_ >= longest_wait) return 0;
+  sqlite3_sleep(std::min(1 + 2 * attempt, 50));
+  return 1;
+}
+
+void Database::interrupt() noexcept {
+  if (operations_ == 0) return;
+  interrupted_ = true;
+  // A statement that writes and is interrupted would end the whole transaction, that of the host
+  // included. It is short, and what comes after it asks.
+  if (writing == nullptr) sqlite3_interrupt(handle_);
+}
+
+void Database::stop_if_interrupted() {
+  if (take_interruption()) throw Interrupted();
+}
+
+bool Database::take_interruption() noexcept { return interrupted_ && interrupted_.exchange(false); }
 
 }  // namespace veldra

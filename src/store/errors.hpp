@@ -11,7 +11,8 @@
 namespace veldra {
 
 /// Runs `work`, and throws what fails in the database as the library's own exceptions. A write that
-/// was started within another one of the same library is no failure of the database and passes.
+/// was started within another one of the same library is no failure of the database and passes; so
+/// does an interruption, which the whole operation knows of.
 template <class Work>
 auto translating_errors(Work work) {
   try {
@@ -19,11 +20,14 @@ auto translating_errors(Work work) {
   } catch (const odb::sqlite::database_exception& error) {
     if (error.error() == SQLITE_READONLY) throw LibraryReadOnly();
     if (error.error() == SQLITE_CONSTRAINT) throw ObjectInUse();
-    throw UnknownError();
+    if (error.error() == SQLITE_INTERRUPT) throw;
+    throw DatabaseError(error.error());
   } catch (const odb::object_not_persistent&) {
     throw ObjectNotFound();
   } catch (const odb::already_in_transaction&) {
     throw;
+  } catch (const odb::timeout&) {
+    throw DatabaseError(SQLITE_BUSY);
   } catch (const odb::exception&) {
     throw UnknownError();
   }

@@ -72,7 +72,7 @@ std::set<Part> schema_of(odb::sqlite::connection& connection) {
 }
 
 std::set<Part> expected_schema() {
-  Database empty(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+  Database empty({"", ":memory:"}, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
   WriteTransaction transaction(empty);
   odb::schema_catalog::create_schema(empty, "", false);
   return schema_of(empty.connection_in_use());
@@ -148,6 +148,7 @@ std::vector<std::string> examine(Database& database) {
   auto& connection = database.connection_in_use();
   Sentences findings;
   for (const auto examination : {damage, broken_references, wrong_schema, wrong_identity}) {
+    database.stop_if_interrupted();
     Sentences sentences;
     try {
       sentences = examination(connection);

@@ -2,6 +2,8 @@
 #include "store/examination.hpp"
 #include "store/library_impl.hpp"
 #include "store/mapping-odb.hpp"
+#include "store/recognition.hpp"
+#include "store/running_operation.hpp"
 #include "store/transactions.hpp"
 
 #include <sqlite3.h>
@@ -20,10 +22,13 @@ Library::Reactor& default_reactor() {
   return reactor;
 }
 
-std::shared_ptr<Library> open_library(const String& filename, FileAccess access, Unit unit,
-                                      const String& guid) {
-  return LibraryAccess::make(std::unique_ptr<LibraryAccess::Impl>(
-      new LibraryAccess::Impl(filename, open_library_file(filename, access, unit, guid))));
+std::shared_ptr<Library> library_in(const String& filename, LibraryFile file) {
+  return LibraryAccess::make(
+      std::unique_ptr<LibraryAccess::Impl>(new LibraryAccess::Impl(filename, std::move(file))));
+}
+
+FileAccess access_of(bool read_only) {
+  return read_only ? FileAccess::ReadOnly : FileAccess::ReadWrite;
 }
 
 }  // namespace
@@ -56,13 +61,19 @@ Library::Library(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
 Library::~Library() = default;
 
 std::shared_ptr<Library> Library::create(const String& filename, Unit unit, const String& guid) {
-  return open_library(filename, FileAccess::Create, unit, guid);
+  return library_in(filename, open_library_file(filename, FileAccess::Create, unit, guid));
 }
 
 std::shared_ptr<Library> Library::open(const String& filename, bool readOnly) {
-  return open_library(filename, readOnly ? FileAccess::ReadOnly : FileAccess::ReadWrite,
-                      Unit::Millimetres, String());
+  return library_in(filename,
+                    open_library_file(filename, access_of(readOnly), Unit::Millimetres, String()));
 }
+
+std::shared_ptr<Library> Library::openExisting(const String& filename, bool readOnly) {
+  return library_in(filename, open_existing_file(filename, access_of(readOnly)));
+}
+
+Library::Recognition Library::recognise(const String& filename) { return recognise_file(filename); }
 
 const String& Library::filename() const noexcept { return impl_->filename; }
 const String& Library::guid() const noexcept { return impl_->meta.guid; }
@@ -76,10 +87,12 @@ namespace {
 // Deliberate: a failed write leaves the new value in the handle and the old one in the file.
 void set_and_write(Database& database, Meta& meta, String& field, const String& value) {
   field = value;
-  translating_errors([&] {
-    WriteTransaction transaction(database);
-    database.update(meta);
-    transaction.commit();
+  interruptibly(database, [&] {
+    translating_errors([&] {
+      WriteTransaction transaction(database);
+      database.update(meta);
+      transaction.commit();
+    });
   });
 }
 
@@ -99,11 +112,13 @@ bool Library::readOnly() const {
 
 void Library::check(std::vector<String>& findings) const {
   std::vector<String> found;
-  for (const std::string& sentence : examine(*impl_->database))
-    found.emplace_back(sentence.c_str());
+  const auto sentences = interruptibly(*impl_->database, [&] { return examine(*impl_->database); });
+  for (const std::string& sentence : sentences) found.emplace_back(sentence.c_str());
   findings.reserve(findings.size() + found.size());
   std::move(found.begin(), found.end(), std::back_inserter(findings));
 }
+
+void Library::interrupt() noexcept { impl_->database->interrupt(); }
 
 void Library::setReactor(Reactor* reactor) {
   impl_->reactor = reactor == nullptr ? &default_reactor() : reactor;

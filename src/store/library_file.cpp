@@ -3,7 +3,7 @@
 #include "foundation/translated.hpp"
 #include "store/guid.hpp"
 #include "store/mapping-odb.hpp"
-#include "store/statement.hpp"
+#include "store/recognition.hpp"
 #include "store/transactions.hpp"
 
 #include <odb/exceptions.hxx>
@@ -12,6 +12,8 @@
 #include <odb/sqlite/exceptions.hxx>
 
 #include <sqlite3.h>
+
+#include <functional>
 
 namespace veldra {
 
@@ -58,26 +60,12 @@ odb::schema_version current_version() {
   return odb::schema_catalog::current_version(odb::id_sqlite, "");
 }
 
-bool has_version_table(odb::sqlite::connection& connection) {
-  return Statement(connection,
-                   "SELECT 1 FROM sqlite_master WHERE name='schema_version' COLLATE NOCASE")
-      .next();
-}
-
 /// The version of the file; 0 for an empty one. The runtime would take a version that is no number
 /// for an empty file, and end the process over two versions; so the row is looked at first.
 odb::schema_version file_version(odb::sqlite::connection& connection) {
-  if (!has_version_table(connection)) return 0;
-  Statement row(connection, "SELECT \"version\" FROM \"schema_version\" WHERE \"name\"=''");
-  if (!row.next()) return 0;
-
-  const bool understood = row.is_integer(0);
-  const auto version = static_cast<odb::schema_version>(row.integer(0));
-  const auto base = odb::schema_catalog::base_version(odb::id_sqlite, "");
-  if (!understood || row.next() || version < base || version > current_version()) {
-    throw odb::unknown_schema_version(version);
-  }
-  return version;
+  const FileVersion version = version_of(connection);
+  if (!version.known) throw odb::unknown_schema_version(version.number);
+  return version.number;
 }
 
 void fill(Database& database, Unit unit, const String& guid) {
@@ -92,51 +80,45 @@ void fill(Database& database, Unit unit, const String& guid) {
   }
 }
 
-long long setting(odb::sqlite::connection& connection, const char* pragma) {
-  Statement row(connection, pragma);
-  return row.next() ? row.integer(0) : 0;
+/// Looks at a file before anything is done to it, within the transaction that does it.
+using Requirement = std::function<void(odb::sqlite::connection&)>;
+
+void require_nothing(odb::sqlite::connection&) {}
+
+Requirement require_library(const String& filename) {
+  return [&filename](odb::sqlite::connection& connection) {
+    using Kind = Library::Recognition::Kind;
+    switch (recognise_tables(connection).kind) {
+      case Kind::Empty:
+      case Kind::WithoutVersion:
+      case Kind::OtherDatabase:
+        throw NotALibrary(filename);
+      default:
+        return;
+    }
+  };
 }
 
-/// Another program may have turned the log on: the last pages may be there and not in the file yet.
-bool has_write_ahead_log(odb::sqlite::connection& connection) {
-  Statement row(connection, "PRAGMA journal_mode");
-  return row.next() && row.text(0) == "wal";
-}
-
-/// SQLite notices when whole pages are missing, but takes the rest of a last page that was cut off
-/// for zeros.
-void check_last_page(odb::sqlite::connection& connection) {
-  sqlite3_file* file = nullptr;
-  sqlite3_file_control(connection.handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
-  if (file == nullptr || file->pMethods == nullptr) return;  // a database in memory
-  sqlite3_int64 size = 0;
-  const int result = file->pMethods->xFileSize(file, &size);
-  if (result != SQLITE_OK) odb::sqlite::translate_error(result, connection);
-  const auto pages = setting(connection, "PRAGMA page_count");
-  const bool whole = size >= pages * setting(connection, "PRAGMA page_size");
-  if (!whole && !has_write_ahead_log(connection)) {
-    throw odb::sqlite::database_exception(SQLITE_CORRUPT, SQLITE_CORRUPT,
-                                          sqlite3_errstr(SQLITE_CORRUPT));
-  }
-}
-
-bool is_current(Database& database) {
+bool is_current(Database& database, const Requirement& require) {
   ReadTransaction transaction(database);
   auto& connection = database.connection_in_use();
+  require(connection);
   const bool current = file_version(connection) == current_version();
-  check_last_page(connection);
+  require_whole_pages(connection);
   return current;
 }
 
 /// Makes the file a library of the current version. One that is already is only read, so that
 /// nothing of it changes and nobody has to wait.
-void bring_up_to_date(Database& database, Unit unit, const String& guid) {
-  if (is_current(database)) return;
+void bring_up_to_date(Database& database, const Requirement& require, Unit unit,
+                      const String& guid) {
+  if (is_current(database, require)) return;
 
   end_what_is_left(database);  // within a transaction the keys would stay on
   ForeignKeysOff foreign_keys(database.connection_in_use());
   WriteTransaction transaction(database);
   // Another process may have been faster while the lock was waited for.
+  require(database.connection_in_use());
   const odb::schema_version version = file_version(database.connection_in_use());
   if (version == 0) {
     odb::schema_catalog::create_schema(database, "", true);
@@ -155,11 +137,13 @@ Meta load_meta(Database& database) {
   return meta;
 }
 
-LibraryFile open(const std::string& name, FileAccess access, Unit unit, const String& guid) {
+LibraryFile open(const std::string& filename, FileAccess access, const Requirement& require,
+                 Unit unit, const String& guid) {
+  const FileName name = parse_file_name(filename);
   const int create = access == FileAccess::Create ? SQLITE_OPEN_CREATE : 0;
   LibraryFile file;
   file.database.reset(new Database(name, SQLITE_OPEN_READWRITE | create));
-  bring_up_to_date(*file.database, unit, guid);
+  bring_up_to_date(*file.database, require, unit, guid);
   if (access == FileAccess::ReadOnly) {
     // The second connection is there before the first goes, since a database in memory goes with
     // its last connection.
@@ -172,19 +156,29 @@ LibraryFile open(const std::string& name, FileAccess access, Unit unit, const St
   return file;
 }
 
-}  // namespace
-
-LibraryFile open_library_file(const String& filename, FileAccess access, Unit unit,
-                              const String& guid) {
+/// Puts the name of the file in front of what the database says.
+LibraryFile open_named(const String& filename, FileAccess access, const Requirement& require,
+                       Unit unit, const String& guid) {
   const std::string name = filename.utf8();
   try {
-    return open(name, access, unit, guid);
+    return open(name, access, require, unit, guid);
   } catch (const odb::sqlite::database_exception& error) {
     throw odb::sqlite::database_exception(error.error(), error.extended_error(),
                                           name + ": " + error.message());
   } catch (const odb::unknown_schema_version& error) {
     throw UnknownVersion(name, error);
   }
+}
+
+}  // namespace
+
+LibraryFile open_library_file(const String& filename, FileAccess access, Unit unit,
+                              const String& guid) {
+  return open_named(filename, access, require_nothing, unit, guid);
+}
+
+LibraryFile open_existing_file(const String& filename, FileAccess access) {
+  return open_named(filename, access, require_library(filename), Unit::Millimetres, String());
 }
 
 }  // namespace veldra

@@ -22,6 +22,10 @@ enum class FileAccess { Create, ReadWrite, ReadOnly };
 LibraryFile open_library_file(const String& filename, FileAccess access, Unit unit,
                               const String& guid);
 
+/// The same for a file that holds a library already. Throws `NotALibrary` for any other, on the
+/// connection that opens it and under the same lock.
+LibraryFile open_existing_file(const String& filename, FileAccess access);
+
 }  // namespace veldra
 
 #endif

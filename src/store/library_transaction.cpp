@@ -1,5 +1,6 @@
 #include "store/library_impl.hpp"
 #include "store/notifications.hpp"
+#include "store/running_operation.hpp"
 #include "store/transactions.hpp"
 
 #include <odb/exceptions.hxx>
@@ -34,7 +35,9 @@ Library::Transaction::Impl::Impl(Library& library)
     : library_(library.shared_from_this()),
       notifications_(library),
       former_meta_(library.impl_->meta),
-      held_(new HeldTransaction(*library.impl_->database)) {}
+      held_(interruptibly(*library.impl_->database, [&library] {
+        return std::unique_ptr<HeldTransaction>(new HeldTransaction(*library.impl_->database));
+      })) {}
 
 Library::Transaction::Impl::~Impl() {
   if (!committed_) std::swap(library_->impl_->meta, former_meta_);
@@ -45,7 +48,7 @@ void Library::Transaction::Impl::require_no_operation() const {
 }
 
 void Library::Transaction::Impl::commit() {
-  held_->commit();
+  interruptibly(*library_->impl_->database, [&] { held_->commit(); });
   committed_ = true;
   held_.reset();
   notifications_.deliver();

@@ -122,6 +122,7 @@ void prefetch_references(Database&, const std::vector<unsigned>&, const T*) {}
 void prefetch_references(Database& database, const std::vector<unsigned>& ids, const Composition*) {
   if (database.cache == nullptr || ids.size() < 2) return;
   for (const unsigned id : layer_material_ids(database, ids)) {
+    database.stop_if_interrupted();
     if (find<Material>(database, id) != nullptr) database.cache->offer(id);
   }
 }
@@ -130,9 +131,11 @@ void prefetch_references(Database& database, const std::vector<unsigned>& ids, c
 
 template <class T>
 std::vector<std::shared_ptr<T>> load_all(const Library& library, const std::vector<unsigned>& ids) {
-  prefetch_references(LibraryAccess::database(library), ids, static_cast<const T*>(nullptr));
+  Database& database = LibraryAccess::database(library);
+  prefetch_references(database, ids, static_cast<const T*>(nullptr));
   std::vector<std::shared_ptr<T>> objects(ids.size());
   for (const std::size_t place : places_by_id(ids)) {
+    database.stop_if_interrupted();
     objects[place] = load<T>(library, ids[place]);
   }
   objects.erase(std::remove(objects.begin(), objects.end(), nullptr), objects.end());

@@ -3,6 +3,7 @@
 #include "store/library_impl.hpp"
 #include "store/notifications.hpp"
 #include "store/queries.hpp"
+#include "store/running_operation.hpp"
 #include "store/transactions.hpp"
 
 #include <algorithm>
@@ -35,6 +36,7 @@ bool stopped_by_reference(Step step) {
 template <class T>
 Outcome remove_object(Library& library, unsigned id, UndoLogs& logs) {
   auto& impl = LibraryAccess::impl(library);
+  impl.database->stop_if_interrupted();
   const ObjectKey key(ObjectTraits<T>::type, id);
   std::unique_ptr<WriteTransaction> transaction;
   translating_errors([&] { transaction.reset(new WriteTransaction(*impl.database)); });
@@ -75,6 +77,16 @@ void purge_kind(Library& library, Result& result) {
   remove_objects<T>(library, std::move(ids), result);
 }
 
+/// Runs `work` as one operation of which the reactor is told at its end.
+template <class Work>
+void removing(Library& library, Work work) {
+  interruptibly(library, [&] {
+    Notifications notifications(library);
+    work();
+    notifications.deliver();
+  });
+}
+
 const std::set<ObjectType>& saveable_kinds() {
   static const std::set<ObjectType> kinds = {ObjectType::Composition,    ObjectType::Material,
                                              ObjectType::MaterialType,   ObjectType::Layer,
@@ -91,34 +103,34 @@ bool Library::remove(const std::shared_ptr<T>& object) {
   const std::shared_ptr<const void> held = object;
   const auto bound = object->library();
   if (bound != nullptr && bound.get() != this) throw ObjectNotFound();
-  Notifications notifications(*this);
   auto& record = ObjectAccess::impl(*object);
-  UndoLogs logs(1);
-  logs.front().remember(held, record);
-  const bool removed = remove_or_throw<T>(*this, record.id, logs);
-  if (removed) {
-    record.library.reset();
-  } else {
-    logs.front().keep_changes();
-  }
-  notifications.deliver();
+  bool removed = false;
+  removing(*this, [&] {
+    UndoLogs logs(1);
+    logs.front().remember(held, record);
+    removed = remove_or_throw<T>(*this, record.id, logs);
+    if (removed) {
+      record.library.reset();
+    } else {
+      logs.front().keep_changes();
+    }
+  });
   return removed;
 }
 
 template <class T>
 bool Library::remove(unsigned id) {
-  Notifications notifications(*this);
-  UndoLogs none;
-  const bool removed = remove_or_throw<T>(*this, id, none);
-  notifications.deliver();
+  bool removed = false;
+  removing(*this, [&] {
+    UndoLogs none;
+    removed = remove_or_throw<T>(*this, id, none);
+  });
   return removed;
 }
 
 template <class T>
 void Library::remove(const std::set<unsigned>& ids, Result& result) {
-  Notifications notifications(*this);
-  remove_objects<T>(*this, ids, result);
-  notifications.deliver();
+  removing(*this, [&] { remove_objects<T>(*this, ids, result); });
 }
 
 template <class T>
@@ -128,12 +140,12 @@ void Library::remove(const std::set<unsigned>& ids) {
 }
 
 void Library::remove(const std::set<ObjectKey>& keys, Result& result) {
-  Notifications notifications(*this);
-  for_each_kind([&](auto kind) {
-    using T = typename decltype(kind)::type;
-    remove_objects<T>(*this, ids_of_kind(keys, ObjectTraits<T>::type), result);
+  removing(*this, [&] {
+    for_each_kind([&](auto kind) {
+      using T = typename decltype(kind)::type;
+      remove_objects<T>(*this, ids_of_kind(keys, ObjectTraits<T>::type), result);
+    });
   });
-  notifications.deliver();
 }
 
 void Library::remove(const std::set<ObjectKey>& keys) {
@@ -153,14 +165,14 @@ void Library::purge() {
 }
 
 void Library::purge(const std::set<ObjectType>& kinds, Result& result) {
-  Notifications notifications(*this);
-  for_each_kind([&](auto kind) {
-    using T = typename decltype(kind)::type;
-    if (kinds.count(ObjectTraits<T>::type) != 0) {
-      purge_kind<T>(*this, result);
-    }
+  removing(*this, [&] {
+    for_each_kind([&](auto kind) {
+      using T = typename decltype(kind)::type;
+      if (kinds.count(ObjectTraits<T>::type) != 0) {
+        purge_kind<T>(*this, result);
+      }
+    });
   });
-  notifications.deliver();
 }
 
 void Library::purge(const std::set<ObjectType>& kinds) {

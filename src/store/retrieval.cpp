@@ -3,6 +3,7 @@
 #include "store/loading.hpp"
 #include "store/object_cache.hpp"
 #include "store/queries.hpp"
+#include "store/running_operation.hpp"
 #include "store/transactions.hpp"
 
 #include <iterator>
@@ -13,16 +14,26 @@ namespace veldra {
 
 namespace {
 
+/// Runs `read` in a transaction.
+template <class Read>
+auto reading(Database& database, Read read) {
+  return interruptibly(database, [&] {
+    ReadTransaction transaction(database);
+    return read();
+  });
+}
+
 /// Appends the objects whose ids `find_ids` gives, all read in one transaction.
 template <class T, class FindIds>
 void append(const Library& library, std::vector<std::shared_ptr<T>>& out, FindIds find_ids) {
   Database& database = LibraryAccess::database(library);
-  ReadTransaction transaction(database);
-  ObjectCache cache(ObjectTraits<T>::type);
-  CacheScope scope(database, cache);
-  auto objects = load_all<T>(library, find_ids(database));
-  out.insert(out.end(), std::make_move_iterator(objects.begin()),
-             std::make_move_iterator(objects.end()));
+  reading(database, [&] {
+    ObjectCache cache(ObjectTraits<T>::type);
+    CacheScope scope(database, cache);
+    auto objects = load_all<T>(library, find_ids(database));
+    out.insert(out.end(), std::make_move_iterator(objects.begin()),
+               std::make_move_iterator(objects.end()));
+  });
 }
 
 }  // namespace
@@ -30,16 +41,16 @@ void append(const Library& library, std::vector<std::shared_ptr<T>>& out, FindId
 template <class T>
 std::shared_ptr<T> Library::get(unsigned id) const {
   if (id == 0) return nullptr;
-  ReadTransaction transaction(*impl_->database);
-  return load<T>(*this, id);
+  return reading(*impl_->database, [&] { return load<T>(*this, id); });
 }
 
 template <class T>
 std::shared_ptr<T> Library::get(const String& name) const {
   if (name.empty()) return nullptr;
-  ReadTransaction transaction(*impl_->database);
-  const unsigned id = id_of_name<T>(*impl_->database, name);
-  return id == 0 ? nullptr : load<T>(*this, id);
+  return reading(*impl_->database, [&]() -> std::shared_ptr<T> {
+    const unsigned id = id_of_name<T>(*impl_->database, name);
+    return id == 0 ? nullptr : load<T>(*this, id);
+  });
 }
 
 template <class T>
@@ -75,14 +86,12 @@ void Library::search(std::vector<std::shared_ptr<T>>& out, const String& text,
 
 template <class T>
 unsigned long long Library::count() const {
-  ReadTransaction transaction(*impl_->database);
-  return count_all<T>(*impl_->database);
+  return reading(*impl_->database, [&] { return count_all<T>(*impl_->database); });
 }
 
 template <class T>
 unsigned long long Library::count(const typename CriteriaOf<T>::type& criteria) const {
-  ReadTransaction transaction(*impl_->database);
-  return count_selected<T>(*impl_->database, criteria);
+  return reading(*impl_->database, [&] { return count_selected<T>(*impl_->database, criteria); });
 }
 
 #define VELDRA_INSTANTIATE(T)                                                                     \

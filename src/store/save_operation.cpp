@@ -4,6 +4,7 @@
 #include "store/kinds.hpp"
 #include "store/loading.hpp"
 #include "store/queries.hpp"
+#include "store/statement.hpp"
 #include "store/unit_conversion.hpp"
 
 #include <odb/exceptions.hxx>
@@ -66,6 +67,12 @@ bool same_objects(const std::vector<std::shared_ptr<T>>& left,
   return std::equal(left.begin(), left.end(), right.begin(), right.end());
 }
 
+bool ids_are_left(Database& database, const char* table) {
+  Statement row(database.connection_in_use(), "SELECT seq FROM sqlite_sequence WHERE name = ?1");
+  row.bind(1, table);
+  return !row.next() || row.integer(0) != std::numeric_limits<long long>::max();
+}
+
 std::uint64_t packed(ObjectType type, unsigned id) {
   return static_cast<std::uint64_t>(type) << 32 | id;
 }
@@ -84,6 +91,7 @@ void SaveOperation::commit() { transaction_.commit(logs_); }
 template <class T>
 std::shared_ptr<T> SaveOperation::save(const std::shared_ptr<T>& object) {
   if (object == nullptr) return nullptr;
+  impl_.database->stop_if_interrupted();
   constexpr ObjectType type = ObjectTraits<T>::type;
   const std::shared_ptr<Library> source = object->library();
   const IdMapping::Key key({type, object->id()}, source.get());
@@ -264,11 +272,16 @@ IdMapping::Status SaveOperation::write(const Working<T>& working) {
   }
 }
 
-/// The largest id is nobody's: rows whose ids are too large have it when they are read.
+/// The largest id is nobody's: rows whose ids are too large have it when they are read. SQLite says
+/// of the end of its own, larger range what it says of a full disk.
 template <class T>
 void SaveOperation::insert(T& object) {
-  impl_.database->persist(object);
-  if (object.id() != std::numeric_limits<unsigned>::max()) return;
+  try {
+    impl_.database->persist(object);
+    if (object.id() != std::numeric_limits<unsigned>::max()) return;
+  } catch (const odb::sqlite::database_exception& error) {
+    if (error.error() != SQLITE_FULL || ids_are_left(*impl_.database, Kind<T>::table)) throw;
+  }
   throw odb::sqlite::database_exception(SQLITE_FULL, SQLITE_FULL, "no id is left");
 }
 

@@ -1,5 +1,6 @@
 #include "store/kinds.hpp"
 #include "store/notifications.hpp"
+#include "store/running_operation.hpp"
 #include "store/save_operation.hpp"
 
 // The saving operations of a library, and of its objects.
@@ -14,15 +15,17 @@ std::shared_ptr<T> Library::save(const std::shared_ptr<T>& object) {
 
 template <class T>
 std::shared_ptr<T> Library::save(const std::shared_ptr<T>& object, IdMapping& mapping) {
-  Notifications notifications(*this);
-  std::shared_ptr<T> saved;
-  {
-    SaveOperation operation(*this, mapping, SaveOperation::Results::Wanted);
-    saved = operation.save(object);
-    operation.commit();
-  }
-  notifications.deliver();
-  return saved;
+  return interruptibly(*this, [&] {
+    Notifications notifications(*this);
+    std::shared_ptr<T> saved;
+    {
+      SaveOperation operation(*this, mapping, SaveOperation::Results::Wanted);
+      saved = operation.save(object);
+      operation.commit();
+    }
+    notifications.deliver();
+    return saved;
+  });
 }
 
 template <class T>

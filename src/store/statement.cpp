@@ -17,6 +17,10 @@ void Statement::bind(int parameter, long long value) {
   check(sqlite3_bind_int64(statement_, parameter, value));
 }
 
+void Statement::bind(int parameter, const char* text) {
+  check(sqlite3_bind_text(statement_, parameter, text, -1, SQLITE_STATIC));
+}
+
 bool Statement::next() {
   const int result = sqlite3_step(statement_);
   if (result == SQLITE_ROW) return true;

@@ -20,6 +20,9 @@ class Statement {
 
   void bind(int parameter, long long value);
 
+  /// The text must outlive the statement.
+  void bind(int parameter, const char* text);
+
   /// Goes to the next row; false when there is none.
   bool next();
 

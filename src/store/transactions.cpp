@@ -1,5 +1,7 @@
 #include "store/transactions.hpp"
 
+#include "store/statement.hpp"
+
 #include <odb/exceptions.hxx>
 #include <odb/sqlite/exceptions.hxx>
 
@@ -65,6 +67,15 @@ void begin_writing(Database& database, odb::sqlite::transaction& transaction) {
   begin(database, transaction, [&database] { return database.begin_immediate(); });
 }
 
+/// The changes are in the file before the lock is given back, so that they stay when that fails.
+void commit_changes(odb::sqlite::transaction& transaction) {
+  try {
+    transaction.commit();
+  } catch (const odb::sqlite::database_exception& error) {
+    if (error.extended_error() != SQLITE_IOERR_UNLOCK) throw;
+  }
+}
+
 /// Only the end of the whole transaction would tell.
 void require_intact_references(Database& database) {
   int broken = 0;
@@ -83,7 +94,9 @@ void keep_changes(UndoLogs& logs) noexcept {
 }  // namespace
 
 HeldTransaction::HeldTransaction(Database& database) : database_(database) {
-  if (database.writing != nullptr || database.held != nullptr) throw odb::already_in_transaction();
+  if (database.writing != nullptr || database.held != nullptr || database.snapshot != nullptr) {
+    throw odb::already_in_transaction();
+  }
   const SetAsideTransaction aside;
   begin_writing(database, transaction_);
   database.held = this;
@@ -96,7 +109,7 @@ HeldTransaction::~HeldTransaction() {
 }
 
 void HeldTransaction::commit() {
-  get().commit();
+  commit_changes(get());
   keep_changes(logs_);
 }
 
@@ -123,9 +136,37 @@ void HeldTransaction::roll_back_to_savepoint() noexcept {
 
 void HeldTransaction::keep(UndoLogs& logs) noexcept { logs_.splice(logs_.begin(), logs); }
 
+SnapshotTransaction::SnapshotTransaction(Database& database) : database_(database) {
+  if (database.writing != nullptr || database.held != nullptr) return;
+  if (database.snapshot != nullptr) throw odb::already_in_transaction();
+  const SetAsideTransaction aside;
+  begin(database, transaction_, [&database] { return database.begin(); });
+  try {
+    // The state is that of the first read.
+    Statement(database.connection_in_use(), "SELECT 1 FROM sqlite_master LIMIT 1").next();
+  } catch (...) {
+    end(database, transaction_);
+    throw;
+  }
+  database.snapshot = this;
+}
+
+SnapshotTransaction::~SnapshotTransaction() {
+  if (database_.snapshot != this) return;
+  database_.snapshot = nullptr;
+  end(database_, transaction_);
+}
+
+odb::sqlite::transaction& SnapshotTransaction::get() {
+  if (!is_running(database_)) throw odb::transaction_already_finalized();
+  return transaction_;
+}
+
 WriteTransaction::WriteTransaction(Database& database)
     : database_(database), outer_(database.held) {
-  if (database.writing != nullptr) throw odb::already_in_transaction();
+  if (database.writing != nullptr || database.snapshot != nullptr) {
+    throw odb::already_in_transaction();
+  }
   if (outer_ == nullptr) {
     begin_writing(database, transaction_);
     database.writing = &transaction_;
@@ -150,7 +191,7 @@ void WriteTransaction::require_running() const {
 }
 
 void WriteTransaction::commit() {
-  if (outer_ == nullptr) return transaction_.commit();
+  if (outer_ == nullptr) return commit_changes(transaction_);
   outer_->release_savepoint();
   released_ = true;
 }
@@ -166,9 +207,11 @@ void WriteTransaction::commit(UndoLogs& logs) {
 
 ReadTransaction::ReadTransaction(Database& database) : database_(database) {
   if (database.writing != nullptr) {
-    odb::transaction::current(*database.writing);
+    odb::transaction::current(*database.writing.load());
   } else if (database.held != nullptr) {
     odb::transaction::current(database.held->get());
+  } else if (database.snapshot != nullptr) {
+    odb::transaction::current(database.snapshot->get());
   } else {
     begin(database, transaction_, [&database] { return database.begin(); });
   }

@@ -33,7 +33,8 @@ void require_ended(Database& database);
 /// writes is nested in it. Rolled back at the end unless committed.
 class HeldTransaction {
  public:
-  /// Throws `odb::already_in_transaction` when the database has one, or is being written.
+  /// Throws `odb::already_in_transaction` when the database has one or a snapshot, or is being
+  /// written.
   explicit HeldTransaction(Database& database);
   HeldTransaction(const HeldTransaction&) = delete;
   HeldTransaction& operator=(const HeldTransaction&) = delete;
@@ -59,12 +60,31 @@ class HeldTransaction {
   UndoLogs logs_;
 };
 
+/// A transaction that a host holds over several reads, which are a part of it. Where the database
+/// is being written, or the host holds a transaction that writes, it is nothing but a part of that.
+class SnapshotTransaction {
+ public:
+  /// Throws `odb::already_in_transaction` when the database has one.
+  explicit SnapshotTransaction(Database& database);
+  SnapshotTransaction(const SnapshotTransaction&) = delete;
+  SnapshotTransaction& operator=(const SnapshotTransaction&) = delete;
+  ~SnapshotTransaction();
+
+  /// The transaction itself. Throws `odb::transaction_already_finalized` when a failure ended it.
+  odb::sqlite::transaction& get();
+
+ private:
+  Database& database_;
+  odb::sqlite::transaction transaction_;
+};
+
 /// A transaction that writes. It begins with the lock for writing, so that two writers wait for
 /// each other instead of failing half-way. Nested in the one that the host holds, if any. Rolled
 /// back at the end unless committed.
 class WriteTransaction {
  public:
-  /// Throws `odb::already_in_transaction` when the database is being written already.
+  /// Throws `odb::already_in_transaction` when the database is being written already, or the host
+  /// holds a snapshot.
   explicit WriteTransaction(Database& database);
   WriteTransaction(const WriteTransaction&) = delete;
   WriteTransaction& operator=(const WriteTransaction&) = delete;
@@ -89,7 +109,7 @@ class WriteTransaction {
 };
 
 /// A transaction that reads; a part of the running one where the database is being written or the
-/// host holds one.
+/// host holds one or a snapshot.
 class ReadTransaction {
  public:
   explicit ReadTransaction(Database& database);

@@ -15,9 +15,12 @@ namespace veldra_tests {
 namespace {
 
 using veldra::ConsistencyError;
+using veldra::DatabaseError;
 using veldra::Exception;
 using veldra::InappropriateCustomProperty;
+using veldra::Interrupted;
 using veldra::LibraryReadOnly;
+using veldra::NotALibrary;
 using veldra::ObjectInUse;
 using veldra::ObjectNotFound;
 using veldra::ObjectNotUnique;
@@ -40,6 +43,10 @@ static_assert(!derives<ConsistencyError, UnknownError>(), "");
 static_assert(!derives<ConsistencyError, LibraryReadOnly>(), "");
 static_assert(!derives<ConsistencyError, ObjectNotFound>(), "");
 static_assert(!derives<ConsistencyError, InappropriateCustomProperty>(), "");
+static_assert(derives<UnknownError, DatabaseError>(), "caught wherever the former is");
+static_assert(derives<Exception, NotALibrary>(), "");
+static_assert(!std::is_convertible<int, DatabaseError>::value, "a number alone is no exception");
+static_assert(!std::is_convertible<String, NotALibrary>::value, "a text alone is no exception");
 static_assert(
     std::is_same<decltype(std::declval<const Exception&>().what()), const unsigned short*>::value,
     "");
@@ -50,6 +57,10 @@ struct Text;
 template <>
 struct Text<UnknownError> {
   static constexpr const char* value = "Unkown error";
+};
+template <>
+struct Text<Interrupted> {
+  static constexpr const char* value = "The operation was interrupted";
 };
 template <>
 struct Text<LibraryReadOnly> {
@@ -91,7 +102,7 @@ class ExceptionsTest : public testing::Test {
   static_assert(std::is_copy_assignable<Error>::value, "");
 };
 
-using Errors = testing::Types<UnknownError, LibraryReadOnly, ObjectNotFound,
+using Errors = testing::Types<UnknownError, Interrupted, LibraryReadOnly, ObjectNotFound,
                               InappropriateCustomProperty, ObjectInUse, ObjectNotUnique>;
 TYPED_TEST_SUITE(ExceptionsTest, Errors, TypeNames);
 
@@ -208,6 +219,26 @@ TEST(ObjectNotUniqueTest, carries_its_text_when_it_is_thrown) {
     EXPECT_EQ(error.text().utf8(), "Material.code");
     EXPECT_EQ(ascii(error.what()), Text<ObjectNotUnique>::value);
   }
+}
+
+TEST(DatabaseErrorTest, carries_its_code_and_says_what_its_base_says) {
+  try {
+    throw DatabaseError(13);
+  } catch (const UnknownError& error) {
+    EXPECT_EQ(ascii(error.what()), Text<UnknownError>::value);
+    EXPECT_EQ(dynamic_cast<const DatabaseError&>(error).code(), 13);
+  }
+}
+
+TEST(NotALibraryTest, carries_the_name_of_the_file) {
+  std::unique_ptr<NotALibrary> error(new NotALibrary("walls.lib"));
+  const NotALibrary copy(*error);
+  NotALibrary assigned("another");
+  assigned = *error;
+  error.reset();
+  EXPECT_EQ(copy.filename(), String("walls.lib"));
+  EXPECT_EQ(assigned.filename(), String("walls.lib"));
+  EXPECT_EQ(ascii(copy.what()), "The file is not a library");
 }
 
 class CountedError : public Exception {

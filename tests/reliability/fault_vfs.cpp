@@ -31,7 +31,7 @@ struct Disk {
   std::vector<Change> changes;
 };
 
-enum class Call { Read, Growth, Write, ChangeOfDisk, Other };
+enum class Call { Read, Growth, Write, ChangeOfDisk, Unlock, Other };
 
 struct State {
   bool armed = false;
@@ -53,7 +53,9 @@ bool losing_power() {
 bool concerns(FaultVfs::Trouble trouble, Call call) {
   switch (trouble) {
     case FaultVfs::Trouble::Error:
-      return true;
+      return call != Call::Unlock;
+    case FaultVfs::Trouble::KeptLock:
+      return call == Call::Unlock;
     case FaultVfs::Trouble::DiskFull:
       return call == Call::Growth;
     case FaultVfs::Trouble::ShortWrite:
@@ -184,8 +186,10 @@ int lock_file(sqlite3_file* file, int level) {
   return ours(file).real()->pMethods->xLock(ours(file).real(), level);
 }
 
-// A lock is always given back: what would hold it for ever is the fault, not the library.
+// But for the trouble that is about it, a lock is always given back: what would hold it for ever is
+// the fault, not the library.
 int unlock_file(sqlite3_file* file, int level) {
+  if (fails(Call::Unlock)) return SQLITE_IOERR_UNLOCK;
   return ours(file).real()->pMethods->xUnlock(ours(file).real(), level);
 }
 

@@ -20,7 +20,8 @@ class FaultVfs {
     Error,       ///< at any call: open, read, write, sync, truncate, delete, lock, access, size
     DiskFull,    ///< at a write that makes a file longer
     ShortWrite,  ///< at a write, half of which is done
-    PowerLoss    ///< at a call that changes the disk; nothing works from then on
+    PowerLoss,   ///< at a call that changes the disk; nothing works from then on
+    KeptLock     ///< at giving back a lock
   };
 
   enum class Repetition { Once, Persistent };

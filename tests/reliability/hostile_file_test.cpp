@@ -162,16 +162,20 @@ TEST(HostileFile, with_a_very_long_text_is_read) {
 }
 
 TEST(HostileFile, without_ids_that_fit_takes_no_new_objects) {
-  Scene scene(Start::Current, "");
-  change_file(scene.path(), "UPDATE sqlite_sequence SET seq=4294967294");
-  const std::string before = scene.rows();
-  scene.open();
-  const auto tag = veldra::Tag::create("new");
-  const Thrown thrown = thrown_by([&] { scene.library->save(tag); });
-  EXPECT_EQ(thrown, "odb::sqlite::database_exception");
-  EXPECT_EQ(thrown.code, SQLITE_FULL);
-  EXPECT_EQ(tag->id(), 0u);
-  EXPECT_EQ(scene.rows(), before);
+  for (const char* last : {"4294967294", "9223372036854775807"}) {
+    SCOPED_TRACE(last);
+    Scene scene(Start::Current, "");
+    change_file(scene.path(), std::string("UPDATE sqlite_sequence SET seq=") + last);
+    const std::string before = scene.rows();
+    scene.open();
+    const auto tag = veldra::Tag::create("new");
+    const Thrown thrown = thrown_by([&] { scene.library->save(tag); });
+    EXPECT_EQ(thrown, "odb::sqlite::database_exception");
+    EXPECT_EQ(thrown.code, SQLITE_FULL);
+    EXPECT_EQ(thrown.text, "no id is left");
+    EXPECT_EQ(tag->id(), 0u);
+    EXPECT_EQ(scene.rows(), before);
+  }
 }
 
 }  // namespace

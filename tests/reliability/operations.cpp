@@ -86,6 +86,14 @@ void create(Scene& scene) { scene.create(); }
 void open(Scene& scene) { scene.library = Library::open(scene.text, false); }
 void open_read_only(Scene& scene) { scene.library = Library::open(scene.text, true); }
 
+void open_existing(Scene& scene) { scene.library = Library::openExisting(scene.text, false); }
+void open_existing_read_only(Scene& scene) {
+  scene.library = Library::openExisting(scene.text, true);
+}
+void recognise(Scene& scene) {
+  scene.number = static_cast<unsigned long long>(Library::recognise(scene.text).kind) + 1;
+}
+
 // Saving.
 
 template <class T>
@@ -485,6 +493,17 @@ void get_many_properties(Scene& scene) {
 
 void check(Scene& scene) { scene.library->check(scene.findings); }
 
+void read_in_a_snapshot(Scene& scene) {
+  std::vector<std::shared_ptr<Composition>> compositions;
+  std::vector<std::shared_ptr<Material>> materials;
+  const Library::Snapshot snapshot(*scene.library);
+  scene.library->get(compositions);
+  scene.library->get(materials);
+  scene.number = scene.library->count<Tag>();
+  scene.found<Composition>().list = std::move(compositions);
+  scene.found<Material>().list = std::move(materials);
+}
+
 std::vector<Operation> opening() {
   return {
       {"create a missing file", Kind::Making, Start::Missing, name_the_file, create},
@@ -494,7 +513,12 @@ std::vector<Operation> opening() {
       {"migrate version 150301", Kind::Making, Start::Version150301, name_the_file, open},
       {"migrate and open read-only", Kind::Making, Start::Version150301, name_the_file,
        open_read_only},
+      {"migrate what must be there", Kind::Making, Start::Version150201, name_the_file,
+       open_existing},
       {"open", Kind::Opening, Start::Current, name_the_file, open},
+      {"open what must be there", Kind::Opening, Start::Current, name_the_file, open_existing},
+      {"open what must be there read-only", Kind::Opening, Start::Current, name_the_file,
+       open_existing_read_only},
       {"open read-only", Kind::Opening, Start::Current, name_the_file, open_read_only},
   };
 }
@@ -597,7 +621,9 @@ std::vector<Operation> holding() {
 std::vector<Operation> reading_otherwise() {
   return {reading("get many properties by their ids", choose_many_ids, get_many_properties),
           count_selected<Material>("materials with one of many tags", with_many_tags),
-          reading("check", nothing, check)};
+          reading("check", nothing, check),
+          reading("several in a snapshot", nothing, read_in_a_snapshot),
+          reading("recognise", name_the_file, recognise)};
 }
 
 std::vector<Operation> joined(const std::vector<std::vector<Operation>>& groups) {

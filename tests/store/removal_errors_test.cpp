@@ -26,6 +26,7 @@ TEST_F(RemovalErrors, the_texts_are_those_of_the_exceptions) {
   EXPECT_EQ(thrown_by([&] { library->remove<Tag>(99u); }).text, "Object not found");
   on_delete_from("Tag", kOverflow);
   EXPECT_EQ(thrown_by([&] { library->remove(used); }).text, "Unkown error");
+  EXPECT_EQ(thrown_by([&] { library->remove(used); }).code, 1) << "not the code of the failure";
   mend();
   reopen_for_reading();
   EXPECT_EQ(thrown_by([&] { library->remove<Tag>(1u); }).text, "Library is read only");
@@ -44,6 +45,7 @@ TEST_F(RemovalErrors, a_file_that_another_connection_holds_is_waited_for) {
   }
 
   EXPECT_EQ(thrown, "veldra::UnknownError");
+  EXPECT_EQ(thrown.code, 5) << "not told that others hold the file";
   EXPECT_GE(waited, std::chrono::milliseconds(4500));
   EXPECT_LT(waited, std::chrono::seconds(12));
   EXPECT_EQ(tag->library(), library);

@@ -37,6 +37,14 @@ Thrown call_and_catch(const std::function<void()>& call) {
     return {"veldra::ObjectNotUnique", error.text().utf8(), 0, 0};
   } catch (const veldra::InappropriateCustomProperty& error) {
     return ours("veldra::InappropriateCustomProperty", error);
+  } catch (const veldra::NotALibrary& error) {
+    return ours("veldra::NotALibrary", error);
+  } catch (const veldra::Interrupted& error) {
+    return ours("veldra::Interrupted", error);
+  } catch (const veldra::DatabaseError& error) {
+    Thrown thrown = ours("veldra::UnknownError", error);
+    thrown.code = error.code();
+    return thrown;
   } catch (const veldra::UnknownError& error) {
     return ours("veldra::UnknownError", error);
   } catch (const odb::sqlite::database_exception& error) {

@@ -21,7 +21,7 @@ class Check : public ProgramTest {
   }
   void expect_finding(const std::string& text) {
     const auto run = veldra({"check", "a.lib"});
-    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.status, 3);
     EXPECT_THAT(run.out, HasSubstr(text));
   }
 };
@@ -104,7 +104,7 @@ TEST_F(Check, kinds_that_cannot_be_read_do_not_hide_the_rest) {
 TEST_F(Check, findings_come_as_json_too) {
   damage_rows("UPDATE Material_thicknesses SET value = 0");
   const auto run = veldra({"check", "a.lib", "--json"});
-  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.status, 3);
   EXPECT_EQ(run.json()[0]["object"], "material 'Brick'");
 }
 

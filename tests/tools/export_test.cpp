@@ -155,7 +155,8 @@ TEST_F(Export, a_file_gets_the_same_bytes_as_standard_output) {
 TEST_F(Export, json_tells_of_the_file_that_was_written) {
   fill(*library("a.lib"));
   for (const char* format : {"json", "csv"}) {
-    const auto told = must({"export", "a.lib", "--format", format, "-o", "out", "--json"}).json();
+    const auto told =
+        must({"export", "a.lib", "--format", format, "-o", "out", "--json", "--force"}).json();
     EXPECT_EQ(told["file"], "out");
     EXPECT_EQ(told["format"], format);
     EXPECT_EQ(told["bytes"], read("out").size());

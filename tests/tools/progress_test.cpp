@@ -34,23 +34,22 @@ class Stream {
                            : ::pipe(ends);
     if (failed != 0) throw std::runtime_error("there is no terminal and no pipe to be had");
     far_end_ = ends[0];
-    stream_ = ::fdopen(ends[1], "w");
+    near_end_ = ends[1];
   }
   Stream(const Stream&) = delete;
   Stream& operator=(const Stream&) = delete;
   ~Stream() {
-    std::fclose(stream_);
+    ::close(near_end_);
     ::close(far_end_);
   }
 
-  std::FILE* get() const { return stream_; }
+  int get() const { return near_end_; }
 
   /// What has come since the last time. What is written may take its time to come, so it reads up
   /// to a mark.
   std::string received() const {
     constexpr char mark = '|';
-    std::fputc(mark, stream_);
-    std::fflush(stream_);
+    if (::write(near_end_, &mark, 1) != 1) throw std::runtime_error("nothing can be written");
     std::string text;
     for (char character = 0; ::read(far_end_, &character, 1) == 1 && character != mark;) {
       text += character;
@@ -60,7 +59,7 @@ class Stream {
 
  private:
   int far_end_;
-  std::FILE* stream_;
+  int near_end_;
 };
 
 /// A clock that goes when it is told to.

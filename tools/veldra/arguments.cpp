@@ -77,9 +77,11 @@ void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::stri
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
-void add_output(CLI::App& command, std::string& output) {
+void add_output(CLI::App& command, std::string& output, bool& force) {
   command.add_option("-o,--output", output, "The file to write; standard output by default")
       ->type_name("OUT");
+  command.add_flag("--force", force,
+                   "Replace OUT where there is a file of that name; a library is never replaced");
 }
 
 void add_format(CLI::App& command, std::string& format) {

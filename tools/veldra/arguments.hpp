@@ -23,7 +23,7 @@ void add_object(CLI::App& command, std::string& object);
 void add_kinds(CLI::App& command, std::vector<veldra::ObjectType>& kinds);
 void add_on_conflict(CLI::App& command, OnConflict& policy);
 void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::string& description);
-void add_output(CLI::App& command, std::string& output);
+void add_output(CLI::App& command, std::string& output, bool& force);
 void add_json(CLI::App& command, bool& json);
 
 /// The same for commands whose result goes to a file.

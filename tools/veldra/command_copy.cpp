@@ -122,9 +122,9 @@ const char* outcome_text(Outcome outcome) {
 }
 
 /// The name is the one in the source, the id the one in the destination.
-void print(const std::vector<Copied>& objects, bool json) {
+void print(Spool& output, const std::vector<Copied>& objects, bool json) {
   if (json) {
-    return print_json_list(objects, [](const Copied& copied) {
+    return print_json_list(output, objects, [](const Copied& copied) {
       Json entry = key_to_json({copied.kind, copied.id}, copied.name);
       entry["outcome"] = outcome_text(copied.outcome);
       entry["name_in_destination"] = copied.result;
@@ -136,41 +136,48 @@ void print(const std::vector<Copied>& objects, bool json) {
     table.add(
         {singular_of(copied.kind), fmt::format("{}", copied.id), copied.name, status_text(copied)});
   }
-  print_table(table, "There was nothing to copy.");
+  print_table(output, table, "There was nothing to copy.");
 }
 
-/// Goes through a library in memory, so that what is copied is there to be compared in the unit of
-/// the destination.
-std::vector<Copied> copy_objects(const Arguments& arguments, const std::vector<Wanted>& wanted,
-                                 const std::shared_ptr<veldra::Library>& source,
-                                 const std::shared_ptr<veldra::Library>& destination) {
+/// What is to be copied, in a library in memory, so that it is there to be compared in the unit of
+/// the destination, and nobody waits for the source.
+std::shared_ptr<veldra::Library> staged(const Arguments& arguments,
+                                        const std::vector<Wanted>& wanted, veldra::Unit unit) {
+  auto staging = create_staging_library(unit);
+  reading(arguments.source, [&](const veldra::Library& source) {
+    if (arguments.all) return staging->copyAll(source.shared_from_this());
+    staging->copy(source.shared_from_this(), keys_of(source, wanted));
+  });
+  return staging;
+}
+
+void copy_objects(const std::shared_ptr<veldra::Library>& staging,
+                  const std::shared_ptr<veldra::Library>& destination, const Arguments& arguments,
+                  Host& host) {
   Progress progress("copying");
-  const auto staging = create_staging_library(destination->unit());
-  if (arguments.all) {
-    staging->copyAll(source);
-  } else {
-    staging->copy(source, keys_of(*source, wanted));
-  }
   veldra::IdMapping mapping(destination.get());
   ConflictReactor reactor(arguments.on_conflict, *staging, mapping);
-  veldra::Library::Transaction transaction(*destination);
-  transfer(staging, destination, reactor, mapping, progress);
-  transaction.commit();
-  return copied_objects(*staging, *destination, mapping, reactor);
+  change_as_a_whole(host, *destination, [&] {
+    transfer(staging, destination, reactor, mapping, progress);
+    print(host.output, copied_objects(*staging, *destination, mapping, reactor), arguments.json);
+  });
 }
 
-void copy(const Arguments& arguments) {
+void copy(const Arguments& arguments, Host& host) {
   if (arguments.all != arguments.objects.empty()) {
     throw CLI::ValidationError("OBJECT", "say which objects to copy, or --all");
   }
   const auto wanted = wanted_objects(arguments);
-  const auto source = open_library(arguments.source, Access::Read);
-  const auto destination = open_library(arguments.destination, Access::Write);
   if (same_file(arguments.source, arguments.destination)) {
     throw Failure("the source and the destination are the same file");
   }
-  working_on(arguments.destination,
-             [&] { print(copy_objects(arguments, wanted, source, destination), arguments.json); });
+  tell_as_it_was(arguments.destination);
+  working_on(arguments.destination, [&] {
+    const auto destination = open_library(arguments.destination, Access::Write);
+    const auto staging = staged(arguments, wanted, destination->unit());
+    tell_as_it_was(arguments.destination);
+    copy_objects(staging, destination, arguments, host);
+  });
 }
 
 }  // namespace
@@ -194,7 +201,7 @@ void add_copy(Host& host) {
   add_on_conflict(command, arguments->on_conflict);
   add_json(command, arguments->json);
   add_example(command, "veldra copy office.lib site.lib 'composition:Flat roof' material:17");
-  command.callback([arguments] { copy(*arguments); });
+  command.callback([arguments, &host] { copy(*arguments, host); });
 }
 
 }  // namespace veldra_tool

@@ -1,5 +1,6 @@
 #include "arguments.hpp"
 #include "failure.hpp"
+#include "files/new_library.hpp"
 #include "host.hpp"
 #include "json.hpp"
 #include "opening.hpp"
@@ -21,18 +22,28 @@ struct Arguments {
   bool json = false;
 };
 
-void create(const Arguments& arguments) {
+[[noreturn]] void refuse(const std::string& file) {
+  throw failure_of(file, "there is a file of that name already");
+}
+
+void print(Spool& output, const veldra::Library& library, bool json) {
+  if (!json) return output.print("{}\n", library.guid().utf8());
+  Json facts = facts_of(library);
+  facts["read_only"] = false;
+  print_json(output, facts);
+}
+
+void create(const Arguments& arguments, Host& host) {
   const auto locale = library_text(arguments.locale);
   const auto region = library_text(arguments.region);
-  const auto library = create_library(arguments.file, arguments.unit, arguments.guid);
+  if (file_exists(arguments.file)) refuse(arguments.file);
+  NewLibrary made(arguments.file, arguments.unit, arguments.guid);
   working_on(arguments.file, [&] {
-    if (locale) library->locale(locale);
-    if (region) library->region(region);
+    if (locale) made.library()->locale(locale);
+    if (region) made.library()->region(region);
+    print(host.output, *made.library(), arguments.json);
   });
-  if (!arguments.json) return fmt::print("{}\n", library->guid().utf8());
-  Json facts = facts_of(*library);
-  facts["read_only"] = false;
-  print_json(facts);
+  if (!made.put_into_place(host)) refuse(arguments.file);
 }
 
 }  // namespace
@@ -49,7 +60,7 @@ void add_create(Host& host) {
   command.add_option("--region", arguments->region, "The region that it is for, such as AT");
   add_json(command, arguments->json);
   add_example(command, "veldra create office.lib --unit mm --locale de_AT --region AT");
-  command.callback([arguments] { create(*arguments); });
+  command.callback([arguments, &host] { create(*arguments, host); });
 }
 
 }  // namespace veldra_tool

@@ -1,11 +1,10 @@
 #include "arguments.hpp"
 #include "drawing/sheet.hpp"
-#include "failure.hpp"
+#include "files/output_file.hpp"
 #include "host.hpp"
 #include "json.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
-#include "output.hpp"
 
 namespace veldra_tool {
 
@@ -15,6 +14,7 @@ struct Arguments {
   std::string file;
   std::vector<std::string> compositions;
   std::string output;
+  bool force = false;
   bool json = false;
 };
 
@@ -37,19 +37,25 @@ Json to_json(const Compositions& compositions) {
   return list;
 }
 
-void draw(const Arguments& arguments) {
+void print_written(const Arguments& arguments, const std::string& sheet,
+                   const Compositions& compositions, Spool& output) {
+  Json written = written_to_json(arguments.output, "svg", sheet);
+  written["compositions"] = to_json(compositions);
+  print_json(output, written);
+}
+
+void draw(const Arguments& arguments, Host& host) {
   if (arguments.json && is_standard_output(arguments.output)) {
     throw CLI::ValidationError("--json", "a drawing is no JSON; give a file for it with -o");
   }
-  const auto library = open_library(arguments.file, Access::Read);
-  const auto compositions =
-      working_on(arguments.file, [&] { return wanted_compositions(*library, arguments); });
-  const auto sheet = draw_sheet(compositions, library->unit());
-  write_output(arguments.output, sheet);
-  if (!arguments.json) return;
-  Json written = written_to_json(arguments.output, "svg", sheet);
-  written["compositions"] = to_json(compositions);
-  print_json(written);
+  const OutputFile output(arguments.output, arguments.file, arguments.force);
+  const auto sheet = reading(arguments.file, [&](const veldra::Library& library) {
+    const auto compositions = wanted_compositions(library, arguments);
+    auto drawn = draw_sheet(compositions, library.unit());
+    if (arguments.json) print_written(arguments, drawn, compositions, host.output);
+    return drawn;
+  });
+  output.write(host, sheet);
 }
 
 }  // namespace
@@ -62,10 +68,10 @@ void add_draw(Host& host) {
   command.add_option("COMPOSITION", arguments->compositions, "Their names or ids")
       ->required()
       ->type_name("");
-  add_output(command, arguments->output);
+  add_output(command, arguments->output, arguments->force);
   add_json_of_file(command, arguments->json);
   add_example(command, "veldra draw office.lib 'Cavity wall' 'Flat roof' -o sheet.svg");
-  command.callback([arguments] { draw(*arguments); });
+  command.callback([arguments, &host] { draw(*arguments, host); });
 }
 
 }  // namespace veldra_tool

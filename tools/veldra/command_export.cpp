@@ -1,11 +1,10 @@
 #include "arguments.hpp"
 #include "csv.hpp"
-#include "failure.hpp"
+#include "files/output_file.hpp"
 #include "host.hpp"
 #include "json.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
-#include "output.hpp"
 #include "progress.hpp"
 #include "summary.hpp"
 
@@ -19,6 +18,7 @@ struct Arguments {
   std::string file;
   std::string format = "json";
   std::string output;
+  bool force = false;
   bool json = false;
 };
 
@@ -65,6 +65,18 @@ std::string json_of(const veldra::Library& library, Progress& progress) {
   return json.dump(2) + "\n";
 }
 
+std::string text_of(const veldra::Library& library, const std::string& format) {
+  Progress progress("exporting");
+  return format == "csv" ? csv_of(library, progress) : json_of(library, progress);
+}
+
+void print_written(const Arguments& arguments, const std::string& text,
+                   const veldra::Library& library, Spool& output) {
+  Json written = written_to_json(arguments.output, arguments.format, text);
+  written["counts"] = counts_of(library);
+  print_json(output, written);
+}
+
 /// With --json everything on standard output is JSON.
 void require_sense(const Arguments& arguments) {
   if (!arguments.json || arguments.format == "json" || !is_standard_output(arguments.output)) {
@@ -73,18 +85,17 @@ void require_sense(const Arguments& arguments) {
   throw CLI::ValidationError("--json", "a table is no JSON; give a file for it with -o");
 }
 
-void export_library(const Arguments& arguments) {
+void export_library(const Arguments& arguments, Host& host) {
   require_sense(arguments);
-  const auto library = open_library(arguments.file, Access::Read);
-  const auto text = working_on(arguments.file, [&] {
-    Progress progress("exporting");
-    return arguments.format == "csv" ? csv_of(*library, progress) : json_of(*library, progress);
+  const OutputFile output(arguments.output, arguments.file, arguments.force);
+  const auto text = reading(arguments.file, [&](const veldra::Library& library) {
+    auto whole = text_of(library, arguments.format);
+    if (arguments.json && !is_standard_output(arguments.output)) {
+      print_written(arguments, whole, library, host.output);
+    }
+    return whole;
   });
-  write_output(arguments.output, text);
-  if (!arguments.json || is_standard_output(arguments.output)) return;
-  Json written = written_to_json(arguments.output, arguments.format, text);
-  written["counts"] = working_on(arguments.file, [&] { return counts_of(*library); });
-  print_json(written);
+  output.write(host, text);
 }
 
 }  // namespace
@@ -94,10 +105,10 @@ void add_export(Host& host) {
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
   add_format(command, arguments->format);
-  add_output(command, arguments->output);
+  add_output(command, arguments->output, arguments->force);
   add_json_of_file(command, arguments->json);
   add_example(command, "veldra export office.lib -o office.json");
-  command.callback([arguments] { export_library(*arguments); });
+  command.callback([arguments, &host] { export_library(*arguments, host); });
 }
 
 }  // namespace veldra_tool

@@ -1,5 +1,6 @@
 #include "arguments.hpp"
 #include "failure.hpp"
+#include "files/new_library.hpp"
 #include "host.hpp"
 #include "import/sources.hpp"
 #include "import/staging.hpp"
@@ -10,7 +11,6 @@
 
 #include <fmt/format.h>
 
-#include <filesystem>
 #include <optional>
 
 namespace veldra_tool {
@@ -44,39 +44,6 @@ veldra::Unit unit_for(const std::vector<Source>& sources, const Arguments& argum
   return arguments.unit;
 }
 
-/// The library that the import goes into. One that was made for it goes again if the import
-/// fails.
-class Destination {
- public:
-  Destination(const Arguments& arguments, const std::vector<Source>& sources)
-      : file_(arguments.file) {
-    if (file_exists(file_)) {
-      library_ = open_library(file_, Access::Write);
-    } else if (arguments.dry_run) {
-      library_ = veldra::Library::create(":memory:", unit_for(sources, arguments), "");
-    } else {
-      library_ = create_library(file_, unit_for(sources, arguments), "");
-      made_ = true;
-    }
-  }
-  Destination(const Destination&) = delete;
-  Destination& operator=(const Destination&) = delete;
-  ~Destination() {
-    if (!made_) return;
-    library_.reset();
-    std::error_code error;
-    std::filesystem::remove(file_, error);
-  }
-
-  const std::shared_ptr<veldra::Library>& library() const { return library_; }
-  void keep() { made_ = false; }
-
- private:
-  std::string file_;
-  std::shared_ptr<veldra::Library> library_;
-  bool made_ = false;
-};
-
 bool is_empty(const veldra::Library& library) {
   return library.count<veldra::Material>() + library.count<veldra::Composition>() +
              library.count<veldra::Tag>() + library.count<veldra::Layer>() +
@@ -108,50 +75,85 @@ void require_no_problems(const ImportReport& report) {
                             count == 1 ? "is a problem" : fmt::format("are {} problems", count)));
 }
 
-void print_problems(const ImportReport& report) {
+std::string text_of_problems(const ImportReport& report) {
+  std::string text;
   for (const auto& source : report) {
-    for (const auto& problem : source.problems) fmt::print(stderr, "veldra: {}\n", problem);
+    for (const auto& problem : source.problems) text += fmt::format("veldra: {}\n", problem);
   }
+  return text;
 }
 
-ImportReport import_into(Destination& destination, const std::vector<Source>& sources,
-                         const Arguments& arguments, Progress& progress) {
-  const auto& library = destination.library();
-  ImportReport report(sources.size());
-  ImportSet set(library->unit(), arguments.on_conflict, arguments.tags);
-  for (std::size_t i = 0; i < sources.size(); ++i) {
-    report[i].file = sources[i].file();
-    report[i].format = sources[i].format();
-    sources[i].add_to(set, library->unit(), report[i]);
+void print(const ImportReport& report, const Arguments& arguments, Spool& output) {
+  if (arguments.json) return print_json(output, to_json(report));
+  output.write(text_of(report));
+  if (arguments.dry_run) output.print("Nothing was written, because this was a dry run.\n");
+}
+
+/// One import of all sources. It may be tried with one library after another.
+class Import {
+ public:
+  Import(const Arguments& arguments, Host& host)
+      : arguments_(arguments), host_(host), sources_(read_sources(arguments)) {}
+
+  /// Goes into the library that is there, be it that somebody makes it meanwhile, or into one that
+  /// is made for it.
+  void run() {
+    while (!file_exists(arguments_.file)) {
+      if (arguments_.dry_run) return pretend_with_new();
+      if (into_new()) return;
+    }
+    into_existing();
   }
-  set.resolve();
-  print_problems(report);
-  if (arguments.strict) require_no_problems(report);
-  veldra::Library::Transaction transaction(*library);
-  const bool was_empty = is_empty(*library);
-  transfer_set(set, library, arguments.on_conflict, report, progress);
-  if (was_empty) adopt_settings(*library, set);
-  if (!arguments.dry_run) transaction.commit();
-  return report;
-}
 
-ImportReport imported(const Arguments& arguments) {
-  Progress progress("importing");
-  const auto sources = read_sources(arguments);
-  return working_on(arguments.file, [&] {
-    Destination destination(arguments, sources);
-    const auto report = import_into(destination, sources, arguments, progress);
-    destination.keep();
-    return report;
-  });
-}
+ private:
+  void into_existing() {
+    tell_as_it_was(arguments_.file);
+    into(open_library(arguments_.file, Access::Write));
+    host_.done = !arguments_.dry_run;
+  }
 
-void import(const Arguments& arguments) {
-  const auto report = imported(arguments);
-  if (arguments.json) return print_json(to_json(report));
-  fmt::print("{}", text_of(report));
-  if (arguments.dry_run) fmt::print("Nothing was written, because this was a dry run.\n");
-}
+  bool into_new() {
+    NewLibrary made(arguments_.file, unit_for(sources_, arguments_), "");
+    into(made.library());
+    if (made.put_into_place(host_)) return true;
+    host_.output.clear();
+    return false;
+  }
+
+  void pretend_with_new() {
+    into(watched(veldra::Library::create(":memory:", unit_for(sources_, arguments_), "")));
+  }
+
+  void into(const std::shared_ptr<veldra::Library>& library) {
+    ImportReport report(sources_.size());
+    const ImportSet set = read_set(library->unit(), report);
+    veldra::Library::Transaction transaction(*library);
+    const bool was_empty = is_empty(*library);
+    transfer_set(set, library, arguments_.on_conflict, report, progress_);
+    if (was_empty) adopt_settings(*library, set);
+    print(report, arguments_, host_.output);
+    stop_if_asked();
+    if (!arguments_.dry_run) transaction.commit();
+  }
+
+  ImportSet read_set(veldra::Unit unit, ImportReport& report) {
+    ImportSet set(unit, arguments_.on_conflict, arguments_.tags);
+    for (std::size_t i = 0; i < sources_.size(); ++i) {
+      report[i].file = sources_[i].file();
+      report[i].format = sources_[i].format();
+      sources_[i].add_to(set, unit, report[i]);
+    }
+    set.resolve();
+    host_.notes = text_of_problems(report);
+    if (arguments_.strict) require_no_problems(report);
+    return set;
+  }
+
+  const Arguments& arguments_;
+  Host& host_;
+  std::vector<Source> sources_;
+  Progress progress_{"importing"};
+};
 
 }  // namespace
 
@@ -170,9 +172,9 @@ void add_import(Host& host) {
   command.add_flag("--strict", arguments->strict, "Import nothing when there is any problem");
   add_json(command, arguments->json);
   add_example(command, "veldra import office.lib walls.idf glass.epJSON --on-conflict use");
-  command.callback([arguments, &command] {
+  command.callback([arguments, &command, &host] {
     arguments->unit_given = command.count("--unit") > 0;
-    import(*arguments);
+    working_on(arguments->file, [&] { Import(*arguments, host).run(); });
   });
 }
 

@@ -17,19 +17,9 @@ struct Arguments {
   bool json = false;
 };
 
-/// Whether the library can only be read shows when it is opened for writing.
-bool only_readable(const std::string& file) {
-  try {
-    open_library(file, Access::Write);
-    return false;
-  } catch (const Failure&) {
-    return true;
-  }
-}
-
-void print_facts(const Json& facts) {
-  const auto line = [](const std::string& name, const std::string& value) {
-    fmt::print("{:<16}{}\n", name, printable(value));
+void print_facts(Spool& output, const Json& facts) {
+  const auto line = [&output](const std::string& name, const std::string& value) {
+    output.print("{:<16}{}\n", name, printable(value));
   };
   const auto text = [](const Json& value) {
     return value.get<std::string>().empty() ? "(none)" : value.get<std::string>();
@@ -45,12 +35,17 @@ void print_facts(const Json& facts) {
   }
 }
 
-void info(const Arguments& arguments) {
-  const auto library = open_library(arguments.file, Access::Read);
-  Json facts = working_on(arguments.file, [&] { return facts_of(*library); });
-  facts["read_only"] = only_readable(arguments.file);
-  if (arguments.json) return print_json(facts);
-  print_facts(facts);
+void info(const Arguments& arguments, Host& host) {
+  const auto facts = reading(
+      arguments.file,
+      [](const veldra::Library& library) {
+        Json all = facts_of(library);
+        all["read_only"] = library.readOnly();
+        return all;
+      },
+      Access::Any);
+  if (arguments.json) return print_json(host.output, facts);
+  print_facts(host.output, facts);
 }
 
 }  // namespace
@@ -62,7 +57,7 @@ void add_info(Host& host) {
   add_file(command, arguments->file);
   add_json(command, arguments->json);
   add_example(command, "veldra info office.lib");
-  command.callback([arguments] { info(*arguments); });
+  command.callback([arguments, &host] { info(*arguments, host); });
 }
 
 }  // namespace veldra_tool

@@ -109,14 +109,13 @@ Table table_of(const veldra::Library& library, const Arguments& arguments) {
   return table;
 }
 
-void list(const Arguments& arguments) {
+void list(const Arguments& arguments, Host& host) {
   require_sense(arguments);
-  const auto library = open_library(arguments.file, Access::Read);
-  working_on(arguments.file, [&] {
+  reading(arguments.file, [&](const veldra::Library& library) {
     with_class_of(arguments.kind, [&](auto of) {
       using T = typename decltype(of)::type;
-      if (arguments.json) return print_json(json_of<T>(*library, arguments));
-      fmt::print("{}", table_of<T>(*library, arguments).text());
+      if (arguments.json) return print_json(host.output, json_of<T>(library, arguments));
+      host.output.write(table_of<T>(library, arguments).text());
     });
   });
 }
@@ -138,9 +137,9 @@ void add_list(Host& host) {
       "Only names like this: % stands for any text, _ for one character; A and a are alike");
   add_json(command, arguments->json);
   add_example(command, "veldra list office.lib materials --type Wood --search '%oak%'");
-  command.callback([arguments, search] {
+  command.callback([arguments, search, &host] {
     arguments->by_pattern = search->count() > 0;
-    list(*arguments);
+    list(*arguments, host);
   });
 }
 

@@ -54,16 +54,13 @@ class RemovalProgress : public veldra::Library::Reactor {
   Progress progress_{"removing"};
 };
 
-/// Removes objects by `removal`, all or, when something fails, none, and enters what became of
-/// each.
+/// Removes objects by `removal` and enters what became of each.
 template <class Removal>
 void remove_all(veldra::Library& library, std::vector<Candidate>& objects, Removal removal) {
   RemovalProgress progress;
   const ReactorGuard guard(library, progress);
-  veldra::Library::Transaction transaction(library);
   std::map<veldra::ObjectKey, bool> results;
   removal(results);
-  transaction.commit();
   enter_results(objects, results);
 }
 
@@ -72,31 +69,31 @@ bool any_removed(const std::vector<Candidate>& candidates) {
                      [](const Candidate& candidate) { return candidate.removed; });
 }
 
-void remove(const RemoveArguments& arguments, int& status) {
-  const auto library = open_library(arguments.file, Access::Write);
-  working_on(arguments.file, [&] {
-    auto objects = named_candidates(*library, arguments);
+void remove(const RemoveArguments& arguments, Host& host) {
+  changing(host, arguments.file, [&](veldra::Library& library) {
+    auto objects = named_candidates(library, arguments);
     std::set<veldra::ObjectKey> keys;
     for (const auto& object : objects) keys.insert(object.key);
-    remove_all(*library, objects, [&](auto& results) { library->remove(keys, results); });
-    print_candidates(objects, arguments.json, "removed");
-    if (!any_removed(objects)) status = 1;
+    remove_all(library, objects, [&](auto& results) { library.remove(keys, results); });
+    print_candidates(host.output, objects, arguments.json, "removed");
+    if (!any_removed(objects)) host.status = Status::Failed;
   });
 }
 
-void purge(const PurgeArguments& arguments) {
+void purge(const PurgeArguments& arguments, Host& host) {
   const auto& wanted = arguments.kinds.empty() ? all_kinds() : arguments.kinds;
   const std::set<veldra::ObjectType> kinds(wanted.begin(), wanted.end());
-  const auto access = arguments.dry_run ? Access::Read : Access::Write;
-  const auto library = open_library(arguments.file, access);
-  working_on(arguments.file, [&] {
-    auto objects = candidates(*library, kinds);
-    if (arguments.dry_run) {
-      predict_purge(objects, *library);
-      return print_purged(objects, arguments.json, "would go");
-    }
-    remove_all(*library, objects, [&](auto& results) { library->purge(kinds, results); });
-    print_purged(objects, arguments.json, "removed");
+  if (arguments.dry_run) {
+    return reading(arguments.file, [&](const veldra::Library& library) {
+      auto objects = candidates(library, kinds);
+      predict_purge(objects, library);
+      print_purged(host.output, objects, arguments.json, "would go");
+    });
+  }
+  changing(host, arguments.file, [&](veldra::Library& library) {
+    auto objects = candidates(library, kinds);
+    remove_all(library, objects, [&](auto& results) { library.purge(kinds, results); });
+    print_purged(host.output, objects, arguments.json, "removed");
   });
 }
 
@@ -113,7 +110,7 @@ void add_remove(Host& host) {
       ->type_name("");
   add_json(command, arguments->json);
   add_example(command, "veldra remove office.lib materials 'Solid brick' 17");
-  command.callback([arguments, &host] { remove(*arguments, host.status); });
+  command.callback([arguments, &host] { remove(*arguments, host); });
 }
 
 void add_purge(Host& host) {
@@ -125,7 +122,7 @@ void add_purge(Host& host) {
   command.add_flag("--dry-run", arguments->dry_run, "Tell what would go, and remove nothing");
   add_json(command, arguments->json);
   add_example(command, "veldra purge office.lib materials tags --dry-run");
-  command.callback([arguments] { purge(*arguments); });
+  command.callback([arguments, &host] { purge(*arguments, host); });
 }
 
 }  // namespace veldra_tool

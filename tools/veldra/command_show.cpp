@@ -24,23 +24,23 @@ struct Arguments {
   bool json = false;
 };
 
-void line(const std::string& title, const std::string& value) {
+void line(Spool& output, const std::string& title, const std::string& value) {
   if (value.empty()) return;
   const std::size_t width = display_width(title);
   const std::string padding(width < 22 ? 22 - width : 1, ' ');
-  fmt::print("{}{}{}\n", printable(title), padding, printable(value));
+  output.print("{}{}{}\n", printable(title), padding, printable(value));
 }
 
 template <class T>
-void print_head(const T& object) {
-  line("id", fmt::format("{}", object.id()));
-  line("name", object.name().utf8());
+void print_head(Spool& output, const T& object) {
+  line(output, "id", fmt::format("{}", object.id()));
+  line(output, "name", object.name().utf8());
 }
 
 template <class Owner>
-void print_custom_values(const Owner& owner) {
+void print_custom_values(Spool& output, const Owner& owner) {
   for (const auto& [property, value] : owner.custom_values()) {
-    line("  " + property->name().utf8(), value.utf8());
+    line(output, "  " + property->name().utf8(), value.utf8());
   }
 }
 
@@ -60,13 +60,13 @@ std::string pattern_text(const veldra::Pattern& pattern) {
 }
 
 template <class Asset>
-void print_asset(const std::string& title, const std::shared_ptr<Asset>& asset) {
+void print_asset(Spool& output, const std::string& title, const std::shared_ptr<Asset>& asset) {
   if (!asset) return;
-  line(title, asset->name().utf8());
-  line("  subclass", asset->subclass().utf8());
-  line("  density", rounded_number(asset->density(), 6));
-  line("  specific heat", rounded_number(asset->specific_heat(), 6));
-  line("  conductivity", rounded_number(asset->thermal_conductivity(), 6));
+  line(output, title, asset->name().utf8());
+  line(output, "  subclass", asset->subclass().utf8());
+  line(output, "  density", rounded_number(asset->density(), 6));
+  line(output, "  specific heat", rounded_number(asset->specific_heat(), 6));
+  line(output, "  conductivity", rounded_number(asset->thermal_conductivity(), 6));
 }
 
 /// Other numbers than these two are the host's.
@@ -81,33 +81,35 @@ std::string function_text(veldra::Material::Function function) {
   }
 }
 
-void print_details(const veldra::Material& material, veldra::Unit unit) {
-  if (material.type()) line("type", material.type()->name().utf8());
+void print_details(Spool& output, const veldra::Material& material, veldra::Unit unit) {
+  if (material.type()) line(output, "type", material.type()->name().utf8());
   if (material.has_code()) {
-    line("code", material.code() ? material.code().utf8() : "(empty)");
+    line(output, "code", material.code() ? material.code().utf8() : "(empty)");
   }
-  for (const auto& text : material_texts) line(text.key, (material.*text.get)().utf8());
-  line("tags", tags_text(material));
-  line("thicknesses", material.thicknesses().empty()
-                          ? ""
-                          : thicknesses_text(material, unit) + " " + name_of(unit));
-  line("other thicknesses", material.allow_custom_thickness() ? "allowed" : "not allowed");
-  line("function", function_text(material.function()));
-  line("shading", material.shading_use_appearance() ? "from the appearance" : "from its colour");
-  for (const auto& color : material_colors) line(color.key, color_text((material.*color.get)()));
+  for (const auto& text : material_texts) line(output, text.key, (material.*text.get)().utf8());
+  line(output, "tags", tags_text(material));
+  line(
+      output, "thicknesses",
+      material.thicknesses().empty() ? "" : thicknesses_text(material, unit) + " " + name_of(unit));
+  line(output, "other thicknesses", material.allow_custom_thickness() ? "allowed" : "not allowed");
+  line(output, "function", function_text(material.function()));
+  line(output, "shading",
+       material.shading_use_appearance() ? "from the appearance" : "from its colour");
+  for (const auto& color : material_colors)
+    line(output, color.key, color_text((material.*color.get)()));
   for (const auto& pattern : material_patterns) {
-    line(pattern.key, pattern_text((material.*pattern.get)()));
+    line(output, pattern.key, pattern_text((material.*pattern.get)()));
   }
   const auto& alignment = material.surface_pattern_alignment();
   if (alignment != veldra::Point2d()) {
-    line("surface alignment",
+    line(output, "surface alignment",
          fmt::format("{}, {}", exact_number(alignment.x), exact_number(alignment.y)));
   }
-  if (material.cut_layer()) line("cut layer", material.cut_layer()->name().utf8());
-  if (!material.custom_values().empty()) fmt::print("custom values\n");
-  print_custom_values(material);
-  print_asset("structural asset", material.structuralAsset());
-  print_asset("thermal asset", material.thermalAsset());
+  if (material.cut_layer()) line(output, "cut layer", material.cut_layer()->name().utf8());
+  if (!material.custom_values().empty()) output.print("custom values\n");
+  print_custom_values(output, material);
+  print_asset(output, "structural asset", material.structuralAsset());
+  print_asset(output, "thermal asset", material.thermalAsset());
 }
 
 std::string roles_text(const veldra::Composition& composition, std::size_t index) {
@@ -121,8 +123,8 @@ std::string roles_text(const veldra::Composition& composition, std::size_t index
   return text;
 }
 
-void print_layers(const veldra::Composition& composition, const Transmission& transmission,
-                  veldra::Unit unit) {
+void print_layers(Spool& output, const veldra::Composition& composition,
+                  const Transmission& transmission, veldra::Unit unit) {
   Table table({{"layer", Align::Right},
                {"material"},
                {fmt::format("thickness [{}]", name_of(unit)), Align::Right},
@@ -135,7 +137,7 @@ void print_layers(const veldra::Composition& composition, const Transmission& tr
                length_text(layer.thickness(), unit), transmission.resistance_text(i),
                function_text(layer.function()), roles_text(composition, i)});
   }
-  fmt::print("\nLayers from outside to inside\n\n{}\n", table.text());
+  output.print("\nLayers from outside to inside\n\n{}\n", table.text());
 }
 
 std::string core_text(const veldra::Composition& composition) {
@@ -162,49 +164,52 @@ std::string surfaces_text(const Transmission& transmission) {
       transmission.ventilated > 0 ? "a ventilated cavity outside" : "outdoor air outside");
 }
 
-void print_transmission(const veldra::Composition& composition, const Transmission& transmission) {
-  line("surfaces", surfaces_text(transmission));
+void print_transmission(Spool& output, const veldra::Composition& composition,
+                        const Transmission& transmission) {
+  line(output, "surfaces", surfaces_text(transmission));
   if (transmission.ventilated > 0) {
-    line("ventilated",
+    line(output, "ventilated",
          fmt::format("layer {} and what is outside it do not count", transmission.ventilated));
   }
   if (const auto total = transmission.total_resistance()) {
-    line("resistance R_T", fmt::format("{:.3f} m²K/W with surfaces", *total));
-    line("transmittance U", fmt::format("{:.3f} W/(m²K)", *transmission.transmittance()));
+    line(output, "resistance R_T", fmt::format("{:.3f} m²K/W with surfaces", *total));
+    line(output, "transmittance U", fmt::format("{:.3f} W/(m²K)", *transmission.transmittance()));
     return;
   }
   for (std::size_t i = 0; i < transmission.layers.size(); ++i) {
     if (transmission.layers[i]) continue;
-    line("no U-value",
+    line(output, "no U-value",
          fmt::format("layer {}, {}, has neither a conductivity nor a resistance", i + 1,
                      in_quotes(composition.layers()[i].material()->name().utf8())));
   }
 }
 
-void print_details(const veldra::Composition& composition, veldra::Unit unit) {
-  line("type", name_of(composition.type()));
-  line("description", composition.description().utf8());
-  line("comments", composition.comments().utf8());
-  line("tags", tags_text(composition));
-  if (composition.entity_layer()) line("entity layer", composition.entity_layer()->name().utf8());
-  if (!composition.custom_values().empty()) fmt::print("custom values\n");
-  print_custom_values(composition);
+void print_details(Spool& output, const veldra::Composition& composition, veldra::Unit unit) {
+  line(output, "type", name_of(composition.type()));
+  line(output, "description", composition.description().utf8());
+  line(output, "comments", composition.comments().utf8());
+  line(output, "tags", tags_text(composition));
+  if (composition.entity_layer())
+    line(output, "entity layer", composition.entity_layer()->name().utf8());
+  if (!composition.custom_values().empty()) output.print("custom values\n");
+  print_custom_values(output, composition);
   const auto transmission = transmission_of(composition, unit);
-  if (!composition.layers().empty()) print_layers(composition, transmission, unit);
-  line("total", length_text(total_thickness(composition), unit) + " " + name_of(unit));
-  line("core", core_text(composition));
-  line("structural layer", fmt::format("{}", composition.structural_layer() + 1ULL));
-  if (composition.has_variable_layer()) line("variable layer", variable_text(composition, unit));
-  print_transmission(composition, transmission);
+  if (!composition.layers().empty()) print_layers(output, composition, transmission, unit);
+  line(output, "total", length_text(total_thickness(composition), unit) + " " + name_of(unit));
+  line(output, "core", core_text(composition));
+  line(output, "structural layer", fmt::format("{}", composition.structural_layer() + 1ULL));
+  if (composition.has_variable_layer())
+    line(output, "variable layer", variable_text(composition, unit));
+  print_transmission(output, composition, transmission);
 }
 
-void print_details(const veldra::CustomProperty& property, veldra::Unit) {
+void print_details(Spool& output, const veldra::CustomProperty& property, veldra::Unit) {
   const Json kind = owner_kind_to_json(property.object_type());
-  line("for", kind.is_string() ? kind.get<std::string>() : kind.dump());
+  line(output, "for", kind.is_string() ? kind.get<std::string>() : kind.dump());
 }
 
 template <class Named>
-void print_details(const Named&, veldra::Unit) {}
+void print_details(Spool&, const Named&, veldra::Unit) {}
 
 Json optional_number(const std::optional<double>& number) {
   return number ? number_to_json(*number) : Json();
@@ -229,22 +234,22 @@ template <class T>
 void add_thermal(Json&, const T&, veldra::Unit) {}
 
 template <class T>
-void show_object(const veldra::Library& library, const Arguments& arguments) {
+void show_object(Spool& output, const veldra::Library& library, const Arguments& arguments) {
   const auto object = find_object<T>(library, arguments.object);
   if (arguments.json) {
     Json json = summary_of(*object);
     add_thermal(json, *object, library.unit());
-    return print_json(json);
+    return print_json(output, json);
   }
-  print_head(*object);
-  print_details(*object, library.unit());
+  print_head(output, *object);
+  print_details(output, *object, library.unit());
 }
 
-void show(const Arguments& arguments) {
-  const auto library = open_library(arguments.file, Access::Read);
-  working_on(arguments.file, [&] {
-    with_class_of(arguments.kind,
-                  [&](auto of) { show_object<typename decltype(of)::type>(*library, arguments); });
+void show(const Arguments& arguments, Host& host) {
+  reading(arguments.file, [&](const veldra::Library& library) {
+    with_class_of(arguments.kind, [&](auto of) {
+      show_object<typename decltype(of)::type>(host.output, library, arguments);
+    });
   });
 }
 
@@ -258,7 +263,7 @@ void add_show(Host& host) {
   add_object(command, arguments->object);
   add_json(command, arguments->json);
   add_example(command, "veldra show office.lib composition 'Cavity wall'");
-  command.callback([arguments] { show(*arguments); });
+  command.callback([arguments, &host] { show(*arguments, host); });
 }
 
 }  // namespace veldra_tool

@@ -21,9 +21,9 @@ struct Arguments {
   bool json = false;
 };
 
-void print(const std::vector<Reference>& references, bool json) {
+void print(Spool& output, const std::vector<Reference>& references, bool json) {
   if (json) {
-    return print_json_list(references, [](const Reference& reference) {
+    return print_json_list(output, references, [](const Reference& reference) {
       Json entry = key_to_json(reference.from, reference.name);
       entry["as"] = reference.role;
       return entry;
@@ -34,17 +34,16 @@ void print(const std::vector<Reference>& references, bool json) {
     table.add({singular_of(reference.from.type), fmt::format("{}", reference.from.id),
                reference.name, reference.role});
   }
-  print_table(table, "Nothing refers to it.");
+  print_table(output, table, "Nothing refers to it.");
 }
 
-void where_used(const Arguments& arguments) {
-  const auto library = open_library(arguments.file, Access::Read);
-  working_on(arguments.file, [&] {
+void where_used(const Arguments& arguments, Host& host) {
+  reading(arguments.file, [&](const veldra::Library& library) {
     const unsigned id = with_class_of(arguments.kind, [&](auto of) {
-      return find_object<typename decltype(of)::type>(*library, arguments.object)->id();
+      return find_object<typename decltype(of)::type>(library, arguments.object)->id();
     });
-    auto references = references_in(*library);
-    print(references[veldra::ObjectKey(arguments.kind, id)], arguments.json);
+    auto references = references_in(library);
+    print(host.output, references[veldra::ObjectKey(arguments.kind, id)], arguments.json);
   });
 }
 
@@ -59,7 +58,7 @@ void add_where_used(Host& host) {
   add_object(command, arguments->object);
   add_json(command, arguments->json);
   add_example(command, "veldra where-used office.lib material 'Solid brick'");
-  command.callback([arguments] { where_used(*arguments); });
+  command.callback([arguments, &host] { where_used(*arguments, host); });
 }
 
 }  // namespace veldra_tool

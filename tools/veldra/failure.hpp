@@ -1,7 +1,9 @@
 #ifndef VELDRA_TOOL_FAILURE_HPP
 #define VELDRA_TOOL_FAILURE_HPP
 
-#include <functional>
+#include <veldra/veldra.hpp>
+
+#include <exception>
 #include <stdexcept>
 #include <string>
 
@@ -13,8 +15,22 @@ class Failure : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// A failure that is about a file.
+Failure failure_of(const std::string& file, const std::string& sentence);
+
+// What is said of what went wrong with a library, without its name.
+
+std::string sentence_of(const std::exception& error);
+std::string sentence_of(const veldra::Exception& error);
+
+/// The same for a result code of SQLite.
+std::string sentence_of_database(int code);
+
+/// Whether waiting for others was in vain.
+bool is_held_by_others(const std::exception& error);
+
 /// Throws the exception that is being handled again as a `Failure` that names the file. A
-/// `Failure` passes as it is.
+/// `Failure` passes as it is, and so do a lack of memory and what stops the program.
 [[noreturn]] void rethrow_for(const std::string& file);
 
 /// Runs work on a library file; what goes wrong comes out as a `Failure` that names the file.

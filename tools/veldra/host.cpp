@@ -1,5 +1,10 @@
 #include "host.hpp"
 
+#include "failure.hpp"
+#include "process/writing.hpp"
+
+#include <fmt/format.h>
+
 namespace veldra_tool {
 
 Host::Host() : arguments("Catalogues of building materials and build-ups in library files") {
@@ -13,6 +18,12 @@ Host::Host() : arguments("Catalogues of building materials and build-ups in libr
                          add_export, add_copy, add_remove, add_purge, add_draw, add_check})
     add(*this);
   for (CLI::App* command : arguments.get_subcommands({})) command->group("Commands");
+}
+
+void Host::doubt(const std::string& file, int error) {
+  notes += fmt::format("veldra: {}: it is done, but may be gone after a power failure: {}\n",
+                       in_quotes(file), text_of_error(error));
+  status = Status::Findings;
 }
 
 }  // namespace veldra_tool

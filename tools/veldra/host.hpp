@@ -1,16 +1,29 @@
 #ifndef VELDRA_TOOL_HOST_HPP
 #define VELDRA_TOOL_HOST_HPP
 
+#include "process/spool.hpp"
+#include "process/status.hpp"
+
 #include <CLI/CLI.hpp>
+
+#include <string>
 
 namespace veldra_tool {
 
-/// The program: its arguments, and the exit status that the command sets.
+/// The program: its arguments, and what the command that they name leaves behind.
 struct Host {
   Host();
 
   CLI::App arguments;
-  int status = 0;
+  Status status = Status::Done;
+  Spool output;       ///< for standard output
+  std::string notes;  ///< for standard error, whole lines
+
+  /// That something was done that no failure afterwards undoes, such as a commit.
+  bool done = false;
+
+  /// Notes that a file is in place, but that its folder could not be brought to the disk.
+  void doubt(const std::string& file, int error);
 };
 
 // Each adds one command with its arguments; the command runs while the arguments are parsed.

@@ -187,6 +187,6 @@ Json key_to_json(const veldra::ObjectKey& key, const std::string& name) {
   return json;
 }
 
-void print_json(const Json& json) { fmt::print("{}\n", json.dump(2)); }
+void print_json(Spool& output, const Json& json) { output.write(json.dump(2) + "\n"); }
 
 }  // namespace veldra_tool

@@ -1,6 +1,8 @@
 #ifndef VELDRA_TOOL_JSON_HPP
 #define VELDRA_TOOL_JSON_HPP
 
+#include "process/spool.hpp"
+
 #include <veldra/veldra.hpp>
 
 #include <nlohmann/json.hpp>
@@ -32,14 +34,14 @@ Json owner_kind_to_json(veldra::ObjectType kind);
 Json key_to_json(const veldra::ObjectKey& key, const std::string& name);
 
 /// Prints a value and a line break.
-void print_json(const Json& json);
+void print_json(Spool& output, const Json& json);
 
 /// Prints a list of what `json_of` makes of each entry.
 template <class Entry, class JsonOf>
-void print_json_list(const std::vector<Entry>& entries, JsonOf json_of) {
+void print_json_list(Spool& output, const std::vector<Entry>& entries, JsonOf json_of) {
   Json list = Json::array();
   for (const Entry& entry : entries) list.push_back(json_of(entry));
-  print_json(list);
+  print_json(output, list);
 }
 
 }  // namespace veldra_tool

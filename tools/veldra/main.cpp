@@ -1,27 +1,46 @@
 #include "failure.hpp"
+#include "files/output_file.hpp"
 #include "host.hpp"
+#include "process/interruption.hpp"
+#include "process/standard_streams.hpp"
+#include "process/writing.hpp"
 #include "text.hpp"
 
 #include <fmt/format.h>
 
+#include <unistd.h>
+
 #include <algorithm>
-#include <cstdio>
+#include <cerrno>
+#include <initializer_list>
+#include <new>
+#include <sstream>
+#include <string_view>
 
 namespace veldra_tool {
 
 namespace {
 
-constexpr int failed = 1;
-constexpr int wrong_arguments = 2;
+constexpr std::string_view done = "what was asked for is done, but ";
 
-int complain(const std::string& sentence) {
-  fmt::print(stderr, "veldra: {}\n", sentence);
-  return failed;
+/// Needs no memory, as there may be none.
+Status complain(std::initializer_list<std::string_view> parts, Status status) noexcept {
+  say("veldra: ");
+  for (const auto part : parts) say(part);
+  say("\n");
+  return status;
 }
 
-int refuse(const std::string& sentence, const std::string& command) {
-  fmt::print(stderr, "veldra: {}\n'{} --help' tells more.\n", printable(sentence), command);
-  return wrong_arguments;
+/// What happened in place of the end of the command. What is done by then stays done.
+Status give_up(const Host& host, std::string_view sentence) noexcept {
+  say(host.notes);
+  if (!host.done) return complain({sentence}, Status::Failed);
+  return complain({done, "then: ", sentence}, Status::Findings);
+}
+
+Status refuse(const std::string& sentence, const std::string& command) {
+  say(fmt::format("veldra: {}\n'{} --help' tells more.\n", printable(sentence), command));
+  return Status::WrongUse;
 }
 
 bool is_command(const Host& host, const std::string& name) {
@@ -31,31 +50,79 @@ bool is_command(const Host& host, const std::string& name) {
 }
 
 /// What the arguments are wrong about, for the command that they begin with.
-int refuse(const Host& host, const CLI::ParseError& error) {
+Status refuse(const Host& host, const CLI::ParseError& error) {
   const auto commands = host.arguments.get_subcommands();
   return refuse(error.what(),
                 commands.empty() ? "veldra" : "veldra " + commands.front()->get_name());
 }
 
-int run(Host& host, int count, char** values) {
+/// Help, or what else the arguments wish to see in place of a command.
+void tell(Host& host, const CLI::Success& wish) {
+  std::ostringstream text;
+  host.arguments.exit(wish, text, text);
+  host.output.write(text.str());
+}
+
+/// Tells what the command had to say, now that it holds nothing any more.
+Status report(const Host& host) {
+  say(host.notes);
+  int error = host.output.copy_to(STDOUT_FILENO);
+  // Some file systems say only now that they did not take everything.
+  if (error == 0 && !host.output.empty() && ::close(STDOUT_FILENO) != 0) error = errno;
+  if (error == 0) return host.status;
+  if (error == EINTR && !host.done) {
+    say_stopped();
+    return Status::Failed;
+  }
+  const char* sentence = "standard output cannot be written: ";
+  if (!host.done) return complain({sentence, text_of_error(error)}, Status::Failed);
+  return complain({done, sentence, text_of_error(error)}, Status::Findings);
+}
+
+Status run_command(Host& host, int count, char** values) {
+  try {
+    require_no_library_as_standard_output();
+    host.arguments.parse(count, values);
+  } catch (const CLI::Success& wish) {  // such as help
+    tell(host, wish);
+  } catch (const CLI::ParseError& error) {
+    return refuse(host, error);
+  } catch (const Failure& failure) {
+    return give_up(host, failure.what());
+  } catch (const Stopped&) {
+    if (host.done) return give_up(host, "interrupted");
+    say(host.notes);
+    say_stopped();
+    return Status::Failed;
+  } catch (const std::bad_alloc&) {
+    return give_up(host, "there is not enough memory");
+  } catch (const std::exception&) {
+    return give_up(host, "something went wrong that was not to be expected");
+  }
+  return report(host);
+}
+
+Status run(int count, char** values) {
+  use_unicode();
+  Host host;
   if (count < 2) return refuse("a command is missing", "veldra");
   const std::string first = values[1];
   if (first.compare(0, 1, "-") != 0 && !is_command(host, first)) {
     return refuse(fmt::format("there is no command {}", in_quotes(first)), "veldra");
   }
+  return run_command(host, count, values);
+}
+
+/// Nothing gets past this, and nothing here needs memory.
+Status run_safely(int count, char** values) noexcept {
   try {
-    host.arguments.parse(count, values);
-  } catch (const CLI::Success& wish) {  // such as help
-    return host.arguments.exit(wish);
-  } catch (const CLI::ParseError& error) {
-    return refuse(host, error);
-  } catch (const Failure& failure) {
-    return complain(failure.what());
-  } catch (const std::exception& error) {
-    return complain("something went wrong that was not to be expected");
+    return run(count, values);
+  } catch (const std::bad_alloc&) {
+    say("veldra: there is not enough memory\n");
+  } catch (...) {
+    say("veldra: something went wrong that was not to be expected\n");
   }
-  if (std::fflush(stdout) != 0) return complain("the output cannot be written");
-  return host.status;
+  return Status::Failed;
 }
 
 }  // namespace
@@ -63,7 +130,7 @@ int run(Host& host, int count, char** values) {
 }  // namespace veldra_tool
 
 int main(int count, char** values) {
-  veldra_tool::use_unicode();
-  veldra_tool::Host host;
-  return veldra_tool::run(host, count, values);
+  veldra_tool::occupy_standard_streams();
+  veldra_tool::catch_signals();
+  return static_cast<int>(veldra_tool::run_safely(count, values));
 }

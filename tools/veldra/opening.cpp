@@ -1,111 +1,143 @@
 #include "opening.hpp"
 
-#include "failure.hpp"
+#include "files/path.hpp"
+#include "process/writing.hpp"
 #include "text.hpp"
 
 #include <fmt/format.h>
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <string_view>
-#include <vector>
+#include <new>
+#include <utility>
 
 namespace veldra_tool {
 
 namespace {
 
-constexpr std::string_view database_mark{"SQLite format 3\0", 16};
-constexpr std::string_view library_mark = "schema_version";
+using Kind = veldra::Library::Recognition::Kind;
 
-Failure failure(const std::string& file, const std::string& text) {
-  return Failure(fmt::format("{}: {}", in_quotes(file), text));
-}
-
-/// An absolute path without "//", so that no name means anything but a file of that name.
-veldra::String plain_path(const std::string& file) {
-  if (!is_utf8(file)) throw failure(file, "the name of the file is not UTF-8");
-  return library_text(std::filesystem::absolute(file).lexically_normal().string());
-}
-
-/// Whether a text occurs in a stream, which is read in blocks.
-bool contains(std::istream& stream, std::string_view wanted) {
-  const std::boyer_moore_horspool_searcher searcher(wanted.begin(), wanted.end());
-  std::vector<char> block(1 << 20);
-  std::size_t kept = 0;
-  while (stream) {
-    stream.read(block.data() + kept, static_cast<std::streamsize>(block.size() - kept));
-    const auto end = block.begin() + static_cast<std::ptrdiff_t>(kept) + stream.gcount();
-    if (std::search(block.begin(), end, searcher) != end) return true;
-    kept = std::min(wanted.size() - 1, static_cast<std::size_t>(end - block.begin()));
-    std::copy(end - static_cast<std::ptrdiff_t>(kept), end, block.begin());
+/// What the library need not be asked for.
+void require_readable_file(const std::string& file, const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) {
+    if (errno == ENOENT) throw failure_of(file, "there is no such file");
+    throw failure_of(file, fmt::format("it cannot be opened: {}", text_of_error(errno)));
   }
-  return false;
+  if (S_ISDIR(status.st_mode)) throw failure_of(file, "this is a folder");
+  if (!S_ISREG(status.st_mode)) throw failure_of(file, "this is not a file");
+  if (::faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0) {
+    throw failure_of(file, fmt::format("it cannot be read: {}", text_of_error(errno)));
+  }
 }
 
-/// Opening an empty database gives it the tables of a library, so what is no library must be
-/// kept from being opened.
-void require_library(const std::string& file) {
-  std::error_code error;
-  const auto status = std::filesystem::status(file, error);
-  if (status.type() == std::filesystem::file_type::not_found) {
-    throw failure(file, "there is no such file");
+/// What opening has refused. That it is a library is left to what opening said.
+void require_library(const std::string& file, const std::string& path) {
+  const auto kind = veldra::Library::recognise(library_text(path)).kind;
+  const std::string sentence = why_not_a_library(kind);
+  if (!sentence.empty()) throw failure_of(file, sentence);
+}
+
+std::shared_ptr<veldra::Library> open_existing(const std::string& file, bool read_only) {
+  const auto path = absolute_path(file);
+  require_readable_file(file, path);
+  try {
+    return veldra::Library::openExisting(library_text(path), read_only);
+  } catch (const veldra::NotALibrary&) {
+    require_library(file, path);
+    throw;
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& error) {
+    if (!is_held_by_others(error)) require_library(file, path);
+    throw;
   }
-  if (status.type() == std::filesystem::file_type::directory)
-    throw failure(file, "this is a folder");
-  if (!std::filesystem::is_regular_file(status)) throw failure(file, "this is not a file");
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) throw failure(file, fmt::format("it cannot be read: {}", std::strerror(errno)));
-  char head[database_mark.size()]{};
-  stream.read(head, sizeof head);
-  const bool database = std::string_view(head, sizeof head) == database_mark;
-  if (!database || !contains(stream, library_mark))
-    throw failure(file, "this is not a veldra library");
 }
 
 }  // namespace
 
-std::shared_ptr<veldra::Library> open_library(const std::string& file, Access access) {
-  require_library(file);
+Kind recognised(const std::string& file) {
   return working_on(file, [&] {
-    auto library = veldra::Library::open(plain_path(file), access == Access::Read);
+    const auto path = absolute_path(file);
+    require_readable_file(file, path);
+    return veldra::Library::recognise(library_text(path)).kind;
+  });
+}
+
+std::shared_ptr<veldra::Library> open_library(const std::string& file, Access access) {
+  return working_on(file, [&] {
+    const auto library = watched(open_existing(file, access == Access::Read));
     if (access == Access::Write && library->readOnly()) {
-      throw failure(file, "the library can only be read");
+      throw failure_of(file, "the library can only be read");
     }
+    stop_if_asked();
     return library;
   });
 }
 
-std::shared_ptr<veldra::Library> create_library(const std::string& file, veldra::Unit unit,
-                                                const std::string& guid) {
-  if (file_exists(file)) throw failure(file, "there is a file of that name already");
-  const auto path = plain_path(file);
-  const auto folder = std::filesystem::absolute(file).parent_path();
-  if (::access(folder.c_str(), W_OK) != 0) {
-    throw failure(file, fmt::format("it cannot be made in its folder: {}", std::strerror(errno)));
-  }
-  return working_on(file, [&] { return veldra::Library::create(path, unit, library_text(guid)); });
+std::shared_ptr<veldra::Library> watched(std::shared_ptr<veldra::Library> library) {
+  struct Watched {
+    explicit Watched(std::shared_ptr<veldra::Library> opened)
+        : library(std::move(opened)), interruptible(*library) {}
+
+    std::shared_ptr<veldra::Library> library;
+    Interruptible interruptible;
+  };
+  const auto both = std::make_shared<Watched>(std::move(library));
+  return {both, both->library.get()};
 }
 
 std::shared_ptr<veldra::Library> create_staging_library(veldra::Unit unit) {
-  auto library = veldra::Library::create(":memory:", unit, "");
+  auto library = watched(veldra::Library::create(":memory:", unit, ""));
   library->purge<veldra::MaterialType>();
   return library;
 }
 
+std::string why_not_a_library(Kind kind) {
+  switch (kind) {
+    case Kind::Library:
+    case Kind::OlderLibrary:
+      return "";
+    case Kind::Missing:
+      return "there is no such file";
+    case Kind::Empty:
+      return "the file is empty, and not a veldra library";
+    case Kind::NewerLibrary:
+      return "the library was made by a newer version of veldra";
+    case Kind::UnknownVersion:
+      return "the library was made by a version that is not known here";
+    case Kind::WithoutVersion:
+      return "the library does not say its version any more; 'veldra check' tells more";
+    case Kind::OtherDatabase:
+      return "this is a database of another program, and not a veldra library";
+    case Kind::Damaged:
+      return "the library is damaged";
+    case Kind::NeedsRecovery:
+      return "a program did not finish its work on the library, which can only be put in order "
+             "where it may be written";
+    default:
+      return "this is not a veldra library";
+  }
+}
+
 bool same_file(const std::string& left, const std::string& right) {
-  std::error_code error;
-  return std::filesystem::equivalent(left, right, error);
+  struct stat one {};
+  struct stat other {};
+  return ::stat(absolute_path(left).c_str(), &one) == 0 &&
+         ::stat(absolute_path(right).c_str(), &other) == 0 && one.st_dev == other.st_dev &&
+         one.st_ino == other.st_ino;
 }
 
 bool file_exists(const std::string& file) {
-  std::error_code error;
-  return std::filesystem::exists(std::filesystem::symlink_status(file, error));
+  struct stat status {};
+  return ::lstat(absolute_path(file).c_str(), &status) == 0;
+}
+
+void tell_as_it_was(const std::string& file) {
+  tell_when_stopped(fmt::format("{} is as it was", in_quotes(file)));
 }
 
 }  // namespace veldra_tool

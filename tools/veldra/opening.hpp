@@ -1,6 +1,10 @@
 #ifndef VELDRA_TOOL_OPENING_HPP
 #define VELDRA_TOOL_OPENING_HPP
 
+#include "failure.hpp"
+#include "host.hpp"
+#include "process/interruption.hpp"
+
 #include <veldra/veldra.hpp>
 
 #include <memory>
@@ -8,23 +12,70 @@
 
 namespace veldra_tool {
 
-enum class Access { Read, Write };
+enum class Access {
+  Read,
+  Write,
+  Any  ///< writing where that is possible
+};
 
 /// Opens a library file. Throws `Failure` when there is none, and never makes a library of a file
 /// that is none.
 std::shared_ptr<veldra::Library> open_library(const std::string& file, Access access);
 
-/// Makes a library file; throws `Failure` when there is a file of that name.
-std::shared_ptr<veldra::Library> create_library(const std::string& file, veldra::Unit unit,
-                                                const std::string& guid);
+/// The same handle, at whose work signals end.
+std::shared_ptr<veldra::Library> watched(std::shared_ptr<veldra::Library> library);
 
 /// A library in memory, without any object.
 std::shared_ptr<veldra::Library> create_staging_library(veldra::Unit unit);
 
+/// What a file is. Throws `Failure` when that cannot be found out.
+veldra::Library::Recognition::Kind recognised(const std::string& file);
+
+/// Why a file of that kind cannot be opened; empty for libraries.
+std::string why_not_a_library(veldra::Library::Recognition::Kind kind);
+
 /// Whether two names lead to one file.
 bool same_file(const std::string& left, const std::string& right);
 
+/// Whether there is anything of that name, be it a link that leads nowhere.
 bool file_exists(const std::string& file);
+
+/// Tells from now on, when the program stops, that a library is as it was.
+void tell_as_it_was(const std::string& file);
+
+/// Runs `read` on one state of a library that is closed afterwards, so that nobody who writes waits
+/// longer than reading takes.
+template <class Read>
+auto reading(const std::string& file, Read read, Access access = Access::Read) {
+  tell_as_it_was(file);
+  return working_on(file, [&] {
+    const auto library = open_library(file, access);
+    const veldra::Library::Snapshot snapshot(*library);
+    return read(*library);
+  });
+}
+
+/// Runs `change`, which changes a library, so that all of it is done or nothing. It also says what
+/// is to be said, because when the changes are kept nothing must fail any more.
+template <class Change>
+void change_as_a_whole(Host& host, veldra::Library& library, Change change) {
+  veldra::Library::Transaction transaction(library);
+  forbid_sudden_end();
+  change();
+  stop_if_asked();
+  transaction.commit();
+  host.done = true;
+}
+
+/// The same with a library that is opened for it and passed to `change`.
+template <class Change>
+void changing(Host& host, const std::string& file, Change change) {
+  tell_as_it_was(file);
+  working_on(file, [&] {
+    const auto library = open_library(file, Access::Write);
+    change_as_a_whole(host, *library, [&] { change(*library); });
+  });
+}
 
 }  // namespace veldra_tool
 

@@ -60,9 +60,10 @@ void predict_purge(std::vector<Candidate>& candidates, const veldra::Library& li
   }
 }
 
-void print_candidates(const std::vector<Candidate>& candidates, bool json, const char* removed) {
+void print_candidates(Spool& output, const std::vector<Candidate>& candidates, bool json,
+                      const char* removed) {
   if (json) {
-    return print_json_list(candidates, [](const Candidate& candidate) {
+    return print_json_list(output, candidates, [](const Candidate& candidate) {
       Json entry = key_to_json(candidate.key, candidate.name);
       entry["removed"] = candidate.removed;
       return entry;
@@ -73,16 +74,17 @@ void print_candidates(const std::vector<Candidate>& candidates, bool json, const
     table.add({singular_of(candidate.key.type), fmt::format("{}", candidate.key.id), candidate.name,
                candidate.removed ? removed : "stays: in use"});
   }
-  print_table(table, "There was nothing to remove.");
+  print_table(output, table, "There was nothing to remove.");
 }
 
-void print_purged(const std::vector<Candidate>& candidates, bool json, const char* removed) {
-  if (json) return print_candidates(candidates, json, removed);
+void print_purged(Spool& output, const std::vector<Candidate>& candidates, bool json,
+                  const char* removed) {
+  if (json) return print_candidates(output, candidates, json, removed);
   std::vector<Candidate> gone;
   std::copy_if(candidates.begin(), candidates.end(), std::back_inserter(gone),
                [](const Candidate& candidate) { return candidate.removed; });
-  print_candidates(gone, json, removed);
-  fmt::print("{} objects stay, because they are in use.\n", candidates.size() - gone.size());
+  print_candidates(output, gone, json, removed);
+  output.print("{} objects stay, because they are in use.\n", candidates.size() - gone.size());
 }
 
 }  // namespace veldra_tool

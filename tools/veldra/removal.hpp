@@ -1,6 +1,8 @@
 #ifndef VELDRA_TOOL_REMOVAL_HPP
 #define VELDRA_TOOL_REMOVAL_HPP
 
+#include "process/spool.hpp"
+
 #include <veldra/veldra.hpp>
 
 #include <map>
@@ -29,10 +31,12 @@ void enter_results(std::vector<Candidate>& candidates,
 /// well.
 void predict_purge(std::vector<Candidate>& candidates, const veldra::Library& library);
 
-void print_candidates(const std::vector<Candidate>& candidates, bool json, const char* removed);
+void print_candidates(Spool& output, const std::vector<Candidate>& candidates, bool json,
+                      const char* removed);
 
 /// The same for a purge, whose text only counts what stays.
-void print_purged(const std::vector<Candidate>& candidates, bool json, const char* removed);
+void print_purged(Spool& output, const std::vector<Candidate>& candidates, bool json,
+                  const char* removed);
 
 }  // namespace veldra_tool
 

@@ -59,8 +59,8 @@ Table object_table(const std::string& title) {
   return Table({{"kind"}, {"id", Align::Right}, {"name"}, {title}});
 }
 
-void print_table(const Table& table, const std::string& when_empty) {
-  fmt::print("{}", table.empty() ? when_empty + "\n" : table.text());
+void print_table(Spool& output, const Table& table, const std::string& when_empty) {
+  output.write(table.empty() ? when_empty + "\n" : table.text());
 }
 
 }  // namespace veldra_tool

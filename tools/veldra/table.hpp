@@ -1,6 +1,8 @@
 #ifndef VELDRA_TOOL_TABLE_HPP
 #define VELDRA_TOOL_TABLE_HPP
 
+#include "process/spool.hpp"
+
 #include <string>
 #include <vector>
 
@@ -35,7 +37,7 @@ class Table {
 Table object_table(const std::string& title);
 
 /// Prints a table, or a sentence where there are no rows.
-void print_table(const Table& table, const std::string& when_empty);
+void print_table(Spool& output, const Table& table, const std::string& when_empty);
 
 }  // namespace veldra_tool
 

@@ -1,0 +1,20 @@
+#ifndef VELDRA_TOOL_FILES_LIBRARY_MARKS_HPP
+#define VELDRA_TOOL_FILES_LIBRARY_MARKS_HPP
+
+#include <string>
+
+namespace veldra_tool {
+
+// What tells that a file must not be written over.
+
+/// Whether a name is one of what a database keeps beside its file, such as its journal.
+bool is_companion_name(const std::string& name);
+
+/// Whether a regular file, open or by its path, begins as a database does. Gives -1 where it cannot
+/// be read, and then leaves the reason in errno. No library may be open in that file.
+int begins_as_database(int descriptor) noexcept;
+int begins_as_database(const std::string& path) noexcept;
+
+}  // namespace veldra_tool
+
+#endif

@@ -1,0 +1,50 @@
+#include "files/path.hpp"
+
+#include "failure.hpp"
+#include "process/writing.hpp"
+#include "text.hpp"
+
+#include <fmt/format.h>
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+
+namespace veldra_tool {
+
+namespace {
+
+std::string current_folder(const std::string& file) {
+  const std::unique_ptr<char, decltype(&std::free)> folder(::getcwd(nullptr, 0), &std::free);
+  if (folder) return folder.get();
+  throw failure_of(file,
+                   fmt::format("the current folder cannot be found: {}", text_of_error(errno)));
+}
+
+std::string with_single_slashes(const std::string& path) {
+  std::string result;
+  for (const char character : path) {
+    if (character != '/' || result.empty() || result.back() != '/') result += character;
+  }
+  return result;
+}
+
+}  // namespace
+
+std::string absolute_path(const std::string& file) {
+  if (file.empty()) throw failure_of(file, "the name of the file is empty");
+  const std::string path = file.front() == '/' ? file : current_folder(file) + "/" + file;
+  if (!is_utf8(path)) throw failure_of(file, "the name of the file is not UTF-8");
+  return with_single_slashes(path);
+}
+
+std::string folder_of(const std::string& path) {
+  const auto slash = path.rfind('/');
+  return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string name_in_folder(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+}  // namespace veldra_tool

@@ -1,0 +1,20 @@
+#ifndef VELDRA_TOOL_FILES_PATH_HPP
+#define VELDRA_TOOL_FILES_PATH_HPP
+
+#include <string>
+
+namespace veldra_tool {
+
+/// The path of a file from the root, as the program and the library take it: the current folder
+/// is put in front, repeated slashes become one, and `.`, `..` and links stay, because what `..`
+/// means behind a link is known to the file system only. No path means anything but a file then.
+/// Throws `Failure` for an empty name and one that is not UTF-8.
+std::string absolute_path(const std::string& file);
+
+/// The folder of an absolute path, and the name in it.
+std::string folder_of(const std::string& path);
+std::string name_in_folder(const std::string& path);
+
+}  // namespace veldra_tool
+
+#endif

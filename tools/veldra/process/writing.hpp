@@ -1,0 +1,20 @@
+#ifndef VELDRA_TOOL_PROCESS_WRITING_HPP
+#define VELDRA_TOOL_PROCESS_WRITING_HPP
+
+#include <string_view>
+
+namespace veldra_tool {
+
+/// Writes all bytes to a descriptor. Gives 0, or the number of the error that ended it; EINTR when
+/// the program was asked to stop and not all went at once.
+int write_all(int descriptor, std::string_view bytes) noexcept;
+
+/// What an error number means, for people.
+const char* text_of_error(int error) noexcept;
+
+/// Says something on standard error, if that is possible; what cannot be said changes nothing.
+void say(std::string_view text) noexcept;
+
+}  // namespace veldra_tool
+
+#endif
