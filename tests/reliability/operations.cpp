@@ -86,6 +86,7 @@ void create(Scene& scene) { scene.create(); }
 void open(Scene& scene) { scene.library = Library::open(scene.text, false); }
 void open_read_only(Scene& scene) { scene.library = Library::open(scene.text, true); }
 
+void name_the_library(Scene& scene) { scene.text = scene.library->filename(); }
 void open_existing(Scene& scene) { scene.library = Library::openExisting(scene.text, false); }
 void open_existing_read_only(Scene& scene) {
   scene.library = Library::openExisting(scene.text, true);
@@ -623,7 +624,7 @@ std::vector<Operation> reading_otherwise() {
           count_selected<Material>("materials with one of many tags", with_many_tags),
           reading("check", nothing, check),
           reading("several in a snapshot", nothing, read_in_a_snapshot),
-          reading("recognise", name_the_file, recognise)};
+          reading("recognise", name_the_library, recognise)};
 }
 
 std::vector<Operation> joined(const std::vector<std::vector<Operation>>& groups) {

@@ -6,7 +6,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <csignal>
 #include <cstring>
+#include <filesystem>
 
 extern char** environ;
 
@@ -50,25 +53,86 @@ class Streams {
 
 }  // namespace
 
-Outcome ProgramTest::veldra(const std::vector<std::string>& arguments) const {
-  const TemporaryFolder outputs;
-  Streams streams(outputs / "out", outputs / "err");
-  streams.change_folder(folder_.path());
+Running::Running(const std::string& folder, std::vector<std::string> texts) {
+  Streams streams(outputs_ / "out", outputs_ / "err");
+  streams.change_folder(folder);
+  const std::string program = texts.front();
+  const int error = posix_spawn(&process_, program.c_str(), streams.get(), nullptr,
+                                pointers(texts).data(), environ);
+  if (error != 0) throw std::runtime_error(std::strerror(error));
+}
+
+Running::~Running() {
+  if (ended_) return;
+  ::kill(process_, SIGKILL);
+  ::waitpid(process_, &status_, 0);
+}
+
+void Running::signal(int number) const { ::kill(process_, number); }
+
+bool Running::ends_within(std::chrono::milliseconds time) {
+  const auto end = std::chrono::steady_clock::now() + time;
+  while (!ended_) {
+    ended_ = ::waitpid(process_, &status_, WNOHANG) == process_;
+    if (ended_ || std::chrono::steady_clock::now() > end) break;
+    ::usleep(1000);
+  }
+  return ended_;
+}
+
+Outcome Running::outcome() {
+  if (!ended_) ::waitpid(process_, &status_, 0);
+  ended_ = true;
+  Outcome run;
+  if (WIFEXITED(status_)) run.status = WEXITSTATUS(status_);
+  run.out = read_file(outputs_ / "out");
+  run.err = read_file(outputs_ / "err");
+  return run;
+}
+
+std::vector<std::string> ProgramTest::program() const {
   std::vector<std::string> texts = runner_;
   texts.push_back(VELDRA_PROGRAM);
+  return texts;
+}
+
+std::unique_ptr<Running> ProgramTest::start(const std::vector<std::string>& arguments) const {
+  auto texts = program();
   texts.insert(texts.end(), arguments.begin(), arguments.end());
-  const std::string program = texts.front();
-  pid_t child = 0;
-  const int error =
-      posix_spawn(&child, program.c_str(), streams.get(), nullptr, pointers(texts).data(), environ);
-  if (error != 0) throw std::runtime_error(std::strerror(error));
-  int status = 0;
-  waitpid(child, &status, 0);
-  Outcome run;
-  if (WIFEXITED(status)) run.status = WEXITSTATUS(status);
-  run.out = read_file(outputs / "out");
-  run.err = read_file(outputs / "err");
-  return run;
+  return std::make_unique<Running>(folder_.path(), texts);
+}
+
+/// The shell gets the program as its arguments, because its path may have blanks.
+std::unique_ptr<Running> ProgramTest::start_shell(const std::string& command) const {
+  std::string kept;
+  std::string words;
+  const auto texts = program();
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    const std::string number = std::to_string(i);
+    kept += "p" + number + "=$" + number + "; ";
+    words += "\"$p" + number + "\" ";
+  }
+  std::vector<std::string> shell{"/bin/sh", "-c",
+                                 kept + "veldra() { " + words + "\"$@\"; }; " + command};
+  shell.insert(shell.end(), texts.begin(), texts.end());
+  return std::make_unique<Running>(folder_.path(), shell);
+}
+
+Outcome ProgramTest::veldra(const std::vector<std::string>& arguments) const {
+  return start(arguments)->outcome();
+}
+
+Outcome ProgramTest::shell(const std::string& command) const {
+  return start_shell(command)->outcome();
+}
+
+std::vector<std::string> ProgramTest::names() const {
+  std::vector<std::string> all;
+  for (const auto& entry : std::filesystem::directory_iterator(folder_.path())) {
+    all.push_back(entry.path().filename().string());
+  }
+  std::sort(all.begin(), all.end());
+  return all;
 }
 
 Outcome ProgramTest::must(const std::vector<std::string>& arguments) const {
@@ -105,6 +169,14 @@ testing::Matcher<std::string> is_one_sentence() {
   using testing::Not;
   return AllOf(MatchesRegex("veldra: [^\n]+\n"), Not(HasSubstr("odb")), Not(HasSubstr("SQL")),
                Not(HasSubstr("what()")), Not(HasSubstr("exception")));
+}
+
+bool wait_until(const std::function<bool()>& condition) {
+  for (int i = 0; i < 10000; ++i) {
+    if (condition()) return true;
+    ::usleep(1000);
+  }
+  return false;
 }
 
 }  // namespace veldra_tests

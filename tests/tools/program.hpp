@@ -8,6 +8,10 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <sys/types.h>
+
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,10 +27,44 @@ struct Outcome {
   nlohmann::json json() const { return nlohmann::json::parse(out); }
 };
 
+/// A program that runs.
+class Running {
+ public:
+  /// `texts` are the program and its arguments.
+  Running(const std::string& folder, std::vector<std::string> texts);
+  Running(const Running&) = delete;
+  Running& operator=(const Running&) = delete;
+
+  /// Ends the program if it has not ended.
+  ~Running();
+
+  pid_t process() const { return process_; }
+  void signal(int number) const;
+
+  /// Whether it ends within that time.
+  bool ends_within(std::chrono::milliseconds time);
+
+  /// Waits for the end.
+  Outcome outcome();
+
+ private:
+  TemporaryFolder outputs_;
+  pid_t process_ = 0;
+  int status_ = 0;
+  bool ended_ = false;
+};
+
 /// Runs the built program in a folder of its own.
 class ProgramTest : public testing::Test {
  protected:
   Outcome veldra(const std::vector<std::string>& arguments) const;
+
+  /// Begins a run and does not wait for its end.
+  std::unique_ptr<Running> start(const std::vector<std::string>& arguments) const;
+
+  /// Runs a command of the shell, in which `veldra` is the program.
+  Outcome shell(const std::string& command) const;
+  std::unique_ptr<Running> start_shell(const std::string& command) const;
 
   /// The same for a run that must work.
   Outcome must(const std::vector<std::string>& arguments) const;
@@ -36,6 +74,9 @@ class ProgramTest : public testing::Test {
   void write(const std::string& file, const std::string& text) const;
   std::string read(const std::string& file) const { return read_file(path(file)); }
   bool exists(const std::string& file) const { return file_exists(path(file)); }
+
+  /// The names of all that is in the folder, in their order.
+  std::vector<std::string> names() const;
 
   /// Opens a library of the folder, making it when it is missing.
   std::shared_ptr<veldra::Library> library(const std::string& file) const;
@@ -48,12 +89,17 @@ class ProgramTest : public testing::Test {
   bool lose_privileges();
 
  private:
+  std::vector<std::string> program() const;
+
   TemporaryFolder folder_;
   std::vector<std::string> runner_;  ///< what runs the program, if anything
 };
 
 /// One sentence for people: the program's name first, one line, nothing of the runtime.
 testing::Matcher<std::string> is_one_sentence();
+
+/// Waits until something is so; returns false when that takes over 10 seconds.
+bool wait_until(const std::function<bool()>& condition);
 
 }  // namespace veldra_tests
 

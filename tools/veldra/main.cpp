@@ -2,6 +2,7 @@
 #include "files/output_file.hpp"
 #include "host.hpp"
 #include "process/interruption.hpp"
+#include "process/last_resort.hpp"
 #include "process/standard_streams.hpp"
 #include "process/writing.hpp"
 #include "text.hpp"
@@ -118,9 +119,9 @@ Status run_safely(int count, char** values) noexcept {
   try {
     return run(count, values);
   } catch (const std::bad_alloc&) {
-    say("veldra: there is not enough memory\n");
+    say(no_memory);
   } catch (...) {
-    say("veldra: something went wrong that was not to be expected\n");
+    say(unexpected);
   }
   return Status::Failed;
 }

@@ -13,10 +13,11 @@ namespace veldra_tool {
 
 namespace {
 
-/// SQLite would take what lies there for the new library's own, and play it back into it.
+/// SQLite would take what lies there for the new library's own, and play it back into it. It is in
+/// order beside a library that somebody else has made meanwhile.
 void require_no_companions(const std::string& file, const std::string& path) {
   for (const char* suffix : {"-journal", "-wal"}) {
-    if (!file_exists(path + suffix)) continue;
+    if (!file_exists(path + suffix) || file_exists(path)) continue;
     throw failure_of(file, fmt::format("beside it lies {}, of a library that is not there any more",
                                        in_quotes(file + suffix)));
   }
