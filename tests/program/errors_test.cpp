@@ -1,0 +1,45 @@
+#include "program/sweep.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+namespace veldra_tests {
+
+namespace {
+
+constexpr unsigned sample = 4;
+constexpr bool from_there_on = true;
+
+TEST(ProgramErrors, of_one_call_leave_everything_whole) {
+  sweep(commands(), {Trouble::Error, EIO}, sample, "program: errors of one call");
+}
+
+TEST(ProgramErrors, of_all_calls_leave_everything_whole) {
+  sweep(commands(), {Trouble::Error, EIO, from_there_on}, sample,
+        "program: errors of all calls from one on");
+}
+
+TEST(ProgramErrors, of_rights_leave_everything_whole) {
+  sweep(commands(), {Trouble::Error, EACCES}, sample, "program: one call without the right");
+  sweep(commands(), {Trouble::Error, EACCES, from_there_on}, sample,
+        "program: all calls from one on without the right");
+}
+
+TEST(ProgramErrors, of_space_leave_everything_whole) {
+  sweep(writing_commands(), {Trouble::Error, ENOSPC}, sample, "program: one call without space");
+  sweep(writing_commands(), {Trouble::Error, ENOSPC, from_there_on}, sample,
+        "program: all calls from one on without space");
+}
+
+TEST(ProgramErrors, of_a_full_disk_leave_everything_whole) {
+  sweep(writing_commands(), {Trouble::FullDisk}, sample, "program: full disks");
+}
+
+TEST(ProgramErrors, of_short_writes_are_none) {
+  sweep(commands(), {Trouble::ShortWrite}, sample, "program: short writes");
+}
+
+}  // namespace
+
+}  // namespace veldra_tests
