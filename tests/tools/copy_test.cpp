@@ -76,6 +76,51 @@ TEST_F(Copy, a_name_may_have_a_colon) {
   EXPECT_EQ(must({"show", "in.lib", "tag", "a:b", "--json"}).json()["name"], "a:b");
 }
 
+constexpr const char* assets = R"sql(
+  INSERT INTO Asset (id, typeid, name, description) VALUES
+    (1, 'veldra::StructuralAsset', 'oak', ''), (2, 'veldra::ThermalAsset', 'oak', ''),
+    (3, 'veldra::ThermalAsset', 'ash', '');
+  INSERT INTO StructuralAsset (id, subclass) VALUES (1, '');
+  INSERT INTO ThermalAsset (id, subclass, source) VALUES (2, '', ''), (3, '', '');
+  UPDATE Material SET structural_id = 1, thermal_id = 2 WHERE name = 'Oak';
+  UPDATE Material SET thermal_id = 3 WHERE name = 'Ash';
+)sql";
+
+/// A library with an oak that has two assets, an ash that has one, and a floor of ash.
+class CopyWithAssets : public ProgramTest {
+ protected:
+  void SetUp() override {
+    const auto office = library("a.lib");
+    const auto floor = veldra::Composition::create("Floor");
+    floor->appendLayer({veldra::Material::create("Ash"), veldra::Material::Function::None, 20});
+    office->save(floor);
+    office->save(veldra::Material::create("Oak"));
+    office->save(veldra::Material::create("Pine"));
+    PlainDatabase(path("a.lib")).execute(assets);
+    must({"create", "b.lib"});
+  }
+};
+
+TEST_F(CopyWithAssets, tells_how_many_stay_behind) {
+  const auto run = veldra({"copy", "a.lib", "b.lib", "--all", "--json"});
+  EXPECT_EQ(run.status, 3);
+  EXPECT_THAT(run.err, is_one_sentence());
+  EXPECT_THAT(run.err, HasSubstr("3 assets"));
+  EXPECT_EQ(count("b.lib", "materials"), 3U);
+}
+
+TEST_F(CopyWithAssets, counts_those_of_what_was_copied_only) {
+  must({"copy", "a.lib", "b.lib", "material:Pine"});
+  const auto run = veldra({"copy", "a.lib", "b.lib", "composition:Floor"});
+  EXPECT_EQ(run.status, 3);
+  EXPECT_THAT(run.err, HasSubstr("1 asset "));
+}
+
+TEST_F(CopyWithAssets, loses_none_of_a_material_that_is_there_already) {
+  veldra({"copy", "a.lib", "b.lib", "--all"});
+  must({"copy", "a.lib", "b.lib", "--all"});
+}
+
 TEST_F(Copy, a_library_is_not_copied_into_itself) {
   EXPECT_EQ(veldra({"copy", "a.lib", "./a.lib", "--all"}).status, 1);
 }

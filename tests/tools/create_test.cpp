@@ -100,6 +100,8 @@ const std::vector<std::vector<std::string>>& wrong_arguments() {
       {"copy", "a.lib", "b.lib", "nonsense:x"},
       {"copy", "a.lib", "b.lib", "tag:x", "--all"},
       {"remove", "a.lib", "materials"},
+      {"purge", "a.lib"},
+      {"purge", "a.lib", "--yes"},
       {"purge", "a.lib", "nonsense"},
       {"check"},
       {"draw", "a.lib"},
@@ -137,7 +139,7 @@ class NoLibrary : public ProgramTest, public testing::WithParamInterface<std::st
   /// A run on a file that is no library gives a sentence and leaves the file as it is.
   void expect_refusal(const std::string& file) {
     std::vector<std::string> arguments{GetParam(), file};
-    if (GetParam() == "list") arguments.push_back("materials");
+    if (GetParam() == "list" || GetParam() == "purge") arguments.push_back("materials");
     if (GetParam() == "show" || GetParam() == "where-used" || GetParam() == "remove") {
       arguments.insert(arguments.end(), {"materials", "x"});
     }

@@ -1,3 +1,5 @@
+#include "tools/terminal.hpp"
+
 #include "progress.hpp"
 
 #include <gmock/gmock.h>
@@ -12,15 +14,6 @@ namespace {
 
 using std::chrono::milliseconds;
 using veldra_tool::Progress;
-
-/// Not where /dev/pts is missing, as in a bare root folder.
-bool terminals_can_be_made() {
-  int ends[2] = {-1, -1};
-  if (::openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr) != 0) return false;
-  ::close(ends[0]);
-  ::close(ends[1]);
-  return true;
-}
 
 /// A stream whose other end can be read.
 class Stream {

@@ -72,7 +72,9 @@ class RealData : public ProgramTest {
       const bool whole = file.find('/') != std::string::npos;
       arguments.push_back(folder_ + (whole ? "/" : "/idf/") + file);
     }
-    return must(arguments).json();
+    const auto run = veldra(arguments);
+    EXPECT_TRUE(run.status == 0 || run.status == 3) << run.err;
+    return run.json();
   }
 
   static std::string library_name(const std::string& files) {

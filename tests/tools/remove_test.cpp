@@ -28,7 +28,9 @@ class Remove : public ProgramTest {
 };
 
 TEST_F(Remove, what_is_in_use_stays_and_the_rest_goes) {
-  const auto list = must({"remove", "a.lib", "materials", "Used", "Free", "--json"}).json();
+  const auto run = veldra({"remove", "a.lib", "materials", "Used", "Free", "--json"});
+  EXPECT_EQ(run.status, 3);
+  const auto list = run.json();
   EXPECT_FALSE(removed(list, "Used"));
   EXPECT_TRUE(removed(list, "Free"));
   EXPECT_EQ(count("a.lib", "materials"), 2U);
@@ -78,8 +80,8 @@ TEST_F(Remove, a_purge_takes_what_nothing_refers_to) {
 TEST_F(Remove, a_dry_run_tells_what_a_purge_does_and_writes_nothing) {
   for (const std::vector<std::string>& kinds :
        {std::vector<std::string>{"materials", "tags"}, std::vector<std::string>{"types"},
-        std::vector<std::string>{}}) {
-    std::vector<std::string> arguments{"purge", "a.lib", "--json"};
+        std::vector<std::string>{"compositions", "materials", "types", "tags", "properties"}}) {
+    std::vector<std::string> arguments{"purge", "a.lib", "--json", "--yes"};
     arguments.insert(arguments.end(), kinds.begin(), kinds.end());
     auto pretended = arguments;
     pretended.push_back("--dry-run");
@@ -104,7 +106,7 @@ class ReadOnly : public Remove {
 TEST_F(ReadOnly, refuses_changes_with_a_sentence) {
   for (const std::vector<std::string>& arguments :
        {std::vector<std::string>{"remove", "a.lib", "materials", "Free"},
-        std::vector<std::string>{"purge", "a.lib"},
+        std::vector<std::string>{"purge", "a.lib", "tags"},
         std::vector<std::string>{"import", "a.lib", "a.idf"}}) {
     const auto run = veldra(arguments);
     EXPECT_EQ(run.status, 1);
@@ -116,7 +118,7 @@ TEST_F(ReadOnly, refuses_changes_with_a_sentence) {
 TEST_F(ReadOnly, can_be_looked_at) {
   EXPECT_EQ(must({"info", "a.lib", "--json"}).json()["read_only"], true);
   must({"list", "a.lib", "materials"});
-  must({"purge", "a.lib", "--dry-run"});
+  must({"purge", "a.lib", "compositions", "--dry-run"});
 }
 
 }  // namespace

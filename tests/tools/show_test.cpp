@@ -129,14 +129,6 @@ TEST_F(Show, a_core_of_several_layers_and_a_function_of_the_host_are_told) {
   EXPECT_THAT(text, ContainsRegex("2  Wool +200 +5.000  –"));
 }
 
-TEST_F(Show, a_name_wins_over_an_id) {
-  const auto office = library("a.lib");
-  office->save(veldra::Tag::create("2"));
-  office->save(veldra::Tag::create("other"));
-  EXPECT_EQ(must({"show", "a.lib", "tag", "2", "--json"}).json()["id"], 1);
-  EXPECT_EQ(must({"show", "a.lib", "tag", "1", "--json"}).json()["name"], "2");
-}
-
 TEST_F(Show, an_object_that_is_not_there_gives_a_sentence) {
   library("a.lib");
   const auto run = veldra({"show", "a.lib", "material", "no 'such'\nthing"});

@@ -33,6 +33,9 @@ CLI::Validator named_value(std::map<std::string, Value> values, const std::strin
 
 }  // namespace
 
+const char* const naming_help =
+    "a name or an id; name:TEXT and id:NUMBER say which, where a number could be both";
+
 std::string kind_choices() {
   std::string choices;
   for (const auto kind : all_kinds()) choices += (choices.empty() ? "" : ", ") + plural_of(kind);
@@ -51,13 +54,13 @@ void add_kind(CLI::App& command, veldra::ObjectType& kind) {
 }
 
 void add_object(CLI::App& command, std::string& object) {
-  command.add_option("OBJECT", object, "The name of the object, or its id")
+  command.add_option("OBJECT", object, fmt::format("The object: {}", naming_help))
       ->required()
       ->type_name("");
 }
 
 void add_kinds(CLI::App& command, std::vector<veldra::ObjectType>& kinds) {
-  command.add_option("KIND", kinds, "The kinds of objects, all by default: " + kind_choices())
+  command.add_option("KIND", kinds, "The kinds of objects: " + kind_choices())
       ->transform(named_value(kinds_by_name(), kind_choices()))
       ->type_name("");
 }
@@ -68,6 +71,10 @@ void add_json(CLI::App& command, bool& json) {
 
 void add_json_of_file(CLI::App& command, bool& json) {
   command.add_flag("--json", json, "Print as JSON what was written to the file");
+}
+
+void add_yes(CLI::App& command, bool& yes, const std::string& description) {
+  command.add_flag("--yes", yes, description);
 }
 
 void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::string& description) {
@@ -119,8 +126,9 @@ void add_on_conflict(CLI::App& command, OnConflict& policy) {
       ->type_name("WHAT");
 }
 
-void add_example(CLI::App& command, const std::string& example) {
-  command.footer("Example:\n  " + example);
+void add_example(CLI::App& command, const std::string& example, const std::string& findings) {
+  const std::string status = "\n\nThe exit status is 3 when " + findings + ".";
+  command.footer("Example:\n  " + example + (findings.empty() ? "" : status));
 }
 
 }  // namespace veldra_tool

@@ -17,11 +17,15 @@ std::string kind_choices();
 
 // Arguments that several commands have, and that they name alike.
 
+/// How an object is named, for the help of commands.
+extern const char* const naming_help;
+
 void add_file(CLI::App& command, std::string& file);
 void add_kind(CLI::App& command, veldra::ObjectType& kind);
 void add_object(CLI::App& command, std::string& object);
 void add_kinds(CLI::App& command, std::vector<veldra::ObjectType>& kinds);
 void add_on_conflict(CLI::App& command, OnConflict& policy);
+void add_yes(CLI::App& command, bool& yes, const std::string& description);
 void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::string& description);
 void add_output(CLI::App& command, std::string& output, bool& force);
 void add_json(CLI::App& command, bool& json);
@@ -32,8 +36,8 @@ void add_json_of_file(CLI::App& command, bool& json);
 void add_format(CLI::App& command, std::string& format);
 void add_unit(CLI::App& command, veldra::Unit& unit);
 
-/// Ends the help of a command.
-void add_example(CLI::App& command, const std::string& example);
+/// Ends the help of a command: with an example, and with when its exit status is 3, if it can be.
+void add_example(CLI::App& command, const std::string& example, const std::string& findings = "");
 
 }  // namespace veldra_tool
 

@@ -34,10 +34,10 @@ struct Copied {
   Outcome outcome;
 };
 
-/// What "KIND:NAME" or "KIND:ID" says.
+/// What "KIND:OBJECT" says.
 struct Wanted {
   veldra::ObjectType kind;
-  std::string name_or_id;
+  std::string object;
 };
 
 std::vector<Wanted> wanted_objects(const Arguments& arguments) {
@@ -48,7 +48,7 @@ std::vector<Wanted> wanted_objects(const Arguments& arguments) {
     if (colon == std::string::npos || kind == kinds_by_name().end()) {
       throw CLI::ValidationError(
           "OBJECT",
-          fmt::format("{} is not KIND:NAME or KIND:ID, such as composition:Roof", in_quotes(text)));
+          fmt::format("{} is not KIND:OBJECT, such as composition:Roof", in_quotes(text)));
     }
     wanted.push_back({kind->second, text.substr(colon + 1)});
   }
@@ -61,7 +61,7 @@ std::set<veldra::ObjectKey> keys_of(const veldra::Library& library,
   for (const auto& object : wanted) {
     with_class_of(object.kind, [&](auto of) {
       using T = typename decltype(of)::type;
-      keys.insert({object.kind, find_object<T>(library, object.name_or_id)->id()});
+      keys.insert({object.kind, find_object<T>(library, object.object)->id()});
     });
   }
   return keys;
@@ -139,27 +139,70 @@ void print(Spool& output, const std::vector<Copied>& objects, bool json) {
   print_table(output, table, "There was nothing to copy.");
 }
 
-/// What is to be copied, in a library in memory, so that it is there to be compared in the unit of
-/// the destination, and nobody waits for the source.
-std::shared_ptr<veldra::Library> staged(const Arguments& arguments,
-                                        const std::vector<Wanted>& wanted, veldra::Unit unit) {
-  auto staging = create_staging_library(unit);
-  reading(arguments.source, [&](const veldra::Library& source) {
-    if (arguments.all) return staging->copyAll(source.shared_from_this());
-    staging->copy(source.shared_from_this(), keys_of(source, wanted));
-  });
-  return staging;
+/// How many assets the materials of a library have, by their names.
+using AssetCounts = std::map<std::string, unsigned>;
+
+AssetCounts assets_in(const veldra::Library& library) {
+  AssetCounts counts;
+  for (const auto& material : all_objects<veldra::Material>(library)) {
+    const unsigned count =
+        (material->structuralAsset() ? 1U : 0U) + (material->thermalAsset() ? 1U : 0U);
+    if (count > 0) counts[material->name().utf8()] = count;
+  }
+  return counts;
 }
 
-void copy_objects(const std::shared_ptr<veldra::Library>& staging,
-                  const std::shared_ptr<veldra::Library>& destination, const Arguments& arguments,
-                  Host& host) {
+/// What is to be copied, in a library in memory, so that it is there to be compared in the unit of
+/// the destination, and nobody waits for the source.
+struct Staged {
+  std::shared_ptr<veldra::Library> library;
+  AssetCounts assets;  ///< which stay behind, of all materials of the source
+};
+
+Staged staged(const Arguments& arguments, const std::vector<Wanted>& wanted, veldra::Unit unit) {
+  Staged result;
+  result.library = create_staging_library(unit);
+  reading(arguments.source, [&](const veldra::Library& source) {
+    if (arguments.all) {
+      result.library->copyAll(source.shared_from_this());
+    } else {
+      result.library->copy(source.shared_from_this(), keys_of(source, wanted));
+    }
+    result.assets = assets_in(source);
+  });
+  return result;
+}
+
+/// A material that is taken as it is in the destination loses nothing.
+unsigned lost_assets(const std::vector<Copied>& objects, const AssetCounts& assets) {
+  unsigned lost = 0;
+  for (const auto& copied : objects) {
+    const bool written = copied.outcome != Outcome::Equal && copied.outcome != Outcome::Kept;
+    const auto found = assets.find(copied.name);
+    if (copied.kind != veldra::ObjectType::Material || !written || found == assets.end()) continue;
+    lost += found->second;
+  }
+  return lost;
+}
+
+void tell_lost_assets(unsigned lost, Host& host) {
+  if (lost == 0) return;
+  host.status = Status::Findings;
+  host.notes +=
+      fmt::format("veldra: {} of the materials {} left behind, as a copy has none\n",
+                  lost == 1 ? "1 asset" : fmt::format("{} assets", lost), lost == 1 ? "is" : "are");
+}
+
+void copy_objects(const Staged& staging, const std::shared_ptr<veldra::Library>& destination,
+                  const Arguments& arguments, Host& host) {
   Progress progress("copying");
   veldra::IdMapping mapping(destination.get());
-  ConflictReactor reactor(arguments.on_conflict, *staging, mapping);
+  ConflictReactor reactor(arguments.on_conflict, *staging.library, mapping);
   change_as_a_whole(host, *destination, [&] {
-    transfer(staging, destination, reactor, mapping, progress);
-    print(host.output, copied_objects(*staging, *destination, mapping, reactor), arguments.json);
+    transfer(staging.library, destination, reactor, mapping, progress);
+    const auto objects = copied_objects(*staging.library, *destination, mapping, reactor);
+    print(host.output, objects, arguments.json);
+    tell_lost_assets(lost_assets(objects, staging.assets), host);
   });
 }
 
@@ -193,14 +236,17 @@ void add_copy(Host& host) {
       ->required()
       ->type_name("");
   command
-      .add_option("OBJECT", arguments->objects,
-                  "What to copy, as KIND:NAME or KIND:ID; the kinds are " + kind_choices() +
-                      ", also in the singular")
+      .add_option(
+          "OBJECT", arguments->objects,
+          fmt::format("What to copy, as KIND:OBJECT, which is {}; the kinds are {}, also in "
+                      "the singular",
+                      naming_help, kind_choices()))
       ->type_name("");
   command.add_flag("--all", arguments->all, "Copy everything");
   add_on_conflict(command, arguments->on_conflict);
   add_json(command, arguments->json);
-  add_example(command, "veldra copy office.lib site.lib 'composition:Flat roof' material:17");
+  add_example(command, "veldra copy office.lib site.lib 'composition:Flat roof' material:17",
+              "materials had assets, which are not copied");
   command.callback([arguments, &host] { copy(*arguments, host); });
 }
 

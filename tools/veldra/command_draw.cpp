@@ -6,6 +6,8 @@
 #include "lookup.hpp"
 #include "opening.hpp"
 
+#include <fmt/format.h>
+
 namespace veldra_tool {
 
 namespace {
@@ -65,7 +67,9 @@ void add_draw(Host& host) {
       "draw", "Draw sections through build-ups, to scale, as an SVG picture");
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
-  command.add_option("COMPOSITION", arguments->compositions, "Their names or ids")
+  command
+      .add_option("COMPOSITION", arguments->compositions,
+                  fmt::format("The build-ups, each {}", naming_help))
       ->required()
       ->type_name("");
   add_output(command, arguments->output, arguments->force);

@@ -10,6 +10,10 @@
 
 #include <fmt/format.h>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace veldra_tool {
 
 namespace {
@@ -62,12 +66,24 @@ std::string json_of(const veldra::Library& library, Progress& progress) {
   json["custom_properties"] = properties_to_json(library);
   json["materials"] = objects_to_json<veldra::Material>(library, progress);
   json["compositions"] = objects_to_json<veldra::Composition>(library, progress);
-  return json.dump(2) + "\n";
+  return json_text(json);
 }
 
-std::string text_of(const veldra::Library& library, const std::string& format) {
+bool goes_to_terminal(const std::string& output) {
+  if (is_standard_output(output)) return ::isatty(STDOUT_FILENO) == 1;
+  struct stat found {};
+  if (::stat(output.c_str(), &found) != 0 || !S_ISCHR(found.st_mode)) return false;
+  const int device = ::open(output.c_str(), O_WRONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  const bool terminal = device >= 0 && ::isatty(device) == 1;
+  if (device >= 0) ::close(device);
+  return terminal;
+}
+
+std::string text_of(const veldra::Library& library, const Arguments& arguments) {
   Progress progress("exporting");
-  return format == "csv" ? csv_of(library, progress) : json_of(library, progress);
+  if (arguments.format == "json") return json_of(library, progress);
+  const auto reader = goes_to_terminal(arguments.output) ? CsvFor::People : CsvFor::Programs;
+  return csv_of(library, reader, progress);
 }
 
 void print_written(const Arguments& arguments, const std::string& text,
@@ -89,7 +105,7 @@ void export_library(const Arguments& arguments, Host& host) {
   require_sense(arguments);
   const OutputFile output(arguments.output, arguments.file, arguments.force);
   const auto text = reading(arguments.file, [&](const veldra::Library& library) {
-    auto whole = text_of(library, arguments.format);
+    auto whole = text_of(library, arguments);
     if (arguments.json && !is_standard_output(arguments.output)) {
       print_written(arguments, whole, library, host.output);
     }

@@ -11,6 +11,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include <optional>
 
 namespace veldra_tool {
@@ -67,20 +69,17 @@ void adopt_settings(veldra::Library& library, const ImportSet& set) {
   if (set.types()) remove_other_types(library, *set.types());
 }
 
-void require_no_problems(const ImportReport& report) {
-  std::size_t count = 0;
-  for (const auto& source : report) count += source.problems.size();
-  if (count == 0) return;
-  throw Failure(fmt::format("nothing is imported, because there {}",
-                            count == 1 ? "is a problem" : fmt::format("are {} problems", count)));
-}
-
-std::string text_of_problems(const ImportReport& report) {
-  std::string text;
+/// All that did not go as one might expect, a line each.
+std::vector<std::string> findings_in(const ImportReport& report) {
+  std::vector<std::string> findings;
   for (const auto& source : report) {
-    for (const auto& problem : source.problems) text += fmt::format("veldra: {}\n", problem);
+    findings.insert(findings.end(), source.problems.begin(), source.problems.end());
+    for (const auto& [what, count] : source.dropped) {
+      findings.push_back(fmt::format("{}: {} {} have no place in a library and are left out",
+                                     in_quotes(source.file), count, what));
+    }
   }
-  return text;
+  return findings;
 }
 
 void print(const ImportReport& report, const Arguments& arguments, Spool& output) {
@@ -99,13 +98,18 @@ class Import {
   /// is made for it.
   void run() {
     while (!file_exists(arguments_.file)) {
-      if (arguments_.dry_run) return pretend_with_new();
+      if (arguments_.dry_run || !any_objects()) return pretend_with_new();
       if (into_new()) return;
     }
     into_existing();
   }
 
  private:
+  bool any_objects() const {
+    return std::any_of(sources_.begin(), sources_.end(),
+                       [](const Source& source) { return source.has_objects(); });
+  }
+
   void into_existing() {
     tell_as_it_was(arguments_.file);
     into(open_library(arguments_.file, Access::Write));
@@ -142,11 +146,28 @@ class Import {
       report[i].file = sources_[i].file();
       report[i].format = sources_[i].format();
       sources_[i].add_to(set, unit, report[i]);
+      if (!sources_[i].has_objects()) report[i].problems.push_back(why_nothing(sources_[i]));
     }
     set.resolve();
-    host_.notes = text_of_problems(report);
-    if (arguments_.strict) require_no_problems(report);
+    tell_findings(report);
     return set;
+  }
+
+  static std::string why_nothing(const Source& source) {
+    return fmt::format("{}: this {} source has no materials and no constructions",
+                       in_quotes(source.file()), source.format());
+  }
+
+  void tell_findings(const ImportReport& report) {
+    const auto findings = findings_in(report);
+    host_.notes.clear();
+    for (const auto& finding : findings) host_.notes += fmt::format("veldra: {}\n", finding);
+    if (findings.empty()) return;
+    host_.status = Status::Findings;
+    if (!arguments_.strict) return;
+    const auto count = findings.size();
+    throw Failure(fmt::format("nothing is imported, because there {}",
+                              count == 1 ? "is a problem" : fmt::format("are {} problems", count)));
   }
 
   const Arguments& arguments_;
@@ -169,9 +190,13 @@ void add_import(Host& host) {
            "times. Without it, those of IDF and epJSON are tagged with the name of their file");
   add_unit(command, arguments->unit);
   command.add_flag("--dry-run", arguments->dry_run, "Tell what would happen, and write nothing");
-  command.add_flag("--strict", arguments->strict, "Import nothing when there is any problem");
+  command.add_flag("--strict", arguments->strict,
+                   "Import nothing when there is any problem, or anything would be left out");
   add_json(command, arguments->json);
-  add_example(command, "veldra import office.lib walls.idf glass.epJSON --on-conflict use");
+  add_example(command, "veldra import office.lib walls.idf glass.epJSON --on-conflict use",
+              "anything of the sources has not come in: an object with a problem, a field or asset "
+              "that no library has a place for, or all of a source that has no objects. With "
+              "--strict that is 1, and nothing is imported");
   command.callback([arguments, &command, &host] {
     arguments->unit_given = command.count("--unit") > 0;
     working_on(arguments->file, [&] { Import(*arguments, host).run(); });

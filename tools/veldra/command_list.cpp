@@ -129,9 +129,11 @@ void add_list(Host& host) {
   add_kind(command, arguments->kind);
   add_tags(command, arguments->tags,
            "Only materials or compositions with this tag; given several times, with one of them");
-  command.add_option("--type", arguments->type,
-                     "Only materials of this type; compositions: wall, floor, roof, other; "
-                     "properties: material, composition");
+  command.add_option(
+      "--type", arguments->type,
+      fmt::format("Only materials of this type, {}; compositions: wall, floor, roof, "
+                  "other; properties: material, composition",
+                  naming_help));
   auto* search = command.add_option(
       "--search", arguments->pattern,
       "Only names like this: % stands for any text, _ for one character; A and a are alike");

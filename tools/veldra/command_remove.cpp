@@ -4,18 +4,24 @@
 #include "kinds.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
+#include "process/confirmation.hpp"
 #include "progress.hpp"
 #include "reactor_guard.hpp"
 #include "removal.hpp"
+
+#include <fmt/format.h>
 
 namespace veldra_tool {
 
 namespace {
 
+constexpr std::size_t most_without_asking = 20;  ///< objects that are named
+
 struct RemoveArguments {
   std::string file;
   veldra::ObjectType kind{};
   std::vector<std::string> objects;
+  bool yes = false;
   bool json = false;
 };
 
@@ -23,6 +29,7 @@ struct PurgeArguments {
   std::string file;
   std::vector<veldra::ObjectType> kinds;
   bool dry_run = false;
+  bool yes = false;
   bool json = false;
 };
 
@@ -64,33 +71,103 @@ void remove_all(veldra::Library& library, std::vector<Candidate>& objects, Remov
   enter_results(objects, results);
 }
 
-bool any_removed(const std::vector<Candidate>& candidates) {
-  return std::any_of(candidates.begin(), candidates.end(),
-                     [](const Candidate& candidate) { return candidate.removed; });
+/// Asks before much goes, and sees to it that not more goes than was told.
+class Consent {
+ public:
+  explicit Consent(const std::string& file) : file_(file) {}
+
+  /// Throws `Failure` when nobody agrees that this is removed.
+  void obtain(const RemovalCounts& counts) {
+    told_ = counts;
+    if (!somebody_can_be_asked()) {
+      throw failure(fmt::format("this would remove {}; --yes says that it shall", text_of(counts)));
+    }
+    if (!confirmed(fmt::format("veldra: {}: this removes {}. Go on?", in_quotes(file_),
+                               text_of(counts)))) {
+      throw failure("nothing is removed");
+    }
+  }
+
+  /// Throws `Failure` when it is another number by now.
+  void require_still(const RemovalCounts& counts) const {
+    if (counts == told_) return;
+    throw failure(fmt::format("nothing is removed, because by now it would be {}, and not {}",
+                              text_of(counts), text_of(told_)));
+  }
+
+ private:
+  Failure failure(const std::string& sentence) const {
+    return Failure(fmt::format("{}: {}", in_quotes(file_), sentence));
+  }
+
+  const std::string& file_;
+  RemovalCounts told_;
+};
+
+RemovalCounts predicted_counts(std::vector<Candidate> objects, const veldra::Library& library) {
+  predict_removal(objects, library);
+  return counts_of(objects);
+}
+
+std::size_t count_of_removed(const std::vector<Candidate>& candidates) {
+  return static_cast<std::size_t>(
+      std::count_if(candidates.begin(), candidates.end(),
+                    [](const Candidate& candidate) { return candidate.removed; }));
 }
 
 void remove(const RemoveArguments& arguments, Host& host) {
+  Consent consent(arguments.file);
+  const bool many = arguments.objects.size() > most_without_asking && !arguments.yes;
+  const auto counts = [&](const veldra::Library& library) {
+    const auto objects = named_candidates(library, arguments);
+    return objects.size() > most_without_asking ? predicted_counts(objects, library)
+                                                : RemovalCounts();
+  };
+  if (many) {
+    const auto told = reading(arguments.file, counts);
+    if (!told.empty()) consent.obtain(told);
+  }
   changing(host, arguments.file, [&](veldra::Library& library) {
+    if (many) consent.require_still(counts(library));
     auto objects = named_candidates(library, arguments);
     std::set<veldra::ObjectKey> keys;
     for (const auto& object : objects) keys.insert(object.key);
     remove_all(library, objects, [&](auto& results) { library.remove(keys, results); });
     print_candidates(host.output, objects, arguments.json, "removed");
-    if (!any_removed(objects)) host.status = Status::Failed;
+    const auto removed = count_of_removed(objects);
+    if (removed < objects.size()) host.status = Status::Findings;
+    if (removed == 0) host.status = Status::Failed;
+  });
+}
+
+void print_prediction(const std::string& file, const std::set<veldra::ObjectType>& kinds, bool json,
+                      Host& host) {
+  reading(file, [&](const veldra::Library& library) {
+    auto objects = candidates(library, kinds);
+    predict_removal(objects, library);
+    print_purged(host.output, objects, json, "would go");
   });
 }
 
 void purge(const PurgeArguments& arguments, Host& host) {
-  const auto& wanted = arguments.kinds.empty() ? all_kinds() : arguments.kinds;
-  const std::set<veldra::ObjectType> kinds(wanted.begin(), wanted.end());
-  if (arguments.dry_run) {
-    return reading(arguments.file, [&](const veldra::Library& library) {
-      auto objects = candidates(library, kinds);
-      predict_purge(objects, library);
-      print_purged(host.output, objects, arguments.json, "would go");
-    });
+  if (arguments.kinds.empty()) {
+    throw CLI::ValidationError("KIND", "say what to purge: " + kind_choices());
+  }
+  const std::set<veldra::ObjectType> kinds(arguments.kinds.begin(), arguments.kinds.end());
+  if (arguments.dry_run) return print_prediction(arguments.file, kinds, arguments.json, host);
+  Consent consent(arguments.file);
+  const bool much = kinds.count(veldra::ObjectType::Composition) > 0 && !arguments.yes;
+  // Without a composition there is nothing to ask for, nor to compare.
+  const auto counts = [&](const veldra::Library& library) {
+    if (library.count<veldra::Composition>() == 0) return RemovalCounts();
+    return predicted_counts(candidates(library, kinds), library);
+  };
+  if (much) {
+    const auto told = reading(arguments.file, counts);
+    if (!told.empty()) consent.obtain(told);
   }
   changing(host, arguments.file, [&](veldra::Library& library) {
+    if (much) consent.require_still(counts(library));
     auto objects = candidates(library, kinds);
     remove_all(library, objects, [&](auto& results) { library.purge(kinds, results); });
     print_purged(host.output, objects, arguments.json, "removed");
@@ -105,21 +182,30 @@ void add_remove(Host& host) {
   const auto arguments = std::make_shared<RemoveArguments>();
   add_file(command, arguments->file);
   add_kind(command, arguments->kind);
-  command.add_option("OBJECT", arguments->objects, "The names of the objects, or their ids")
+  command
+      .add_option("OBJECT", arguments->objects, fmt::format("The objects, each {}", naming_help))
       ->required()
       ->type_name("");
+  add_yes(command, arguments->yes,
+          fmt::format("Do not ask; without it, or an answer on a terminal, no more than {} are "
+                      "removed at once",
+                      most_without_asking));
   add_json(command, arguments->json);
-  add_example(command, "veldra remove office.lib materials 'Solid brick' 17");
+  add_example(command, "veldra remove office.lib materials 'Solid brick' 17",
+              "some of the objects stay because they are in use, and 1 when all do");
   command.callback([arguments, &host] { remove(*arguments, host); });
 }
 
 void add_purge(Host& host) {
   auto& command = *host.arguments.add_subcommand(
-      "purge", "Remove everything that nothing refers to, compositions included");
+      "purge", "Remove the objects of some kinds that nothing refers to");
   const auto arguments = std::make_shared<PurgeArguments>();
   add_file(command, arguments->file);
   add_kinds(command, arguments->kinds);
   command.add_flag("--dry-run", arguments->dry_run, "Tell what would go, and remove nothing");
+  add_yes(command, arguments->yes,
+          "Do not ask; without it, or an answer on a terminal, no compositions are removed, to "
+          "which nothing ever refers");
   add_json(command, arguments->json);
   add_example(command, "veldra purge office.lib materials tags --dry-run");
   command.callback([arguments, &host] { purge(*arguments, host); });

@@ -1,11 +1,16 @@
 #include "csv.hpp"
 
 #include "fields.hpp"
+#include "json.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
 #include "text.hpp"
 
+#include <fmt/format.h>
+
 #include <map>
+#include <set>
+#include <string_view>
 #include <vector>
 
 namespace veldra_tool {
@@ -17,10 +22,23 @@ constexpr const char* between = "; ";
 
 using Row = std::map<std::string, std::string>;
 
+/// Spreadsheets take a text that begins like this for a formula; an apostrophe before it says that
+/// it is none, and so one that is part of a text needs another.
+std::string guarded(const std::string& text) {
+  const bool open =
+      text.empty() || std::string_view("=+-@\t\r'").find(text[0]) == std::string::npos;
+  return open ? text : "'" + text;
+}
+
+bool is_numeric(const std::string& column) {
+  return column == "position" || column == "thickness" || column == "function";
+}
+
 /// The table, whose columns are those that were asked for first.
 class CsvTable {
  public:
-  explicit CsvTable(std::vector<std::string> columns) : columns_(std::move(columns)) {}
+  CsvTable(std::vector<std::string> columns, CsvFor reader)
+      : columns_(std::move(columns)), reader_(reader) {}
 
   void add_column(const std::string& column) {
     if (std::find(columns_.begin(), columns_.end(), column) == columns_.end()) {
@@ -34,7 +52,8 @@ class CsvTable {
     for (const Row& row : rows_) {
       text += line_of([&](const std::string& column) {
         const auto cell = row.find(column);
-        return cell != row.end() ? cell->second : "";
+        if (cell == row.end()) return std::string();
+        return is_numeric(column) ? cell->second : guarded(cell->second);
       });
     }
     return text;
@@ -46,7 +65,8 @@ class CsvTable {
     std::string line;
     for (const auto& column : columns_) {
       if (!line.empty()) line += ",";
-      line += escaped(cell_of(column));
+      const std::string cell = cell_of(column);
+      line += escaped(reader_ == CsvFor::People ? printable(cell) : cell);
     }
     return line + line_end;
   }
@@ -63,10 +83,70 @@ class CsvTable {
 
   std::vector<std::string> columns_;
   std::vector<Row> rows_;
+  CsvFor reader_;
+};
+
+/// A heading for each property, which no other column has: with the kind of object that the
+/// property is for where its name alone would not do.
+class PropertyHeadings {
+ public:
+  explicit PropertyHeadings(const veldra::Library& library)
+      : properties_(all_objects<veldra::CustomProperty>(library)) {
+    std::map<veldra::String, unsigned> sharers;
+    for (const auto& property : properties_) ++sharers[property->name()];
+    for (const auto& property : properties_) {
+      if (sharers[property->name()] > 1) qualify(*property);
+    }
+    while (qualify_next()) {
+    }
+  }
+
+  std::string operator()(const veldra::CustomProperty& property) const {
+    return ids_.count(property.id()) > 0 ? qualified(property) : plain(property);
+  }
+
+  std::vector<std::string> all() const {
+    std::vector<std::string> headings;
+    for (const auto& property : properties_) headings.push_back((*this)(*property));
+    return headings;
+  }
+
+ private:
+  static std::string plain(const veldra::CustomProperty& property) {
+    return "property:" + property.name().utf8();
+  }
+
+  /// No word for a kind has a colon, so that no two of these are the same.
+  static std::string qualified(const veldra::CustomProperty& property) {
+    const Json kind = owner_kind_to_json(property.object_type());
+    const std::string word = property.object_type() == veldra::ObjectType{} ? "all"
+                             : kind.is_string() ? kind.get<std::string>()
+                                                : kind.dump();
+    return fmt::format("property:{}:{}", word, property.name().utf8());
+  }
+
+  void qualify(const veldra::CustomProperty& property) {
+    ids_.insert(property.id());
+    taken_.insert(qualified(property));
+  }
+
+  /// A name may itself look like a kind with a name.
+  bool qualify_next() {
+    for (const auto& property : properties_) {
+      if (ids_.count(property->id()) > 0 || taken_.count(plain(*property)) == 0) continue;
+      qualify(*property);
+      return true;
+    }
+    return false;
+  }
+
+  std::vector<std::shared_ptr<veldra::CustomProperty>> properties_;
+  std::set<unsigned> ids_;       ///< of properties whose headings have kinds
+  std::set<std::string> taken_;  ///< those headings
 };
 
 template <class Owner>
-Row common_cells(const Owner& owner, const char* kind) {
+Row common_cells(const Owner& owner, const char* kind, const PropertyHeadings& heading) {
   Row row{{"kind", kind},
           {"name", owner.name().utf8()},
           {"description", owner.description().utf8()},
@@ -76,13 +156,13 @@ Row common_cells(const Owner& owner, const char* kind) {
     cell += (cell.empty() ? "" : between) + tag->name().utf8();
   }
   for (const auto& [property, value] : owner.custom_values()) {
-    row[property->name().utf8()] = value.utf8();
+    row[heading(*property)] = value.utf8();
   }
   return row;
 }
 
-Row cells_of(const veldra::Material& material) {
-  Row row = common_cells(material, "material");
+Row cells_of(const veldra::Material& material, const PropertyHeadings& heading) {
+  Row row = common_cells(material, "material", heading);
   row["type"] = material.type() ? material.type()->name().utf8() : "";
   row["code"] = material.code().utf8();
   for (const auto& text : material_texts) row[text.key] = (material.*text.get)().utf8();
@@ -95,8 +175,8 @@ Row cells_of(const veldra::Material& material) {
   return row;
 }
 
-Row cells_of(const veldra::Composition& composition) {
-  Row row = common_cells(composition, "composition");
+Row cells_of(const veldra::Composition& composition, const PropertyHeadings& heading) {
+  Row row = common_cells(composition, "composition", heading);
   row["type"] = name_of(composition.type());
   if (composition.entity_layer()) {
     row["drawing layer"] = composition.entity_layer()->name().utf8();
@@ -104,7 +184,7 @@ Row cells_of(const veldra::Composition& composition) {
   return row;
 }
 
-Row cells_of(const veldra::Composition& composition, std::size_t index) {
+Row layer_cells(const veldra::Composition& composition, std::size_t index) {
   const auto& layer = composition.layers()[index];
   return {{"kind", "layer"},
           {"name", composition.name().utf8()},
@@ -116,21 +196,21 @@ Row cells_of(const veldra::Composition& composition, std::size_t index) {
 
 }  // namespace
 
-std::string csv_of(const veldra::Library& library, Progress& progress) {
+std::string csv_of(const veldra::Library& library, CsvFor reader, Progress& progress) {
   CsvTable table({"kind", "name", "position", "material", "thickness", "function", "type", "code",
-                  "tags", "drawing layer"});
+                  "tags", "drawing layer"},
+                 reader);
   for (const auto& text : material_texts) table.add_column(text.key);
-  for (const auto& property : all_objects<veldra::CustomProperty>(library)) {
-    table.add_column(property->name().utf8());
-  }
+  const PropertyHeadings heading(library);
+  for (const auto& column : heading.all()) table.add_column(column);
   for (const auto& material : all_objects<veldra::Material>(library)) {
-    table.add(cells_of(*material));
+    table.add(cells_of(*material, heading));
     progress.step();
   }
   for (const auto& composition : all_objects<veldra::Composition>(library)) {
-    table.add(cells_of(*composition));
+    table.add(cells_of(*composition, heading));
     for (std::size_t i = 0; i < composition->layers().size(); ++i) {
-      table.add(cells_of(*composition, i));
+      table.add(layer_cells(*composition, i));
     }
     progress.step();
   }

@@ -2,6 +2,7 @@
 
 #include "fields.hpp"
 #include "kinds.hpp"
+#include "text.hpp"
 
 #include <fmt/format.h>
 
@@ -187,6 +188,14 @@ Json key_to_json(const veldra::ObjectKey& key, const std::string& name) {
   return json;
 }
 
-void print_json(Spool& output, const Json& json) { output.write(json.dump(2) + "\n"); }
+std::string json_text(const Json& json) {
+  const auto escape = [](wchar_t character) {
+    if (character == L'\n') return std::string("\n");  // between the values
+    return fmt::format("\\u{:04x}", static_cast<unsigned>(character));
+  };
+  return without_controls(json.dump(2), escape) + "\n";
+}
+
+void print_json(Spool& output, const Json& json) { output.write(json_text(json)); }
 
 }  // namespace veldra_tool

@@ -33,6 +33,10 @@ Json owner_kind_to_json(veldra::ObjectType kind);
 /// What tells an object from others: its kind, id and name.
 Json key_to_json(const veldra::ObjectKey& key, const std::string& name);
 
+/// A value as text, ending with a line break. Characters that could steer a terminal stand there as
+/// the escapes that JSON has for them.
+std::string json_text(const Json& json);
+
 /// Prints a value and a line break.
 void print_json(Spool& output, const Json& json);
 

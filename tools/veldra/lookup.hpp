@@ -8,49 +8,63 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace veldra_tool {
 
-/// The id that a text of digits stands for; 0 for any other text.
-inline unsigned id_in(const std::string& text) {
-  unsigned id = 0;
-  const char* end = text.data() + text.size();
-  const auto result = std::from_chars(text.data(), end, id);
-  return result.ec == std::errc() && result.ptr == end ? id : 0;
-}
+/// What a text that names an object says.
+struct Naming {
+  bool may_be_name = true;
+  bool may_be_id = true;
+  std::string text;
+};
 
-/// The object of that name, else the one of that id. Throws `Failure` when there is neither.
+/// `id:NUMBER` is an id, and after `name:` all is a name; any other text may be either.
+Naming naming_of(const std::string& text);
+
+/// The id that a text of digits stands for; 0 for any other text.
+unsigned id_in(const std::string& text);
+
 template <class T>
-std::shared_ptr<T> find_object(const veldra::Library& library, const std::string& name_or_id) {
-  auto found = library.get<T>(library_text(name_or_id));
-  if (!found) found = library.get<T>(id_in(name_or_id));
-  if (found) return found;
-  throw Failure(fmt::format("there is no {} {} in the library",
-                            singular_of(veldra::ObjectTraits<T>::type), in_quotes(name_or_id)));
+std::vector<std::shared_ptr<T>> objects_named(const veldra::Library& library,
+                                              const std::string& name) {
+  const auto found = library.get<T>(library_text(name));
+  return found ? std::vector<std::shared_ptr<T>>{found} : std::vector<std::shared_ptr<T>>();
 }
 
 /// Property names are unique among the properties for one kind of object only.
 template <>
-inline std::shared_ptr<veldra::CustomProperty> find_object(const veldra::Library& library,
-                                                           const std::string& name_or_id) {
-  std::vector<std::shared_ptr<veldra::CustomProperty>> all;
-  library.get(all);
-  std::shared_ptr<veldra::CustomProperty> found;
-  for (const auto& property : all) {
-    if (property->name() != library_text(name_or_id)) continue;
-    if (found) {
-      throw Failure(fmt::format("there are several properties {}; give the id of one ({} or {})",
-                                in_quotes(name_or_id), found->id(), property->id()));
-    }
-    found = property;
+std::vector<std::shared_ptr<veldra::CustomProperty>> objects_named(const veldra::Library& library,
+                                                                   const std::string& name);
+
+/// The object that a text names (`naming_of`). Throws `Failure` when there is none, and when there
+/// are several.
+template <class T>
+std::shared_ptr<T> find_object(const veldra::Library& library, const std::string& text) {
+  const std::string kind = singular_of(veldra::ObjectTraits<T>::type);
+  const Naming naming = naming_of(text);
+  std::vector<std::shared_ptr<T>> named;
+  std::shared_ptr<T> numbered;
+  if (naming.may_be_name) named = objects_named<T>(library, naming.text);
+  if (naming.may_be_id) numbered = library.get<T>(id_in(naming.text));
+  if (named.size() > 1) {
+    throw Failure(fmt::format("there are several {} {}; give the id of one ({} or {})",
+                              plural_of(veldra::ObjectTraits<T>::type), in_quotes(naming.text),
+                              named[0]->id(), named[1]->id()));
   }
-  if (!found) found = library.get<veldra::CustomProperty>(id_in(name_or_id));
-  if (found) return found;
-  throw Failure(fmt::format("there is no property {} in the library", in_quotes(name_or_id)));
+  if (named.empty() && !numbered) {
+    throw Failure(fmt::format("there is no {} {} in the library", kind, in_quotes(text)));
+  }
+  if (!named.empty() && numbered && named[0]->id() != numbered->id()) {
+    throw Failure(
+        fmt::format("{0} is the name of the {1} with the id {2} and the id of the {1} {3}; say "
+                    "name:{4} or id:{4}",
+                    in_quotes(text), kind, named[0]->id(), in_quotes(numbered->name().utf8()),
+                    printable(text)));
+  }
+  return named.empty() ? numbered : named[0];
 }
 
 /// The order of lists: by name, and by id where names are equal.

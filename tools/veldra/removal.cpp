@@ -47,7 +47,7 @@ void enter_results(std::vector<Candidate>& candidates,
   }
 }
 
-void predict_purge(std::vector<Candidate>& candidates, const veldra::Library& library) {
+void predict_removal(std::vector<Candidate>& candidates, const veldra::Library& library) {
   const auto references = references_in(library);
   std::set<veldra::ObjectKey> gone;
   for (auto& candidate : candidates) {
@@ -58,6 +58,28 @@ void predict_purge(std::vector<Candidate>& candidates, const veldra::Library& li
                     [&](const Reference& reference) { return gone.count(reference.from) > 0; });
     if (candidate.removed) gone.insert(candidate.key);
   }
+}
+
+RemovalCounts counts_of(const std::vector<Candidate>& candidates) {
+  RemovalCounts counts;
+  for (const auto& candidate : candidates) {
+    if (candidate.removed) ++counts[candidate.key.type];
+  }
+  return counts;
+}
+
+std::string text_of(const RemovalCounts& counts) {
+  std::size_t sum = 0;
+  std::string kinds;
+  for (const auto kind : removal_order) {
+    const auto found = counts.find(kind);
+    if (found == counts.end()) continue;
+    sum += found->second;
+    kinds += fmt::format("{}{} {}", kinds.empty() ? "" : ", ", found->second,
+                         found->second == 1 ? singular_of(kind) : plural_of(kind));
+  }
+  if (sum == 0) return "no object";
+  return fmt::format("{} {} ({})", sum, sum == 1 ? "object" : "objects", kinds);
 }
 
 void print_candidates(Spool& output, const std::vector<Candidate>& candidates, bool json,

@@ -27,9 +27,16 @@ std::vector<Candidate> candidates(const veldra::Library& library,
 void enter_results(std::vector<Candidate>& candidates,
                    const std::map<veldra::ObjectKey, bool>& results);
 
-/// Which of the candidates a purge would remove: those that nothing refers to but what goes as
-/// well.
-void predict_purge(std::vector<Candidate>& candidates, const veldra::Library& library);
+/// Which of the candidates would go: those that nothing refers to but what goes as well.
+void predict_removal(std::vector<Candidate>& candidates, const veldra::Library& library);
+
+/// How many objects go, by their kinds.
+using RemovalCounts = std::map<veldra::ObjectType, std::size_t>;
+
+RemovalCounts counts_of(const std::vector<Candidate>& candidates);
+
+/// The same for people, such as "7 objects (2 compositions, 5 tags)".
+std::string text_of(const RemovalCounts& counts);
 
 void print_candidates(Spool& output, const std::vector<Candidate>& candidates, bool json,
                       const char* removed);

@@ -27,8 +27,15 @@ std::string trimmed(std::string_view text);
 /// The number of columns that a text takes on a terminal.
 std::size_t display_width(std::string_view text);
 
-/// The text with control characters written as escapes, so that it can neither break a table nor
-/// steer a terminal.
+/// As much of the beginning of a text as takes no more than so many columns.
+std::string leading_columns(std::string_view text, std::size_t columns);
+
+/// The text with what `replacement` gives in the place of each character that can steer a terminal
+/// or turn the text around it, and of the two that are none. The text is UTF-8.
+std::string without_controls(std::string_view text, std::string (*replacement)(wchar_t));
+
+/// The text with such characters written as escapes, so that it can neither break a table nor steer
+/// a terminal. What is not UTF-8 is taken byte for byte.
 std::string printable(std::string_view text);
 
 /// The text as one of the library's. Throws `Failure` when it is not UTF-8 or has a zero byte,
@@ -40,6 +47,15 @@ std::string exact_number(double number);
 
 /// A number for people: at most that many decimals, no trailing zeros.
 std::string rounded_number(double number, int decimals);
+
+// Numbers for places of limited width: what would take more than seven digits there becomes two
+// digits and a power of ten, such as 1.5·10⁹.
+
+/// With at most that many decimals.
+std::string short_number(double number, int decimals);
+
+/// With just that many decimals.
+std::string fixed_number(double number, int decimals);
 
 }  // namespace veldra_tool
 

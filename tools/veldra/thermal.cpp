@@ -64,7 +64,7 @@ std::size_t ventilated_layers(const veldra::Composition& composition) {
 
 std::string Transmission::resistance_text(std::size_t layer) const {
   const bool told = layer >= ventilated && layers[layer];
-  return told ? fmt::format("{:.3f}", *layers[layer]) : "–";
+  return told ? fixed_number(*layers[layer], 3) : "–";
 }
 
 std::optional<double> Transmission::total_resistance() const {

@@ -1,8 +1,6 @@
 #include "drawing/section.hpp"
 
-#include "drawing/hatch.hpp"
 #include "kinds.hpp"
-#include "summary.hpp"
 #include "text.hpp"
 
 #include <fmt/format.h>
@@ -33,10 +31,11 @@ constexpr double text_before = -0.9;  ///< from a dimension line
 constexpr double text_beyond = 3.5;
 constexpr double bar_margin = 9;
 constexpr double longest_bar = 40;
+constexpr std::size_t longest_hatches = 400'000;  ///< bytes of all hatches together
 
 double millimetres(double length, veldra::Unit unit) {
   const double value = unit == veldra::Unit::Inches ? length * 25.4 : length;
-  return std::isfinite(value) && value > 0 ? value : 0;
+  return std::isfinite(value) && value > 0 ? std::min(value, 1e300) : 0;
 }
 
 /// Where number circles stand so that none covers another, each as near as can be to its layer.
@@ -71,19 +70,32 @@ Section::Section(const veldra::Composition& composition, veldra::Unit unit, Poin
 }
 
 void Section::place_layers() {
-  constexpr double scales[] = {1, 2, 5, 10, 20, 25, 50, 100, 200, 500, 1000};
+  constexpr double usual[] = {1, 2, 5, 10, 20, 25, 50, 100, 200, 500};
   const double deepest = lie_ == Lie::Standing ? deepest_standing : deepest_lying;
-  for (const double scale : scales) {
-    scale_ = scale;
-    thickened_ = false;
-    edges_.assign(1, 0.0);
-    for (const auto& layer : composition_.layers()) {
-      const double true_width = millimetres(layer.thickness(), unit_) / scale;
-      if (true_width < thinnest) thickened_ = true;
-      edges_.push_back(edges_.back() + std::max(true_width, thinnest));
-    }
-    if (width() <= deepest) return;
+  for (const double scale : usual) {
+    if (place_layers(scale, deepest)) return;
   }
+  for (double thousands = 1000;; thousands *= 10) {
+    for (const double leading : {1, 2, 5}) {
+      if (place_layers(leading * thousands, deepest)) return;
+    }
+  }
+}
+
+/// Places the layers at a scale; returns false when they do not fit. Many layers are drawn thinner
+/// than few, so that at some scale they do.
+bool Section::place_layers(double scale, double deepest) {
+  const auto& layers = composition_.layers();
+  const double least = std::min(thinnest, deepest / static_cast<double>(layers.size()));
+  scale_ = scale;
+  thickened_ = false;
+  edges_.assign(1, 0.0);
+  for (const auto& layer : layers) {
+    const double true_width = millimetres(layer.thickness(), unit_) / scale;
+    if (true_width < least) thickened_ = true;
+    edges_.push_back(edges_.back() + std::max(true_width, least));
+  }
+  return width() <= deepest + 1e-6;
 }
 
 double Section::height() const { return depth() + bar_margin; }
@@ -108,8 +120,8 @@ Point Section::at(double across, double along) const {
   return {start + across, origin_.y + margin_before + along};
 }
 
-void Section::draw(Svg& svg) const {
-  for (std::size_t i = 0; i < composition_.layers().size(); ++i) draw_layer(svg, i);
+bool Section::draw(Svg& svg) const {
+  const bool hatched = draw_layers(svg);
   draw_core(svg);
   draw_break(svg, 0);
   draw_break(svg, lie_ == Lie::Standing ? length : lying_length);
@@ -117,11 +129,28 @@ void Section::draw(Svg& svg) const {
   draw_numbers(svg);
   draw_sides(svg);
   draw_scale_bar(svg);
+  return hatched;
+}
+
+bool Section::draw_layers(Svg& svg) const {
+  const double layer_length = lie_ == Lie::Standing ? length : lying_length;
+  std::size_t room = longest_hatches;
+  bool hatched = true;
+  for (std::size_t i = 0; i < composition_.layers().size(); ++i) {
+    const auto style = cut_style(*composition_.layers()[i].material());
+    std::string hatch;
+    if (hatched) hatch = hatch_elements(style, edges_[i + 1] - edges_[i], layer_length);
+    hatched = hatched && hatch.size() <= room;
+    if (!hatched) hatch.clear();
+    room -= hatch.size();
+    draw_layer(svg, i, style, hatch);
+  }
+  return hatched;
 }
 
 /// The frame of a hatch has its origin at the outer end of the layer; lying layers swap its axes.
-void Section::draw_layer(Svg& svg, std::size_t index) const {
-  const auto style = cut_style(*composition_.layers()[index].material());
+void Section::draw_layer(Svg& svg, std::size_t index, const CutStyle& style,
+                         const std::string& hatch) const {
   const double layer_width = edges_[index + 1] - edges_[index];
   const double layer_length = lie_ == Lie::Standing ? length : lying_length;
   const Point corner = at(edges_[index], 0);
@@ -135,7 +164,7 @@ void Section::draw_layer(Svg& svg, std::size_t index) const {
       R"svg(<g clip-path="url(#{3})">{8}</g><path d="M0 0V{5}M{4} 0V{5}" stroke="#1a1a1a" )svg"
       R"(stroke-width="0.25"/></g>)",
       axes, paper(corner.x), paper(corner.y), clip, paper(layer_width), paper(layer_length),
-      style.fill, paper(style.fill_opacity), hatch_elements(style, layer_width, layer_length)));
+      style.fill, paper(style.fill_opacity), hatch));
 }
 
 void Section::draw_core(Svg& svg) const {
@@ -212,8 +241,8 @@ void Section::draw_dimensions(Svg& svg) const {
   for (std::size_t i = 0; i < composition_.layers().size(); ++i) {
     const double thickness = composition_.layers()[i].thickness();
     sum += thickness;
-    const std::string text = length_text(thickness, unit_);
-    const double text_width = digit_width * static_cast<double>(text.size());
+    const std::string text = drawn_length(thickness, unit_);
+    const double text_width = digit_width * static_cast<double>(display_width(text));
     const double middle = (edges_[i] + edges_[i + 1]) / 2;
     draw_dimension(svg, edges_[i], edges_[i + 1], chain_distance);
     if (text_width + 2 < edges_[i + 1] - edges_[i]) {
@@ -224,19 +253,23 @@ void Section::draw_dimensions(Svg& svg) const {
     }
   }
   draw_dimension(svg, 0, width(), total_distance);
-  draw_dimension_text(svg, width() / 2, total_distance, text_before, length_text(sum, unit_));
+  draw_dimension_text(svg, width() / 2, total_distance, text_before, drawn_length(sum, unit_));
+}
+
+/// The length that the bar shows.
+double Section::bar() const {
+  const double unit_on_paper = millimetres(1, unit_) / scale_;
+  const double step = std::pow(10, std::floor(std::log10(longest_bar / unit_on_paper)));
+  for (const double leading : {10.0, 5.0, 2.0}) {
+    if (leading * step * unit_on_paper <= longest_bar) return leading * step;
+  }
+  return step;
 }
 
 /// For sheets that are not printed at their size.
 void Section::draw_scale_bar(Svg& svg) const {
-  const double unit_on_paper = millimetres(1, unit_) / scale_;
-  double bar = 1;
-  for (double step = 0.001; step < 1e7; step *= 10) {
-    for (const double leading : {1.0, 2.0, 5.0}) {
-      if (leading * step * unit_on_paper <= longest_bar) bar = leading * step;
-    }
-  }
-  const double bar_length = bar * unit_on_paper;
+  const double bar = this->bar();
+  const double bar_length = bar * millimetres(1, unit_) / scale_;
   const Point start{origin_.x + (area_width - bar_length) / 2, origin_.y + depth() + 3};
   const Point middle{start.x + bar_length / 2, start.y};
   const Point end{start.x + bar_length, start.y};
@@ -249,16 +282,26 @@ void Section::draw_scale_bar(Svg& svg) const {
   style.size = 2.3;
   style.anchor = Anchor::Middle;
   svg.text({start.x, start.y + 3.2}, "0", style);
-  svg.text({middle.x, middle.y + 3.2}, length_text(bar / 2, unit_), style);
-  svg.text({end.x, end.y + 3.2}, length_text(bar, unit_) + " " + name_of(unit_), style);
+  svg.text({middle.x, middle.y + 3.2}, drawn_length(bar / 2, unit_), style);
+  svg.text({end.x, end.y + 3.2}, drawn_length(bar, unit_) + " " + name_of(unit_), style);
+}
+
+/// Those whose numbers are drawn: all, or every so many where there is no room for all.
+std::vector<std::size_t> Section::numbered_layers() const {
+  const double room =
+      lie_ == Lie::Standing ? area_width : margin_lying + deepest_lying + margin_lying;
+  const std::size_t count = composition_.layers().size();
+  const auto most = static_cast<std::size_t>(room / number_spacing);
+  const std::size_t step = (count + most - 1) / most;
+  std::vector<std::size_t> layers;
+  for (std::size_t i = 0; i < count; i += step) layers.push_back(i);
+  return layers;
 }
 
 /// The places of the numbers across the section. They may reach beyond it on both sides.
-std::vector<double> Section::number_places() const {
+std::vector<double> Section::number_places(const std::vector<std::size_t>& layers) const {
   std::vector<double> wanted;
-  for (std::size_t i = 0; i + 1 < edges_.size(); ++i) {
-    wanted.push_back((edges_[i] + edges_[i + 1]) / 2);
-  }
+  for (const std::size_t i : layers) wanted.push_back((edges_[i] + edges_[i + 1]) / 2);
   auto places = spread(wanted);
   const double shift = mean(places) - mean(wanted);
   for (double& place : places) place -= shift;
@@ -267,10 +310,12 @@ std::vector<double> Section::number_places() const {
 
 void Section::draw_numbers(Svg& svg) const {
   const bool standing = lie_ == Lie::Standing;
-  const auto places = number_places();
-  for (std::size_t i = 0; i < places.size(); ++i) {
+  const auto layers = numbered_layers();
+  const auto places = number_places(layers);
+  for (std::size_t n = 0; n < places.size(); ++n) {
+    const std::size_t i = layers[n];
     const double along = standing ? -number_distance : lying_length + number_distance;
-    const Point center = at(places[i], along);
+    const Point center = at(places[n], along);
     const double middle = (edges_[i] + edges_[i + 1]) / 2;
     const double inside = standing ? 3.5 : lying_length - 3.5;
     const double bend = standing ? -2.5 : lying_length + 2.5;
@@ -303,6 +348,10 @@ void Section::draw_sides(Svg& svg) const {
   const Point bottom = at(above ? width() : 0, lying_length / 2);
   svg.text({top.x, top.y - 3}, above ? "outside" : "inside", style);
   svg.text({bottom.x, bottom.y + 5}, above ? "inside" : "outside", style);
+}
+
+std::string drawn_length(double length, veldra::Unit unit) {
+  return short_number(length, unit == veldra::Unit::Inches ? 3 : 2);
 }
 
 void draw_number(Svg& svg, Point center, std::size_t number, bool structural) {

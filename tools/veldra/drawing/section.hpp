@@ -1,6 +1,7 @@
 #ifndef VELDRA_TOOL_DRAWING_SECTION_HPP
 #define VELDRA_TOOL_DRAWING_SECTION_HPP
 
+#include "drawing/hatch.hpp"
 #include "drawing/svg.hpp"
 
 #include <veldra/veldra.hpp>
@@ -13,12 +14,13 @@ namespace veldra_tool {
 /// lie, with the outside above; floors lie, with the outside below.
 class Section {
  public:
-  /// Chooses the largest usual scale that fits.
+  /// Chooses the largest usual scale that fits. There are layers.
   Section(const veldra::Composition& composition, veldra::Unit unit, Point origin);
 
   /// Draws the layers, the core, the ends, the dimensions and a bar that shows the scale, with a
-  /// number for each layer.
-  void draw(Svg& svg) const;
+  /// number for each layer, or for every so many where they would not fit. Returns false when some
+  /// layers are without their hatch, because all hatches together would be too long a text.
+  bool draw(Svg& svg) const;
 
   double scale() const { return scale_; }
   double height() const;  ///< of all that is drawn
@@ -28,8 +30,11 @@ class Section {
   enum class Lie { Standing, OutsideAbove, OutsideBelow };
 
   void place_layers();
+  bool place_layers(double scale, double deepest);
   Point at(double across, double along) const;
-  void draw_layer(Svg& svg, std::size_t index) const;
+  void draw_layer(Svg& svg, std::size_t index, const CutStyle& style,
+                  const std::string& hatch) const;
+  bool draw_layers(Svg& svg) const;
   void draw_core(Svg& svg) const;
   void draw_break(Svg& svg, double along) const;
   void draw_dimension(Svg& svg, double from, double to, double distance) const;
@@ -39,7 +44,9 @@ class Section {
   void draw_scale_bar(Svg& svg) const;
   void draw_numbers(Svg& svg) const;
   void draw_sides(Svg& svg) const;
-  std::vector<double> number_places() const;
+  double bar() const;
+  std::vector<std::size_t> numbered_layers() const;
+  std::vector<double> number_places(const std::vector<std::size_t>& layers) const;
   std::size_t thickest_layer() const;
   double depth() const;  ///< of the drawing without the bar below it
 
@@ -53,6 +60,9 @@ class Section {
   bool thickened_ = false;
   std::vector<double> edges_;  ///< across, from the outside; one more than layers
 };
+
+/// A length as it stands in drawings, without its unit.
+std::string drawn_length(double length, veldra::Unit unit);
 
 /// A layer number in its circle.
 void draw_number(Svg& svg, Point center, std::size_t number, bool structural);

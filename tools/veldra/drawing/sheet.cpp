@@ -3,7 +3,6 @@
 #include "drawing/section.hpp"
 #include "drawing/svg.hpp"
 #include "kinds.hpp"
-#include "summary.hpp"
 #include "text.hpp"
 #include "thermal.hpp"
 
@@ -25,6 +24,10 @@ constexpr double conductivity_right = right - 14;
 constexpr double line_height = 3.7;
 constexpr double row_padding = 2.4;
 constexpr std::size_t name_columns = 48;
+constexpr std::size_t title_columns = 160;
+constexpr std::size_t subtitle_columns = 280;
+constexpr std::size_t most_layers = 200;        ///< of a build-up that is drawn
+constexpr std::size_t longest_panel = 950'000;  ///< bytes of one, without its title
 
 /// The text in lines of at most so many columns, broken at blanks where there are any.
 std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {
@@ -44,6 +47,12 @@ std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {
   return lines;
 }
 
+/// What fits into so many columns, with a sign that there was more.
+std::string shortened(const std::string& text, std::size_t columns) {
+  if (display_width(text) <= columns) return text;
+  return leading_columns(text, columns - 1) + "…";
+}
+
 TextStyle style_of(double size, Anchor anchor = Anchor::Start) {
   TextStyle style;
   style.size = size;
@@ -53,7 +62,7 @@ TextStyle style_of(double size, Anchor anchor = Anchor::Start) {
 
 /// With as many decimals in every row, so that the points stand under each other; metals need none.
 std::string conductivity_text(double conductivity) {
-  return fmt::format("{:.{}f}", conductivity, conductivity < 10 ? 3 : 0);
+  return fixed_number(conductivity, conductivity < 10 ? 3 : 0);
 }
 
 std::string title_of(veldra::Composition::Type type) {
@@ -73,39 +82,46 @@ std::string title_of(veldra::Composition::Type type) {
 class Panel {
  public:
   Panel(const veldra::Composition& composition, veldra::Unit unit, double top)
-      : composition_(composition),
-        unit_(unit),
-        top_(top),
-        section_(composition, unit, {margin, top + 15}),
-        transmission_(transmission_of(composition, unit)) {}
+      : composition_(composition), unit_(unit), top_(top) {}
 
   /// Draws the build-up and returns where the next one may begin.
-  double draw(Svg& svg) const {
-    draw_title(svg);
-    if (composition_.layers().empty()) {
-      svg.text({margin, top_ + 22}, "This build-up has no layers.", style_of(3));
-      return top_ + 32;
+  double draw(Svg& svg) {
+    const std::size_t layers = composition_.layers().size();
+    if (layers == 0) return draw_sentence(svg, "This build-up has no layers.");
+    if (layers > most_layers) return draw_sentence(svg, "It has too many layers to be drawn.");
+    transmission_ = transmission_of(composition_, unit_);
+    const Section section(composition_, unit_, {margin, top_ + 15});
+    thickened_ = section.has_thickened_layers();
+    Svg body;
+    hatched_ = section.draw(body);
+    const double list_end = draw_sum(body, draw_list(body));
+    if (body.size() > longest_panel) {
+      return draw_sentence(svg, "The names of its materials are too long to be drawn.");
     }
-    section_.draw(svg);
-    const double list_end = draw_sum(svg, draw_list(svg));
-    return std::max(top_ + 15 + section_.height(), list_end) + 10;
+    draw_title(svg,
+               fmt::format(" · scale 1:{} · thicknesses in {}", short_number(section.scale(), 0),
+                           unit_ == veldra::Unit::Inches ? "inches" : "millimetres"));
+    svg.add(body);
+    return std::max(top_ + 15 + section.height(), list_end) + 10;
   }
 
  private:
-  void draw_title(Svg& svg) const {
+  double draw_sentence(Svg& svg, const char* sentence) const {
+    draw_title(svg, "");
+    svg.text({margin, top_ + 22}, sentence, style_of(3));
+    return top_ + 32;
+  }
+
+  void draw_title(Svg& svg, const std::string& scale) const {
     TextStyle style = style_of(5);
     style.bold = true;
-    svg.text({margin, top_ + 5}, composition_.name().utf8(), style);
-    std::string subtitle =
-        fmt::format("{} · {} layers", title_of(composition_.type()), composition_.layers().size());
-    if (!composition_.layers().empty()) {
-      subtitle += fmt::format(" · scale 1:{} · thicknesses in {}", section_.scale(),
-                              unit_ == veldra::Unit::Inches ? "inches" : "millimetres");
-    }
+    svg.text({margin, top_ + 5}, shortened(composition_.name().utf8(), title_columns), style);
+    std::string subtitle = fmt::format("{} · {} layers{}", title_of(composition_.type()),
+                                       composition_.layers().size(), scale);
     if (composition_.description()) subtitle += " · " + composition_.description().utf8();
     TextStyle small = style_of(2.8);
     small.color = "#555555";
-    svg.text({margin, top_ + 10}, subtitle, small);
+    svg.text({margin, top_ + 10}, shortened(subtitle, subtitle_columns), small);
     svg.line({margin, top_ + 12.5}, {right, top_ + 12.5}, 0.35);
   }
 
@@ -147,13 +163,13 @@ class Panel {
   }
 
   std::string thickness_text(std::size_t index) const {
-    const std::string text = length_text(composition_.layers()[index].thickness(), unit_);
+    const std::string text = drawn_length(composition_.layers()[index].thickness(), unit_);
     const bool variable =
         composition_.has_variable_layer() && composition_.variable_layer() == index;
     if (!variable) return text;
-    const std::string least = length_text(composition_.variable_layer_min_thickness(), unit_);
+    const std::string least = drawn_length(composition_.variable_layer_min_thickness(), unit_);
     if (!composition_.has_variable_layer_max_thickness()) return "≥" + least + " / " + text;
-    return least + "–" + length_text(composition_.variable_layer_max_thickness(), unit_);
+    return least + "–" + drawn_length(composition_.variable_layer_max_thickness(), unit_);
   }
 
   double draw_sum(Svg& svg, double y) const {
@@ -162,7 +178,7 @@ class Panel {
     number.bold = true;
     y += 5;
     svg.text({name_left, y}, "total thickness", label);
-    svg.text({thickness_right, y}, length_text(total_thickness(composition_), unit_), number);
+    svg.text({thickness_right, y}, drawn_length(total_thickness(composition_), unit_), number);
     y = draw_transmission(svg, y + 5);
     TextStyle note = style_of(2.2);
     note.color = "#555555";
@@ -182,7 +198,7 @@ class Panel {
              fmt::format("total R, with surfaces {:.2f} outside and {:.2f} inside",
                          transmission_.outside, transmission_.inside),
              label);
-    svg.text({right, y}, fmt::format("{:.3f}", *total), number);
+    svg.text({right, y}, fixed_number(*total, 3), number);
     y += 8;
     TextStyle large = style_of(5, Anchor::End);
     large.bold = true;
@@ -207,9 +223,8 @@ class Panel {
 
   std::vector<std::string> notes() const {
     std::vector<std::string> notes{"Filled number: structural layer. Thick lines: the core."};
-    if (section_.has_thickened_layers()) {
-      notes.front() += " The thinnest layers are drawn thicker.";
-    }
+    if (thickened_) notes.front() += " The thinnest layers are drawn thicker.";
+    if (!hatched_) notes.push_back("Some layers are drawn without their hatch.");
     if (transmission_.ventilated > 0) {
       notes.push_back(fmt::format("Layer {} is well ventilated: R counts from the next one.",
                                   transmission_.ventilated));
@@ -220,8 +235,9 @@ class Panel {
   const veldra::Composition& composition_;
   veldra::Unit unit_;
   double top_;
-  Section section_;
   Transmission transmission_;
+  bool thickened_ = false;
+  bool hatched_ = true;
 };
 
 }  // namespace
@@ -233,7 +249,7 @@ std::string draw_sheet(const std::vector<std::shared_ptr<veldra::Composition>>& 
   std::string title;
   for (const auto& composition : compositions) {
     y = Panel(*composition, unit, y).draw(svg);
-    title += (title.empty() ? "" : ", ") + composition->name().utf8();
+    title += (title.empty() ? "" : ", ") + shortened(composition->name().utf8(), title_columns);
   }
   return svg.document(sheet_width, std::max(y, margin * 2), title);
 }

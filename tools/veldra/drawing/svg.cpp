@@ -24,8 +24,12 @@ const char* name_of(Anchor anchor) {
 }  // namespace
 
 std::string xml_text(const std::string& text) {
+  const auto replacement = [](wchar_t character) -> std::string {
+    const bool blank = character == L'\t' || character == L'\n' || character == L'\r';
+    return blank ? " " : "\xEF\xBF\xBD";
+  };
   std::string result;
-  for (const char character : text) {
+  for (const char character : without_controls(text, replacement)) {
     switch (character) {
       case '&':
         result += "&amp;";
@@ -39,17 +43,8 @@ std::string xml_text(const std::string& text) {
       case '"':
         result += "&quot;";
         break;
-      case '\t':
-      case '\n':
-      case '\r':
-        result += ' ';
-        break;
       default:
-        if (static_cast<unsigned char>(character) < 0x20) {
-          result += "\xEF\xBF\xBD";
-        } else {
-          result += character;
-        }
+        result += character;
     }
   }
   return result;

@@ -1,11 +1,13 @@
 #ifndef VELDRA_TOOL_DRAWING_SVG_HPP
 #define VELDRA_TOOL_DRAWING_SVG_HPP
 
+#include <cstddef>
 #include <string>
 
 namespace veldra_tool {
 
-/// A text as it stands in XML. Characters that XML does not allow become U+FFFD.
+/// A text as it stands in XML. Characters that XML does not allow or that could steer a terminal
+/// become U+FFFD.
 std::string xml_text(const std::string& text);
 
 /// A length or coordinate in millimetres of paper, to a hundredth.
@@ -36,6 +38,12 @@ class Svg {
 
   /// An element as it is.
   void raw(const std::string& element) { elements_ += element + "\n"; }
+
+  /// All elements of another drawing.
+  void add(const Svg& other) { elements_ += other.elements_; }
+
+  /// The number of bytes of all elements.
+  std::size_t size() const { return elements_.size(); }
 
   /// The whole document.
   std::string document(double width, double height, const std::string& title) const;

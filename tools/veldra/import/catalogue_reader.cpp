@@ -10,6 +10,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace veldra_tool {
@@ -273,6 +274,12 @@ bool has_core(const veldra::Composition& composition, const CatalogueComposition
 bool is_catalogue(const JsonNode& document) {
   const JsonNode* format = document.member("format");
   return format != nullptr && format->text == format_name;
+}
+
+bool has_catalogue_objects(const JsonNode& document) {
+  return std::any_of(document.members.begin(), document.members.end(), [](const auto& member) {
+    return member.first != "format" && member.first != "version";
+  });
 }
 
 std::optional<veldra::Unit> catalogue_unit(const JsonNode& document, const std::string& file) {

@@ -47,6 +47,9 @@ struct Catalogue {
 
 bool is_catalogue(const JsonNode& document);
 
+/// Whether a document of that format says anything beyond its format.
+bool has_catalogue_objects(const JsonNode& document);
+
 /// The unit of the lengths in the file; empty where it says none.
 std::optional<veldra::Unit> catalogue_unit(const JsonNode& document, const std::string& file);
 

@@ -5,7 +5,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
+#include <set>
 
 namespace veldra_tool {
 
@@ -31,17 +33,30 @@ std::string text_of(const JsonNode& node, const std::string& file) {
   }
 }
 
+/// Whether a member says something of the object: not the order that it had in another file, and
+/// not that a value is missing.
+bool says_something(const std::string& key, const JsonNode& value) {
+  if (key.compare(0, 4, "idf_") == 0 || value.kind == JsonNode::Kind::Null) return false;
+  return value.kind != JsonNode::Kind::Text || !trimmed(value.text).empty();
+}
+
 SourceMaterial material_from(const std::string& name, const JsonNode& node,
                              const MaterialClass& described, const std::string& file) {
   SourceMaterial material;
   material.described = &described;
   material.name = name;
   material.line = node.line;
+  std::set<std::string> known;
   for (const auto& field : described.fields) {
+    if (field.kind == FieldKind::Dropped) continue;
+    known.insert(field.key);
     const JsonNode* value = node.member(field.key);
-    if (value == nullptr || field.kind == FieldKind::Ignored) continue;
+    if (value == nullptr || field.kind == FieldKind::Implied) continue;
     std::string text = text_of(*value, file);
     if (!text.empty()) material.values[field.key] = std::move(text);
+  }
+  for (const auto& [key, value] : node.members) {
+    if (known.count(key) == 0 && says_something(key, value)) ++material.dropped;
   }
   return material;
 }
@@ -67,6 +82,7 @@ SourceConstruction construction_from(const std::string& name, const JsonNode& no
   std::map<unsigned, std::string> layers;
   for (const auto& [key, value] : node.members) {
     const unsigned position = layer_position(key);
+    if (position == 0 && says_something(key, value)) ++construction.dropped;
     if (position == 0) continue;
     std::string text = text_of(value, file);
     if (!text.empty()) layers[position] = std::move(text);
@@ -75,7 +91,35 @@ SourceConstruction construction_from(const std::string& name, const JsonNode& no
   return construction;
 }
 
+bool has_objects_only(const JsonNode& node) {
+  return node.kind == JsonNode::Kind::Object &&
+         std::all_of(node.members.begin(), node.members.end(), [](const auto& member) {
+           return member.second.kind == JsonNode::Kind::Object;
+         });
+}
+
+/// A class whose name is not spelled as usual may be something else.
+bool is_evidence(const std::string& name, const JsonNode& objects) {
+  const auto* material = material_class(name);
+  const auto* construction = construction_class(name);
+  if (objects.kind == JsonNode::Kind::Object) return material || construction;
+  return (material && name == material->name) || (construction && name == construction->name);
+}
+
 }  // namespace
+
+bool is_epjson(const JsonNode& document) {
+  if (document.kind != JsonNode::Kind::Object) return false;
+  const auto& members = document.members;
+  if (std::any_of(members.begin(), members.end(),
+                  [](const auto& member) { return is_evidence(member.first, member.second); })) {
+    return true;
+  }
+  return std::all_of(members.begin(), members.end(), [](const auto& member) {
+    const auto& [name, objects] = member;
+    return can_be_class(name) && name[0] >= 'A' && name[0] <= 'Z' && has_objects_only(objects);
+  });
+}
 
 SourceModel read_epjson(const JsonNode& document, const std::string& file) {
   SourceModel model;

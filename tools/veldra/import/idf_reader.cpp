@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <set>
+#include <sstream>
 #include <string_view>
 
 namespace veldra_tool {
@@ -16,12 +18,13 @@ namespace {
 struct IdfObject {
   std::vector<std::string> fields;  ///< the class first
   unsigned line = 0;                ///< of the class
+  bool whole = true;                ///< the text did not end within it
 };
 
 /// Takes a text apart into objects.
 class IdfScanner {
  public:
-  IdfScanner(std::string_view text, const std::string& file) : rest_(text), file_(file) {}
+  explicit IdfScanner(std::string_view text) : rest_(text) {}
 
   /// The next object; returns false at the end of the text.
   bool next(IdfObject& object) {
@@ -40,9 +43,9 @@ class IdfScanner {
         field += character;
       }
     }
-    if (object.line == 0) return false;
-    throw Failure(fmt::format("{}: the file ends within the object that begins here",
-                              place(file_, object.line)));
+    object.whole = false;
+    object.fields.push_back(trimmed(field));
+    return object.line != 0;
   }
 
  private:
@@ -65,7 +68,6 @@ class IdfScanner {
   }
 
   std::string_view rest_;
-  const std::string& file_;
   unsigned line_ = 1;
 };
 
@@ -81,9 +83,12 @@ SourceMaterial material_from(const IdfObject& object, const MaterialClass& descr
   material.described = &described;
   material.line = object.line;
   if (object.fields.size() > 1) material.name = object.fields[1];
-  for (std::size_t i = 0; i < described.fields.size() && i + 2 < object.fields.size(); ++i) {
+  for (std::size_t i = 0; i + 2 < object.fields.size(); ++i) {
     const std::string& value = object.fields[i + 2];
-    if (!value.empty()) material.values[described.fields[i].key] = value;
+    if (value.empty()) continue;
+    const bool known = i < described.fields.size();
+    if (known) material.values[described.fields[i].key] = value;
+    if (!known || described.fields[i].kind == FieldKind::Dropped) ++material.dropped;
   }
   return material;
 }
@@ -102,22 +107,84 @@ SourceConstruction construction_from(const IdfObject& object, const Construction
   construction.line = object.line;
   if (object.fields.size() > 1) construction.name = object.fields[1];
   if (described.kind == ConstructionKind::WithoutLayers) return construction;
-  for (std::size_t i = first_layer(object, described); i < object.fields.size(); ++i) {
-    if (!object.fields[i].empty()) construction.layers.push_back(object.fields[i]);
+  const std::size_t first = first_layer(object, described);
+  for (std::size_t i = 2; i < object.fields.size(); ++i) {
+    if (object.fields[i].empty()) continue;
+    if (i < first) {
+      ++construction.dropped;
+    } else {
+      construction.layers.push_back(object.fields[i]);
+    }
   }
   return construction;
 }
 
+/// Classes without a colon in their names that a model without materials may have.
+bool is_usual_class(const std::string& name) {
+  static const std::set<std::string> names{"version",
+                                           "building",
+                                           "zone",
+                                           "simulationcontrol",
+                                           "timestep",
+                                           "runperiod",
+                                           "scheduletypelimits",
+                                           "globalgeometryrules",
+                                           "people",
+                                           "lights"};
+  return names.count(folded(name)) > 0;
+}
+
+/// Whether an object is one that nothing but this format has. A field that goes over the end of a
+/// line shows that the commas are those of something else, such as a table.
+bool is_evidence(const IdfObject& object) {
+  const auto& fields = object.fields;
+  const std::string& name = fields.front();
+  if (fields.size() < 2 || std::any_of(fields.begin(), fields.end(), [](const auto& field) {
+        return field.find_first_of("\r\n") != std::string::npos;
+      })) {
+    return false;
+  }
+  const bool colons = name.find(':') != std::string::npos && can_be_class(name);
+  return is_known_class(name) || is_usual_class(name) || colons;
+}
+
+/// Old classes are of several words, which begin with capitals.
+bool may_be_class(const std::string& name) {
+  if (name.find(' ') == std::string::npos) return can_be_class(name);
+  std::istringstream words(name);
+  for (std::string word; words >> word;) {
+    if (!can_be_class(word) || word[0] < 'A' || word[0] > 'Z') return false;
+  }
+  return true;
+}
+
 }  // namespace
 
-SourceModel read_idf(const std::string& text, const std::string& file) {
-  if (text.find('\0') != std::string::npos) {
-    throw Failure(fmt::format("{}: this is neither a text nor JSON", in_quotes(file)));
+bool is_idf(const std::string& text) {
+  IdfScanner scanner(text);
+  IdfObject object;
+  std::size_t objects = 0;
+  std::size_t with_class = 0;
+  bool evident = false;
+  while (scanner.next(object)) {
+    if (object.fields.front().empty()) continue;
+    ++objects;
+    if (may_be_class(object.fields.front())) ++with_class;
+    evident = evident || is_evidence(object);
   }
+  if (objects == 0) return trimmed(text).compare(0, 1, "!") == 0;
+  return evident && with_class * 2 >= objects;
+}
+
+SourceModel read_idf(const std::string& text, const std::string& file) {
   SourceModel model;
-  IdfScanner scanner(text, file);
+  IdfScanner scanner(text);
   IdfObject object;
   while (scanner.next(object)) {
+    if (!object.whole) {
+      throw Failure(fmt::format("{}: the file ends within the object that begins here",
+                                place(file, object.line)));
+    }
     const std::string& name = object.fields.front();
     if (const auto* material = material_class(name)) {
       model.materials.push_back(material_from(object, *material));

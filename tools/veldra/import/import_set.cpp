@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
 #include <filesystem>
 
 namespace veldra_tool {
@@ -41,6 +42,13 @@ std::map<Outcome, unsigned>& outcomes_of(const veldra::Material&, SourceReport& 
 
 std::map<Outcome, unsigned>& outcomes_of(const veldra::Composition&, SourceReport& report) {
   return report.compositions;
+}
+
+/// Of an object whose class has fields that no library has a place for.
+template <class SourceObject>
+void count_dropped(const SourceObject& object, SourceReport& report) {
+  if (object.dropped == 0) return;
+  report.dropped[fmt::format("fields of {}", object.described->name)] += object.dropped;
 }
 
 /// A name with a number that no object has.
@@ -140,9 +148,12 @@ void ImportSet::settle(const Incoming<T>& first, const std::shared_ptr<T>& secon
       require_free_code(*first.object, line, report);
       ++outcomes_of(*second, report)[Outcome::Changed];
       return;
-    case OnConflict::Rename:
+    case OnConflict::Rename: {
       second->name(library_text(free_name(objects, name)));
-      return objects.add(incoming, name);
+      Incoming<T> renamed = incoming;
+      renamed.renamed = true;
+      return objects.add(renamed, name);
+    }
   }
 }
 
@@ -168,6 +179,7 @@ void ImportSet::add_material(const SourceMaterial& material, std::size_t source,
                                           failure.what()));
     return;
   }
+  count_dropped(material, report);
   enter(materials_, object, true, material.line, source, report);
 }
 
@@ -184,7 +196,7 @@ void ImportSet::add(Catalogue catalogue, SourceReport& report) {
     ++report.read["material"];
     enter(materials_, material.object, false, material.line, source, report);
   }
-  if (catalogue.assets > 0) report.skipped["asset"] = catalogue.assets;
+  if (catalogue.assets > 0) report.dropped["assets"] = catalogue.assets;
   if (catalogue.types) {
     if (!types_) types_.emplace();
     types_->insert(catalogue.types->begin(), catalogue.types->end());
@@ -203,13 +215,11 @@ void ImportSet::resolve() {
   }
 }
 
-void ImportSet::count_layers(const std::vector<std::shared_ptr<veldra::Material>>& materials,
-                             SourceReport& report) const {
-  report.layers += static_cast<unsigned>(materials.size());
-  for (const auto& material : materials) {
-    if (!material) ++report.references_not_found;
-    if (!material || material->thicknesses().empty()) ++report.layers_without_thickness;
-  }
+void ImportSet::count_layer(const std::shared_ptr<veldra::Material>& material, double thickness,
+                            SourceReport& report) {
+  ++report.layers;
+  if (!material) ++report.references_not_found;
+  if (thickness == 0 || std::isnan(thickness)) ++report.layers_without_thickness;
 }
 
 void ImportSet::resolve(const SourceConstruction& construction, std::size_t source,
@@ -227,14 +237,16 @@ void ImportSet::resolve(const SourceConstruction& construction, std::size_t sour
   std::vector<std::shared_ptr<veldra::Material>> materials;
   bool all_found = true;
   for (const auto& name : construction.layers) {
-    materials.push_back(materials_.find(name, source, MaterialNames::Folded));
-    if (materials.back()) continue;
+    const auto material = materials_.find(name, source, MaterialNames::Folded);
+    materials.push_back(material);
+    count_layer(material, material ? usual_thickness(*material) : 0, report);
+    if (material) continue;
     all_found = false;
     problem(fmt::format("there is no material {}", in_quotes(name)));
   }
-  count_layers(materials, report);
   if (construction.name.empty()) return problem("the name is missing");
   if (!all_found) return;
+  count_dropped(construction, report);
   enter(compositions_, map_construction(library_text(construction.name), map_layers(materials)),
         true, construction.line, source, report);
 }
@@ -242,19 +254,18 @@ void ImportSet::resolve(const SourceConstruction& construction, std::size_t sour
 void ImportSet::resolve(const CatalogueComposition& composition, std::size_t source,
                         SourceReport& report) {
   ++report.read["composition"];
-  std::vector<std::shared_ptr<veldra::Material>> materials;
   std::vector<veldra::Composition::Layer> layers;
   bool all_found = true;
   for (const auto& layer : composition.layers) {
-    materials.push_back(materials_.find(layer.material, source, MaterialNames::Exact));
-    layers.emplace_back(materials.back(), layer.function, layer.thickness);
-    if (materials.back()) continue;
+    const auto material = materials_.find(layer.material, source, MaterialNames::Exact);
+    layers.emplace_back(material, layer.function, layer.thickness);
+    count_layer(material, layer.thickness, report);
+    if (material) continue;
     all_found = false;
     report.problems.push_back(fmt::format(
         "{}: composition {}: there is no material {}", place(report.file, composition.line),
         in_quotes(composition.object->name().utf8()), in_quotes(layer.material)));
   }
-  count_layers(materials, report);
   if (!all_found) return;
   complete(composition, layers, report.file);
   enter(compositions_, composition.object, false, composition.line, source, report);

@@ -23,6 +23,7 @@ struct Incoming {
   std::shared_ptr<T> object;
   std::size_t source;
   bool tagged_by_origin;  ///< its tags are those that the import gives
+  bool renamed = false;   ///< because another source has an object of its name
 };
 
 /// The objects of one kind of all sources, found by their names.
@@ -97,13 +98,13 @@ class ImportSet {
   void require_free_code(const veldra::Material& material, unsigned line,
                          const SourceReport& report);
   void require_free_code(const veldra::Composition&, unsigned, const SourceReport&) {}
+  static void count_layer(const std::shared_ptr<veldra::Material>& material, double thickness,
+                          SourceReport& report);
   void release_code(const veldra::Material& material) { names_by_code_.erase(material.code()); }
   void release_code(const veldra::Composition&) {}
   void add_material(const SourceMaterial& material, std::size_t source, SourceReport& report);
   void resolve(const SourceConstruction& construction, std::size_t source, SourceReport& report);
   void resolve(const CatalogueComposition& composition, std::size_t source, SourceReport& report);
-  void count_layers(const std::vector<std::shared_ptr<veldra::Material>>& materials,
-                    SourceReport& report) const;
 
   veldra::Unit unit_;
   OnConflict policy_;

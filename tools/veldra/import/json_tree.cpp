@@ -2,6 +2,7 @@
 
 #include "failure.hpp"
 #include "import/place.hpp"
+#include "text.hpp"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -98,7 +99,7 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
   /// What the parser says, without the name and number of its exception and without the place.
   static std::string reason_in(const std::string& message) {
     const auto start = message.find("- ");
-    return start == std::string::npos ? "" : " (" + message.substr(start + 2) + ")";
+    return start == std::string::npos ? "" : " (" + printable(message.substr(start + 2)) + ")";
   }
 
   bool add_number(double value) {

@@ -65,20 +65,22 @@ std::shared_ptr<veldra::Material> map_material(const SourceMaterial& source, vel
   return material;
 }
 
+double usual_thickness(const veldra::Material& material) {
+  return material.thicknesses().empty() ? 0.0 : *material.thicknesses().begin();
+}
+
 std::vector<veldra::Composition::Layer> map_layers(
     const std::vector<std::shared_ptr<veldra::Material>>& materials) {
   std::vector<veldra::Composition::Layer> layers;
   std::size_t structural = 0;
   double greatest = -1;
   for (const auto& material : materials) {
-    const auto& thicknesses = material->thicknesses();
     const double mass = thermal_mass_of(*material);
     if (mass > greatest) {
       greatest = mass;
       structural = layers.size();
     }
-    layers.emplace_back(material, veldra::Material::Function::None,
-                        thicknesses.empty() ? 0.0 : *thicknesses.begin());
+    layers.emplace_back(material, veldra::Material::Function::None, usual_thickness(*material));
   }
   if (greatest >= 0) layers[structural].function(veldra::Material::Function::Structure);
   return layers;

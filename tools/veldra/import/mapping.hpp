@@ -16,6 +16,9 @@ namespace veldra_tool {
 std::shared_ptr<veldra::Material> map_material(const SourceMaterial& source, veldra::Unit unit,
                                                SharedObjects& shared);
 
+/// The thickness that a layer of a material has; 0 when the material is offered in none.
+double usual_thickness(const veldra::Material& material);
+
 /// The layers of a construction: each as thick as its material is offered, and the one of the
 /// greatest thermal mass per area carries.
 std::vector<veldra::Composition::Layer> map_layers(

@@ -35,6 +35,7 @@ Json to_json(const SourceReport& report) {
   json["format"] = report.format;
   json["read"] = counts_to_json(report.read);
   json["skipped"] = counts_to_json(report.skipped);
+  json["dropped"] = counts_to_json(report.dropped);
   json["materials"] = outcomes_to_json(report.materials);
   json["compositions"] = outcomes_to_json(report.compositions);
   json["layers"] = report.layers;
@@ -78,6 +79,9 @@ std::string text_of(const SourceReport& report) {
   text += fmt::format("  compositions  {}\n", outcomes_text(report.compositions));
   text += fmt::format("  layers        {}, {} without thickness, {} without a known material\n",
                       report.layers, report.layers_without_thickness, report.references_not_found);
+  if (!report.dropped.empty()) {
+    text += fmt::format("  dropped       {}\n", counts_text(report.dropped));
+  }
   if (!report.skipped.empty()) text += fmt::format("  skipped       {}\n", skipped_text(report));
   return text;
 }

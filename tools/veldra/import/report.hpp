@@ -16,6 +16,7 @@ struct SourceReport {
   std::string format;
   std::map<std::string, unsigned> read;     ///< objects, by class
   std::map<std::string, unsigned> skipped;  ///< objects, by class
+  std::map<std::string, unsigned> dropped;  ///< what imported objects had besides, by what it is
   std::map<Outcome, unsigned> materials;
   std::map<Outcome, unsigned> compositions;
   unsigned layers = 0;

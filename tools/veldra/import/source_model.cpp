@@ -22,7 +22,9 @@ FieldDescription text(const char* key, const char* property) {
 
 FieldDescription thickness() { return {"thickness", "", FieldKind::Thickness}; }
 
-FieldDescription ignored(const char* key) { return {key, "", FieldKind::Ignored}; }
+FieldDescription dropped(const char* key) { return {key, "", FieldKind::Dropped}; }
+
+FieldDescription implied(const char* key) { return {key, "", FieldKind::Implied}; }
 
 FieldDescription roughness() { return text("roughness", "Roughness"); }
 
@@ -76,7 +78,7 @@ std::vector<FieldDescription> refraction_fields() {
 
 std::vector<FieldDescription> gas_mixture_fields() {
   return {thickness(),
-          ignored("number_of_gases_in_mixture"),
+          implied("number_of_gases_in_mixture"),
           text("gas_1_type", "Gas 1 type"),
           number("gas_1_fraction", "Gas 1 fraction [-]"),
           text("gas_2_type", "Gas 2 type"),
@@ -99,10 +101,10 @@ std::vector<FieldDescription> shade_fields() {
 }
 
 std::vector<FieldDescription> vegetation_fields() {
-  return joined(joined({ignored("height_of_plants"), ignored("leaf_area_index"),
+  return joined(joined({dropped("height_of_plants"), dropped("leaf_area_index"),
                         number("leaf_reflectivity", "Leaf reflectance [-]"),
-                        ignored("leaf_emissivity"), ignored("minimum_stomatal_resistance"),
-                        ignored("soil_layer_name"), roughness(), thickness()},
+                        dropped("leaf_emissivity"), dropped("minimum_stomatal_resistance"),
+                        dropped("soil_layer_name"), roughness(), thickness()},
                        {number("conductivity_of_dry_soil", property::conductivity),
                         number("density_of_dry_soil", property::density),
                         number("specific_heat_of_dry_soil", property::specific_heat)}),
@@ -165,6 +167,21 @@ const Class* find(const std::map<std::string, const Class*>& classes, const std:
 const MaterialClass* material_class(const std::string& name) {
   static const auto index = by_name(material_classes());
   return find(index, name);
+}
+
+bool is_known_class(const std::string& name) {
+  return material_class(name) != nullptr || construction_class(name) != nullptr;
+}
+
+bool can_be_class(const std::string& name) {
+  const auto is_letter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
+  char before = ':';
+  for (const char c : name) {
+    const bool inner = (c >= '0' && c <= '9') || c == '_' || c == '-' || c == ':';
+    if (!is_letter(c) && (before == ':' || !inner)) return false;
+    before = c;
+  }
+  return before != ':';
 }
 
 bool may_lack_thickness(const std::string& type) {

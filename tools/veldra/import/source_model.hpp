@@ -8,7 +8,13 @@
 namespace veldra_tool {
 
 /// How a field of a class of the simulation formats comes into a library.
-enum class FieldKind { Ignored, Thickness, Number, Text };
+enum class FieldKind {
+  Dropped,  ///< a library has no place for it
+  Implied,  ///< other fields say it as well
+  Thickness,
+  Number,
+  Text
+};
 
 struct FieldDescription {
   const char* key;       ///< the name of the field in epJSON
@@ -26,6 +32,12 @@ struct MaterialClass {
 
 /// The class of that name in whatever case; null when there is none.
 const MaterialClass* material_class(const std::string& name);
+
+/// Whether the name is that of a class of materials or constructions.
+bool is_known_class(const std::string& name);
+
+/// Whether a class could have that name: words of letters and digits with colons between them.
+bool can_be_class(const std::string& name);
 
 /// Whether a material type is that of a class whose materials have no thickness.
 bool may_lack_thickness(const std::string& type);
@@ -45,6 +57,7 @@ struct SourceMaterial {
   std::string name;
   unsigned line = 0;
   std::map<std::string, std::string> values;  ///< by the key of the field; none is empty
+  unsigned dropped = 0;                       ///< fields that a library has no place for
 };
 
 struct SourceConstruction {
@@ -52,6 +65,7 @@ struct SourceConstruction {
   std::string name;
   unsigned line = 0;
   std::vector<std::string> layers;  ///< from outside to inside
+  unsigned dropped = 0;             ///< as of a material
 };
 
 /// What a file of the simulation formats holds.

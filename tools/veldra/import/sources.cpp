@@ -41,27 +41,26 @@ bool starts_as_json(const std::string& text) {
 
 }  // namespace
 
-Source::Source(const std::string& file) : file_(file), format_(Format::Idf) {
-  text_ = content_of(file);
-  drop_byte_order_mark(text_);
-  if (!starts_as_json(text_)) {
-    if (!is_utf8(text_)) text_ = from_latin1(text_);
+Source::Source(const std::string& file) : file_(file) {
+  std::string text = content_of(file);
+  drop_byte_order_mark(text);
+  require_readable(text, file);
+  if (!starts_as_json(text)) {
+    if (!is_utf8(text)) text = from_latin1(text);
+    require_idf(text, file);
+    model_ = read_idf(text, file);
     return;
   }
-  document_ = parse_json(text_, file_);
-  format_ = is_catalogue(document_) ? Format::Catalogue : Format::EpJson;
-  text_.clear();
+  document_ = parse_json(text, file);
+  format_ = format_of(document_, file);
+  if (format_ != Format::EpJson) return;
+  model_ = read_epjson(document_, file);
+  document_ = JsonNode();
 }
 
-const char* Source::format() const {
-  switch (format_) {
-    case Format::Idf:
-      return "IDF";
-    case Format::EpJson:
-      return "epJSON";
-    default:
-      return "veldra";
-  }
+bool Source::has_objects() const {
+  return format_ == Format::Catalogue ? has_catalogue_objects(document_)
+                                      : !model_.materials.empty() || !model_.constructions.empty();
 }
 
 std::optional<veldra::Unit> Source::unit() const {
@@ -70,14 +69,8 @@ std::optional<veldra::Unit> Source::unit() const {
 }
 
 void Source::add_to(ImportSet& set, veldra::Unit unit, SourceReport& report) const {
-  switch (format_) {
-    case Format::Idf:
-      return set.add(read_idf(text_, file_), report);
-    case Format::EpJson:
-      return set.add(read_epjson(document_, file_), report);
-    default:
-      return set.add(read_catalogue(document_, file_, unit, set.shared()), report);
-  }
+  if (format_ != Format::Catalogue) return set.add(model_, report);
+  set.add(read_catalogue(document_, file_, unit, set.shared()), report);
 }
 
 }  // namespace veldra_tool

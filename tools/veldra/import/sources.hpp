@@ -1,6 +1,7 @@
 #ifndef VELDRA_TOOL_IMPORT_SOURCES_HPP
 #define VELDRA_TOOL_IMPORT_SOURCES_HPP
 
+#include "import/format.hpp"
 #include "import/import_set.hpp"
 #include "import/json_tree.hpp"
 
@@ -16,7 +17,10 @@ class Source {
   explicit Source(const std::string& file);
 
   const std::string& file() const { return file_; }
-  const char* format() const;
+  const char* format() const { return name_of(format_); }
+
+  /// Whether the file has anything that a library has a place for.
+  bool has_objects() const;
 
   /// The unit that the file asks for, if it does.
   std::optional<veldra::Unit> unit() const;
@@ -25,12 +29,10 @@ class Source {
   void add_to(ImportSet& set, veldra::Unit unit, SourceReport& report) const;
 
  private:
-  enum class Format { Idf, EpJson, Catalogue };
-
   std::string file_;
-  Format format_;
-  std::string text_;   ///< of an IDF
-  JsonNode document_;  ///< of the others
+  Format format_ = Format::Idf;
+  SourceModel model_;  ///< of IDF and epJSON
+  JsonNode document_;  ///< of the program's own JSON
 };
 
 }  // namespace veldra_tool

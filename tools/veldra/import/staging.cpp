@@ -48,7 +48,8 @@ void count_outcomes(const IncomingObjects<T>& objects, const veldra::Library& st
     if (!mapping.compute({veldra::ObjectKey(type, incoming.object->id()), &staging}, value)) {
       continue;
     }
-    const auto outcome = reactor.outcome(type, incoming.object->name(), value.status);
+    auto outcome = reactor.outcome(type, incoming.object->name(), value.status);
+    if (outcome == Outcome::Added && incoming.renamed) outcome = Outcome::Renamed;
     ++(report[incoming.source].*counts)[outcome];
   }
 }

@@ -1,0 +1,188 @@
+#include "tools/program.hpp"
+
+#include "support/database.hpp"
+
+namespace veldra_tests {
+namespace {
+
+using testing::HasSubstr;
+
+/// What an import says that it did.
+class Report : public ProgramTest {
+ protected:
+  nlohmann::json reported(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "import");
+    arguments.push_back("--json");
+    const auto run = veldra(arguments);
+    EXPECT_TRUE(run.status == 0 || run.status == 3) << run.err;
+    return run.out.empty() ? nlohmann::json() : run.json();
+  }
+
+  /// All outcomes of a source's materials and compositions together.
+  static int sum(const nlohmann::json& source) {
+    int result = 0;
+    for (const char* kind : {"materials", "compositions"}) {
+      for (const auto& [outcome, count] : source[kind].items()) result += count.get<int>();
+    }
+    return result;
+  }
+};
+
+TEST_F(Report, tells_what_was_renamed_because_another_source_had_its_name) {
+  write("one.idf", "Material:AirGap, A, 0.1; Material:AirGap, B, 0.1; Construction, W, A;");
+  write("two.idf", "Material:AirGap, A, 0.2; Material:AirGap, B, 0.1; Construction, W, A, B;");
+  write("three.idf", "Material:AirGap, A, 0.3; Material:AirGap, C, 0.3; Construction, W, A, C;");
+  const auto report =
+      reported({"a.lib", "one.idf", "two.idf", "three.idf", "--on-conflict", "rename"});
+  EXPECT_EQ(report[0]["materials"]["added"], 2);
+  EXPECT_EQ(report[0]["materials"]["renamed"], 0);
+  EXPECT_EQ(report[1]["materials"]["added"], 0);
+  EXPECT_EQ(report[1]["materials"]["equal"], 1);
+  EXPECT_EQ(report[1]["materials"]["renamed"], 1);
+  EXPECT_EQ(report[1]["compositions"]["renamed"], 1);
+  EXPECT_EQ(report[2]["materials"]["added"], 1);
+  EXPECT_EQ(report[2]["materials"]["renamed"], 1);
+  EXPECT_EQ(report[2]["compositions"]["renamed"], 1);
+  for (const auto& source : report) EXPECT_EQ(sum(source), 3);
+  EXPECT_EQ(count("a.lib", "materials"), 5U);
+  EXPECT_THAT(must({"list", "a.lib", "materials"}).out, HasSubstr("A (3)"));
+}
+
+TEST_F(Report, tells_what_is_there_already_under_its_new_name_as_equal) {
+  write("one.idf", "Material:AirGap, A, 0.1;");
+  write("two.idf", "Material:AirGap, A, 0.2;");
+  reported({"a.lib", "one.idf", "two.idf", "--on-conflict", "rename"});
+  const auto again = reported({"a.lib", "one.idf", "two.idf", "--on-conflict", "rename"});
+  EXPECT_EQ(again[1]["materials"]["equal"], 1);
+  EXPECT_EQ(again[1]["materials"]["renamed"], 0);
+}
+
+TEST_F(Report, counts_layers_by_their_own_thickness) {
+  write("a.json", R"({"format": "veldra", "materials": [{"name": "A"}, {"name": "B",
+    "thicknesses": [5]}], "compositions": [{"name": "W", "layers": [
+    {"material": "A", "thickness": 115}, {"material": "A", "thickness": 20},
+    {"material": "B", "thickness": 5}, {"material": "B"}, {"material": "A", "thickness": null}]}]})");
+  const auto source = reported({"a.lib", "a.json"})[0];
+  EXPECT_EQ(source["layers"], 5);
+  EXPECT_EQ(source["layers_without_thickness"], 2);
+}
+
+TEST_F(Report, counts_layers_of_models_by_their_materials) {
+  write("a.idf",
+        "Material, A, Rough, 0.1, 1, 1, 1; Material:AirGap, Gap, 0.1; Construction, W, A, Gap, A;");
+  const auto source = reported({"a.lib", "a.idf"})[0];
+  EXPECT_EQ(source["layers"], 3);
+  EXPECT_EQ(source["layers_without_thickness"], 1);
+}
+
+TEST_F(Report, tells_of_the_fields_that_no_library_has_a_place_for) {
+  write("a.idf",
+        "WindowMaterial:Blind, Blind, Horizontal, 0.025, , 0.01; Material:AirGap, Gap, 0.1, ;"
+        "WindowMaterial:GasMixture, Mix, 0.01, 2, Argon, .9, Air, .1;"
+        "Construction:InternalSource, Warm, 1, , 1, 0.15, Gap;");
+  write("a.epJSON", R"({"Material": {"Brick": {"thickness": 0.1, "idf_order": 4, "colour": "red",
+    "note": "", "age": null}}, "Construction": {"W": {"outside_layer": "Brick", "use": "wall"}}})");
+  const auto run = veldra({"import", "a.lib", "a.idf", "a.epJSON", "--json"});
+  EXPECT_EQ(run.json()[0]["dropped"],
+            nlohmann::json({{"fields of WindowMaterial:Blind", 3},
+                            {"fields of Construction:InternalSource", 3}}));
+  EXPECT_EQ(run.json()[1]["dropped"],
+            nlohmann::json({{"fields of Material", 1}, {"fields of Construction", 1}}));
+  EXPECT_EQ(run.status, 3);
+}
+
+TEST_F(Report, tells_of_assets_that_stay_behind) {
+  write("a.json", R"({"format": "veldra", "materials": [{"name": "Oak", "thermal_asset": {},
+    "structural_asset": {}}, {"name": "Ash", "thermal_asset": {}}]})");
+  const auto run = veldra({"import", "a.lib", "a.json"});
+  EXPECT_EQ(run.status, 3);
+  EXPECT_THAT(run.out, HasSubstr("dropped       3 assets"));
+  EXPECT_EQ(count("a.lib", "materials"), 2U);
+}
+
+TEST_F(Report, of_everything_that_went_in_whole_is_not_a_finding) {
+  write("a.idf", "Version, 9.4; Zone, Z1; Material:AirGap, Gap, 0.1; Construction, W, Gap;");
+  must({"import", "a.lib", "a.idf", "--strict"});
+}
+
+TEST_F(Report, of_a_problem_is_a_finding) {
+  write("a.idf", "Material:AirGap, Gap, 0.1; Construction, W, Lost;");
+  EXPECT_EQ(veldra({"import", "a.lib", "a.idf", "--dry-run"}).status, 3);
+  EXPECT_EQ(veldra({"import", "a.lib", "a.idf"}).status, 3);
+}
+
+class Strict : public Report, public testing::WithParamInterface<const char*> {};
+
+TEST_P(Strict, makes_a_finding_an_error_before_anything_is_written) {
+  write("source", GetParam());
+  write("good.idf", "Material:AirGap, Good, 0.1;");
+  const auto run = veldra({"import", "new.lib", "good.idf", "source", "--strict"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.out, "");
+  EXPECT_THAT(run.err, HasSubstr("nothing is imported"));
+  EXPECT_FALSE(exists("new.lib"));
+  must({"create", "a.lib"});
+  const auto before = dump(path("a.lib"));
+  EXPECT_EQ(veldra({"import", "a.lib", "source", "--strict"}).status, 1);
+  EXPECT_EQ(veldra({"import", "a.lib", "source", "--strict", "--dry-run"}).status, 1);
+  EXPECT_EQ(dump(path("a.lib")), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Each, Strict,
+    testing::Values("Construction, W, Lost;", "Material, A, Rough, thick, 1, 1, 1;",
+                    "WindowMaterial:Blind, Blind, Horizontal;",
+                    R"({"Material": {"Brick": {"thickness": 0.1, "colour": "red"}}})",
+                    R"({"format": "veldra", "materials": [{"name": "A", "thermal_asset": {}}]})"));
+
+/// A dry run tells what the run after it does.
+class DryRun : public Report, public testing::WithParamInterface<const char*> {
+ protected:
+  void SetUp() override {
+    write("one.idf",
+          "Material:AirGap, A, 0.1; Material, B, Rough, 0.1, 1, 1, 1; Construction, W, A, B;"
+          "Construction, Bad, Lost; WindowMaterial:Blind, Blind, Horizontal;");
+    write("two.json", R"({"format": "veldra", "library": {"unit": "in", "locale": "de"},
+      "material_types": ["Straw"], "tags": ["t"],
+      "materials": [{"name": "A", "type": "Straw", "thermal_asset": {}},
+                    {"name": "C", "code": "C-1", "thicknesses": [2]}],
+      "compositions": [{"name": "W", "layers": [{"material": "C", "thickness": 2},
+                                                {"material": "A"}]}]})");
+    write("three.epJSON", R"({"Material": {"a": {"thickness": 0.3}, "D": {"thickness": 0.1}},
+      "Construction": {"W": {"outside_layer": "D", "layer_2": "a"}}, "Zone": {"Z": {}}})");
+  }
+
+  void expect_same(const std::string& library, std::vector<std::string> sources) {
+    std::vector<std::string> arguments{"import", library, "--json", "--on-conflict", GetParam()};
+    arguments.insert(arguments.end(), sources.begin(), sources.end());
+    auto pretended = arguments;
+    pretended.push_back("--dry-run");
+    const bool was_there = exists(library);
+    const auto before = was_there ? exported(library) : "";
+    const auto told = veldra(pretended);
+    EXPECT_EQ(exists(library), was_there);
+    if (was_there) {
+      EXPECT_EQ(exported(library), before);
+    }
+    const auto done = veldra(arguments);
+    EXPECT_EQ(done.status, told.status);
+    EXPECT_EQ(done.out, told.out);
+    EXPECT_EQ(done.err, told.err);
+  }
+};
+
+TEST_P(DryRun, of_several_sources_reports_what_the_real_one_does) {
+  expect_same("new.lib", {"one.idf"});
+  expect_same("new.lib", {"two.json", "three.epJSON"});
+  expect_same("new.lib", {"one.idf", "two.json", "three.epJSON"});
+  expect_same("other.lib", {"two.json", "one.idf", "three.epJSON"});
+  expect_same("other.lib", {"three.epJSON", "two.json", "one.idf"});
+  must({"create", "inches.lib", "--unit", "in"});
+  expect_same("inches.lib", {"one.idf", "three.epJSON"});
+}
+
+INSTANTIATE_TEST_SUITE_P(WithEachPolicy, DryRun,
+                         testing::Values("fail", "use", "overwrite", "rename"));
+
+}  // namespace
+}  // namespace veldra_tests

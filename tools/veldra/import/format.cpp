@@ -1,0 +1,217 @@
+#include "import/format.hpp"
+
+#include "failure.hpp"
+#include "import/catalogue_reader.hpp"
+#include "import/readers.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cctype>
+#include <iterator>
+#include <string_view>
+#include <vector>
+
+namespace veldra_tool {
+
+namespace {
+
+using std::string_view_literals::operator""sv;
+
+[[noreturn]] void refuse(const std::string& file, const std::string& sentence) {
+  throw Failure(fmt::format("{}: {}", in_quotes(file), sentence));
+}
+
+[[noreturn]] void refuse_format(const std::string& file, const std::string& format) {
+  refuse(file, fmt::format("this seems to be {}, for which there is no reader; there are readers "
+                           "for IDF, epJSON and the JSON that 'veldra export' writes",
+                           format));
+}
+
+bool begins_with(std::string_view text, std::string_view beginning) {
+  return text.substr(0, beginning.size()) == beginning;
+}
+
+bool contains(std::string_view text, std::string_view part) {
+  return text.find(part) != std::string_view::npos;
+}
+
+std::string_view without_leading_blanks(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t\r\n\v\f");
+  return first == std::string_view::npos ? std::string_view() : text.substr(first);
+}
+
+/// What begins with bytes that no text of the formats begins with.
+std::string format_by_mark(std::string_view content) {
+  constexpr std::pair<std::string_view, const char*> marks[] = {
+      {"%PDF-"sv, "a PDF document"},
+      {"\x89PNG\r\n"sv, "a picture (PNG)"},
+      {"\xff\xd8\xff"sv, "a picture (JPEG)"},
+      {"GIF8"sv, "a picture (GIF)"},
+      {"II*\0"sv, "a picture (TIFF)"},
+      {"MM\0*"sv, "a picture (TIFF)"},
+      {"RIFF"sv, "a picture, a sound or a film (RIFF)"},
+      {"\x1f\x8b"sv, "a compressed file (gzip)"},
+      {"7z\xbc\xaf"sv, "an archive (7z)"},
+      {"\xfd"
+       "7zXZ"sv,
+       "a compressed file (xz)"},
+      {"\xd0\xcf\x11\xe0"sv, "an old office document (such as XLS)"},
+      {"{\\rtf"sv, "a text document (RTF)"}};
+  for (const auto& [mark, format] : marks) {
+    if (begins_with(content, mark)) return format;
+  }
+  return "";
+}
+
+/// The names of the files in an archive stand in it as they are.
+std::string format_of_archive(std::string_view content) {
+  if (contains(content, "xl/workbook")) return "a spreadsheet (XLSX)";
+  if (contains(content, "opendocument.spreadsheet")) return "a spreadsheet (ODS)";
+  if (contains(content, "word/document")) return "a text document (DOCX)";
+  if (contains(content, ".ifc")) return "a compressed IFC model";
+  return "an archive (ZIP)";
+}
+
+std::string format_of_xml(std::string_view content) {
+  constexpr std::size_t head = 4096;
+  std::string beginning(content.substr(0, head));
+  std::transform(beginning.begin(), beginning.end(), beginning.begin(),
+                 [](unsigned char letter) { return std::tolower(letter); });
+  if (contains(beginning, "<gbxml")) return "gbXML";
+  if (contains(beginning, "<svg")) return "a picture (SVG)";
+  if (contains(beginning, "<html")) return "an HTML page";
+  if (contains(beginning, "ifcxml")) return "an IFC model in XML";
+  return "XML";
+}
+
+bool is_xml(std::string_view text) {
+  if (text.size() < 2 || text[0] != '<') return false;
+  const char next = text[1];
+  return next == '?' || next == '!' || (next >= 'A' && next <= 'Z') || (next >= 'a' && next <= 'z');
+}
+
+/// Every other byte of most texts in UTF-16 is zero.
+bool is_utf16(std::string_view content) {
+  if (begins_with(content, "\xff\xfe") || begins_with(content, "\xfe\xff")) return true;
+  const auto head = content.substr(0, 256);
+  if (head.size() < 4) return false;
+  std::size_t zeros[2] = {0, 0};
+  for (std::size_t i = 0; i < head.size(); ++i) zeros[i % 2] += head[i] == '\0' ? 1 : 0;
+  const std::size_t most = head.size() / 2 * 9 / 10;
+  return (zeros[0] > most && zeros[1] == 0) || (zeros[1] > most && zeros[0] == 0);
+}
+
+void refuse_database(std::string_view content, const std::string& file) {
+  if (!contains(content, "Composition_layers"))
+    refuse_format(file, "the database of another program");
+  refuse(file, "this is a library; 'veldra copy' takes objects from libraries");
+}
+
+const JsonNode* first_value(const JsonNode& node) {
+  if (!node.elements.empty()) return &node.elements.front();
+  return node.members.empty() ? nullptr : &node.members.front().second;
+}
+
+bool has_text(const JsonNode& node, const char* member) {
+  const JsonNode* value = node.member(member);
+  return value != nullptr && value->kind == JsonNode::Kind::Text;
+}
+
+/// A honeybee object says its type and its identifier; several stand in a list or under names.
+bool is_honeybee(const JsonNode& document) {
+  const auto is_object = [](const JsonNode& node) {
+    return has_text(node, "type") && has_text(node, "identifier");
+  };
+  const JsonNode* first = first_value(document);
+  return is_object(document) || (first != nullptr && is_object(*first));
+}
+
+/// Lists of materials and constructions, maybe below the names of standards.
+bool is_openstudio_standards(const JsonNode& node, int depth = 0) {
+  for (const char* list : {"materials", "constructions"}) {
+    const JsonNode* objects = node.member(list);
+    const JsonNode* first = objects != nullptr ? first_value(*objects) : nullptr;
+    if (first == nullptr) continue;
+    for (const char* member : {"material_type", "intended_surface_type", "materials_standard",
+                               "material_standard", "construction_standard"}) {
+      if (first->member(member) != nullptr) return true;
+    }
+  }
+  if (depth == 3) return false;
+  return std::any_of(node.members.begin(), node.members.end(), [&](const auto& member) {
+    return is_openstudio_standards(member.second, depth + 1);
+  });
+}
+
+/// The first lines of a text that are not blank.
+std::vector<std::string_view> first_lines(std::string_view text, std::size_t count) {
+  std::vector<std::string_view> lines;
+  while (!text.empty() && lines.size() < count) {
+    const auto end = std::min(text.find_first_of("\r\n"), text.size());
+    const auto line = text.substr(0, end);
+    if (!without_leading_blanks(line).empty()) lines.push_back(line);
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return lines;
+}
+
+/// Whether the first lines have as many cells. Prose and programs may have a comma in each line.
+bool is_table(std::string_view text) {
+  const auto lines = first_lines(text, 2);
+  if (lines.size() < 2) return false;
+  constexpr std::pair<char, int> least[] = {{',', 2}, {';', 2}, {'\t', 1}};
+  return std::any_of(std::begin(least), std::end(least), [&](const auto& entry) {
+    const auto [separator, count] = entry;
+    const auto found = std::count(lines[0].begin(), lines[0].end(), separator);
+    return found >= count && found == std::count(lines[1].begin(), lines[1].end(), separator);
+  });
+}
+
+}  // namespace
+
+const char* name_of(Format format) {
+  switch (format) {
+    case Format::Idf:
+      return "IDF";
+    case Format::EpJson:
+      return "epJSON";
+    default:
+      return "veldra";
+  }
+}
+
+void require_readable(const std::string& content, const std::string& file) {
+  const std::string mark = format_by_mark(content);
+  if (!mark.empty()) refuse_format(file, mark);
+  if (begins_with(content, "SQLite format 3\0"sv)) refuse_database(content, file);
+  if (begins_with(content, "PK\x03\x04") || begins_with(content, "PK\x05\x06")) {
+    refuse_format(file, format_of_archive(content));
+  }
+  if (is_utf16(content)) refuse(file, "this seems to be a text in UTF-16; save it as UTF-8");
+  const auto text = without_leading_blanks(content);
+  if (text.empty()) refuse(file, "this is empty");
+  if (contains(text, "\0"sv)) refuse_format(file, "a binary file");
+  if (is_xml(text)) refuse_format(file, format_of_xml(text));
+  if (contains(text.substr(0, 1024), "ISO-10303-21;")) {
+    refuse_format(file, contains(text.substr(0, 1 << 16), "IFC") ? "an IFC model" : "a STEP file");
+  }
+}
+
+Format format_of(const JsonNode& document, const std::string& file) {
+  if (is_catalogue(document)) return Format::Catalogue;
+  if (is_honeybee(document)) refuse_format(file, "JSON of honeybee");
+  if (is_openstudio_standards(document)) refuse_format(file, "JSON of the OpenStudio standards");
+  if (is_epjson(document)) return Format::EpJson;
+  refuse_format(file, "JSON of another kind");
+}
+
+void require_idf(const std::string& text, const std::string& file) {
+  if (is_idf(text)) return;
+  if (begins_with(text, "kind,name,position,material,")) {
+    refuse_format(file, "a table that 'veldra export --format csv' has written");
+  }
+  refuse_format(file, is_table(text) ? "a table (CSV)" : "plain text");
+}
+
+}  // namespace veldra_tool
