@@ -25,12 +25,14 @@ bool is_empty(odb::sqlite::connection& connection) {
   return !Statement(connection, "SELECT 1 FROM sqlite_master LIMIT 1").next();
 }
 
-/// Of the tables that tell a library from other databases, how many are there and are tables. Those
-/// of other kinds have no pages of their own.
+/// Of the tables that tell a library from other databases, how many are there. The identity, which
+/// opening reads, must be a table, which has pages of its own; `Library::check` tells of the
+/// others.
 long long tables_of_a_library(odb::sqlite::connection& connection) {
   Statement row(connection,
-                "SELECT count(*) FROM sqlite_master WHERE type = 'table' AND rootpage > 0"
-                " AND name IN ('Meta', 'Material', 'Composition')");
+                "SELECT count(*) FROM sqlite_master"
+                " WHERE (name IN ('Material', 'Composition') AND type IN ('table', 'view'))"
+                "    OR (name = 'Meta' AND type = 'table' AND rootpage > 0)");
   return row.next() ? row.integer(0) : 0;
 }
 

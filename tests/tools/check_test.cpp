@@ -201,7 +201,7 @@ TEST_F(Check, a_view_without_end_in_the_place_of_a_table_is_found_and_not_read) 
   const std::string rest =
       " AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT i AS id,"
       "'x' AS name FROM n";
-  for (const std::string table : {"Layer", "Tag", "MaterialType"}) {
+  for (const std::string table : {"Layer", "Tag", "Material"}) {
     const auto copy = table + ".lib";
     write(copy, read("a.lib"));
     PlainDatabase(path(copy))
