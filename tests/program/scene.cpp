@@ -95,6 +95,8 @@ const TemporaryFolder& original() {
     write(*made, "glass.idf", glass);
     write(*made, "old.json", "what was exported last year\n");
     write(*made, "old.svg", "what was drawn last year\n");
+    fs::create_symlink("old.json", *made / "link.json");
+    fs::create_symlink("office.lib", *made / "link");
     write_decoys(*made);
     fs::create_directory(*made / "temporary");
     return made;
@@ -123,13 +125,15 @@ std::string library_text(const std::string& path) {
 std::string file_text(const std::string& path) {
   struct stat status {};
   if (::lstat(path.c_str(), &status) != 0) return "gone";
+  if (S_ISLNK(status.st_mode)) return "a link to " + fs::read_symlink(path).string();
   return "mode " + std::to_string(status.st_mode & 07777) + "\n" + read_file(path);
 }
 
 }  // namespace
 
 Scene::Scene() : folder_((original(), TemporaryFolder())) {
-  fs::copy(original().path(), folder_.path(), fs::copy_options::recursive);
+  fs::copy(original().path(), folder_.path(),
+           fs::copy_options::recursive | fs::copy_options::copy_symlinks);
 }
 
 std::unique_ptr<Process> Scene::start(const Arguments& arguments, const SharedPlan* plan) const {

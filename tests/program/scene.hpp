@@ -21,7 +21,8 @@ using Contents = std::map<std::string, std::string>;
 /// A folder with what a librarian has:
 ///
 ///  - the libraries office.lib and site.lib; walls.json and glass.idf, which can be imported;
-///  - old.json and old.svg, from an earlier time;
+///  - old.json and old.svg, from an earlier time; the links link.json to the one and link to
+///    office.lib;
 ///  - files of others, whose names are like those that programs give their own.
 ///
 /// Temporary files of the program lie in the folder below it, `temporary`.

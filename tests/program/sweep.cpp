@@ -17,6 +17,9 @@ namespace {
 /// After so many failures of one command, more of them tell nothing new.
 constexpr int enough = 3;
 
+/// Of a disk that is full: no divisor of what is written at once.
+constexpr unsigned long bytes_of_a_point = 499;
+
 int failed_expectations() {
   return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
 }
@@ -27,7 +30,9 @@ class CommandSweep {
 
   unsigned run(unsigned sample) {
     const unsigned long points = count_points();
-    const unsigned long stride = stride_or(static_cast<unsigned>(std::max(1ul, points / sample)));
+    const unsigned long unit = fault_.trouble == Trouble::FullDisk ? bytes_of_a_point : 1;
+    const unsigned long stride =
+        unit * stride_or(static_cast<unsigned>(std::max(1ul, points / unit / sample)));
     unsigned fired = 0;
     int failures = 0;
     for (fault_.point = 1; fault_.point <= points; fault_.point += stride) {

@@ -10,8 +10,8 @@
 namespace veldra_tests {
 
 /// Runs each command with a fault of this kind at about `sample` points, or at every point in a
-/// long run, and reports the number of those that were met as the figure `what`. Expects after
-/// each:
+/// long run (every 499th byte of a disk), and reports the number of those that were met as the
+/// figure `what`. Expects after each:
 ///
 ///  - a library that was there is sound, and its rows are as before or as after the command; a new
 ///    one, and every other file that is written, is there whole or not at all;
