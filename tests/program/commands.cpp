@@ -1,5 +1,7 @@
 #include "program/commands.hpp"
 
+#include <stdexcept>
+
 namespace veldra_tests {
 
 namespace {
@@ -28,7 +30,7 @@ const std::vector<Command> writers = {
     {"export to a new file", {"export", "office.lib", "-o", "new.json"}, "new.json"},
     {"export over a file", {"export", "office.lib", "-o", "old.json", "--force"}, "old.json"},
     {"export over what a link leads to",
-     {"export", "office.lib", "-o", "link.json", "--force", "--format", "csv"},
+     {"export", "office.lib", "--format", "csv", "-o", "link.json", "--force"},
      "old.json"},
     {"draw to a new file", {"draw", "office.lib", "Ziegelwand", "-o", "new.svg"}, "new.svg"},
     {"draw over a file",
@@ -61,5 +63,12 @@ const std::vector<Command>& commands() {
 }
 
 const std::vector<Command>& writing_commands() { return writers; }
+
+const Command& command_named(const std::string& name) {
+  for (const Command& command : commands()) {
+    if (command.name == name) return command;
+  }
+  throw std::invalid_argument(name);
+}
 
 }  // namespace veldra_tests

@@ -20,6 +20,9 @@ struct Command {
 const std::vector<Command>& commands();
 const std::vector<Command>& writing_commands();
 
+/// The one with this name.
+const Command& command_named(const std::string& name);
+
 }  // namespace veldra_tests
 
 #endif

@@ -24,6 +24,7 @@ struct FaultPlan {
   Trouble trouble = Trouble::Error;
   int error = 0;
   unsigned long point = 0;  ///< which call, or byte of a full disk, from 1 on; 0 is none
+  long only = -1;           ///< of the errors, those of this call, by its number; -1 is all calls
   bool lasting = false;     ///< all calls from there on, not just one
   char folder[256] = {};    ///< calls on files anywhere else are neither counted nor failed
 

@@ -54,6 +54,7 @@ SharedPlan::SharedPlan(const Fault& fault, const std::string& folder)
   plan_->error = fault.error;
   plan_->point = fault.point;
   plan_->lasting = fault.lasting;
+  plan_->only = fault.only;
   if (folder.size() >= sizeof plan_->folder) throw std::runtime_error("too long: " + folder);
   std::strcpy(plan_->folder, folder.c_str());
 }

@@ -14,6 +14,7 @@ struct Fault {
   Trouble trouble = Trouble::Error;
   int error = 0;
   bool lasting = false;
+  long only = -1;           ///< the number of a call; -1 is all
   unsigned long point = 0;  ///< 0: nothing, but what could be is counted
 
   std::string text() const;

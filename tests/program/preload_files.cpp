@@ -224,7 +224,8 @@ long die(const CallForm& form, const SystemCall& call) {
 
 long trouble(FaultPlan& plan, const CallForm& form, const SystemCall& call) {
   const bool has_error = possible_error(form, call, EIO) != 0;
-  const int error = possible_error(form, call, plan.error);
+  const bool meant = plan.only < 0 || plan.only == call.number;
+  const int error = meant ? possible_error(form, call, plan.error) : 0;
   switch (plan.trouble) {
     case Trouble::Error:
       if (error == 0 || !is_due(plan)) return perform(call);
