@@ -8,8 +8,9 @@ find_program(VELDRA_ODB odb REQUIRED DOC "The compiler of the object-relational 
 function(veldra_generate_mapping sources)
   set(directory ${CMAKE_CURRENT_BINARY_DIR}/generated)
   file(MAKE_DIRECTORY ${directory}/store)
-  file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/veldra/*.hpp
-       ${CMAKE_CURRENT_SOURCE_DIR}/*/*.hpp)
+  # The folder of the checkout may have a name that would be a pattern.
+  string(REGEX REPLACE "([[?*])" "[\\1]" source "${PROJECT_SOURCE_DIR}")
+  file(GLOB headers CONFIGURE_DEPENDS "${source}/include/veldra/*.hpp" "${source}/src/*/*.hpp")
   set(changelog ${CMAKE_CURRENT_SOURCE_DIR}/store/changelog.xml)
   set(generated)
   foreach(name IN LISTS ARGN)

@@ -77,6 +77,11 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     /// Asked when the name of a material or composition that is being saved is taken. Returns one
     /// of the decisions; for `Rename` it has changed `name`. Any other number asks again, without
     /// end. By default throws `ObjectNotUnique`.
+    ///
+    /// Nobody is asked about a code that is taken: saving throws `ObjectNotUnique` with the text
+    /// "Material.code". Where a name and a code are both taken, the database tells of the code
+    /// first. A host looks before it saves whether another material has the code
+    /// (`Material::clear_code`).
     virtual int resolveNameConflict(Library& library, ObjectType type, String& name);
 
     /// Told of each object that was inserted or updated; taken back if the operation fails later.
@@ -90,7 +95,8 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     /// that something refers to the object: it stays, as the operation's result or exception says.
     virtual void objectRemoved(Library& library, const ObjectKey& key);
 
-    /// Told once at the end of an operation that changed something, after `typeChanged`.
+    /// Told once at the end of an operation that changed something, after `typeChanged`. Also when
+    /// the removal of an object was refused at its commit, of which `objectRemoved` had told.
     virtual void libraryChanged(Library& library);
 
     /// Told at the end of an operation, once for each kind that it changed, in ascending order.
@@ -136,17 +142,18 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// What `recognise` says of a file.
   struct Recognition {
     enum class Kind : int {
-      Missing = 0,         ///< There is no such file.
-      Empty = 1,           ///< It has no tables: `create` and `open` make a library of it.
-      Library = 2,         ///< It is a library of the current version.
-      OlderLibrary = 3,    ///< It is a library that opening brings to the current version.
-      NewerLibrary = 4,    ///< It is a library of a version to come.
-      UnknownVersion = 5,  ///< It is a library, and what it says of its version means nothing.
-      WithoutVersion = 6,  ///< It has the tables of a library and does not say its version.
-      OtherDatabase = 7,   ///< It is a database of another program.
-      Damaged = 8,         ///< It is a database that cannot be read.
-      Other = 9,           ///< It is no database: another file, a folder, a device.
-      NeedsRecovery = 10   ///< A journal or log belongs to it that cannot be applied here.
+      Missing = 0,          ///< There is no such file.
+      Empty = 1,            ///< It has no tables: `create` and `open` make a library of it.
+      Library = 2,          ///< It is a library of the current version.
+      OlderLibrary = 3,     ///< It is a library that opening brings to the current version.
+      NewerLibrary = 4,     ///< It is a library of a version to come.
+      UnknownVersion = 5,   ///< It is a library, and what it says of its version means nothing.
+      WithoutVersion = 6,   ///< It has the tables of a library and does not say its version.
+      OtherDatabase = 7,    ///< It is a database of another program.
+      Damaged = 8,          ///< It is a database that cannot be read.
+      Other = 9,            ///< It is no database: another file, a folder, a device.
+      NeedsRecovery = 10,   ///< A journal or log belongs to it that cannot be applied here.
+      WithoutIdentity = 11  ///< It has the tables of a library and does not say which one it is.
     };
 
     Kind kind;
@@ -172,8 +179,9 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// Opens the library in the existing file `filename`, as `open` does, and makes no library of
   /// what is none. That is decided on the connection that opens it, under the same lock.
   ///
-  /// Throws `NotALibrary` for a file that is empty, that does not say its version, or that is a
-  /// database of another program; these stay as they are. Throws as `open` does for all else.
+  /// Throws `NotALibrary` for a file that is empty, that does not say its version or which library
+  /// it is, or that is a database of another program; these stay as they are. Throws as `open` does
+  /// for all else.
   static std::shared_ptr<Library> openExisting(const String& filename, bool readOnly);
 
   Library(const Library&) = delete;
@@ -215,20 +223,49 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// stays the host's and must live until it is replaced or the library closes.
   void setReactor(Reactor* reactor);
 
-  /// Examines the file and appends a sentence for each thing that is wrong with it; nothing for a
-  /// sound one, whichever version it was made by. Reads all of the file.
+  /// Something that is wrong with the file of a library.
+  struct VELDRA_EXPORT Finding {
+    /// What it is about. Kind 0, `ObjectType{}`: the file as a whole. Id 0: all objects of the
+    /// kind, which must not be read, because a table that they lie in, or what they refer to, is
+    /// missing, lacks a column, or is something else than a table: reading throws, or never ends.
+    ObjectKey object;
+
+    /// The name of the object; empty if it has none, and where no single object is meant.
+    String name;
+
+    /// What is wrong. On an object it begins in lower case, to follow the object's name.
+    String sentence;
+  };
+
+  /// Examines the file and appends what is wrong with it; nothing for a sound one, whichever
+  /// version it was made by. Reads all of the file.
   ///
-  /// Found are: damage, as SQLite's check of integrity tells of it; references to what is not in
-  /// the file; tables, columns, keys, indexes, triggers and views that are missing or do not belong
-  /// there; an identity that is missing or there twice. Of damage and of references the first 100
-  /// are told. Whether the values of an object make sense is not looked at.
+  /// The schema is looked at first. Found are tables, columns, keys, indexes, triggers and views
+  /// that are missing or do not belong there. What stands in the place of a table and is none, such
+  /// as a view, is told and not read. Then, of what can be read:
   ///
-  ///     std::vector<veldra::String> findings;
+  /// - damage, as SQLite's check of integrity tells of it, and references to what is not there;
+  /// - an identity or a version of the file that is missing or there twice;
+  /// - ids that no object can have, and sequences of ids that are used up or no whole numbers;
+  /// - texts with a zero byte inside, and values in their places that are no texts;
+  /// - positions in lists of tags and of layers that are doubled, negative or leave gaps;
+  /// - thicknesses that are negative, infinite or NaN, but for the least thickness of a variable
+  ///   layer that is not there; conductivities of assets that are so;
+  /// - types of compositions other than those of `Composition::Type`.
+  ///
+  /// Of damage, of references and of each sort of rows the first 100 are told. Whether values fit
+  /// each other is not looked at.
+  ///
+  ///     std::vector<veldra::Library::Finding> findings;
   ///     library->check(findings);
-  ///     for (const auto& finding : findings) std::cerr << finding.utf8() << "\n";
+  ///     for (const auto& finding : findings) std::cerr << finding.sentence.utf8() << "\n";
   ///
   /// What cannot be read of the file is told of as damage, or `odb::exception` is thrown; then
   /// `findings` is as it was.
+  void check(std::vector<Finding>& findings) const;
+
+  /// The same as sentences that name the objects, such as
+  /// `composition 3 "Wall": the thickness of layer 2 is negative: -1`.
   void check(std::vector<String>& findings) const;
 
   /// Ends the operation that is running on this handle: it throws `Interrupted` and is taken back.
@@ -256,7 +293,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   template <class T>
   std::shared_ptr<T> get(const String& name) const;
 
-  /// The objects with those ids; an id that is not there is skipped.
+  /// The objects with those ids; an id that is not there is skipped, and no ids select nothing.
   template <class T>
   void get(std::vector<std::shared_ptr<T>>& out, const std::set<unsigned>& ids) const;
 
@@ -268,7 +305,8 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
            const typename CriteriaOf<T>::type& criteria) const;
 
   /// The objects whose names match `text`, a pattern of SQL's LIKE: "%" stands for any text, "_"
-  /// for any character; ASCII letters match in either case. An empty text matches nothing.
+  /// for any character; ASCII letters match in either case. An empty text matches nothing. Criteria
+  /// that ask for nothing select every object whose name matches.
   template <class T>
   void search(std::vector<std::shared_ptr<T>>& out, const String& text) const;
   template <class T>
@@ -299,7 +337,9 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// or composition the reactor decides. A material without a type gets the type "Generic". A tag
   /// that has an id is never written again.
   ///
-  /// Returns empty for an empty pointer.
+  /// Returns empty for an empty pointer. That, and saving what is left alone, takes no lock: it
+  /// waits for nobody, and works also on a library that can only be read, within an operation's
+  /// call of the reactor and within a `Snapshot`.
   ///
   /// Throws `ObjectNotUnique` when a name (without text) or a code (with text) is taken and the
   /// reactor did not decide otherwise, `ObjectNotFound` when an object with an id is not in the

@@ -86,6 +86,7 @@ template <class T>
 void Library::copy(const std::shared_ptr<const Library>& source, const std::set<unsigned>& ids,
                    IdMapping& mapping) {
   copying(*this, source, mapping, [&ids](CopyOperation& operation) {
+    // The ids are taken before anything is saved, so that the reactor may change the host's.
     operation.copy<T>([&ids](Database& database) { return existing_ids<T>(database, ids); });
   });
 }
@@ -102,10 +103,12 @@ void Library::copy(const std::shared_ptr<const Library>& source, const std::set<
     for (const ObjectKey& key : keys) mapping.assign({key, this}, {key.id, IdMapping::Existing});
     return;
   }
-  copying(*this, source, mapping, [&keys](CopyOperation& operation) {
+  // The reactor may change those of the host.
+  const auto wanted = keys;
+  copying(*this, source, mapping, [&wanted](CopyOperation& operation) {
     for_each_kind([&](auto kind) {
       using T = typename decltype(kind)::type;
-      const auto ids = ids_of_kind(keys, ObjectTraits<T>::type);
+      const auto ids = ids_of_kind(wanted, ObjectTraits<T>::type);
       operation.copy<T>([&ids](Database& database) { return existing_ids<T>(database, ids); });
     });
   });

@@ -1,164 +1,176 @@
 #include "store/examination.hpp"
 
-#include "store/mapping-odb.hpp"
+#include "store/file_schema.hpp"
+#include "store/row_examination.hpp"
 #include "store/statement.hpp"
 #include "store/transactions.hpp"
 
-#include <odb/schema-catalog.hxx>
 #include <odb/sqlite/exceptions.hxx>
 
 #include <sqlite3.h>
-#include <utf8.h>
 
 #include <algorithm>
-#include <iterator>
-#include <set>
-#include <utility>
 
 namespace veldra {
 
 namespace {
 
-using Sentences = std::vector<std::string>;
+const std::size_t most_references = 100;
 
-/// Who has it, a table or "" for the file; and what it is.
-using Part = std::pair<std::string, std::string>;
-
-// What a schema consists of, as SQLite understood it and not as it is written: files that were
-// migrated have columns elsewhere. What SQLite does not tell of, the text does.
-const char* const parts_of_a_schema[] = {
-    R"sql(SELECT '', type || ' "' || name || '"' || iif(wr, ' WITHOUT ROWID', '')
-                     || iif(strict, ' STRICT', '')
-            FROM pragma_table_list
-           WHERE schema = 'main' AND name NOT LIKE 'sqlite\_%' ESCAPE '\')sql",
-
-    R"sql(SELECT '', 'trigger "' || name || '"' FROM sqlite_master WHERE type = 'trigger')sql",
-
-    R"sql(SELECT m.name, 'column "' || c.name || '" ' || c.type || iif(c."notnull", ' NOT NULL', '')
-                         || iif(c.pk, ' PRIMARY KEY', '') || iif(c.hidden, ' GENERATED', '')
-                         || ifnull(' DEFAULT ' || c.dflt_value, '')
-            FROM sqlite_master AS m JOIN pragma_table_xinfo(m.name) AS c
-           WHERE m.type = 'table')sql",
-
-    R"sql(SELECT m.name, 'foreign key from "' || f."from" || '" to "' || f."table" || '"'
-                         || ifnull(' ("' || f."to" || '")', '') || ' ON DELETE ' || f.on_delete
-                         || ' ON UPDATE ' || f.on_update
-            FROM sqlite_master AS m JOIN pragma_foreign_key_list(m.name) AS f
-           WHERE m.type = 'table')sql",
-
-    R"sql(SELECT m.name, iif(i."unique", 'unique ', '') || iif(i.partial, 'partial ', '')
-                         || 'index "' || i.name || '" on '
-                         || (SELECT group_concat(ifnull('"' || k.name || '"', 'an expression')
-                                                 || iif(k."desc", ' DESC', '')
-                                                 || iif(k.coll <> 'BINARY', ' COLLATE ' || k.coll, ''), ', ')
-                               FROM pragma_index_xinfo(i.name) AS k
-                              WHERE k.key)
-            FROM sqlite_master AS m JOIN pragma_index_list(m.name) AS i
-           WHERE m.type = 'table')sql",
-
-    R"sql(WITH word(text) AS (VALUES ('AUTOINCREMENT'), ('CHECK'), ('COLLATE'))
-          SELECT m.name, 'word ' || word.text
-            FROM sqlite_master AS m JOIN word ON instr(upper(m.sql), word.text)
-           WHERE m.type = 'table')sql",
+/// A kind, and the tables that reading its objects may lead to.
+struct KindTables {
+  ObjectType type;
+  std::vector<const char*> tables;
 };
 
-std::set<Part> schema_of(odb::sqlite::connection& connection) {
-  std::set<Part> parts;
-  for (const char* query : parts_of_a_schema) {
-    Statement row(connection, query);
-    while (row.next()) parts.insert({row.text(0), row.text(1)});
+const std::vector<KindTables>& tables_of_kinds() {
+  static const std::vector<KindTables> kinds{
+      {ObjectType::Tag, {"Tag"}},
+      {ObjectType::MaterialType, {"MaterialType"}},
+      {ObjectType::Material,
+       {"Material", "Material_tags", "Material_thicknesses", "Material_custom_values", "Tag",
+        "MaterialType", "CustomProperty", "Layer", "Asset", "Asset_tags", "StructuralAsset",
+        "ThermalAsset"}},
+      {ObjectType::Composition,
+       {"Composition", "Composition_tags", "Composition_layers", "Composition_custom_values",
+        "Material", "Material_tags", "Material_thicknesses", "Material_custom_values", "Tag",
+        "MaterialType", "CustomProperty", "Layer", "Asset", "Asset_tags", "StructuralAsset",
+        "ThermalAsset"}},
+      {ObjectType::CustomProperty, {"CustomProperty"}},
+      {ObjectType::Layer, {"Layer"}}};
+  return kinds;
+}
+
+class Examination {
+ public:
+  explicit Examination(Database& database)
+      : database_(database), connection_(database.connection_in_use()) {}
+
+  Findings run() {
+    // First, since it says what can be read.
+    attempt([this] { examine_schema(); });
+    attempt([this] { examine_pages(); });
+    examine_references();
+    for (const RowExamination& examination : row_examinations(expected_)) {
+      attempt([&] { examine_rows(examination); });
+    }
+    return std::move(findings_);
   }
-  return parts;
-}
 
-std::set<Part> expected_schema() {
-  Database empty({"", ":memory:"}, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-  WriteTransaction transaction(empty);
-  odb::schema_catalog::create_schema(empty, "", false);
-  return schema_of(empty.connection_in_use());
-}
-
-/// The parts that only `some` has. What a table has is not told if the table itself is one of them.
-Sentences only_in(const std::set<Part>& some, const std::set<Part>& others,
-                  std::string (*sentence)(const Part&)) {
-  Sentences sentences;
-  for (const Part& part : some) {
-    const Part owner("", "table \"" + part.first + "\"");
-    const bool of_the_file = part.first.empty();
-    if (others.count(part) != 0 || (!of_the_file && others.count(owner) == 0)) continue;
-    sentences.push_back((of_the_file ? "The file" : "\"" + part.first + "\"") + sentence(part));
+ private:
+  /// What is the fault of the file is a finding, and the examination goes on.
+  template <class Work>
+  void attempt(Work work) {
+    database_.stop_if_interrupted();
+    try {
+      work();
+    } catch (const odb::sqlite::database_exception& error) {
+      if (error.error() != SQLITE_CORRUPT && error.error() != SQLITE_ERROR) throw;
+      add_once(finding_of_file(error.message()));
+    }
   }
-  return sentences;
-}
 
-Sentences wrong_schema(odb::sqlite::connection& connection) {
-  const auto actual = schema_of(connection);
-  const auto expected = expected_schema();
-  auto sentences =
-      only_in(expected, actual, [](const Part& part) { return " lacks the " + part.second; });
-  const auto foreign = only_in(actual, expected, [](const Part& part) {
-    return " has the " + part.second + ", which does not belong there";
-  });
-  sentences.insert(sentences.end(), foreign.begin(), foreign.end());
-  return sentences;
-}
+  void add_once(const Library::Finding& finding) {
+    const auto same = [&](const Library::Finding& other) {
+      return other.object == finding.object && other.sentence == finding.sentence;
+    };
+    if (std::none_of(findings_.begin(), findings_.end(), same)) findings_.push_back(finding);
+  }
 
-Sentences rows_of(odb::sqlite::connection& connection, const char* query) {
-  Sentences sentences;
-  Statement row(connection, query);
-  while (row.next()) sentences.push_back(row.text(0));
-  return sentences;
-}
+  void add_sentences(Statement& row) {
+    while (row.next()) findings_.push_back(finding_of_file(row.text(0)));
+  }
 
-Sentences damage(odb::sqlite::connection& connection) {
-  return rows_of(connection,
-                 "SELECT integrity_check FROM pragma_integrity_check"
-                 " WHERE integrity_check <> 'ok'");
-}
+  void examine_schema() {
+    actual_ = FileSchema::of(connection_);
+    for (const auto& sentence : wrong_parts(actual_, expected_)) {
+      findings_.push_back(finding_of_file(sentence));
+    }
+    for (const KindTables& kind : tables_of_kinds()) {
+      const std::string reason = first_obstacle(kind.tables);
+      if (reason.empty()) continue;
+      findings_.push_back(
+          make_finding({kind.type, 0}, {}, "they cannot be read, because " + reason));
+    }
+  }
 
-Sentences broken_references(odb::sqlite::connection& connection) {
-  return rows_of(connection, R"sql(
-      SELECT '"' || c."table" || '"' || ifnull(', row ' || c.rowid, '') || ': "' || f."from"
-             || '" refers to a row of "' || c.parent || '" that is not there'
-        FROM pragma_foreign_key_check AS c JOIN pragma_foreign_key_list(c."table") AS f
-             ON f.id = c.fkid
-       LIMIT 100)sql");
-}
+  template <class Names>
+  std::string first_obstacle(const Names& tables) const {
+    for (const auto& table : tables) {
+      auto reason = obstacle(actual_, expected_, table);
+      if (!reason.empty()) return reason;
+    }
+    return {};
+  }
 
-Sentences wrong_identity(odb::sqlite::connection& connection) {
-  return rows_of(connection, R"sql(
-      SELECT '"Meta" has ' || count(*) || ' rows instead of one'
-        FROM "Meta" HAVING count(*) <> 1)sql");
-}
+  void examine_pages() {
+    Statement row(connection_,
+                  "SELECT integrity_check FROM pragma_integrity_check"
+                  " WHERE integrity_check <> 'ok'");
+    add_sentences(row);
+  }
 
-bool is_the_files_fault(const odb::sqlite::database_exception& error) {
-  return error.error() == SQLITE_CORRUPT || error.error() == SQLITE_ERROR;
-}
+  /// Each table alone, so that one with keys that lead nowhere does not hide the others.
+  void examine_references() {
+    std::vector<std::string> tables;
+    attempt([&] { tables = tables_with_references(); });
+    std::size_t found = 0;
+    for (const std::string& table : tables) {
+      attempt([&] { found += examine_references_of(table, most_references - found); });
+    }
+  }
 
-std::string well_formed(const std::string& text) {
-  std::string result;
-  utf8::replace_invalid(text.begin(), text.end(), std::back_inserter(result));
-  return result;
-}
+  /// Those that refer to tables; what is none must not be looked into.
+  std::vector<std::string> tables_with_references() {
+    const std::string query = std::string("SELECT name FROM ") + tables_with_rows + R"sql( AS m
+           WHERE EXISTS (SELECT 1 FROM pragma_foreign_key_list(m.name))
+             AND NOT EXISTS (SELECT 1 FROM pragma_foreign_key_list(m.name) AS f
+                               JOIN sqlite_master AS p ON p.name = f."table" COLLATE NOCASE
+                              WHERE p.type IN ('table', 'view')
+                                AND p.name NOT IN (SELECT name FROM )sql" +
+                              tables_with_rows + "))";
+    std::vector<std::string> tables;
+    Statement row(connection_, query.c_str());
+    while (row.next()) tables.push_back(row.text(0));
+    return tables;
+  }
+
+  std::size_t examine_references_of(const std::string& table, std::size_t most) {
+    Statement row(connection_, R"sql(
+        SELECT '"' || c."table" || '"' || ifnull(', row ' || c.rowid, '') || ': "' || f."from"
+               || '" refers to a row of "' || c.parent || '" that is not there'
+          FROM pragma_foreign_key_check(?1) AS c JOIN pragma_foreign_key_list(c."table") AS f
+               ON f.id = c.fkid
+         LIMIT ?2)sql");
+    row.bind(1, table.c_str());
+    row.bind(2, static_cast<long long>(most));
+    const std::size_t before = findings_.size();
+    add_sentences(row);
+    return findings_.size() - before;
+  }
+
+  void examine_rows(const RowExamination& examination) {
+    if (!first_obstacle(examination.tables).empty()) return;
+    Statement row(connection_, examination.query.c_str());
+    if (examination.type == ObjectType{}) return add_sentences(row);
+    while (row.next()) {
+      const ObjectKey object(examination.type, static_cast<unsigned>(row.integer(0)));
+      findings_.push_back(make_finding(object, row.text(1), row.text(2)));
+    }
+  }
+
+  Database& database_;
+  odb::sqlite::connection& connection_;
+  FileSchema expected_ = FileSchema::expected();
+  FileSchema actual_;
+  Findings findings_;
+};
 
 }  // namespace
 
-std::vector<std::string> examine(Database& database) {
+Findings examine(Database& database) {
   ReadTransaction transaction(database);
-  auto& connection = database.connection_in_use();
-  Sentences findings;
-  for (const auto examination : {damage, broken_references, wrong_schema, wrong_identity}) {
-    database.stop_if_interrupted();
-    Sentences sentences;
-    try {
-      sentences = examination(connection);
-    } catch (const odb::sqlite::database_exception& error) {
-      if (!is_the_files_fault(error)) throw;
-      sentences = {error.message()};
-    }
-    std::transform(sentences.begin(), sentences.end(), std::back_inserter(findings), well_formed);
-  }
-  return findings;
+  return Examination(database).run();
 }
 
 }  // namespace veldra

@@ -2,15 +2,12 @@
 #define VELDRA_STORE_EXAMINATION_HPP
 
 #include "store/database.hpp"
-
-#include <string>
-#include <vector>
+#include "store/finding.hpp"
 
 namespace veldra {
 
-/// What is wrong with the file of a library, a sentence each; at most 100 of each sort. The texts
-/// are UTF-8, whatever the names in the file are.
-std::vector<std::string> examine(Database& database);
+/// What is wrong with the file of a library; at most 100 of each sort.
+Findings examine(Database& database);
 
 }  // namespace veldra
 

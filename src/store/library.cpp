@@ -110,12 +110,19 @@ bool Library::readOnly() const {
   return sqlite3_db_readonly(impl_->database->connection_in_use().handle(), nullptr) == 1;
 }
 
-void Library::check(std::vector<String>& findings) const {
-  std::vector<String> found;
-  const auto sentences = interruptibly(*impl_->database, [&] { return examine(*impl_->database); });
-  for (const std::string& sentence : sentences) found.emplace_back(sentence.c_str());
+void Library::check(std::vector<Finding>& findings) const {
+  auto found = interruptibly(*impl_->database, [&] { return examine(*impl_->database); });
   findings.reserve(findings.size() + found.size());
   std::move(found.begin(), found.end(), std::back_inserter(findings));
+}
+
+void Library::check(std::vector<String>& findings) const {
+  std::vector<Finding> found;
+  check(found);
+  std::vector<String> sentences;
+  std::transform(found.begin(), found.end(), std::back_inserter(sentences), told);
+  findings.reserve(findings.size() + sentences.size());
+  std::move(sentences.begin(), sentences.end(), std::back_inserter(findings));
 }
 
 void Library::interrupt() noexcept { impl_->database->interrupt(); }

@@ -140,10 +140,11 @@ void Library::remove(const std::set<unsigned>& ids) {
 }
 
 void Library::remove(const std::set<ObjectKey>& keys, Result& result) {
+  const auto wanted = keys;  // the reactor may change those of the host
   removing(*this, [&] {
     for_each_kind([&](auto kind) {
       using T = typename decltype(kind)::type;
-      remove_objects<T>(*this, ids_of_kind(keys, ObjectTraits<T>::type), result);
+      remove_objects<T>(*this, ids_of_kind(wanted, ObjectTraits<T>::type), result);
     });
   });
 }
@@ -165,10 +166,11 @@ void Library::purge() {
 }
 
 void Library::purge(const std::set<ObjectType>& kinds, Result& result) {
+  const auto wanted = kinds;  // as above
   removing(*this, [&] {
     for_each_kind([&](auto kind) {
       using T = typename decltype(kind)::type;
-      if (kinds.count(ObjectTraits<T>::type) != 0) {
+      if (wanted.count(ObjectTraits<T>::type) != 0) {
         purge_kind<T>(*this, result);
       }
     });

@@ -7,6 +7,31 @@
 
 namespace veldra {
 
+namespace {
+
+/// Nothing is written of an object that is clean and no other library's: it needs no lock for
+/// writing, and may be saved where nothing else may.
+template <class T>
+bool is_saved(const std::shared_ptr<T>& object, const Library& library) {
+  if (object == nullptr) return true;
+  const auto source = object->library();
+  return !object->isDirty() && (source == nullptr || source.get() == &library);
+}
+
+template <class T>
+std::shared_ptr<T> saved_already(const std::shared_ptr<T>& object, Library& library,
+                                 IdMapping& mapping) {
+  Database& database = LibraryAccess::database(library);
+  if (database.held != nullptr) database.held->get();  // throws when it has ended
+  if (object != nullptr) {
+    const ObjectKey key(ObjectTraits<T>::type, object->id());
+    mapping.assign({key, object->library().get()}, {key.id, IdMapping::Existing});
+  }
+  return object;
+}
+
+}  // namespace
+
 template <class T>
 std::shared_ptr<T> Library::save(const std::shared_ptr<T>& object) {
   IdMapping mapping(this);
@@ -15,6 +40,7 @@ std::shared_ptr<T> Library::save(const std::shared_ptr<T>& object) {
 
 template <class T>
 std::shared_ptr<T> Library::save(const std::shared_ptr<T>& object, IdMapping& mapping) {
+  if (is_saved(object, *this)) return saved_already(object, *this, mapping);
   return interruptibly(*this, [&] {
     Notifications notifications(*this);
     std::shared_ptr<T> saved;

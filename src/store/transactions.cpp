@@ -67,12 +67,18 @@ void begin_writing(Database& database, odb::sqlite::transaction& transaction) {
   begin(database, transaction, [&database] { return database.begin_immediate(); });
 }
 
+/// The lock that keeps readers away is given back first, and then what is left of it.
+bool is_of_a_lock_given_back(const odb::sqlite::database_exception& error) {
+  return error.extended_error() == SQLITE_IOERR_RDLOCK ||
+         error.extended_error() == SQLITE_IOERR_UNLOCK;
+}
+
 /// The changes are in the file before the lock is given back, so that they stay when that fails.
 void commit_changes(odb::sqlite::transaction& transaction) {
   try {
     transaction.commit();
   } catch (const odb::sqlite::database_exception& error) {
-    if (error.extended_error() != SQLITE_IOERR_UNLOCK) throw;
+    if (!is_of_a_lock_given_back(error)) throw;
   }
 }
 

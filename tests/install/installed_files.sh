@@ -32,9 +32,9 @@ if ! readelf --dynamic "$library" | grep -qF "soname: [libveldra.so.${version%%.
   status=1
 fi
 # The build's folders must not be looked in for libraries, nor named anywhere else.
-if grep -rqIF -e "$build" -e "$source" "$folder"; then
-  echo "a file names the source or build folder:"
-  grep -rlIF -e "$build" -e "$source" "$folder"
+naming=$("${BASH_SOURCE%/*}/files_that_name.sh" "$folder" "$build" "$source")
+if [ -n "$naming" ]; then
+  printf 'these files name the source or build folder:\n%s\n' "$naming"
   status=1
 fi
 exit "$status"

@@ -189,7 +189,10 @@ int lock_file(sqlite3_file* file, int level) {
 // But for the trouble that is about it, a lock is always given back: what would hold it for ever is
 // the fault, not the library.
 int unlock_file(sqlite3_file* file, int level) {
-  if (fails(Call::Unlock)) return SQLITE_IOERR_UNLOCK;
+  // Giving back what keeps readers away, and giving back everything, fail in two ways.
+  if (fails(Call::Unlock)) {
+    return level == SQLITE_LOCK_SHARED ? SQLITE_IOERR_RDLOCK : SQLITE_IOERR_UNLOCK;
+  }
   return ours(file).real()->pMethods->xUnlock(ours(file).real(), level);
 }
 

@@ -58,6 +58,7 @@ class HeldTransaction : public testing::Test {
     EXPECT_EQ(thrown_by([&] { library->count<Tag>(); }), finalized);
     EXPECT_EQ(thrown_by([&] { library->get<Composition>("Wall"); }), finalized);
     EXPECT_EQ(thrown_by([&] { library->save(named<Tag>("late")); }), finalized);
+    EXPECT_EQ(thrown_by([&] { library->save(std::shared_ptr<Tag>()); }), finalized);
     EXPECT_EQ(thrown_by([&] { library->copyAll(source); }), finalized);
     EXPECT_EQ(thrown_by([&] { library->remove<Composition>(1); }), "veldra::UnknownError");
     EXPECT_EQ(thrown_by([&] { library->purge<Tag>(); }), "veldra::UnknownError");

@@ -48,6 +48,24 @@ TYPED_TEST(CopyingOfKind, objects_are_copied_by_their_ids_without_a_mapping) {
   EXPECT_EQ(this->library->template get<TypeParam>("left"), nullptr);
 }
 
+TYPED_TEST(CopyingOfKind, the_keys_are_those_at_the_call) {
+  const auto one = this->put(full<TypeParam>("one"));
+  const auto two = this->put(full<TypeParam>("two"));
+  const auto left = this->put(full<TypeParam>("left"));
+  const auto tag = this->put(named<veldra::Tag>("a tag that is added while it runs"));
+  Keys keys{key_of(one), key_of(two)};
+  this->reactor.on_saved = [&](Library&, const ObjectKey&) { keys = {key_of(left), key_of(tag)}; };
+  IdMapping mapping = this->fresh_mapping();
+
+  this->library->copy(this->source, keys, mapping);
+
+  this->reactor.on_saved = nullptr;
+  this->expect_copied(mapping, one);
+  this->expect_copied(mapping, two);
+  EXPECT_FALSE(mapping.has(this->source_key(left)));
+  EXPECT_FALSE(mapping.has(this->source_key(tag)));
+}
+
 TYPED_TEST(CopyingOfKind, objects_are_copied_by_their_keys) {
   const auto one = this->put(full<TypeParam>("one"));
   const auto left = this->put(full<TypeParam>("left"));

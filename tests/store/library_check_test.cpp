@@ -1,10 +1,9 @@
+#include "store/check_fixture.hpp"
+#include "support/builders.hpp"
 #include "support/catalogues.hpp"
-#include "support/database.hpp"
 #include "support/file_state.hpp"
-#include "support/library_fixture.hpp"
+#include "support/rows.hpp"
 #include "support/thrown.hpp"
-
-#include <gmock/gmock.h>
 
 namespace veldra_tests {
 namespace {
@@ -18,48 +17,38 @@ using testing::SizeIs;
 using testing::UnorderedElementsAre;
 using veldra::Library;
 
-class LibraryCheck : public LibraryFixture {
- protected:
-  /// Changes the file behind the library's back.
-  void tamper(const std::string& statements) const {
-    PlainDatabase(path()).execute("PRAGMA foreign_keys = OFF;" + statements);
-  }
-
-  /// Replaces a word in the text of a table. SQLite takes the new text for what was always there.
-  void rewrite(const std::string& table, const std::string& word, const std::string& by) const {
-    tamper("PRAGMA writable_schema = ON; UPDATE sqlite_master SET sql = replace(sql, '" + word +
-           "', '" + by + "') WHERE name = '" + table + "'");
-  }
-
-  std::vector<std::string> findings() const { return findings(*open()); }
-
-  static std::vector<std::string> findings(const Library& library) {
-    std::vector<veldra::String> found;
-    library.check(found);
-    std::vector<std::string> texts;
-    for (const auto& finding : found) texts.push_back(finding.utf8());
-    return texts;
-  }
-};
+class LibraryCheck : public CheckFixture {};
 
 TEST_F(LibraryCheck, finds_nothing_in_a_new_library) {
   EXPECT_THAT(findings(*create()), IsEmpty());
 }
 
-TEST_F(LibraryCheck, finds_nothing_in_a_library_with_objects) {
-  const auto library = create();
-  auto wall = veldra::Composition::create("Wall");
-  wall->appendLayer({veldra::Material::create("Brick"), veldra::Material::Function::None, 115});
-  library->save(wall);
-  EXPECT_THAT(findings(*library), IsEmpty());
+TEST_F(LibraryCheck, finds_nothing_in_a_library_with_all_values) {
+  {
+    const auto library = create();
+    library->save(full_composition("Wall"));
+    library->save(veldra::Composition::create("Bare"));
+  }
+  PlainDatabase database(path());
+  put_structural_asset(database, "1");
+  put_thermal_asset(database, "2");
+  database.execute(
+      "UPDATE Material SET structural_id = 1, thermal_id = 2;"
+      "INSERT INTO Asset_tags VALUES (1, 0, 1), (1, 1, 2), (1, 2, 1)");
+  EXPECT_THAT(findings(), IsEmpty());
 }
 
-TEST_F(LibraryCheck, finds_nothing_in_a_library_that_was_migrated) {
+// Values that are not known are NULL in the old files: a thickness that is not known is told.
+TEST_F(LibraryCheck, finds_nothing_but_unknown_thicknesses_in_a_library_that_was_migrated) {
   for (const int version : {150201, 150301}) {
     const std::string old = folder() / std::to_string(version);
     make_old_file(old, version);
     fill_old_file(old, version);
-    EXPECT_THAT(findings(*Library::open(old.c_str(), false)), IsEmpty()) << version;
+    EXPECT_THAT(
+        findings(*Library::open(old.c_str(), false)),
+        UnorderedElementsAre("composition 1 \"Parquet\": the thickness of layer 2 is not known",
+                             "material 9 \"Granite\": a thickness is not known"))
+        << version;
   }
 }
 
@@ -73,7 +62,9 @@ TEST_F(LibraryCheck, works_on_a_library_that_can_only_be_read) {
   create_and_close();
   tamper("DROP TABLE Composition_tags");
   EXPECT_THAT(findings(*open_read_only()),
-              ElementsAre("The file lacks the table \"Composition_tags\""));
+              ElementsAre("The file lacks the table \"Composition_tags\"",
+                          "compositions: they cannot be read, because \"Composition_tags\" is "
+                          "missing"));
 }
 
 TEST_F(LibraryCheck, works_on_a_library_in_memory) {
@@ -155,6 +146,26 @@ TEST_F(LibraryCheck, tells_of_an_identity_that_went) {
   EXPECT_THAT(findings(*library), ElementsAre("\"Meta\" has 0 rows instead of one"));
 }
 
+TEST_F(LibraryCheck, tells_of_a_version_that_is_there_twice) {
+  create_and_close();
+  const auto library = open();
+  tamper(
+      "CREATE TABLE copy AS SELECT * FROM schema_version; DROP TABLE schema_version;"
+      "ALTER TABLE copy RENAME TO schema_version;"
+      "INSERT INTO schema_version SELECT * FROM schema_version");
+  EXPECT_THAT(findings(*library), Contains("\"schema_version\" has 2 rows with the version of the "
+                                           "library instead of one"));
+}
+
+TEST_F(LibraryCheck, tells_of_a_version_that_went) {
+  const auto library = create();
+  tamper("UPDATE schema_version SET name = 'other'");
+  EXPECT_THAT(findings(*library), ElementsAre("\"schema_version\" has 0 rows with the version of "
+                                              "the library instead of one"));
+  tamper("DROP TABLE schema_version");
+  EXPECT_THAT(findings(*library), ElementsAre("The file lacks the table \"schema_version\""));
+}
+
 TEST_F(LibraryCheck, tells_of_what_the_schema_lacks) {
   create_and_close();
   tamper(
@@ -162,7 +173,11 @@ TEST_F(LibraryCheck, tells_of_what_the_schema_lacks) {
   EXPECT_THAT(findings(),
               UnorderedElementsAre("\"Tag\" lacks the unique index \"Tag_name_i\" on \"name\"",
                                    "The file lacks the table \"Composition_tags\"",
-                                   "\"Material\" lacks the column \"mark\" TEXT NOT NULL"));
+                                   "\"Material\" lacks the column \"mark\" TEXT NOT NULL",
+                                   "materials: they cannot be read, because \"Material\" lacks "
+                                   "the column \"mark\"",
+                                   "compositions: they cannot be read, because "
+                                   "\"Composition_tags\" is missing"));
 }
 
 TEST_F(LibraryCheck, tells_of_what_does_not_belong_in_the_schema) {
@@ -277,9 +292,18 @@ TEST_F(LibraryCheck, tells_of_names_that_are_not_UTF_8) {
 TEST_F(LibraryCheck, goes_on_when_a_foreign_key_has_nothing_to_refer_to) {
   create_and_close();
   tamper("CREATE TABLE Prices (id REFERENCES Tag (price)); INSERT INTO Prices VALUES (1)");
-  EXPECT_THAT(findings(), ElementsAre(HasSubstr("foreign key mismatch"),
-                                      "The file has the table \"Prices\", which does not belong "
-                                      "there"));
+  EXPECT_THAT(findings(), ElementsAre("The file has the table \"Prices\", which does not belong "
+                                      "there",
+                                      HasSubstr("foreign key mismatch")));
+}
+
+TEST_F(LibraryCheck, tells_of_references_beside_a_foreign_key_that_has_nothing_to_refer_to) {
+  create_and_close();
+  tamper(
+      "CREATE TABLE Prices (id REFERENCES Tag (price)); INSERT INTO Prices VALUES (1);"
+      "INSERT INTO Material_thicknesses VALUES (77, 1)");
+  EXPECT_THAT(findings(), Contains("\"Material_thicknesses\", row 1: \"object_id\" refers to a "
+                                   "row of \"Material\" that is not there"));
 }
 
 TEST_F(LibraryCheck, goes_on_when_a_table_is_too_damaged_to_be_read) {

@@ -173,5 +173,34 @@ TEST_F(RemovalOfKeys, hundreds_of_objects_go_in_one_call) {
   EXPECT_EQ(library->count<Tag>(), 0u);
 }
 
+TEST_F(RemovalOfKeys, those_at_the_call_count_whatever_the_reactor_does_to_the_set) {
+  choose_two<Layer>();
+  choose_two<Composition>();
+  const auto tag = stored<Tag>("added while it runs");
+  const auto wanted = keys_;
+  listen();
+  reactor.on_removed = [&](veldra::Library&, const ObjectKey&) { keys_ = {key_of(tag)}; };
+
+  library->remove(keys_, result_);
+
+  EXPECT_EQ(result_.size(), wanted.size());
+  for (const auto& key : wanted) EXPECT_TRUE(result_[key]) << testing::PrintToString(key);
+  EXPECT_TRUE(library->get<Tag>(tag->id()));
+}
+
+TEST_F(RemovalOfKeys, the_kinds_of_a_purge_are_those_at_the_call) {
+  stored<Composition>("wall");
+  stored<Layer>("layer");
+  const auto tag = stored<Tag>("tag");
+  std::set<ObjectType> kinds{ObjectType::Composition, ObjectType::Layer};
+  listen();
+  reactor.on_removed = [&](veldra::Library&, const ObjectKey&) { kinds = {ObjectType::Tag}; };
+
+  library->purge(kinds, result_);
+
+  EXPECT_EQ(library->count<Layer>(), 0U);
+  EXPECT_TRUE(library->get<Tag>(tag->id()));
+}
+
 }  // namespace
 }  // namespace veldra_tests

@@ -2,10 +2,23 @@
 
 #include "support/database.hpp"
 
+#include <chrono>
+#include <sstream>
+
 namespace veldra_tests {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
+
+/// The lines of a text.
+std::vector<std::string> lines_of(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
 
 class Check : public ProgramTest {
  protected:
@@ -19,10 +32,18 @@ class Check : public ProgramTest {
   void damage_rows(const std::string& statement) {
     PlainDatabase(path("a.lib")).execute("PRAGMA foreign_keys=OFF; " + statement);
   }
-  void expect_finding(const std::string& text) {
+  void expect_finding(const std::string& text) { EXPECT_THAT(findings(), HasSubstr(text)); }
+
+  std::string findings() {
     const auto run = veldra({"check", "a.lib"});
-    EXPECT_EQ(run.status, 3);
-    EXPECT_THAT(run.out, HasSubstr(text));
+    EXPECT_EQ(run.status, 3) << run.err;
+    return run.out;
+  }
+
+  void set_conductivity(const std::string& text) {
+    damage_rows("UPDATE Material_custom_values SET value = '" + text +
+                "' WHERE property_id = (SELECT id FROM CustomProperty WHERE name LIKE 'Thermal "
+                "conductivity%')");
   }
 };
 
@@ -32,7 +53,7 @@ TEST_F(Check, a_sound_library_has_no_findings) {
 
 TEST_F(Check, thicknesses_that_are_not_positive_are_found) {
   damage_rows("UPDATE Composition_layers SET value_thickness = -1 WHERE \"index\" = 1");
-  expect_finding("composition 'Wall': the thickness -1 of layer 2");
+  expect_finding("composition 'Wall': the thickness of layer 2 is negative: -1");
   damage_rows("UPDATE Composition_layers SET value_thickness = NULL WHERE \"index\" = 1");
   expect_finding("composition 'Wall': the thickness of layer 2 is not known");
   damage_rows("UPDATE Material_thicknesses SET value = 0");
@@ -72,9 +93,84 @@ TEST_F(Check, texts_that_are_not_utf_8_are_found_with_their_object) {
   expect_finding("material 1: the library has a text that is not UTF-8");
 }
 
+TEST_F(Check, what_the_library_finds_is_told_once) {
+  damage_rows("UPDATE Composition_layers SET value_thickness = -1 WHERE \"index\" = 1");
+  EXPECT_THAT(lines_of(findings()),
+              ElementsAre("composition 'Wall': the thickness of layer 2 is negative: -1"));
+  damage_rows("UPDATE Composition_layers SET value_thickness = NULL WHERE \"index\" = 1");
+  EXPECT_THAT(lines_of(findings()),
+              ElementsAre("composition 'Wall': the thickness of layer 2 is not known"));
+}
+
+TEST_F(Check, thicknesses_of_a_variable_layer_are_told_once) {
+  damage_rows(
+      "UPDATE Composition SET variable_layer = 0, variable_layer_min_thickness = -2,"
+      "variable_layer_max_thickness = -1");
+  EXPECT_THAT(lines_of(findings()),
+              ElementsAre("composition 'Wall': the least thickness of the variable layer is "
+                          "negative: -2"));
+}
+
+TEST_F(Check, thicknesses_of_materials_are_told_once) {
+  damage_rows("UPDATE Material_thicknesses SET value = 9e999");
+  EXPECT_THAT(lines_of(findings()), ElementsAre("material 'Brick': a thickness is infinite"));
+}
+
+TEST_F(Check, conductivities_that_cannot_be_used_are_found) {
+  for (const char* text : {"0", "-0.0", "-0.5"}) {
+    set_conductivity(text);
+    EXPECT_THAT(lines_of(findings()),
+                ElementsAre("material 'Brick': its thermal conductivity is not greater than 0: '" +
+                            std::string(text) + "'"));
+  }
+  for (const char* text : {"inf", "-inf", "nan", "1e999", "0,5", "good", "0.5 W"}) {
+    set_conductivity(text);
+    EXPECT_THAT(lines_of(findings()),
+                ElementsAre("material 'Brick': its thermal conductivity is no number that can be "
+                            "used: '" +
+                            std::string(text) + "'"));
+  }
+}
+
+TEST_F(Check, conductivities_that_are_numbers_or_not_given_are_no_finding) {
+  for (const char* text : {"0.5", " 0.5 ", "1e-3", "400", "", " "}) {
+    set_conductivity(text);
+    EXPECT_EQ(must({"check", "a.lib", "--json"}).json(), nlohmann::json::array()) << text;
+  }
+}
+
+TEST_F(Check, conductivities_of_assets_are_found) {
+  damage_rows(
+      "INSERT INTO Asset VALUES (1, 'veldra::ThermalAsset', 'Wool', '');"
+      "INSERT INTO ThermalAsset VALUES (1, '', '', 1, 1, 1, -1)");
+  EXPECT_THAT(lines_of(findings()),
+              ElementsAre("asset 'Wool': the thermal conductivity is negative: -1"));
+}
+
 TEST_F(Check, references_to_nothing_are_found) {
   damage_rows("UPDATE Material SET type = 999");
-  expect_finding("cannot be read");
+  expect_finding(
+      "library: 1 material cannot be read, because what they refer to is not there, or because "
+      "of ids that no object can have");
+}
+
+TEST_F(Check, ids_that_no_object_can_have_are_found_with_their_cause) {
+  damage_rows("INSERT INTO Tag VALUES (4294967296, 'large'), (-1, 'negative')");
+  EXPECT_THAT(lines_of(findings()),
+              ElementsAre("file: The tag \"negative\" has the id -1, which no object can have",
+                          "file: The tag \"large\" has the id 4294967296, which no object can "
+                          "have",
+                          "file: No id is left for \"Tag\": the last one was 4294967296"));
+}
+
+TEST_F(Check, objects_behind_a_wide_gap_are_not_said_to_refer_to_nothing) {
+  damage_rows(
+      "INSERT INTO Tag VALUES (3000, CAST(x'C3' AS TEXT)), (4000, 'far'), (90000000, 'farther')");
+  const auto all = findings();
+  EXPECT_THAT(all, HasSubstr("tag 3000: the library has a text that is not UTF-8\n"));
+  EXPECT_THAT(all,
+              HasSubstr("library: 1 tag could not be looked at, because others cannot be read"));
+  EXPECT_THAT(all, Not(HasSubstr("refer")));
 }
 
 TEST_F(Check, broken_foreign_keys_are_found) {
@@ -98,7 +194,32 @@ TEST_F(Check, a_changed_schema_is_found) {
 TEST_F(Check, kinds_that_cannot_be_read_do_not_hide_the_rest) {
   damage_rows("DROP TABLE Tag; UPDATE Composition_layers SET value_thickness = -1");
   expect_finding("file: The file lacks the table \"Tag\"");
-  expect_finding("tags: ");
+  expect_finding("tags: they cannot be read, because \"Tag\" is missing");
+  expect_finding("composition 'Wall': the thickness of layer 1 is negative: -1");
+}
+
+TEST_F(Check, a_view_without_end_in_the_place_of_a_table_is_found_and_not_read) {
+  const std::string rest =
+      " AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT i AS id,"
+      "'x' AS name FROM n";
+  for (const std::string table : {"Layer", "Tag", "Material"}) {
+    const auto copy = table + ".lib";
+    write(copy, read("a.lib"));
+    PlainDatabase(path(copy))
+        .execute(
+            "PRAGMA foreign_keys=OFF; PRAGMA legacy_alter_table=ON;"
+            "DROP TABLE " +
+            table + "; CREATE VIEW " + table + rest);
+    const auto begin = std::chrono::steady_clock::now();
+    const auto run = veldra({"check", copy});
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+    EXPECT_EQ(run.status, 3);
+    const std::string finding =
+        "file: The file has the view \"" + table + "\" where the table \"" + table + "\" belongs";
+    const std::string reason = "they cannot be read, because \"" + table + "\" is a view";
+    EXPECT_THAT(lines_of(run.out), testing::IsSupersetOf({finding, "materials: " + reason,
+                                                          "compositions: " + reason}));
+  }
 }
 
 TEST_F(Check, findings_come_as_json_too) {
@@ -107,6 +228,12 @@ TEST_F(Check, findings_come_as_json_too) {
   EXPECT_EQ(run.status, 3);
   EXPECT_EQ(run.json()[0]["object"], "material 'Brick'");
 }
+
+TEST_F(Check, the_help_tells_the_exit_status) {
+  EXPECT_THAT(must({"check", "--help"}).out, HasSubstr("the exit status is 3 if anything is"));
+}
+
+TEST_F(Check, an_error_is_no_finding) { EXPECT_EQ(veldra({"check", "missing.lib"}).status, 1); }
 
 TEST_F(Check, a_text_that_is_not_utf_8_gives_other_commands_a_sentence) {
   damage_rows("UPDATE Material SET label = CAST(x'C3' AS TEXT)");

@@ -157,8 +157,10 @@ TEST(Sentence, of_each_kind_of_file_is_its_own) {
       {Kind::Other, "this is not a veldra library"},
       {Kind::NeedsRecovery,
        "a program did not finish its work on the library, which can only be put in order where it "
-       "may be written"}};
-  ASSERT_EQ(sentences.size(), static_cast<std::size_t>(Kind::NeedsRecovery) + 1);
+       "may be written"},
+      {Kind::WithoutIdentity,
+       "the library does not say what library it is; 'veldra check' tells more"}};
+  ASSERT_EQ(sentences.size(), static_cast<std::size_t>(Kind::WithoutIdentity) + 1);
   for (const auto& [kind, sentence] : sentences) {
     EXPECT_EQ(veldra_tool::why_not_a_library(kind), sentence) << static_cast<int>(kind);
   }

@@ -120,6 +120,16 @@ class NotOpened : public ProgramTest, public testing::WithParamInterface<std::st
     EXPECT_TRUE(read(file) == before);
   }
 
+  /// The check tells of it, and leaves it as it is.
+  void expect_finding(const std::string& file, const std::string& sentence) {
+    const auto before = read(file);
+    const auto run = veldra({"check", file});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_THAT(run.out, HasSubstr("file: " + sentence));
+    EXPECT_EQ(veldra({"check", file, "--json"}).json()[0]["object"], "file");
+    EXPECT_TRUE(read(file) == before);
+  }
+
   /// A library with a tag, changed by plain SQL.
   void make(const std::string& file, const std::string& statements) {
     library(file)->save(veldra::Tag::create("kept"));
@@ -151,6 +161,7 @@ TEST_P(NotOpened, a_library_of_a_version_to_come_says_so) {
 
 TEST_P(NotOpened, a_library_of_a_strange_version_says_so) {
   make("odd", "UPDATE schema_version SET version = 'soon'");
+  if (GetParam() == "check") return expect_finding("odd", "What it says of its version");
   expect_refusal("odd", "the library was made by a version that is not known here");
 }
 
@@ -208,12 +219,45 @@ INSTANTIATE_TEST_SUITE_P(ByEachCommand, WithoutVersion,
                                          "copy", "remove", "purge", "draw"));
 
 TEST_P(WithoutVersion, is_a_finding) {
-  const auto before = read("lost");
-  const auto run = veldra({"check", "lost"});
-  EXPECT_EQ(run.status, 3);
-  EXPECT_THAT(run.out, HasSubstr("file: It does not say its version any more"));
-  EXPECT_EQ(veldra({"check", "lost", "--json"}).json()[0]["object"], "file");
-  EXPECT_TRUE(read("lost") == before);
+  expect_finding("lost", "It does not say its version any more");
+}
+
+/// What a library has lost that opening needs, or what stands in its place.
+class Crippled : public ProgramTest {
+ protected:
+  /// `check` tells of it, all else is refused, and the file stays as it is.
+  void expect_finding(const std::string& change, const std::string& sentence) {
+    SCOPED_TRACE(change);
+    ::unlink(path("a.lib").c_str());
+    must({"create", "a.lib"});
+    PlainDatabase(path("a.lib")).execute("PRAGMA foreign_keys = OFF;" + change);
+    const std::string before = read("a.lib");
+    const auto run = veldra({"check", "a.lib"});
+    EXPECT_EQ(run.status, 3) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("file: " + sentence));
+    EXPECT_TRUE(read("a.lib") == before);
+  }
+};
+
+TEST_F(Crippled, versions_are_told_by_the_check) {
+  expect_finding("UPDATE schema_version SET version = 'many'", "What it says of its version");
+  expect_finding("DROP TABLE schema_version; CREATE VIEW schema_version AS SELECT 1",
+                 "It does not say its version any more");
+}
+
+TEST_F(Crippled, identities_are_told_by_the_check) {
+  const std::string sentence = "It does not say any more what library it is";
+  expect_finding("DELETE FROM Meta", sentence);
+  expect_finding("DROP TABLE Meta", sentence);
+  expect_finding("DROP TABLE Meta; CREATE VIEW Meta AS SELECT 0 AS id", sentence);
+  EXPECT_THAT(veldra({"info", "a.lib"}).err,
+              HasSubstr("the library does not say what library it is"));
+}
+
+TEST_F(Crippled, tables_are_told_by_the_check) {
+  for (const std::string table : {"Material", "Composition", "Tag"}) {
+    expect_finding("DROP TABLE " + table, "The file lacks the table \"" + table + "\"");
+  }
 }
 
 class Opening : public ProgramTest {};

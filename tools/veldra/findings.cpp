@@ -6,10 +6,12 @@
 #include "lookup.hpp"
 #include "progress.hpp"
 #include "text.hpp"
+#include "thermal.hpp"
 
 #include <fmt/format.h>
 
-#include <cmath>
+#include <limits>
+#include <set>
 
 namespace veldra_tool {
 
@@ -31,16 +33,34 @@ class Examination {
     examine_file();
     examine_library();
     for (const auto kind : all_kinds()) {
+      if (unreadable_.count(kind) != 0) continue;
       with_class_of(kind, [&](auto of) { try_to_examine<typename decltype(of)::type>(); });
     }
     return std::move(findings_);
   }
 
  private:
+  /// What the library finds by itself is not looked for again.
   void examine_file() {
-    std::vector<veldra::String> sentences;
-    library_.check(sentences);
-    for (const auto& sentence : sentences) add("file", sentence.utf8());
+    std::vector<veldra::Library::Finding> found;
+    library_.check(found);
+    for (const auto& finding : found) {
+      add(subject_of(finding), finding.sentence.utf8());
+      if (finding.object.id == 0) unreadable_.insert(finding.object.type);
+    }
+  }
+
+  static std::string subject_of(const veldra::Library::Finding& finding) {
+    const auto kind = finding.object.type;
+    if (kind == veldra::ObjectType{}) return "file";
+    if (finding.object.id == 0) return plural_of(kind);
+    return subject(kind, finding.object.id, finding.name);
+  }
+
+  /// An object as it is called in findings.
+  static std::string subject(veldra::ObjectType kind, unsigned id, const veldra::String& name) {
+    return fmt::format("{} {}", singular_of(kind),
+                       name.empty() ? fmt::format("{}", id) : in_quotes(name.utf8()));
   }
 
   /// A file without what it should have may not let a kind be read at all.
@@ -56,18 +76,15 @@ class Examination {
   template <class T>
   void examine_kind() {
     std::vector<std::shared_ptr<T>> objects;
+    failed_ = 0;
+    bool all_at_once = true;
     try {
       library_.get(objects);
     } catch (const std::exception&) {
+      all_at_once = false;
       objects = readable_objects<T>();
     }
-    const auto count = library_.count<T>();
-    const auto unreadable = count - std::min<unsigned long long>(count, objects.size() + failed_);
-    if (unreadable > 0) {
-      add("library", fmt::format("{} {} cannot be read, because what they refer to is not there",
-                                 unreadable, plural_of(veldra::ObjectTraits<T>::type)));
-    }
-    failed_ = 0;
+    add_missing(veldra::ObjectTraits<T>::type, library_.count<T>(), objects.size(), all_at_once);
     sort_by_name(objects);
     for (const auto& object : objects) {
       examine(*object);
@@ -75,21 +92,57 @@ class Examination {
     }
   }
 
-  /// One object cannot be read: so each is read alone, to find out which. Ids are given in
-  /// ascending order and may have gaps.
+  /// Tells of objects that are in the file and were not read.
+  void add_missing(veldra::ObjectType kind, unsigned long long count, std::size_t read,
+                   bool all_at_once) {
+    if (count <= read + failed_) return;
+    const auto missing = count - read - failed_;
+    const auto subject =
+        fmt::format("{} {}", missing, missing == 1 ? singular_of(kind) : plural_of(kind));
+    if (!all_at_once) {
+      add("library", subject + " could not be looked at, because others cannot be read");
+    } else if (refers_to_others(kind)) {
+      add("library", subject +
+                         " cannot be read, because what they refer to is not there, or "
+                         "because of ids that no object can have");
+    }
+    // Of the other kinds the library has told which ids are none.
+  }
+
+  static bool refers_to_others(veldra::ObjectType kind) {
+    return kind == veldra::ObjectType::Material || kind == veldra::ObjectType::Composition;
+  }
+
+  /// One object cannot be read: so they are read in parts, and where one fails each alone, to find
+  /// out which. Ids are given in ascending order and may have gaps.
   template <class T>
   std::vector<std::shared_ptr<T>> readable_objects() {
+    constexpr unsigned part = 500;
     constexpr unsigned widest_gap = 100000;
+    constexpr unsigned largest = std::numeric_limits<unsigned>::max();
     std::vector<std::shared_ptr<T>> objects;
     const auto count = library_.count<T>();
     unsigned last = 0;
-    for (unsigned id = 1; objects.size() + failed_ < count && id - last < widest_gap; ++id) {
-      if (const auto object = read<T>(id)) {
-        objects.push_back(object);
-        last = id;
-      }
+    for (unsigned first = 1; objects.size() + failed_ < count; first += part) {
+      if (first - last > widest_gap || first > largest - part) break;
+      const auto before = objects.size() + failed_;
+      read_part(first, first + part, objects);
+      if (objects.size() + failed_ > before) last = first;
     }
     return objects;
+  }
+
+  template <class T>
+  void read_part(unsigned first, unsigned end, std::vector<std::shared_ptr<T>>& objects) {
+    std::set<unsigned> ids;
+    for (unsigned id = first; id != end; ++id) ids.insert(ids.end(), id);
+    try {
+      library_.get(objects, ids);
+    } catch (const std::exception&) {
+      for (const unsigned id : ids) {
+        if (const auto object = read<T>(id)) objects.push_back(object);
+      }
+    }
   }
 
   template <class T>
@@ -135,11 +188,23 @@ class Examination {
   void examine(const veldra::Material& material) {
     examine_name(material);
     examine_values(material, veldra::ObjectType::Material);
-    for (const double thickness : material.thicknesses()) {
-      if (thickness > 0) continue;
-      add(material, fmt::format("the thickness {} is not greater than 0", thickness));
+    examine_conductivity(material);
+    if (material.thicknesses().count(0) != 0) {
+      add(material, "the thickness 0 is not greater than 0");
     }
     if (!material.type()) add(material, "it has no type");
+  }
+
+  /// An empty text says that it is not known.
+  void examine_conductivity(const veldra::Material& material) {
+    const auto value = material.custom_value(veldra::String(property::conductivity));
+    if (value.null()) return;
+    const std::string text = trimmed(value.get().utf8());
+    const auto number = number_value(material, property::conductivity);
+    if (text.empty() || (number && *number > 0)) return;
+    add(material,
+        fmt::format("its thermal conductivity is {}: {}",
+                    number ? "not greater than 0" : "no number that can be used", in_quotes(text)));
   }
 
   void examine(const veldra::Composition& composition) {
@@ -155,11 +220,9 @@ class Examination {
     for (std::size_t i = 0; i < composition.layers().size(); ++i) {
       const auto& layer = composition.layers()[i];
       if (!layer.material()) add(composition, fmt::format("layer {} has no material", i + 1));
-      if (layer.thickness() > 0 || has_no_thickness(layer)) continue;
-      add(composition, std::isnan(layer.thickness())
-                           ? fmt::format("the thickness of layer {} is not known", i + 1)
-                           : fmt::format("the thickness {} of layer {} is not greater than 0",
-                                         layer.thickness(), i + 1));
+      if (layer.thickness() == 0 && !has_no_thickness(layer)) {
+        add(composition, fmt::format("the thickness 0 of layer {} is not greater than 0", i + 1));
+      }
     }
   }
 
@@ -190,7 +253,6 @@ class Examination {
     }
     const double least = composition.variable_layer_min_thickness();
     const double greatest = composition.variable_layer_max_thickness();
-    if (least < 0) add(composition, "the least thickness of the variable layer is negative");
     if (composition.has_variable_layer_max_thickness() && greatest < least) {
       add(composition, "the greatest thickness of the variable layer is less than the least");
     }
@@ -213,10 +275,7 @@ class Examination {
 
   template <class T>
   void add(const T& object, const std::string& sentence) {
-    add(fmt::format("{} {}", singular_of(veldra::ObjectTraits<T>::type),
-                    object.name().empty() ? fmt::format("{}", object.id())
-                                          : in_quotes(object.name().utf8())),
-        sentence);
+    add(subject(veldra::ObjectTraits<T>::type, object.id(), object.name()), sentence);
   }
   void add(const char* object, const std::string& sentence) { add(std::string(object), sentence); }
   void add(const std::string& object, const std::string& sentence) {
@@ -226,7 +285,8 @@ class Examination {
   const veldra::Library& library_;
   Progress progress_{"examining"};
   std::vector<Finding> findings_;
-  std::size_t failed_ = 0;  ///< objects of the kind that gave an error
+  std::set<veldra::ObjectType> unreadable_;  ///< kinds that must not be read
+  std::size_t failed_ = 0;                   ///< objects of the kind that gave an error
 };
 
 }  // namespace

@@ -111,6 +111,8 @@ std::string why_not_a_library(Kind kind) {
       return "the library was made by a version that is not known here";
     case Kind::WithoutVersion:
       return "the library does not say its version any more; 'veldra check' tells more";
+    case Kind::WithoutIdentity:
+      return "the library does not say what library it is; 'veldra check' tells more";
     case Kind::OtherDatabase:
       return "this is a database of another program, and not a veldra library";
     case Kind::Damaged:

@@ -22,11 +22,6 @@ namespace veldra_tool {
 
 namespace {
 
-bool is_there(const OutputPlace& place, struct stat& there) {
-  return (place.descriptor >= 0 ? ::fstat(place.descriptor, &there)
-                                : ::stat(place.path.c_str(), &there)) == 0;
-}
-
 bool same_file(const struct stat& left, const struct stat& right) {
   return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
 }
@@ -83,6 +78,15 @@ void OutputFile::write(Host& host, const std::string& text) const {
   if (is_there(place, there) && !is_replaced(place, there)) return write_in_place(place, text);
   if (place.special) fail_writing(ENOENT);  // nothing new is made there
   replace_whole(place, host, text);
+}
+
+/// What cannot be looked at may be there, and be anything.
+bool OutputFile::is_there(const OutputPlace& place, struct stat& there) const {
+  const int result = place.descriptor >= 0 ? ::fstat(place.descriptor, &there)
+                                           : ::stat(place.path.c_str(), &there);
+  if (result == 0) return true;
+  if (errno == ENOENT || errno == EBADF) return false;
+  fail(fmt::format("it cannot be looked at: {}", text_of_error(errno)));
 }
 
 OutputPlace OutputFile::require_permission() const {

@@ -30,6 +30,7 @@ class OutputFile {
   void write(Host& host, const std::string& text) const;
 
  private:
+  bool is_there(const OutputPlace& place, struct stat& there) const;
   OutputPlace require_permission() const;
   void require_no_library(const OutputPlace& place, const struct stat& there) const;
   void write_in_place(const OutputPlace& place, std::string_view text) const;

@@ -52,11 +52,16 @@ int own_descriptor(const std::string& folder, const std::string& name) {
   return result.ptr == name.data() + name.size() ? number : -1;
 }
 
-/// What a link says; empty where there is no link.
-std::string target_of(const std::string& path) {
+/// What a link says; empty where there is no link. A link that cannot be read is one all the same,
+/// and would be replaced in place of what it leads to.
+std::string target_of(const std::string& file, const std::string& path) {
   char target[PATH_MAX];
   const auto size = ::readlink(path.c_str(), target, sizeof target);
-  return size > 0 ? std::string(target, static_cast<std::size_t>(size)) : "";
+  if (size > 0) return std::string(target, static_cast<std::size_t>(size));
+  if (size < 0 && errno != EINVAL && errno != ENOENT) {
+    fail(file, "it cannot be found out where its name leads", errno);
+  }
+  return "";
 }
 
 }  // namespace
@@ -72,7 +77,7 @@ OutputPlace place_of_output(const std::string& file) {
     place.descriptor = own_descriptor(folder, name);
     place.path = folder == "/" ? "/" + name : folder + "/" + name;
     place.names.push_back(name);
-    const std::string target = target_of(place.path);
+    const std::string target = target_of(file, place.path);
     if (target.empty()) return place;
     if (is_in(folder, "/proc")) {  // its links lead to what is open, whatever they say
       place.names.push_back(target);

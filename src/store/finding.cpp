@@ -1,0 +1,70 @@
+#include "store/finding.hpp"
+
+#include <utf8.h>
+
+#include <iterator>
+
+namespace veldra {
+
+namespace {
+
+String well_formed(const std::string& text) {
+  std::string bytes;
+  utf8::replace_invalid(text.begin(), text.end(), std::back_inserter(bytes));
+  String result;
+  result.utf8(bytes);
+  return result;
+}
+
+std::string subject_of(const Library::Finding& finding) {
+  if (finding.object.id == 0) return plural_of(finding.object.type);
+  const std::string subject =
+      singular_of(finding.object.type) + " " + std::to_string(finding.object.id);
+  return finding.name.empty() ? subject : subject + " \"" + finding.name.utf8() + "\"";
+}
+
+}  // namespace
+
+Library::Finding make_finding(const ObjectKey& object, const std::string& name,
+                              const std::string& sentence) {
+  Library::Finding finding;
+  finding.object = object;
+  finding.name = well_formed(name);
+  finding.sentence = well_formed(sentence);
+  return finding;
+}
+
+Library::Finding finding_of_file(const std::string& sentence) {
+  return make_finding({}, {}, sentence);
+}
+
+String told(const Library::Finding& finding) {
+  if (finding.object.type == ObjectType{}) return finding.sentence;
+  return String((subject_of(finding) + ": " + finding.sentence.utf8()).c_str());
+}
+
+std::string singular_of(ObjectType type) {
+  switch (type) {
+    case ObjectType::Tag:
+      return "tag";
+    case ObjectType::Asset:
+      return "asset";
+    case ObjectType::MaterialType:
+      return "material type";
+    case ObjectType::Material:
+      return "material";
+    case ObjectType::Composition:
+      return "composition";
+    case ObjectType::CustomProperty:
+      return "custom property";
+    case ObjectType::Layer:
+      return "drawing layer";
+  }
+  return "object";
+}
+
+std::string plural_of(ObjectType type) {
+  return type == ObjectType::CustomProperty ? "custom properties" : singular_of(type) + "s";
+}
+
+}  // namespace veldra

@@ -1,0 +1,74 @@
+#include "program/commands.hpp"
+
+#include <stdexcept>
+
+namespace veldra_tests {
+
+namespace {
+
+const std::vector<Command> readers = {
+    {"info", {"info", "office.lib"}},
+    {"list", {"list", "office.lib", "materials"}},
+    {"list as JSON", {"list", "office.lib", "compositions", "--json"}},
+    {"show", {"show", "office.lib", "composition", "Ziegelwand"}},
+    {"where-used", {"where-used", "office.lib", "material", "Kalkputz"}},
+    {"check", {"check", "office.lib"}},
+    {"export", {"export", "office.lib"}},
+    {"export as CSV", {"export", "office.lib", "--format", "csv"}},
+    {"draw", {"draw", "office.lib", "Ziegelwand", "Lehmwand"}},
+    {"purge, tried", {"purge", "office.lib", "materials", "tags", "--dry-run"}},
+    {"import, tried", {"import", "office.lib", "walls.json", "--dry-run"}},
+};
+
+const std::vector<Command> writers = {
+    {"create",
+     {"create", "new.lib", "--guid", "office", "--locale", "de_AT", "--region", "AT"},
+     "new.lib"},
+    {"import into a new library", {"import", "new.lib", "walls.json", "glass.idf"}, "new.lib"},
+    {"import into a library", {"import", "office.lib", "walls.json"}, "office.lib"},
+    {"import of two sources", {"import", "site.lib", "walls.json", "glass.idf"}, "site.lib"},
+    {"export to a new file", {"export", "office.lib", "-o", "new.json"}, "new.json"},
+    {"export over a file", {"export", "office.lib", "-o", "old.json", "--force"}, "old.json"},
+    {"export over what a link leads to",
+     {"export", "office.lib", "--format", "csv", "-o", "link.json", "--force"},
+     "old.json"},
+    {"draw to a new file", {"draw", "office.lib", "Ziegelwand", "-o", "new.svg"}, "new.svg"},
+    {"draw over a file",
+     {"draw", "office.lib", "Ziegelwand", "-o", "old.svg", "--force"},
+     "old.svg"},
+    {"copy",
+     {"copy", "office.lib", "site.lib", "composition:Ziegelwand", "material:Kork"},
+     "site.lib"},
+    {"copy through a link", {"copy", "site.lib", "link", "composition:Bodenplatte"}, "office.lib"},
+    {"copy of everything", {"copy", "site.lib", "office.lib", "--all"}, "office.lib"},
+    {"remove", {"remove", "office.lib", "materials", "Kork"}, "office.lib"},
+    {"remove of some", {"remove", "office.lib", "materials", "Kork", "Ziegel"}, "office.lib", 3},
+    {"purge", {"purge", "office.lib", "materials", "types", "tags"}, "office.lib"},
+    {"purge of compositions",
+     {"purge", "office.lib", "compositions", "materials", "--yes"},
+     "office.lib"},
+};
+
+std::vector<Command> all() {
+  std::vector<Command> result = readers;
+  result.insert(result.end(), writers.begin(), writers.end());
+  return result;
+}
+
+}  // namespace
+
+const std::vector<Command>& commands() {
+  static const std::vector<Command> result = all();
+  return result;
+}
+
+const std::vector<Command>& writing_commands() { return writers; }
+
+const Command& command_named(const std::string& name) {
+  for (const Command& command : commands()) {
+    if (command.name == name) return command;
+  }
+  throw std::invalid_argument(name);
+}
+
+}  // namespace veldra_tests
