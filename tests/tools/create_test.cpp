@@ -134,6 +134,13 @@ INSTANTIATE_TEST_SUITE_P(OfEachCommand, Help,
                          testing::Values("create", "info", "list", "show", "where-used", "import",
                                          "export", "copy", "remove", "purge", "check", "draw"));
 
+TEST_F(Create, help_tells_the_exit_statuses) {
+  const auto text = must({"--help"}).out;
+  for (const char* line : {"\n  0  ", "\n  1  ", "\n  2  ", "\n  3  "}) {
+    EXPECT_THAT(text, HasSubstr(line));
+  }
+}
+
 class NoLibrary : public ProgramTest, public testing::WithParamInterface<std::string> {
  protected:
   /// A run on a file that is no library gives a sentence and leaves the file as it is.

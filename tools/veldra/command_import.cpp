@@ -164,8 +164,8 @@ class Import {
     const auto findings = findings_in(report);
     host_.notes.clear();
     for (const auto& finding : findings) host_.notes += fmt::format("veldra: {}\n", finding);
+    host_.status = findings.empty() ? Status::Done : Status::Findings;
     if (findings.empty()) return;
-    host_.status = Status::Findings;
     if (!arguments_.strict) return;
     const auto count = findings.size();
     throw Failure(fmt::format("nothing is imported, because there {}",

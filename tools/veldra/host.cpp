@@ -13,7 +13,14 @@ Host::Host() : arguments("Catalogues of building materials and build-ups in libr
   arguments.get_formatter()->label("SUBCOMMAND", "COMMAND");
   arguments.get_formatter()->label("Positionals", "Arguments");
   arguments.get_formatter()->label("REQUIRED", "(required)");
-  arguments.footer("'veldra COMMAND --help' tells more about a command.");
+  arguments.footer(
+      "'veldra COMMAND --help' tells more about a command.\n\n"
+      "Exit status:\n"
+      "  0  done\n"
+      "  1  an error: nothing was done\n"
+      "  2  wrong use: nothing was done\n"
+      "  3  done, with findings: 'check' has found something, objects stay because they are in\n"
+      "     use, something did not come along, or the report could not be written");
   for (const auto add : {add_create, add_info, add_list, add_show, add_where_used, add_import,
                          add_export, add_copy, add_remove, add_purge, add_draw, add_check})
     add(*this);

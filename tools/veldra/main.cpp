@@ -64,19 +64,28 @@ void tell(Host& host, const CLI::Success& wish) {
   host.output.write(text.str());
 }
 
+Status stopped() noexcept {
+  say_stopped();
+  return Status::Failed;
+}
+
+/// Gives 0, or the number of the error. Some file systems say only at the end that they did not
+/// take everything.
+int write_output(const Spool& output) noexcept {
+  const int error = output.copy_to(STDOUT_FILENO);
+  if (error != 0 || output.empty()) return error;
+  return ::close(STDOUT_FILENO) == 0 || errno == EINTR ? 0 : errno;
+}
+
 /// Tells what the command had to say, now that it holds nothing any more.
 Status report(const Host& host) {
   say(host.notes);
-  int error = host.output.copy_to(STDOUT_FILENO);
-  // Some file systems say only now that they did not take everything.
-  if (error == 0 && !host.output.empty() && ::close(STDOUT_FILENO) != 0) error = errno;
+  const int error = write_output(host.output);
   if (error == 0) return host.status;
-  if (error == EINTR && !host.done) {
-    say_stopped();
-    return Status::Failed;
-  }
+  const bool is_done = host.done && host.status != Status::Failed;
+  if (error == EINTR && !is_done) return stopped();
   const char* sentence = "standard output cannot be written: ";
-  if (!host.done) return complain({sentence, text_of_error(error)}, Status::Failed);
+  if (!is_done) return complain({sentence, text_of_error(error)}, Status::Failed);
   return complain({done, sentence, text_of_error(error)}, Status::Findings);
 }
 
@@ -93,8 +102,7 @@ Status run_command(Host& host, int count, char** values) {
   } catch (const Stopped&) {
     if (host.done) return give_up(host, "interrupted");
     say(host.notes);
-    say_stopped();
-    return Status::Failed;
+    return stopped();
   } catch (const std::bad_alloc&) {
     return give_up(host, "there is not enough memory");
   } catch (const std::exception&) {
