@@ -69,6 +69,24 @@ TEST_F(FileName, must_be_a_text_that_is_not_empty) {
   EXPECT_EQ(names(), std::vector<std::string>{"a.lib"});
 }
 
+TEST_F(FileName, that_is_too_long_is_refused_before_anything_is_made) {
+  std::string folder = path("");
+  while (folder.size() < 400) {
+    folder += std::string(90, 'x');
+    ASSERT_EQ(::mkdir(folder.c_str(), 0755), 0);
+    folder += '/';
+  }
+  const std::string fits = folder + std::string(504 - folder.size(), 'a');
+  must({"create", fits});
+  must({"info", fits});
+  for (const char* command : {"create", "info"}) {
+    const auto run = veldra({command, fits + "b"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, AllOf(is_one_sentence(), HasSubstr("too long for a library")));
+  }
+  EXPECT_FALSE(file_exists(fits + "b"));
+}
+
 TEST_F(FileName, in_a_folder_that_is_gone_gives_a_sentence) {
   const auto run = shell("mkdir gone; cd gone; rmdir ../gone; veldra create a.lib");
   EXPECT_EQ(run.status, 1);

@@ -132,6 +132,7 @@ class Import {
     ImportReport report(sources_.size());
     const ImportSet set = read_set(library->unit(), report);
     veldra::Library::Transaction transaction(*library);
+    forbid_sudden_end();
     const bool was_empty = is_empty(*library);
     transfer_set(set, library, arguments_.on_conflict, report, progress_);
     if (was_empty) adopt_settings(*library, set);

@@ -42,7 +42,7 @@ void require_library(const std::string& file, const std::string& path) {
 }
 
 std::shared_ptr<veldra::Library> open_existing(const std::string& file, bool read_only) {
-  const auto path = absolute_path(file);
+  const auto path = library_path(file);
   require_readable_file(file, path);
   try {
     return veldra::Library::openExisting(library_text(path), read_only);
@@ -61,7 +61,7 @@ std::shared_ptr<veldra::Library> open_existing(const std::string& file, bool rea
 
 Kind recognised(const std::string& file) {
   return working_on(file, [&] {
-    const auto path = absolute_path(file);
+    const auto path = library_path(file);
     require_readable_file(file, path);
     return veldra::Library::recognise(library_text(path)).kind;
   });

@@ -2,6 +2,7 @@
 
 #include "failure.hpp"
 #include "files/library_marks.hpp"
+#include "files/opened.hpp"
 #include "files/path.hpp"
 #include "files/temporary_file.hpp"
 #include "process/interruption.hpp"
@@ -20,28 +21,6 @@
 namespace veldra_tool {
 
 namespace {
-
-/// A descriptor that is closed with this.
-class Opened {
- public:
-  explicit Opened(int descriptor) : descriptor_(descriptor) {}
-  Opened(const Opened&) = delete;
-  Opened& operator=(const Opened&) = delete;
-  ~Opened() {
-    if (descriptor_ >= 0) ::close(descriptor_);
-  }
-
-  int get() const { return descriptor_; }
-
-  /// Closes it; gives 0 or the number of the error.
-  int close() {
-    const int result = ::close(std::exchange(descriptor_, -1));
-    return result == 0 || errno == EINTR ? 0 : errno;
-  }
-
- private:
-  int descriptor_;
-};
 
 bool is_there(const OutputPlace& place, struct stat& there) {
   return (place.descriptor >= 0 ? ::fstat(place.descriptor, &there)

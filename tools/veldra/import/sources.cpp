@@ -1,33 +1,12 @@
 #include "import/sources.hpp"
 
-#include "failure.hpp"
+#include "files/reading.hpp"
 #include "import/readers.hpp"
 #include "text.hpp"
-
-#include <fmt/format.h>
-
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace veldra_tool {
 
 namespace {
-
-std::string content_of(const std::string& file) {
-  std::error_code error;
-  if (std::filesystem::is_directory(file, error)) {
-    throw Failure(fmt::format("{}: this is a folder", in_quotes(file)));
-  }
-  errno = 0;
-  std::ifstream stream(file, std::ios::binary);
-  std::string content((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
-  if (stream.is_open() && !stream.bad()) return content;
-  throw Failure(fmt::format("{}: it cannot be read: {}", in_quotes(file),
-                            std::strerror(errno != 0 ? errno : EIO)));
-}
 
 void drop_byte_order_mark(std::string& text) {
   constexpr const char* mark = "\xEF\xBB\xBF";
