@@ -45,7 +45,9 @@ step "The same again changes nothing"
 
 step "Changing and purging"
 run remove office.lib compositions "DE-09 Bodenplatte Bestand, innen gedämmt"
-run remove office.lib materials "PVC-Belag / PVC flooring" "Stahlbeton 1 % / Reinforced concrete, 1 % steel"
+# One of these is in use and stays, which the exit status 3 tells.
+run remove office.lib materials "PVC-Belag / PVC flooring" \
+  "Stahlbeton 1 % / Reinforced concrete, 1 % steel" || [ $? -eq 3 ]
 run purge office.lib types layers tags properties
 run export office.lib -o office.json
 run export office.lib --format csv -o office-materials.csv

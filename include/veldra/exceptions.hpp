@@ -47,7 +47,7 @@ class VELDRA_EXPORT DatabaseError : public UnknownError {
 };
 
 /// An existing library was asked for, and the file holds none: it is empty, another database, or
-/// does not say its version.
+/// does not say its version or which library it is.
 class VELDRA_EXPORT NotALibrary : public Exception {
  public:
   explicit NotALibrary(const String& filename);

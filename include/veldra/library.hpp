@@ -142,17 +142,18 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// What `recognise` says of a file.
   struct Recognition {
     enum class Kind : int {
-      Missing = 0,         ///< There is no such file.
-      Empty = 1,           ///< It has no tables: `create` and `open` make a library of it.
-      Library = 2,         ///< It is a library of the current version.
-      OlderLibrary = 3,    ///< It is a library that opening brings to the current version.
-      NewerLibrary = 4,    ///< It is a library of a version to come.
-      UnknownVersion = 5,  ///< It is a library, and what it says of its version means nothing.
-      WithoutVersion = 6,  ///< It has the tables of a library and does not say its version.
-      OtherDatabase = 7,   ///< It is a database of another program.
-      Damaged = 8,         ///< It is a database that cannot be read.
-      Other = 9,           ///< It is no database: another file, a folder, a device.
-      NeedsRecovery = 10   ///< A journal or log belongs to it that cannot be applied here.
+      Missing = 0,          ///< There is no such file.
+      Empty = 1,            ///< It has no tables: `create` and `open` make a library of it.
+      Library = 2,          ///< It is a library of the current version.
+      OlderLibrary = 3,     ///< It is a library that opening brings to the current version.
+      NewerLibrary = 4,     ///< It is a library of a version to come.
+      UnknownVersion = 5,   ///< It is a library, and what it says of its version means nothing.
+      WithoutVersion = 6,   ///< It has the tables of a library and does not say its version.
+      OtherDatabase = 7,    ///< It is a database of another program.
+      Damaged = 8,          ///< It is a database that cannot be read.
+      Other = 9,            ///< It is no database: another file, a folder, a device.
+      NeedsRecovery = 10,   ///< A journal or log belongs to it that cannot be applied here.
+      WithoutIdentity = 11  ///< It has the tables of a library and does not say which one it is.
     };
 
     Kind kind;
@@ -178,8 +179,9 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// Opens the library in the existing file `filename`, as `open` does, and makes no library of
   /// what is none. That is decided on the connection that opens it, under the same lock.
   ///
-  /// Throws `NotALibrary` for a file that is empty, that does not say its version, or that is a
-  /// database of another program; these stay as they are. Throws as `open` does for all else.
+  /// Throws `NotALibrary` for a file that is empty, that does not say its version or which library
+  /// it is, or that is a database of another program; these stay as they are. Throws as `open` does
+  /// for all else.
   static std::shared_ptr<Library> openExisting(const String& filename, bool readOnly);
 
   Library(const Library&) = delete;
@@ -248,7 +250,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// - texts with a zero byte inside, and values in their places that are no texts;
   /// - positions in lists of tags and of layers that are doubled, negative or leave gaps;
   /// - thicknesses that are negative, infinite or NaN, but for the least thickness of a variable
-  ///   layer that is not there; conductivities of assets that are negative or infinite;
+  ///   layer that is not there; conductivities of assets that are so;
   /// - types of compositions other than those of `Composition::Type`.
   ///
   /// Of damage, of references and of each sort of rows the first 100 are told. Whether values fit
@@ -335,9 +337,9 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// or composition the reactor decides. A material without a type gets the type "Generic". A tag
   /// that has an id is never written again.
   ///
-  /// Returns empty for an empty pointer. That, and saving what is left alone, takes no lock: it waits
-  /// for nobody, and works also on a library that can only be read, within an operation's call of
-  /// the reactor and within a `Snapshot`.
+  /// Returns empty for an empty pointer. That, and saving what is left alone, takes no lock: it
+  /// waits for nobody, and works also on a library that can only be read, within an operation's
+  /// call of the reactor and within a `Snapshot`.
   ///
   /// Throws `ObjectNotUnique` when a name (without text) or a code (with text) is taken and the
   /// reactor did not decide otherwise, `ObjectNotFound` when an object with an id is not in the

@@ -91,6 +91,7 @@ Requirement require_library(const String& filename) {
     switch (recognise_tables(connection).kind) {
       case Kind::Empty:
       case Kind::WithoutVersion:
+      case Kind::WithoutIdentity:
       case Kind::OtherDatabase:
         throw NotALibrary(filename);
       default:

@@ -25,30 +25,41 @@ bool is_empty(odb::sqlite::connection& connection) {
   return !Statement(connection, "SELECT 1 FROM sqlite_master LIMIT 1").next();
 }
 
-/// Of the tables that tell a library from other databases, how many are there. The identity, which
-/// opening reads, must be a table, which has pages of its own; `Library::check` tells of the
-/// others.
-long long tables_of_a_library(odb::sqlite::connection& connection) {
+/// Whether most of the tables are there that tell a library from other databases. What stands in
+/// their places, and which of them are missing, is left to `Library::check`.
+bool has_tables_of_a_library(odb::sqlite::connection& connection) {
   Statement row(connection,
-                "SELECT count(*) FROM sqlite_master"
-                " WHERE (name IN ('Material', 'Composition') AND type IN ('table', 'view'))"
-                "    OR (name = 'Meta' AND type = 'table' AND rootpage > 0)");
-  return row.next() ? row.integer(0) : 0;
+                "SELECT count(*) > 3 FROM sqlite_master"
+                " WHERE name IN ('Material', 'Material_thicknesses', 'MaterialType',"
+                "                'Composition', 'Composition_layers', 'Meta')");
+  return row.next() && row.integer(0) != 0;
+}
+
+/// Whether there is a table of that name, with pages of its own, and not what others have written
+/// in its place; with that many of those columns.
+bool is_table(odb::sqlite::connection& connection, const char* name, const char* columns,
+              long long number) {
+  const std::string query =
+      std::string(
+          "SELECT 1 FROM sqlite_master WHERE name = ?1 COLLATE NOCASE AND type = 'table'"
+          " AND rootpage > 0 AND (SELECT count(*) FROM pragma_table_info(?1)"
+          "                        WHERE name COLLATE NOCASE IN (") +
+      columns + ")) = ?2";
+  Statement row(connection, query.c_str());
+  row.bind(1, name);
+  row.bind(2, number);
+  return row.next();
+}
+
+/// Whether the file says what library it is, which opening reads.
+bool has_identity(odb::sqlite::connection& connection) {
+  return is_table(connection, "Meta", "'id', 'guid', 'unit', 'locale', 'region'", 5) &&
+         Statement(connection, "SELECT 1 FROM \"Meta\" WHERE \"id\" = 0").next();
 }
 
 bool has_version_table(odb::sqlite::connection& connection) {
   return Statement(connection,
                    "SELECT 1 FROM sqlite_master WHERE name='schema_version' COLLATE NOCASE")
-      .next();
-}
-
-/// Whether the versions can be read without running what somebody else has written.
-bool has_real_version_table(odb::sqlite::connection& connection) {
-  return Statement(connection,
-                   "SELECT 1 FROM sqlite_master WHERE name='schema_version' COLLATE NOCASE"
-                   " AND type = 'table' AND rootpage > 0"
-                   " AND (SELECT count(*) FROM pragma_table_info('schema_version')"
-                   "       WHERE name IN ('name', 'version') COLLATE NOCASE) = 2")
       .next();
 }
 
@@ -171,11 +182,13 @@ FileVersion version_of(odb::sqlite::connection& connection) {
 
 Recognition recognise_tables(odb::sqlite::connection& connection) {
   if (is_empty(connection)) return {Kind::Empty, 0};
-  const auto tables = tables_of_a_library(connection);
-  const FileVersion version =
-      has_real_version_table(connection) ? version_of(connection) : FileVersion{true, 0};
-  if (tables != 3) return {Kind::OtherDatabase, 0};
+  if (!has_tables_of_a_library(connection)) return {Kind::OtherDatabase, 0};
+  if (!is_table(connection, "schema_version", "'name', 'version'", 2)) {
+    return {Kind::WithoutVersion, 0};
+  }
+  const FileVersion version = version_of(connection);
   if (version.known && version.number == 0) return {Kind::WithoutVersion, 0};
+  if (!has_identity(connection)) return {Kind::WithoutIdentity, version.number};
   return {kind_of_version(version), version.number};
 }
 

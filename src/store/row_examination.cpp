@@ -167,7 +167,9 @@ RowExamination wrong_material_thicknesses(const Rows& thicknesses) {
 }
 
 RowExamination wrong_conductivities(const Rows& assets) {
-  return of_each_row(assets, wrong_number("thermal_conductivity", "'the thermal conductivity'"));
+  const std::string column = "thermal_conductivity";
+  const std::string what = "'the thermal conductivity'";
+  return of_each_row(assets, unknown_number(column, what) + wrong_number(column, what));
 }
 
 /// Without a variable layer nobody asks how thin it may be.

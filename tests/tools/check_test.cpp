@@ -168,7 +168,8 @@ TEST_F(Check, objects_behind_a_wide_gap_are_not_said_to_refer_to_nothing) {
       "INSERT INTO Tag VALUES (3000, CAST(x'C3' AS TEXT)), (4000, 'far'), (90000000, 'farther')");
   const auto all = findings();
   EXPECT_THAT(all, HasSubstr("tag 3000: the library has a text that is not UTF-8\n"));
-  EXPECT_THAT(all, HasSubstr("library: 1 tags were not looked at, because others cannot be read"));
+  EXPECT_THAT(all,
+              HasSubstr("library: 1 tag could not be looked at, because others cannot be read"));
   EXPECT_THAT(all, Not(HasSubstr("refer")));
 }
 

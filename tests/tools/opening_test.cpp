@@ -69,6 +69,24 @@ TEST_F(FileName, must_be_a_text_that_is_not_empty) {
   EXPECT_EQ(names(), std::vector<std::string>{"a.lib"});
 }
 
+TEST_F(FileName, that_is_too_long_is_refused_before_anything_is_made) {
+  std::string folder = path("");
+  while (folder.size() < 400) {
+    folder += std::string(90, 'x');
+    ASSERT_EQ(::mkdir(folder.c_str(), 0755), 0);
+    folder += '/';
+  }
+  const std::string fits = folder + std::string(504 - folder.size(), 'a');
+  must({"create", fits});
+  must({"info", fits});
+  for (const char* command : {"create", "info"}) {
+    const auto run = veldra({command, fits + "b"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, AllOf(is_one_sentence(), HasSubstr("too long for a library")));
+  }
+  EXPECT_FALSE(file_exists(fits + "b"));
+}
+
 TEST_F(FileName, in_a_folder_that_is_gone_gives_a_sentence) {
   const auto run = shell("mkdir gone; cd gone; rmdir ../gone; veldra create a.lib");
   EXPECT_EQ(run.status, 1);
@@ -196,6 +214,44 @@ TEST_P(WithoutVersion, is_a_finding) {
   EXPECT_THAT(run.out, HasSubstr("file: It does not say its version any more"));
   EXPECT_EQ(veldra({"check", "lost", "--json"}).json()[0]["object"], "file");
   EXPECT_TRUE(read("lost") == before);
+}
+
+/// What a library has lost that opening needs, or what stands in its place.
+class Crippled : public ProgramTest {
+ protected:
+  /// `check` tells of it, all else is refused, and the file stays as it is.
+  void expect_finding(const std::string& change, const std::string& sentence) {
+    SCOPED_TRACE(change);
+    ::unlink(path("a.lib").c_str());
+    must({"create", "a.lib"});
+    PlainDatabase(path("a.lib")).execute("PRAGMA foreign_keys = OFF;" + change);
+    const std::string before = read("a.lib");
+    const auto run = veldra({"check", "a.lib"});
+    EXPECT_EQ(run.status, 3) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("file: " + sentence));
+    EXPECT_TRUE(read("a.lib") == before);
+  }
+};
+
+TEST_F(Crippled, versions_are_told_by_the_check) {
+  expect_finding("UPDATE schema_version SET version = 'many'", "What it says of its version");
+  expect_finding("DROP TABLE schema_version; CREATE VIEW schema_version AS SELECT 1",
+                 "It does not say its version any more");
+}
+
+TEST_F(Crippled, identities_are_told_by_the_check) {
+  const std::string sentence = "It does not say any more what library it is";
+  expect_finding("DELETE FROM Meta", sentence);
+  expect_finding("DROP TABLE Meta", sentence);
+  expect_finding("DROP TABLE Meta; CREATE VIEW Meta AS SELECT 0 AS id", sentence);
+  EXPECT_THAT(veldra({"info", "a.lib"}).err,
+              HasSubstr("the library does not say what library it is"));
+}
+
+TEST_F(Crippled, tables_are_told_by_the_check) {
+  for (const std::string table : {"Material", "Composition", "Tag"}) {
+    expect_finding("DROP TABLE " + table, "The file lacks the table \"" + table + "\"");
+  }
 }
 
 class Opening : public ProgramTest {};

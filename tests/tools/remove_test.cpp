@@ -43,6 +43,15 @@ TEST_F(Remove, when_nothing_goes_the_status_is_1) {
   EXPECT_EQ(count("a.lib", "materials"), 3U);
 }
 
+TEST_F(Remove, when_nothing_goes_it_is_not_said_to_be_done) {
+  const auto before = dump(path("a.lib"));
+  const auto run = shell("veldra remove a.lib materials Used > /dev/full");
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, HasSubstr("standard output cannot be written"));
+  EXPECT_THAT(run.err, testing::Not(HasSubstr("is done")));
+  EXPECT_EQ(dump(path("a.lib")), before);
+}
+
 TEST_F(Remove, a_name_that_is_not_there_keeps_everything_in_place) {
   const auto run = veldra({"remove", "a.lib", "materials", "Free", "Nobody"});
   EXPECT_EQ(run.status, 1);

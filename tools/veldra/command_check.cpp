@@ -30,20 +30,29 @@ void print(Spool& output, const std::vector<Finding>& findings, bool json) {
   if (findings.empty()) output.print("Nothing is wrong.\n");
 }
 
-/// Only a file that says its version is opened as a library.
-bool says_its_version(const std::string& file) {
+/// What keeps a library from being opened and looked at; empty where nothing does.
+std::string obstacle(veldra::Library::Recognition::Kind kind) {
   using Kind = veldra::Library::Recognition::Kind;
-  return recognised(file) != Kind::WithoutVersion;
+  switch (kind) {
+    case Kind::WithoutVersion:
+      return "It does not say its version any more";
+    case Kind::UnknownVersion:
+      return "What it says of its version means nothing, or is there twice";
+    case Kind::WithoutIdentity:
+      return "It does not say any more what library it is: \"Meta\" is no table or has no row";
+    default:
+      return "";
+  }
 }
 
-Finding version_is_missing() {
-  return {"file", "It does not say its version any more, so that it is not opened as a library"};
+std::vector<Finding> all_findings(const std::string& file) {
+  const auto sentence = obstacle(recognised(file));
+  if (sentence.empty()) return reading(file, findings_in);
+  return {{"file", sentence + ", so that it is not opened as a library"}};
 }
 
 void check(const Arguments& arguments, Host& host) {
-  const auto findings = says_its_version(arguments.file)
-                            ? reading(arguments.file, findings_in)
-                            : std::vector<Finding>{version_is_missing()};
+  const auto findings = all_findings(arguments.file);
   print(host.output, findings, arguments.json);
   if (!findings.empty()) host.status = Status::Findings;
 }

@@ -163,6 +163,7 @@ Staged staged(const Arguments& arguments, const std::vector<Wanted>& wanted, vel
   Staged result;
   result.library = create_staging_library(unit);
   reading(arguments.source, [&](const veldra::Library& source) {
+    tell_as_it_was(arguments.destination);
     if (arguments.all) {
       result.library->copyAll(source.shared_from_this());
     } else {

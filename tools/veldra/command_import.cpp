@@ -12,7 +12,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-
 #include <optional>
 
 namespace veldra_tool {
@@ -112,7 +111,9 @@ class Import {
 
   void into_existing() {
     tell_as_it_was(arguments_.file);
-    into(open_library(arguments_.file, Access::Write));
+    const auto library = open_library(arguments_.file, Access::Write);
+    forbid_sudden_end();  // the library has no second name that could go
+    into(library);
     host_.done = !arguments_.dry_run;
   }
 
@@ -132,6 +133,7 @@ class Import {
     ImportReport report(sources_.size());
     const ImportSet set = read_set(library->unit(), report);
     veldra::Library::Transaction transaction(*library);
+    forbid_sudden_end();
     const bool was_empty = is_empty(*library);
     transfer_set(set, library, arguments_.on_conflict, report, progress_);
     if (was_empty) adopt_settings(*library, set);

@@ -97,9 +97,10 @@ class Examination {
                    bool all_at_once) {
     if (count <= read + failed_) return;
     const auto missing = count - read - failed_;
-    const auto subject = fmt::format("{} {}", missing, plural_of(kind));
+    const auto subject =
+        fmt::format("{} {}", missing, missing == 1 ? singular_of(kind) : plural_of(kind));
     if (!all_at_once) {
-      add("library", subject + " were not looked at, because others cannot be read");
+      add("library", subject + " could not be looked at, because others cannot be read");
     } else if (refers_to_others(kind)) {
       add("library", subject +
                          " cannot be read, because what they refer to is not there, or "

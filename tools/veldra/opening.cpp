@@ -42,7 +42,7 @@ void require_library(const std::string& file, const std::string& path) {
 }
 
 std::shared_ptr<veldra::Library> open_existing(const std::string& file, bool read_only) {
-  const auto path = absolute_path(file);
+  const auto path = library_path(file);
   require_readable_file(file, path);
   try {
     return veldra::Library::openExisting(library_text(path), read_only);
@@ -61,7 +61,7 @@ std::shared_ptr<veldra::Library> open_existing(const std::string& file, bool rea
 
 Kind recognised(const std::string& file) {
   return working_on(file, [&] {
-    const auto path = absolute_path(file);
+    const auto path = library_path(file);
     require_readable_file(file, path);
     return veldra::Library::recognise(library_text(path)).kind;
   });
@@ -111,6 +111,8 @@ std::string why_not_a_library(Kind kind) {
       return "the library was made by a version that is not known here";
     case Kind::WithoutVersion:
       return "the library does not say its version any more; 'veldra check' tells more";
+    case Kind::WithoutIdentity:
+      return "the library does not say what library it is; 'veldra check' tells more";
     case Kind::OtherDatabase:
       return "this is a database of another program, and not a veldra library";
     case Kind::Damaged:

@@ -64,7 +64,7 @@ void change_as_a_whole(Host& host, veldra::Library& library, Change change) {
   change();
   stop_if_asked();
   transaction.commit();
-  host.done = true;
+  host.done = host.status != Status::Failed;
 }
 
 /// The same with a library that is opened for it and passed to `change`.

@@ -301,6 +301,7 @@ std::vector<std::size_t> Section::numbered_layers() const {
 /// The places of the numbers across the section. They may reach beyond it on both sides.
 std::vector<double> Section::number_places(const std::vector<std::size_t>& layers) const {
   std::vector<double> wanted;
+  wanted.reserve(layers.size());
   for (const std::size_t i : layers) wanted.push_back((edges_[i] + edges_[i + 1]) / 2);
   auto places = spread(wanted);
   const double shift = mean(places) - mean(wanted);

@@ -26,8 +26,9 @@ void require_no_companions(const std::string& file, const std::string& path) {
 }  // namespace
 
 NewLibrary::NewLibrary(const std::string& file, veldra::Unit unit, const std::string& guid)
-    : file_(file), path_(absolute_path(file)), temporary_(file, folder_of(path_)) {
+    : file_(file), path_(library_path(file)), temporary_(file, folder_of(path_)) {
   require_no_companions(file_, path_);
+  require_short_path(file_, temporary_.path());
   tell_when_stopped("no library was made");
   // As SQLite makes its files. The library's journal gets the rights of the library.
   ::fchmod(temporary_.descriptor(), rights_of_new_file(0644));

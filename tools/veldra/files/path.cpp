@@ -40,6 +40,20 @@ std::string absolute_path(const std::string& file) {
   return with_single_slashes(path);
 }
 
+std::string library_path(const std::string& file) {
+  auto path = absolute_path(file);
+  require_short_path(file, path);
+  return path;
+}
+
+void require_short_path(const std::string& file, const std::string& path) {
+  constexpr std::size_t longest = 512 - 8;  // SQLite's limit, and room for the end of its journal's
+  if (path.size() <= longest) return;
+  throw failure_of(
+      file,
+      fmt::format("its path has more than {} bytes, which is too long for a library", longest));
+}
+
 std::string folder_of(const std::string& path) {
   const auto slash = path.rfind('/');
   return slash == 0 ? "/" : path.substr(0, slash);

@@ -11,6 +11,12 @@ namespace veldra_tool {
 /// Throws `Failure` for an empty name and one that is not UTF-8.
 std::string absolute_path(const std::string& file);
 
+/// The same for a library, whose path must not be as long as those of other files.
+std::string library_path(const std::string& file);
+
+/// Throws `Failure`, which names `file`, when a path is too long for a library.
+void require_short_path(const std::string& file, const std::string& path);
+
 /// The folder of an absolute path, and the name in it.
 std::string folder_of(const std::string& path);
 std::string name_in_folder(const std::string& path);

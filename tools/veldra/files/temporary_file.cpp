@@ -22,11 +22,14 @@ constexpr int suffix_size = 4;  // of ".tmp"
 /// Renames a file to a name that nothing has. Gives 0 or the number of the error.
 int rename_to_free_name(const char* from, const char* to) noexcept {
   if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) return 0;
-  if (errno != ENOSYS && errno != EINVAL) return errno;
+  if (errno != ENOSYS && errno != EINVAL && errno != EPERM) return errno;
   // The kernel or the file system cannot. A second name can be given to nothing but a free one.
   if (::link(from, to) != 0) return errno;
-  ::unlink(from);
-  return 0;
+  if (::unlink(from) == 0) return 0;
+  // Two names of one library are a danger after a crash, as its journal has but one of them.
+  const int error = errno;
+  ::unlink(to);
+  return error;
 }
 
 /// Not every file system can bring a file to the disk by order.

@@ -16,7 +16,7 @@ namespace veldra_tool {
 
 namespace {
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 [[noreturn]] void refuse(const std::string& file, const std::string& sentence) {
   throw Failure(fmt::format("{}: {}", in_quotes(file), sentence));

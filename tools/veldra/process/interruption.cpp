@@ -3,6 +3,7 @@
 #include "process/status.hpp"
 #include "process/writing.hpp"
 
+#include <poll.h>
 #include <sys/time.h>
 #include <unistd.h>
 
@@ -50,11 +51,29 @@ void remove_with_companions(const char* path) noexcept {
   }
 }
 
+struct Sentence {
+  char text[sizeof state + 32];
+};
+
+Sentence sentence_when_stopped() noexcept {
+  Sentence sentence{"veldra: interrupted; "};
+  std::strcat(sentence.text, state);
+  std::strcat(sentence.text, "\n");
+  return sentence;
+}
+
+/// Somebody may have stopped the terminal.
+void say_without_waiting(const char* text) noexcept {
+  pollfd ready{STDERR_FILENO, POLLOUT, 0};
+  if (::poll(&ready, 1, 0) != 1 || (ready.revents & POLLOUT) == 0) return;
+  [[maybe_unused]] const auto written = ::write(STDERR_FILENO, text, std::strlen(text));
+}
+
 void end_suddenly() noexcept {
   for (const auto& leftover : leftovers) {
     if (const char* path = leftover) remove_with_companions(path);
   }
-  say_stopped();
+  say_without_waiting(sentence_when_stopped().text);
   ::_exit(static_cast<int>(Status::Failed));
 }
 
@@ -124,13 +143,7 @@ void tell_when_stopped(const std::string& text) noexcept {
   state[size] = '\0';
 }
 
-void say_stopped() noexcept {
-  char sentence[sizeof state + 32] = "veldra: interrupted; ";
-  std::strcat(sentence, state);
-  std::strcat(sentence, "\n");
-  // Once only: the stream may be what makes everything wait.
-  [[maybe_unused]] const auto written = ::write(STDERR_FILENO, sentence, std::strlen(sentence));
-}
+void say_stopped() noexcept { say(sentence_when_stopped().text); }
 
 void forbid_sudden_end() noexcept { sudden_end_forbidden = true; }
 
