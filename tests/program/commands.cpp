@@ -14,6 +14,7 @@ const std::vector<Command> readers = {
     {"where-used", {"where-used", "office.lib", "material", "Kalkputz"}},
     {"check", {"check", "office.lib"}},
     {"export", {"export", "office.lib"}},
+    {"export of much", {"export", "much.lib"}},
     {"export as CSV", {"export", "office.lib", "--format", "csv"}},
     {"draw", {"draw", "office.lib", "Ziegelwand", "Lehmwand"}},
     {"purge, tried", {"purge", "office.lib", "materials", "tags", "--dry-run"}},

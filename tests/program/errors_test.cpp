@@ -30,7 +30,8 @@ TEST(ProgramErrors, of_looking_leave_everything_whole) {
   }
   for (const long call : {SYS_newfstatat, SYS_readlink}) {
     sweep(replacing, {Trouble::Error, EIO, !from_there_on, call}, all,
-          "program: errors of looking, call " + std::to_string(call));
+          call == SYS_readlink ? "program: errors of reading links"
+                               : "program: errors of looking at files");
   }
 }
 
@@ -54,6 +55,13 @@ TEST(ProgramErrors, of_space_leave_everything_whole) {
 
 TEST(ProgramErrors, of_a_full_disk_leave_everything_whole) {
   sweep(writing_commands(), {Trouble::FullDisk}, sample, "program: full disks");
+}
+
+TEST(ProgramErrors, of_calls_that_the_system_does_not_have_are_none) {
+  sweep({command_named("create"), command_named("import into a new library")},
+        {Trouble::Error, ENOSYS, from_there_on}, all, "program: without exclusive renaming");
+  sweep({command_named("export of much")}, {Trouble::Error, EOPNOTSUPP, from_there_on}, all,
+        "program: without unnamed files");
 }
 
 TEST(ProgramErrors, of_short_writes_are_none) {

@@ -91,7 +91,7 @@ State state_of(const Reference& reference, const Contents& found) {
 }  // namespace
 
 Reference::Reference(const Command& given) : command(given) {
-  const Scene scene;
+  const Scene scene(command.arguments);
   before = scene.contents();
   run = scene.run(command.arguments);
   after = scene.contents();

@@ -76,6 +76,12 @@ bool has_memory_error(const CallForm& form) {
   }
 }
 
+/// The kernel, or the file system, may be too old.
+bool may_be_missing(const SystemCall& call, int error) {
+  return error == ENOSYS ? call.number == SYS_renameat2
+                         : (opening_flags(call) & O_TMPFILE) == O_TMPFILE;
+}
+
 bool has_no_errors(const CallForm& form, const SystemCall& call) {
   if (form.group == Group::Lock) return !is_file_lock(call);
   return form.group == Group::Duplicate || form.group == Group::Sleep;
@@ -169,6 +175,9 @@ int possible_error(const CallForm& form, const SystemCall& call, int wanted) {
       return has_permission_error(form) ? EACCES : 0;
     case ENOMEM:
       return has_memory_error(form) ? ENOMEM : 0;
+    case ENOSYS:
+    case EOPNOTSUPP:
+      return may_be_missing(call, wanted) ? wanted : 0;
     default:
       return form.group == Group::CurrentFolder ? ENOENT : wanted;
   }

@@ -104,6 +104,22 @@ const TemporaryFolder& original() {
   return *folder;
 }
 
+const TemporaryFolder& much() {
+  static const std::unique_ptr<TemporaryFolder> folder = [] {
+    auto made = std::make_unique<TemporaryFolder>();
+    std::string materials;
+    for (const char* name : {"Kies", "Sand", "Ton"}) {
+      materials += std::string(materials.empty() ? "" : ",") + R"({"name": ")" + name +
+                   R"(", "type": "Earth", "comments": ")" + std::string(400000, 'x') + "\"}";
+    }
+    make(*made, "much.lib",
+         R"({"format": "veldra", "version": 1, "library": {"unit": "mm"}, "materials": [)" +
+             materials + "]}");
+    return made;
+  }();
+  return *folder;
+}
+
 /// A new library has an identity of its own, by chance.
 std::string without_identity(const std::string& rows) {
   static const std::regex identity("(Meta: \\S+ )'[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}'");
@@ -131,9 +147,12 @@ std::string file_text(const std::string& path) {
 
 }  // namespace
 
-Scene::Scene() : folder_((original(), TemporaryFolder())) {
+Scene::Scene(const Arguments& arguments) : folder_((original(), TemporaryFolder())) {
   fs::copy(original().path(), folder_.path(),
            fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+  if (std::count(arguments.begin(), arguments.end(), "much.lib") != 0) {
+    fs::copy(much() / "much.lib", folder_ / "much.lib");
+  }
 }
 
 std::unique_ptr<Process> Scene::start(const Arguments& arguments, const SharedPlan* plan) const {

@@ -23,12 +23,15 @@ using Contents = std::map<std::string, std::string>;
 ///  - the libraries office.lib and site.lib; walls.json and glass.idf, which can be imported;
 ///  - old.json and old.svg, from an earlier time; the links link.json to the one and link to
 ///    office.lib;
-///  - files of others, whose names are like those that programs give their own.
+///  - files of others, whose names are like those that programs give their own;
+///  - much.lib, which is exported as more text than the program keeps in memory, if `arguments`
+///  name
+///    it.
 ///
 /// Temporary files of the program lie in the folder below it, `temporary`.
 class Scene {
  public:
-  Scene();
+  explicit Scene(const Arguments& arguments = {});
 
   const std::string& path() const { return folder_.path(); }
 

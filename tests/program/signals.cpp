@@ -29,14 +29,14 @@ class SignalledCommand {
  public:
   explicit SignalledCommand(const Command& command) : reference_(command) {
     const auto start = Clock::now();
-    const Scene scene;
+    const Scene scene(reference_.command.arguments);
     const SharedPlan plan(counting(), scene.path());
     scene.run(reference_.command.arguments, &plan);
     usual_ = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - start);
   }
 
   void send(int signal, std::mt19937& random, Times& times) {
-    const Scene scene;
+    const Scene scene(reference_.command.arguments);
     const SharedPlan plan(counting(), scene.path());
     const auto process = scene.start(reference_.command.arguments, &plan);
     ::usleep(static_cast<useconds_t>(random() % static_cast<unsigned long>(usual_.count())));

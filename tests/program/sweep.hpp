@@ -19,7 +19,8 @@ namespace veldra_tests {
 ///    removing is what fails, are one temporary file and journals;
 ///  - the exit status is one of the program's, and true: 0 and 3 mean the state after and that
 ///    everything was told (3: or that it could not), 1 means the state before and one sentence;
-///  - the same command works then, or what it did can be used.
+///  - the same command works then, or what it did can be used;
+///  - short writes, and calls that the system does not have, make no difference.
 void sweep(const std::vector<Command>& commands, const Fault& fault, unsigned sample,
            const std::string& what);
 

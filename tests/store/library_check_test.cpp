@@ -39,7 +39,7 @@ TEST_F(LibraryCheck, finds_nothing_in_a_library_with_all_values) {
 }
 
 // Values that are not known are NULL in the old files: a thickness that is not known is told.
-TEST_F(LibraryCheck, finds_nothing_but_unknown_thicknesses_in_a_library_that_was_migrated) {
+TEST_F(LibraryCheck, finds_nothing_but_unknown_numbers_in_a_library_that_was_migrated) {
   for (const int version : {150201, 150301}) {
     const std::string old = folder() / std::to_string(version);
     make_old_file(old, version);
@@ -47,7 +47,9 @@ TEST_F(LibraryCheck, finds_nothing_but_unknown_thicknesses_in_a_library_that_was
     EXPECT_THAT(
         findings(*Library::open(old.c_str(), false)),
         UnorderedElementsAre("composition 1 \"Parquet\": the thickness of layer 2 is not known",
-                             "material 9 \"Granite\": a thickness is not known"))
+                             "material 9 \"Granite\": a thickness is not known",
+                             "asset 3 \"Unknown\": the thermal conductivity is not known",
+                             "asset 5 \"Unknown\": the thermal conductivity is not known"))
         << version;
   }
 }

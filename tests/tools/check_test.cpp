@@ -147,6 +147,20 @@ TEST_F(Check, conductivities_of_assets_are_found) {
               ElementsAre("asset 'Wool': the thermal conductivity is negative: -1"));
 }
 
+// The address sanitizer takes more addresses than could be left to the program.
+#ifndef __SANITIZE_ADDRESS__
+TEST_F(Check, what_is_no_fault_of_the_file_is_no_finding) {
+  PlainDatabase(path("a.lib"))
+      .execute(
+          "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n LIMIT 400000)"
+          "INSERT INTO Tag (name) SELECT hex(randomblob(100)) FROM n");
+  const auto run = shell("ulimit -v 150000; veldra check a.lib");
+  EXPECT_EQ(run.status, 1) << run.out;
+  EXPECT_THAT(run.out, testing::IsEmpty());
+  EXPECT_THAT(run.err, HasSubstr("there is not enough memory"));
+}
+#endif
+
 TEST_F(Check, references_to_nothing_are_found) {
   damage_rows("UPDATE Material SET type = 999");
   expect_finding(

@@ -41,6 +41,21 @@ TEST_F(Creating, leaves_nothing_beside_the_library) {
   EXPECT_THAT(names(), ElementsAre("a.idf", "a.lib", "b.lib"));
 }
 
+TEST_F(Creating, refuses_the_names_of_what_libraries_keep_beside_them) {
+  write_source("a.idf", "Gap", 3);
+  must({"create", "a.lib"});
+  for (const std::string suffix : {"-journal", "-wal", "-shm"}) {
+    for (const std::vector<std::string>& command :
+         {std::vector<std::string>{"create", "a.lib" + suffix},
+          std::vector<std::string>{"import", "a.lib" + suffix, "a.idf"}}) {
+      const auto run = veldra(command);
+      EXPECT_EQ(run.status, 1);
+      EXPECT_THAT(run.err, HasSubstr("the name of what a library keeps beside it"));
+    }
+  }
+  EXPECT_THAT(names(), ElementsAre("a.idf", "a.lib"));
+}
+
 TEST_F(Creating, gives_the_library_the_usual_rights) {
   EXPECT_EQ(shell("umask 027; veldra create a.lib; umask 0; veldra create b.lib").err, "");
   EXPECT_EQ(rights_of(path("a.lib")), 0640U);

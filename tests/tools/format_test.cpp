@@ -34,6 +34,13 @@ ENDSEC;
 END-ISO-10303-21;
 )";
 
+constexpr const char* old_idf = R"(Lead Input;
+Run Control, Run Period;
+MATERIAL, Brick, Rough, 0.1, 1, 1, 1;
+CONSTRUCTION, Wall,
+  Brick;
+End Lead Input;)";
+
 class ForeignSource : public ProgramTest, public testing::WithParamInterface<Foreign> {
  protected:
   void SetUp() override {
@@ -169,9 +176,7 @@ TEST_F(SourceFormat, is_idf_for_models_of_any_content_style_and_age) {
   for (const char* text :
        {"Version, 9.4;", "! nothing but a comment; with, signs\n", "VERSION,8.5;\r\rzone,Z1;",
         "Schedule:Compact, Always, Fraction, Through: 12/31, For: AllDays, Until: 24:00, 1;",
-        "!- Building\n  Building,\n    House,  !- Name\n    0.;\n",
-        "Lead Input;\nRun Control, Run Period;\nMATERIAL, Brick, Rough, 0.1, 1, 1, 1;\n"
-        "CONSTRUCTION, Wall,\n  Brick;\nEnd Lead Input;",
+        "!- Building\n  Building,\n    House,  !- Name\n    0.;\n", old_idf,
         "Material,\n  Brick,\n  Rough,\n  0.1, 1, 1, 1;", "construction, wall"}) {
     const auto format = format_of(text);
     EXPECT_TRUE(format == "IDF" || format.find("the file ends within") != std::string::npos)

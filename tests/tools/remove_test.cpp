@@ -40,6 +40,7 @@ TEST_F(Remove, when_nothing_goes_the_status_is_1) {
   const auto run = veldra({"remove", "a.lib", "materials", "Used"});
   EXPECT_EQ(run.status, 1);
   EXPECT_THAT(run.out, HasSubstr("in use"));
+  EXPECT_EQ(run.err, "veldra: 'a.lib': nothing is removed, because all of it is in use\n");
   EXPECT_EQ(count("a.lib", "materials"), 3U);
 }
 

@@ -19,6 +19,7 @@ constexpr int patience = 60'000;  // milliseconds
   std::vector<std::string> texts{VELDRA_PROGRAM};
   texts.insert(texts.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (auto& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
   if (::chdir(folder.c_str()) == 0) ::execv(VELDRA_PROGRAM, pointers.data());

@@ -136,7 +136,10 @@ void remove(const RemoveArguments& arguments, Host& host) {
     print_candidates(host.output, objects, arguments.json, "removed");
     const auto removed = count_of_removed(objects);
     if (removed < objects.size()) host.status = Status::Findings;
-    if (removed == 0) host.status = Status::Failed;
+    if (removed > 0) return;
+    host.status = Status::Failed;
+    host.notes += fmt::format("veldra: {}: nothing is removed, because all of it is in use\n",
+                              in_quotes(arguments.file));
   });
 }
 

@@ -158,6 +158,19 @@ std::string sentence_of(const veldra::Exception& error) {
   return "the library cannot be changed";
 }
 
+bool lies_in_the_file(const std::exception& error) {
+  constexpr int codes[] = {1, 11, 20, 26};
+  for (const auto& name : classes_of(error)) {
+    if (name == "odb::sqlite::database_exception") {
+      const int code = std::atoi(error.what());
+      return std::find(std::begin(codes), std::end(codes), code) != std::end(codes);
+    }
+    if (name == "odb::no_type_info" || name == "odb::object_not_persistent") return true;
+    if (name == "utf8::exception") return true;
+  }
+  return false;
+}
+
 bool is_held_by_others(const std::exception& error) { return sentence_of(error) == held; }
 
 void rethrow_for(const std::string& file) {

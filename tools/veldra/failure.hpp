@@ -26,6 +26,9 @@ std::string sentence_of(const veldra::Exception& error);
 /// The same for a result code of SQLite.
 std::string sentence_of_database(int code);
 
+/// Whether the file is to blame, and not the disk, the memory or another program.
+bool lies_in_the_file(const std::exception& error);
+
 /// Whether waiting for others was in vain.
 bool is_held_by_others(const std::exception& error);
 

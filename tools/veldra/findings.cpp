@@ -67,9 +67,10 @@ class Examination {
   template <class T>
   void try_to_examine() {
     try {
-      working_on("", [&] { examine_kind<T>(); });
-    } catch (const Failure& failure) {
-      add(plural_of(veldra::ObjectTraits<T>::type), sentence_of(failure));
+      examine_kind<T>();
+    } catch (const std::exception& error) {
+      if (!lies_in_the_file(error)) throw;
+      add(plural_of(veldra::ObjectTraits<T>::type), sentence_of(error));
     }
   }
 
@@ -80,7 +81,8 @@ class Examination {
     bool all_at_once = true;
     try {
       library_.get(objects);
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+      if (!lies_in_the_file(error)) throw;
       all_at_once = false;
       objects = readable_objects<T>();
     }
@@ -138,7 +140,8 @@ class Examination {
     for (unsigned id = first; id != end; ++id) ids.insert(ids.end(), id);
     try {
       library_.get(objects, ids);
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+      if (!lies_in_the_file(error)) throw;
       for (const unsigned id : ids) {
         if (const auto object = read<T>(id)) objects.push_back(object);
       }
@@ -148,19 +151,13 @@ class Examination {
   template <class T>
   std::shared_ptr<T> read(unsigned id) {
     try {
-      return working_on("", [&] { return library_.get<T>(id); });
-    } catch (const Failure& failure) {
+      return library_.get<T>(id);
+    } catch (const std::exception& error) {
+      if (!lies_in_the_file(error)) throw;
       ++failed_;
-      add(fmt::format("{} {}", singular_of(veldra::ObjectTraits<T>::type), id),
-          sentence_of(failure));
+      add(fmt::format("{} {}", singular_of(veldra::ObjectTraits<T>::type), id), sentence_of(error));
       return nullptr;
     }
-  }
-
-  /// Without the file that a failure begins with.
-  static std::string sentence_of(const Failure& failure) {
-    const std::string text = failure.what();
-    return text.substr(text.find(": ") + 2);
   }
 
   void examine_library() {

@@ -1,5 +1,6 @@
 #include "opening.hpp"
 
+#include "files/library_marks.hpp"
 #include "files/path.hpp"
 #include "process/writing.hpp"
 #include "text.hpp"
@@ -34,6 +35,17 @@ void require_readable_file(const std::string& file, const std::string& path) {
   }
 }
 
+/// SQLite takes what lies beside a library under the name of its journal or log for that, and
+/// deletes it when it makes no sense; even if it is a library that somebody has given this name.
+void require_no_library_beside(const std::string& file, const std::string& path) {
+  for (const char* suffix : {"-journal", "-wal"}) {
+    if (begins_as_database(path + suffix) != 1) continue;
+    throw failure_of(file, fmt::format("beside it lies {}, which is a library or another database "
+                                       "and would be deleted; give that one another name",
+                                       in_quotes(file + suffix)));
+  }
+}
+
 /// What opening has refused. That it is a library is left to what opening said.
 void require_library(const std::string& file, const std::string& path) {
   const auto kind = veldra::Library::recognise(library_text(path)).kind;
@@ -44,6 +56,7 @@ void require_library(const std::string& file, const std::string& path) {
 std::shared_ptr<veldra::Library> open_existing(const std::string& file, bool read_only) {
   const auto path = library_path(file);
   require_readable_file(file, path);
+  require_no_library_beside(file, path);
   try {
     return veldra::Library::openExisting(library_text(path), read_only);
   } catch (const veldra::NotALibrary&) {
@@ -63,6 +76,7 @@ Kind recognised(const std::string& file) {
   return working_on(file, [&] {
     const auto path = library_path(file);
     require_readable_file(file, path);
+    require_no_library_beside(file, path);
     return veldra::Library::recognise(library_text(path)).kind;
   });
 }

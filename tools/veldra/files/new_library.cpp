@@ -1,6 +1,7 @@
 #include "files/new_library.hpp"
 
 #include "failure.hpp"
+#include "files/library_marks.hpp"
 #include "files/path.hpp"
 #include "opening.hpp"
 #include "text.hpp"
@@ -12,6 +13,13 @@
 namespace veldra_tool {
 
 namespace {
+
+/// SQLite would take the library for what belongs to another one, and delete it when that one is
+/// opened.
+void require_name_of_its_own(const std::string& file, const std::string& path) {
+  if (!is_companion_name(path)) return;
+  throw failure_of(file, "this is the name of what a library keeps beside it");
+}
 
 /// SQLite would take what lies there for the new library's own, and play it back into it. It is in
 /// order beside a library that somebody else has made meanwhile.
@@ -27,6 +35,7 @@ void require_no_companions(const std::string& file, const std::string& path) {
 
 NewLibrary::NewLibrary(const std::string& file, veldra::Unit unit, const std::string& guid)
     : file_(file), path_(library_path(file)), temporary_(file, folder_of(path_)) {
+  require_name_of_its_own(file_, path_);
   require_no_companions(file_, path_);
   require_short_path(file_, temporary_.path());
   tell_when_stopped("no library was made");

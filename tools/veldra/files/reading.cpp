@@ -31,6 +31,9 @@ int open_for_reading(const std::string& file) {
   }
 }
 
+/// Such as a device that never ends.
+constexpr std::size_t most_bytes = std::size_t{1} << 30;
+
 }  // namespace
 
 std::string content_of(const std::string& file) {
@@ -42,6 +45,7 @@ std::string content_of(const std::string& file) {
     const auto size = ::read(opened.get(), block.data(), block.size());
     if (size == 0) return content;
     if (size > 0) content.append(block.data(), static_cast<std::size_t>(size));
+    if (content.size() > most_bytes) throw failure_of(file, "it is larger than 1 GiB");
     if (size < 0 && errno != EINTR) fail(file, errno);
     stop_if_asked();
   }
