@@ -128,7 +128,8 @@ bool is_missing(const FileName& file) {
 /// SQLite says of a first page that makes no sense that this is no database; the first bytes of the
 /// file tell whether it was one.
 Kind kind_of_unreadable(const FileName& file) {
-  const std::string mark("SQLite format 3", 16);
+  constexpr char first_bytes[] = "SQLite format 3";  // and a zero byte
+  const std::string mark(first_bytes, sizeof first_bytes);
   std::string head(mark.size(), '\0');
   std::ifstream stream(file.path, std::ios::binary);
   stream.read(&head[0], static_cast<std::streamsize>(head.size()));
