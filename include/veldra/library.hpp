@@ -4,7 +4,7 @@
 #include <veldra/composition.hpp>
 #include <veldra/criteria.hpp>
 #include <veldra/exceptions.hpp>
-#include <veldra/idmapping.hpp>
+#include <veldra/id_mapping.hpp>
 
 #include <map>
 #include <memory>

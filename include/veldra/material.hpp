@@ -2,9 +2,9 @@
 #define VELDRA_MATERIAL_HPP
 
 #include <veldra/asset.hpp>
-#include <veldra/customproperty.hpp>
+#include <veldra/custom_property.hpp>
 #include <veldra/layer.hpp>
-#include <veldra/materialtype.hpp>
+#include <veldra/material_type.hpp>
 #include <veldra/object.hpp>
 #include <veldra/tag.hpp>
 

@@ -1,7 +1,7 @@
 #ifndef VELDRA_STORE_CONTAINERS_HPP
 #define VELDRA_STORE_CONTAINERS_HPP
 
-#include <veldra/customproperty.hpp>
+#include <veldra/custom_property.hpp>
 
 #include <odb/std-map-traits.hxx>
 #include <odb/std-set-traits.hxx>

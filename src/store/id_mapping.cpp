@@ -1,4 +1,4 @@
-#include <veldra/idmapping.hpp>
+#include <veldra/id_mapping.hpp>
 
 #include <functional>
 

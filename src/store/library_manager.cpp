@@ -1,4 +1,4 @@
-#include <veldra/librarymanager.hpp>
+#include <veldra/library_manager.hpp>
 
 namespace veldra {
 

@@ -8,10 +8,10 @@
 
 // clang-format off
 #include "objects/tag_impl.hpp"
-#include "objects/customproperty_impl.hpp"
+#include "objects/custom_property_impl.hpp"
 #include "objects/layer_impl.hpp"
 #include "objects/asset_impl.hpp"
-#include "objects/materialtype_impl.hpp"
+#include "objects/material_type_impl.hpp"
 #include "objects/material_impl.hpp"
 #include "objects/composition_impl.hpp"
 #include "store/meta.hpp"

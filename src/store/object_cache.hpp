@@ -3,7 +3,7 @@
 
 #include "store/replica.hpp"
 
-#include <veldra/idmapping.hpp>
+#include <veldra/id_mapping.hpp>
 
 #include <memory>
 #include <tuple>

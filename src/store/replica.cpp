@@ -1,10 +1,10 @@
 #include "store/replica.hpp"
 
 #include "objects/asset_impl.hpp"
-#include "objects/customproperty_impl.hpp"
+#include "objects/custom_property_impl.hpp"
 #include "objects/layer_impl.hpp"
 #include "objects/material_impl.hpp"
-#include "objects/materialtype_impl.hpp"
+#include "objects/material_type_impl.hpp"
 #include "objects/object_access.hpp"
 #include "objects/tag_impl.hpp"
 

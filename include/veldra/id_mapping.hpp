@@ -1,5 +1,5 @@
-#ifndef VELDRA_IDMAPPING_HPP
-#define VELDRA_IDMAPPING_HPP
+#ifndef VELDRA_ID_MAPPING_HPP
+#define VELDRA_ID_MAPPING_HPP
 
 #include <veldra/export.hpp>
 #include <veldra/values.hpp>

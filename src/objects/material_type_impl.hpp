@@ -1,9 +1,9 @@
-#ifndef VELDRA_OBJECTS_MATERIALTYPE_IMPL_HPP
-#define VELDRA_OBJECTS_MATERIALTYPE_IMPL_HPP
+#ifndef VELDRA_OBJECTS_MATERIAL_TYPE_IMPL_HPP
+#define VELDRA_OBJECTS_MATERIAL_TYPE_IMPL_HPP
 
 #include "objects/record.hpp"
 
-#include <veldra/materialtype.hpp>
+#include <veldra/material_type.hpp>
 
 namespace veldra {
 

@@ -1,4 +1,4 @@
-#include "objects/customproperty_impl.hpp"
+#include "objects/custom_property_impl.hpp"
 #include "objects/handle_members.hpp"
 
 namespace veldra {

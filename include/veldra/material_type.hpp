@@ -1,5 +1,5 @@
-#ifndef VELDRA_MATERIALTYPE_HPP
-#define VELDRA_MATERIALTYPE_HPP
+#ifndef VELDRA_MATERIAL_TYPE_HPP
+#define VELDRA_MATERIAL_TYPE_HPP
 
 #include <veldra/object.hpp>
 

@@ -1,5 +1,5 @@
-#ifndef VELDRA_CUSTOMPROPERTY_HPP
-#define VELDRA_CUSTOMPROPERTY_HPP
+#ifndef VELDRA_CUSTOM_PROPERTY_HPP
+#define VELDRA_CUSTOM_PROPERTY_HPP
 
 #include <veldra/object.hpp>
 

@@ -1,5 +1,5 @@
 #include "objects/handle_members.hpp"
-#include "objects/materialtype_impl.hpp"
+#include "objects/material_type_impl.hpp"
 
 namespace veldra {
 

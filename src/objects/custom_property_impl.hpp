@@ -1,9 +1,9 @@
-#ifndef VELDRA_OBJECTS_CUSTOMPROPERTY_IMPL_HPP
-#define VELDRA_OBJECTS_CUSTOMPROPERTY_IMPL_HPP
+#ifndef VELDRA_OBJECTS_CUSTOM_PROPERTY_IMPL_HPP
+#define VELDRA_OBJECTS_CUSTOM_PROPERTY_IMPL_HPP
 
 #include "objects/record.hpp"
 
-#include <veldra/customproperty.hpp>
+#include <veldra/custom_property.hpp>
 
 namespace veldra {
 

@@ -1,5 +1,5 @@
-#ifndef VELDRA_LIBRARYMANAGER_HPP
-#define VELDRA_LIBRARYMANAGER_HPP
+#ifndef VELDRA_LIBRARY_MANAGER_HPP
+#define VELDRA_LIBRARY_MANAGER_HPP
 
 #include <veldra/library.hpp>
 
