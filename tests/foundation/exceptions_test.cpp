@@ -1,10 +1,7 @@
 #include "foundation/type_names.hpp"
 #include "foundation/utf16.hpp"
 #include "foundation/virtual_slots.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gtest/gtest.h>
+#include "support/names.hpp"
 
 #include <exception>
 #include <memory>
@@ -13,19 +10,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using veldra::ConsistencyError;
-using veldra::DatabaseError;
-using veldra::Exception;
-using veldra::InappropriateCustomProperty;
-using veldra::Interrupted;
-using veldra::LibraryReadOnly;
-using veldra::NotALibrary;
-using veldra::ObjectInUse;
-using veldra::ObjectNotFound;
-using veldra::ObjectNotUnique;
-using veldra::String;
-using veldra::UnknownError;
 
 template <class Base, class Derived>
 constexpr bool derives() {

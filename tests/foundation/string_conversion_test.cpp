@@ -2,12 +2,9 @@
 // sequences of bytes and of units at the borders of the encodings, and over random ones.
 
 #include "foundation/utf16.hpp"
+#include "support/names.hpp"
 #include "support/thrown.hpp"
 
-#include <veldra/veldra.hpp>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <utf8.h>
 
 #include <cstdint>
@@ -18,9 +15,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using testing::ElementsAre;
-using veldra::String;
 
 constexpr std::uint32_t first_surrogate = 0xD800;
 constexpr std::uint32_t last_surrogate = 0xDFFF;

@@ -1,9 +1,5 @@
 #include "foundation/utf16.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/names.hpp"
 
 #include <algorithm>
 #include <map>
@@ -16,10 +12,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
-using veldra::String;
 
 const unsigned short* const no_utf16 = nullptr;
 const char* const no_utf8 = nullptr;

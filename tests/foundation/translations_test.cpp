@@ -1,10 +1,6 @@
 #include "foundation/virtual_slots.hpp"
+#include "support/names.hpp"
 #include "support/temporary.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
@@ -13,15 +9,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using testing::ElementsAre;
-using testing::ElementsAreArray;
-using testing::IsEmpty;
-using veldra::Library;
-using veldra::MaterialType;
-using veldra::String;
-using veldra::Translations;
-using veldra::Unit;
 
 static_assert(std::is_abstract<Translations>::value, "");
 static_assert(std::has_virtual_destructor<Translations>::value, "");

@@ -1,7 +1,4 @@
-#include <veldra/veldra.hpp>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/names.hpp"
 
 #include <cstddef>
 #include <limits>
@@ -13,23 +10,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using testing::ElementsAre;
-using veldra::AssetType;
-using veldra::Color;
-using veldra::Composition;
-using veldra::IdMapping;
-using veldra::Library;
-using veldra::Material;
-using veldra::ObjectKey;
-using veldra::ObjectTraits;
-using veldra::ObjectType;
-using veldra::Pattern;
-using veldra::Point2d;
-using veldra::String;
-using veldra::ToModify;
-using veldra::toModify;
-using veldra::Unit;
 
 constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();

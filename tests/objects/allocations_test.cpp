@@ -1,8 +1,6 @@
 // What new objects cost. A program of its own, because it counts every allocation.
 
-#include <veldra/veldra.hpp>
-
-#include <gtest/gtest.h>
+#include "support/names.hpp"
 
 #include <cstddef>
 #include <cstdlib>
@@ -37,10 +35,6 @@ VELDRA_NOT_INLINED void operator delete[](void* memory, std::size_t) noexcept { 
 
 namespace veldra_tests {
 namespace {
-
-using veldra::Composition;
-using veldra::Material;
-using veldra::String;
 
 /// Valgrind puts its own allocation in the place of ours, whatever we define.
 bool runs_under_valgrind() {

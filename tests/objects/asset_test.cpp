@@ -1,10 +1,7 @@
 #include "foundation/virtual_slots.hpp"
 #include "objects/field_test.hpp"
 #include "objects/stored_objects.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gtest/gtest.h>
+#include "support/names.hpp"
 
 #include <cmath>
 #include <limits>
@@ -15,13 +12,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using veldra::Asset;
-using veldra::AssetType;
-using veldra::Material;
-using veldra::String;
-using veldra::StructuralAsset;
-using veldra::ThermalAsset;
 
 constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
 

@@ -3,12 +3,8 @@
 // of a structure.
 
 #include "objects/stored_objects.hpp"
+#include "support/names.hpp"
 #include "support/thrown.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cctype>
 #include <cstdint>
@@ -18,11 +14,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using testing::ElementsAre;
-using veldra::Composition;
-using veldra::Material;
-using veldra::toModify;
 
 using Function = Material::Function;
 

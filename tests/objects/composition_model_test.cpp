@@ -7,12 +7,9 @@
 
 #include "objects/composition_model.hpp"
 #include "support/database.hpp"
+#include "support/names.hpp"
 #include "support/rows.hpp"
 #include "support/temporary.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -27,11 +24,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using veldra::Composition;
-using veldra::Library;
-using veldra::Material;
-using veldra::toModify;
 
 using CompositionPointer = std::shared_ptr<Composition>;
 

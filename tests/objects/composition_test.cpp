@@ -3,12 +3,8 @@
 
 #include "objects/field_test.hpp"
 #include "objects/stored_objects.hpp"
+#include "support/names.hpp"
 #include "support/thrown.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <limits>
 #include <memory>
@@ -18,13 +14,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using testing::IsEmpty;
-using veldra::Composition;
-using veldra::Material;
-using veldra::String;
-using veldra::Tag;
-using veldra::toModify;
 
 using Type = Composition::Type;
 using Function = Material::Function;

@@ -1,9 +1,5 @@
 #include "objects/stored_objects.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/names.hpp"
 
 #include <map>
 #include <memory>
@@ -14,11 +10,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using veldra::CustomProperty;
-using veldra::CustomPropertyKey;
-using veldra::ObjectType;
-using veldra::String;
 
 using PropertyPointer = std::shared_ptr<const CustomProperty>;
 

@@ -2,12 +2,8 @@
 
 #include "foundation/type_names.hpp"
 #include "objects/stored_objects.hpp"
+#include "support/names.hpp"
 #include "support/thrown.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <map>
 #include <memory>
@@ -18,18 +14,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Pair;
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::CustomPropertyKey;
-using veldra::Material;
-using veldra::ObjectTraits;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::toModify;
 
 using PropertyPointer = std::shared_ptr<const CustomProperty>;
 using Values = std::map<CustomPropertyKey, String>;

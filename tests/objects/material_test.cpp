@@ -1,10 +1,6 @@
 #include "objects/field_test.hpp"
 #include "objects/stored_objects.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/names.hpp"
 
 #include <limits>
 #include <memory>
@@ -16,20 +12,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
-using veldra::Color;
-using veldra::Layer;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::Pattern;
-using veldra::Point2d;
-using veldra::String;
-using veldra::StructuralAsset;
-using veldra::Tag;
-using veldra::ThermalAsset;
-using veldra::toModify;
 
 constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();

@@ -3,10 +3,7 @@
 
 #include "foundation/type_names.hpp"
 #include "objects/stored_objects.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gtest/gtest.h>
+#include "support/names.hpp"
 
 #include <memory>
 #include <string>
@@ -15,18 +12,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::StructuralAsset;
-using veldra::Tag;
-using veldra::ThermalAsset;
 
 template <class T>
 std::shared_ptr<T> create(const String& name) {

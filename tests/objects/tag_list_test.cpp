@@ -2,11 +2,7 @@
 
 #include "foundation/type_names.hpp"
 #include "objects/stored_objects.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/names.hpp"
 
 #include <memory>
 #include <string>
@@ -15,17 +11,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
-using veldra::Asset;
-using veldra::Composition;
-using veldra::Material;
-using veldra::String;
-using veldra::StructuralAsset;
-using veldra::Tag;
-using veldra::ThermalAsset;
-using veldra::toModify;
 
 using TagList = std::vector<std::shared_ptr<Tag>>;
 

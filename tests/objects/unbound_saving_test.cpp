@@ -3,24 +3,13 @@
 
 #include "foundation/type_names.hpp"
 #include "objects/stored_objects.hpp"
+#include "support/names.hpp"
 #include "support/thrown.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gtest/gtest.h>
 
 #include <memory>
 
 namespace veldra_tests {
 namespace {
-
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::Tag;
 
 template <class T>
 class UnboundSavingTest : public testing::Test {

@@ -3,6 +3,7 @@
 #include "support/builders.hpp"
 #include "support/database.hpp"
 #include "support/description.hpp"
+#include "support/names.hpp"
 
 #include <algorithm>
 #include <functional>
@@ -11,19 +12,6 @@
 namespace veldra_tests {
 
 namespace {
-
-using veldra::Composition;
-using veldra::CompositionCriteria;
-using veldra::CustomProperty;
-using veldra::CustomPropertyCriteria;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialCriteria;
-using veldra::MaterialType;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::Tag;
 
 /// Runs calls and keeps what they threw.
 class Calls {

@@ -7,8 +7,7 @@
 #include "reliability/soak.hpp"
 #include "support/builders.hpp"
 #include "support/description.hpp"
-
-#include <gmock/gmock.h>
+#include "support/names.hpp"
 
 #include <array>
 #include <bitset>
@@ -18,12 +17,6 @@
 namespace veldra_tests {
 
 namespace {
-
-using veldra::Composition;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::Tag;
 
 constexpr std::size_t number_of_steps = 5;
 using Steps = std::bitset<number_of_steps>;

@@ -5,13 +5,10 @@
 #include "support/builders.hpp"
 #include "support/database.hpp"
 #include "support/description.hpp"
+#include "support/names.hpp"
 #include "support/recording_reactor.hpp"
 #include "support/temporary.hpp"
 #include "support/thrown.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gmock/gmock.h>
 
 #include <functional>
 #include <memory>
@@ -21,15 +18,6 @@
 namespace veldra_tests {
 
 namespace {
-
-using veldra::Composition;
-using veldra::Layer;
-using veldra::Library;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::Tag;
-using veldra::Unit;
 
 using Kind = Operation::Kind;
 using Transaction = Library::Transaction;

@@ -3,21 +3,15 @@
 #include "reliability/fault_vfs.hpp"
 #include "support/builders.hpp"
 #include "support/database.hpp"
+#include "support/names.hpp"
 #include "support/temporary.hpp"
 #include "support/thrown.hpp"
-
-#include <veldra/veldra.hpp>
-
-#include <gmock/gmock.h>
 
 #include <functional>
 
 namespace veldra_tests {
 
 namespace {
-
-using veldra::Library;
-using veldra::Tag;
 
 class KeptLock : public testing::Test {
  protected:

@@ -12,14 +12,6 @@ namespace veldra_tests {
 
 namespace {
 
-using testing::ElementsAre;
-using testing::SizeIs;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::String;
-using veldra::Tag;
-
 class Limits : public LibraryTest {
  protected:
   // Everything about the limit in a long run, and the limit itself in a sample.

@@ -13,19 +13,6 @@ namespace veldra_tests {
 
 namespace {
 
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::Tag;
-using veldra::toModify;
-using veldra::Unit;
-
 // Objects with random values that refer to each other.
 class RandomObjects {
  public:

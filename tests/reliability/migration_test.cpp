@@ -10,11 +10,6 @@ namespace veldra_tests {
 
 namespace {
 
-using veldra::Composition;
-using veldra::Library;
-using veldra::Material;
-using veldra::String;
-
 const unsigned many = 10000;
 const unsigned sample = 3;
 

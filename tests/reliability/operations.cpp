@@ -1,6 +1,7 @@
 #include "reliability/scene.hpp"
 
 #include "support/builders.hpp"
+#include "support/names.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -11,23 +12,6 @@
 namespace veldra_tests {
 
 namespace {
-
-using veldra::Composition;
-using veldra::CompositionCriteria;
-using veldra::CriteriaOf;
-using veldra::CustomProperty;
-using veldra::CustomPropertyCriteria;
-using veldra::IdMapping;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialCriteria;
-using veldra::MaterialType;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::Tag;
-using veldra::toModify;
 
 using Kind = Operation::Kind;
 using Reactor = Library::Reactor;

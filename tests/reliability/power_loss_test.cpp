@@ -3,15 +3,11 @@
 #include "reliability/sweep.hpp"
 
 #include "support/database.hpp"
-
-#include <gmock/gmock.h>
+#include "support/names.hpp"
 
 namespace veldra_tests {
 
 namespace {
-
-using testing::AnyOf;
-using testing::Contains;
 
 // What is rolled back without a failure stays so, whether the power goes at that or not: a removal
 // of what is in use, and the transaction of a host.

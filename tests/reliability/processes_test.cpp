@@ -5,8 +5,8 @@
 #include "reliability/sweep.hpp"
 #include "support/builders.hpp"
 #include "support/description.hpp"
+#include "support/names.hpp"
 
-#include <gmock/gmock.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -21,15 +21,6 @@
 namespace veldra_tests {
 
 namespace {
-
-using veldra::IdMapping;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::Tag;
-using veldra::toModify;
 
 // Materials by id, with all their values and those of what they refer to.
 using Materials = std::map<unsigned, std::string>;

@@ -4,6 +4,7 @@
 #include "support/catalogues.hpp"
 #include "support/database.hpp"
 #include "support/description.hpp"
+#include "support/names.hpp"
 #include "support/recording_reactor.hpp"
 #include "support/rows.hpp"
 
@@ -15,18 +16,6 @@
 namespace veldra_tests {
 
 namespace {
-
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::Tag;
-using veldra::Unit;
 
 const char* const guid = "0c6b1e0e-3e0a-4a54-9a3d-0f6f0f2b7a11";
 

@@ -4,10 +4,10 @@
 #include "support/builders.hpp"
 #include "support/catalogues.hpp"
 #include "support/database.hpp"
+#include "support/names.hpp"
 #include "support/processes.hpp"
 #include "support/recording_reactor.hpp"
 
-#include <gmock/gmock.h>
 #include <sys/time.h>
 #include <unistd.h>
 
@@ -19,8 +19,6 @@ namespace veldra_tests {
 
 namespace {
 
-using testing::AnyOf;
-using testing::IsEmpty;
 using Kind = Operation::Kind;
 
 const unsigned never = std::numeric_limits<unsigned>::max();

@@ -8,8 +8,6 @@
 #include "support/builders.hpp"
 #include "support/database.hpp"
 
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <cctype>
 #include <numeric>
@@ -20,8 +18,6 @@ void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.
 
 namespace {
 
-using veldra::Library;
-using veldra::ObjectKey;
 using Kind = Operation::Kind;
 
 enum class Handles { One, Two, TwoUnderDifferentNames };

@@ -4,18 +4,13 @@
 #include "reliability/scene.hpp"
 #include "support/builders.hpp"
 #include "support/database.hpp"
+#include "support/names.hpp"
 
 #include <random>
 
 namespace veldra_tests {
 
 namespace {
-
-using veldra::Composition;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::String;
 
 std::string name_of(unsigned n) { return "step " + std::to_string(n); }
 

@@ -3,18 +3,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using veldra::Composition;
-using veldra::IdMapping;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::Tag;
-
 /// An exception that only a host knows.
 struct HostIsTired {};
 

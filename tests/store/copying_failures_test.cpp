@@ -5,17 +5,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using veldra::Composition;
-using veldra::IdMapping;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectType;
-using veldra::Tag;
-
 constexpr int kReadOnly = 8;
 constexpr int kConstraint = 19;
 constexpr int kRaisedByTrigger = 1811;

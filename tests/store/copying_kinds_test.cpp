@@ -3,12 +3,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::IsEmpty;
-using veldra::IdMapping;
-using veldra::Library;
-using veldra::ObjectKey;
-using veldra::String;
-
 template <class T>
 class CopyingOfKind : public CopyingTest {
  protected:

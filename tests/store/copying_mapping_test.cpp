@@ -3,19 +3,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::IdMapping;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-using veldra::Tag;
-
 class CopyingWithMapping : public CopyingTest {
  protected:
   /// Checks that every object of the kind in the source has its twin of the same values.

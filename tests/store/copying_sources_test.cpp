@@ -6,19 +6,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using veldra::Composition;
-using veldra::IdMapping;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::Tag;
-
 class CopyingFromSources : public CopyingTest {
  protected:
   /// Copies all and checks that the copy is whole.

@@ -3,13 +3,8 @@
 #include "support/library_fixture.hpp"
 #include "support/rows.hpp"
 
-#include <gmock/gmock.h>
-
 namespace veldra_tests {
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
 
 class FileCatalogue : public LibraryFixture {};
 

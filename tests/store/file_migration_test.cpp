@@ -4,19 +4,8 @@
 #include "support/library_fixture.hpp"
 #include "support/thrown.hpp"
 
-#include <gmock/gmock.h>
-
 namespace veldra_tests {
 namespace {
-
-using testing::ElementsAre;
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::Tag;
 
 const int old_versions[] = {150201, 150301};
 

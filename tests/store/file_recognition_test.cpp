@@ -5,7 +5,6 @@
 #include "support/processes.hpp"
 #include "support/thrown.hpp"
 
-#include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,9 +12,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::HasSubstr;
-using testing::IsEmpty;
-using veldra::Library;
 using Kind = Library::Recognition::Kind;
 
 constexpr unsigned long long current = 150302;

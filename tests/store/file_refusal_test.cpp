@@ -7,14 +7,8 @@
 
 #include <sys/stat.h>
 
-#include <gmock/gmock.h>
-
 namespace veldra_tests {
 namespace {
-
-using testing::AnyOf;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 const char* const database_exception = "odb::sqlite::database_exception";
 

@@ -5,7 +5,6 @@
 #include "support/processes.hpp"
 #include "support/thrown.hpp"
 
-#include <gmock/gmock.h>
 #include <sqlite3.h>
 
 #include <chrono>
@@ -13,12 +12,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using testing::Each;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using veldra::Library;
-using veldra::MaterialType;
 
 double seconds_of(const std::function<void()>& call) {
   const auto start = std::chrono::steady_clock::now();

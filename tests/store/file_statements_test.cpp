@@ -2,14 +2,10 @@
 #include "support/library_fixture.hpp"
 #include "support/statement_log.hpp"
 
-#include <gmock/gmock.h>
-
 #include <algorithm>
 
 namespace veldra_tests {
 namespace {
-
-using testing::ElementsAreArray;
 
 const std::string version_table = R"sql(CREATE TABLE IF NOT EXISTS "schema_version" (
   "name" TEXT NOT NULL PRIMARY KEY,

@@ -1,6 +1,4 @@
-#include <veldra/veldra.hpp>
-
-#include <gmock/gmock.h>
+#include "support/names.hpp"
 
 #include <memory>
 #include <type_traits>
@@ -8,12 +6,6 @@
 
 namespace veldra_tests {
 namespace {
-
-using testing::ElementsAre;
-using veldra::IdMapping;
-using veldra::Library;
-using veldra::ObjectKey;
-using veldra::ObjectType;
 
 using Key = IdMapping::Key;
 using Value = IdMapping::Value;

@@ -8,15 +8,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
-using veldra::Composition;
-using veldra::Library;
-using veldra::Material;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-
 const double nan_ = std::numeric_limits<double>::quiet_NaN();
 const double infinity = std::numeric_limits<double>::infinity();
 

@@ -9,14 +9,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using veldra::Library;
-using veldra::ObjectType;
-
 /// A table, and the kinds whose objects are read from it.
 struct TableAndKinds {
   const char* name;

@@ -8,15 +8,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::IsSupersetOf;
-using testing::SizeIs;
-using testing::UnorderedElementsAre;
-using veldra::Library;
-
 class LibraryCheck : public CheckFixture {};
 
 TEST_F(LibraryCheck, finds_nothing_in_a_new_library) {

@@ -3,19 +3,10 @@
 #include "support/processes.hpp"
 #include "support/thrown.hpp"
 
-#include <gmock/gmock.h>
-
 #include <functional>
 
 namespace veldra_tests {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
-using veldra::MaterialType;
-using veldra::String;
-using veldra::Translations;
-using veldra::Unit;
 
 const std::vector<std::string> default_types = {
     "Ceramic", "Concrete", "Earth",   "Generic", "Glass",   "Liquid", "Masonry",

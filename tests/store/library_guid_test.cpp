@@ -1,16 +1,10 @@
 #include "support/database.hpp"
 #include "support/library_fixture.hpp"
 
-#include <gmock/gmock.h>
-
 #include <set>
 
 namespace veldra_tests {
 namespace {
-
-using testing::MatchesRegex;
-using veldra::String;
-using veldra::Unit;
 
 const char* const example = "4b7009ef-0317-4504-a674-282d1b5bb08f";
 

@@ -12,15 +12,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::Contains;
-using testing::IsEmpty;
-using testing::SizeIs;
-using veldra::Library;
-using veldra::Material;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-using veldra::Tag;
-
 constexpr const char* interrupted = "veldra::Interrupted";
 
 /// Interrupts a library again and again from another thread, as somebody does who wants it to stop.

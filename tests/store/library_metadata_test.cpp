@@ -4,14 +4,8 @@
 #include "support/processes.hpp"
 #include "support/thrown.hpp"
 
-#include <gmock/gmock.h>
-
 namespace veldra_tests {
 namespace {
-
-using testing::ElementsAre;
-using veldra::String;
-using veldra::Unit;
 
 class LibraryMetadata : public LibraryFixture {
  protected:

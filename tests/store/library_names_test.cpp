@@ -7,16 +7,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <gmock/gmock.h>
-
 #include <chrono>
 
 namespace veldra_tests {
 namespace {
-
-using veldra::Library;
-using veldra::MaterialType;
-using veldra::Unit;
 
 std::shared_ptr<Library> create_library(const std::string& name) {
   return Library::create(name.c_str(), Unit::Millimetres, "abc");

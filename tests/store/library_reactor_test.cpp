@@ -3,22 +3,11 @@
 #include "support/recording_reactor.hpp"
 #include "support/thrown.hpp"
 
-#include <gmock/gmock.h>
-
 #include <cstring>
 #include <type_traits>
 
 namespace veldra_tests {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
-using veldra::Library;
-using veldra::Material;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::Tag;
 
 using Reactor = Library::Reactor;
 

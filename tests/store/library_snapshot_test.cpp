@@ -5,10 +5,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::IsEmpty;
-using testing::SizeIs;
-using veldra::Library;
-using veldra::Tag;
 using Snapshot = Library::Snapshot;
 
 constexpr const char* in_transaction = "odb::already_in_transaction";

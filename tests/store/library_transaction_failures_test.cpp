@@ -6,22 +6,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::IsEmpty;
-using testing::SizeIs;
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::IdMapping;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::StructuralAsset;
-using veldra::Tag;
-using veldra::toModify;
-
 class NewAsset : public StructuralAsset {
  public:
   NewAsset() : StructuralAsset() {}

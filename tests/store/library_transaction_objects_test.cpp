@@ -4,20 +4,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::SizeIs;
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::IdMapping;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::Tag;
-using veldra::toModify;
-
 template <class T>
 void change(T& object) {
   object.name("changed");

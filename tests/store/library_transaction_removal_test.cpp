@@ -8,20 +8,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Pair;
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-using veldra::Tag;
-
 using Ids = std::set<unsigned>;
 using Keys = std::set<ObjectKey>;
 

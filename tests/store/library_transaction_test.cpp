@@ -11,19 +11,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Not;
-using testing::SizeIs;
-using veldra::Composition;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialCriteria;
-using veldra::MaterialType;
-using veldra::String;
-using veldra::Tag;
-using veldra::Unit;
-
 /// What a host does between the beginning and the end of a transaction.
 class LibraryTransaction : public CopyingTest {
  protected:

@@ -3,16 +3,8 @@
 #include "support/recording_reactor.hpp"
 #include "support/thrown.hpp"
 
-#include <gmock/gmock.h>
-
 namespace veldra_tests {
 namespace {
-
-using testing::IsEmpty;
-using veldra::Library;
-using veldra::LibraryManager;
-using veldra::Tag;
-using veldra::Unit;
 
 class ManagerReactor : public LibraryFixture {
  protected:

@@ -5,15 +5,8 @@
 
 #include <unistd.h>
 
-#include <gmock/gmock.h>
-
 namespace veldra_tests {
 namespace {
-
-using veldra::Library;
-using veldra::LibraryManager;
-using veldra::String;
-using veldra::Unit;
 
 // The library of a manager, and the file as `LibraryFixture` makes it without one.
 class ManagerSharing : public LibraryFixture {

@@ -1,15 +1,9 @@
 #include "store/model_drafts.hpp"
 
 #include "store/model_kinds.hpp"
+#include "support/names.hpp"
 
 namespace veldra_tests {
-
-using veldra::Composition;
-using veldra::Layer;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectType;
-using veldra::Tag;
 
 namespace {
 

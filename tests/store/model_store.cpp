@@ -1,5 +1,7 @@
 #include "store/model_store.hpp"
 
+#include "support/names.hpp"
+
 #include <algorithm>
 #include <cstdio>
 #include <sstream>
@@ -8,16 +10,6 @@
 namespace veldra_tests {
 
 namespace {
-
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectType;
-using veldra::Tag;
-using veldra::Unit;
 
 using Decision = Library::Reactor::Decision;
 

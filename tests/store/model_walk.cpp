@@ -2,18 +2,10 @@
 
 #include "store/model_kinds.hpp"
 #include "support/database.hpp"
+#include "support/names.hpp"
 #include "support/thrown.hpp"
 
-#include <gtest/gtest.h>
-
 namespace veldra_tests {
-
-using veldra::IdMapping;
-using veldra::Library;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::Unit;
 
 namespace {
 

@@ -2,17 +2,9 @@
 
 #include "store/model_kinds.hpp"
 #include "support/description.hpp"
-
-#include <gtest/gtest.h>
+#include "support/names.hpp"
 
 namespace veldra_tests {
-
-using veldra::Composition;
-using veldra::IdMapping;
-using veldra::Library;
-using veldra::Material;
-using veldra::ObjectKey;
-using veldra::ObjectType;
 
 namespace {
 

@@ -2,16 +2,11 @@
 
 #include "store/model_kinds.hpp"
 #include "support/description.hpp"
-
-#include <gtest/gtest.h>
+#include "support/names.hpp"
 
 #include <algorithm>
 
 namespace veldra_tests {
-
-using veldra::Library;
-using veldra::ObjectKey;
-using veldra::ObjectType;
 
 namespace {
 

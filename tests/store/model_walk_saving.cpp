@@ -2,16 +2,9 @@
 
 #include "store/model_kinds.hpp"
 #include "support/description.hpp"
-
-#include <gtest/gtest.h>
+#include "support/names.hpp"
 
 namespace veldra_tests {
-
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::Layer;
-using veldra::MaterialType;
-using veldra::ObjectType;
 
 namespace {
 

@@ -7,25 +7,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using veldra::Composition;
-using veldra::CompositionCriteria;
-using veldra::CustomProperty;
-using veldra::CustomPropertyCriteria;
-using veldra::IdMapping;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialCriteria;
-using veldra::MaterialType;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::Tag;
-using veldra::toModify;
-using veldra::Unit;
-
 /// What a reactor may do while it is called by a running save.
 class ReactorCalls : public LibraryTest {
  protected:

@@ -6,19 +6,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::UnorderedElementsAre;
-using veldra::Composition;
-using veldra::CompositionCriteria;
-using veldra::CustomProperty;
-using veldra::CustomPropertyCriteria;
-using veldra::Material;
-using veldra::MaterialCriteria;
-using veldra::MaterialType;
-using veldra::ObjectType;
-using veldra::String;
-
 class ReadingCriteria : public LibraryTest {
  protected:
   template <class T>

@@ -5,11 +5,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::IsEmpty;
-using veldra::Composition;
-using veldra::Material;
-using veldra::String;
-
 /// A good and a bad material, a good and a bad composition: "Good" with id 1, "Bad" with id 2.
 /// All have tag 1, property 1 or 2, layer 1 and the assets 1 to 4, and the compositions two layers
 /// of the material with their name. A statement then spoils what only "Bad" has.

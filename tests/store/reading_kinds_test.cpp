@@ -7,14 +7,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::UnorderedElementsAre;
-using veldra::CustomProperty;
-using veldra::Library;
-using veldra::MaterialType;
-using veldra::String;
-
 /// What the six kinds have in common when they are read. The file has the objects 101 "Alpha",
 /// 102 "Beta" and 103 "Gamma" of the kind, and no others.
 template <class T>

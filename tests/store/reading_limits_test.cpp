@@ -8,13 +8,6 @@
 namespace veldra_tests {
 namespace {
 
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::Material;
-using veldra::MaterialCriteria;
-using veldra::String;
-using veldra::Tag;
-
 int bind_few_parameters(sqlite3* connection, char**, const void*) {
   sqlite3_limit(connection, SQLITE_LIMIT_VARIABLE_NUMBER, 999);
   return SQLITE_OK;

@@ -8,12 +8,6 @@
 namespace veldra_tests {
 namespace {
 
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::CustomPropertyCriteria;
-using veldra::Material;
-using veldra::ObjectType;
-
 /// The addresses of an object and of all that it refers to.
 template <class T>
 std::set<std::string> addresses_in(const std::shared_ptr<T>& object) {

@@ -4,16 +4,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Not;
-using veldra::Composition;
-using veldra::CriteriaOf;
-using veldra::CustomProperty;
-using veldra::Material;
-using veldra::Tag;
-
 struct Logged {
   StatementLog log;
 };

@@ -6,16 +6,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::Pair;
-using veldra::Composition;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::Tag;
-using veldra::Unit;
-
 class RemovalErrors : public RemovalTest {};
 
 TEST_F(RemovalErrors, the_texts_are_those_of_the_exceptions) {

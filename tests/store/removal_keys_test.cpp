@@ -3,18 +3,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Pair;
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::Layer;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-using veldra::Tag;
-
 class RemovalOfKeys : public RemovalTest {
  protected:
   /// Two stored objects of the kind, whose keys join the set.

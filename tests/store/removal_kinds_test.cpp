@@ -3,11 +3,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Pair;
-using veldra::Library;
-
 template <class T>
 class RemovalOfKind : public RemovalTest {};
 TYPED_TEST_SUITE(RemovalOfKind, AllKinds, KindNames);

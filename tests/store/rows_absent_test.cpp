@@ -5,14 +5,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using veldra::AssetType;
-using veldra::Composition;
-using veldra::Material;
-using veldra::String;
-using veldra::toModify;
-
 /// Rows that another program has written: absent values, gaps, assets.
 class RowsAbsent : public LibraryTest {
  protected:

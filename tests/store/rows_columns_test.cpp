@@ -5,22 +5,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::UnorderedElementsAre;
-using veldra::Color;
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::Layer;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectType;
-using veldra::Pattern;
-using veldra::Point2d;
-using veldra::String;
-using veldra::Tag;
-using veldra::toModify;
-
 /// A number in the form of `Row`.
 std::string real(double number) {
   char buffer[64];

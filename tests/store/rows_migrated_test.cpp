@@ -4,10 +4,6 @@
 namespace veldra_tests {
 namespace {
 
-using veldra::Composition;
-using veldra::Library;
-using veldra::Material;
-
 /// Files of older versions have their newest columns last; objects go in and out all the same.
 class RowsMigrated : public testing::TestWithParam<int> {
  protected:

@@ -7,16 +7,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::ElementsAreArray;
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::Layer;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::Tag;
-using veldra::toModify;
-
 struct Logged {
   StatementLog log;
 };

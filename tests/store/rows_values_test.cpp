@@ -7,20 +7,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::IsEmpty;
-using veldra::Color;
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::Layer;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectType;
-using veldra::Pattern;
-using veldra::Point2d;
-using veldra::String;
-using veldra::Tag;
-using veldra::toModify;
-
 const double nan = std::numeric_limits<double>::quiet_NaN();
 
 /// Values that are written and read again.

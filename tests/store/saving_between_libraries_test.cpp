@@ -5,17 +5,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using veldra::Composition;
-using veldra::IdMapping;
-using veldra::Library;
-using veldra::Material;
-using veldra::String;
-using veldra::StructuralAsset;
-using veldra::toModify;
-using veldra::Unit;
-
 constexpr double kMillimetresPerInch = 25.4;
 constexpr double kInchesPerMillimetre = 0.03937007874015748;
 

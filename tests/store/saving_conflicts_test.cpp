@@ -6,18 +6,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using veldra::Composition;
-using veldra::IdMapping;
-using veldra::Library;
-using veldra::Material;
-using veldra::ObjectKey;
-using veldra::ObjectTraits;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::Tag;
-
 using Reactor = Library::Reactor;
 
 /// Names that are taken, for the kinds of which the reactor decides. "Oak" is stored with the

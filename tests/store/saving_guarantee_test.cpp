@@ -8,25 +8,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::Not;
-using testing::StartsWith;
-using veldra::Color;
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::IdMapping;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectKey;
-using veldra::ObjectType;
-using veldra::Pattern;
-using veldra::String;
-using veldra::StructuralAsset;
-using veldra::Tag;
-using veldra::toModify;
-
 /// A text that cannot be stored.
 String broken_text() {
   const unsigned short units[] = {'b', 'a', 'd', 0xD800, ' ', 0};

@@ -5,21 +5,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::IdMapping;
-using veldra::Layer;
-using veldra::Library;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectKey;
-using veldra::ObjectTraits;
-using veldra::ObjectType;
-using veldra::String;
-using veldra::Tag;
-
 /// What the six kinds have in common when they are saved.
 template <class T>
 class SavingKinds : public LibraryTest {

@@ -6,12 +6,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::IsEmpty;
-using veldra::IdMapping;
-using veldra::Library;
-using veldra::ObjectKey;
-using veldra::ObjectTraits;
-
 /// Saving what is nothing, or is saved already.
 template <class T>
 class SavingNothing : public LibraryTest {

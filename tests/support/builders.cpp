@@ -1,21 +1,10 @@
 #include "support/builders.hpp"
 
+#include "support/names.hpp"
+
 namespace veldra_tests {
 
 namespace {
-
-using veldra::Color;
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::Layer;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::ObjectType;
-using veldra::Pattern;
-using veldra::Point2d;
-using veldra::String;
-using veldra::Tag;
-using veldra::toModify;
 
 /// Texts that start with the name of the object that they are for.
 class Texts {

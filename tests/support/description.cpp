@@ -1,5 +1,7 @@
 #include "support/description.hpp"
 
+#include "support/names.hpp"
+
 #include <cmath>
 #include <cstdio>
 #include <ostream>
@@ -8,18 +10,6 @@
 namespace veldra_tests {
 
 namespace {
-
-using veldra::Color;
-using veldra::Composition;
-using veldra::CustomProperty;
-using veldra::Layer;
-using veldra::Material;
-using veldra::MaterialType;
-using veldra::Pattern;
-using veldra::String;
-using veldra::StructuralAsset;
-using veldra::Tag;
-using veldra::ThermalAsset;
 
 std::string text_of(double number) {
   if (std::isnan(number)) return "nan";

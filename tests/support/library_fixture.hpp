@@ -1,13 +1,10 @@
 #ifndef VELDRA_TESTS_SUPPORT_LIBRARY_FIXTURE_HPP
 #define VELDRA_TESTS_SUPPORT_LIBRARY_FIXTURE_HPP
 
+#include "support/names.hpp"
 #include "support/temporary.hpp"
 
-#include <veldra/veldra.hpp>
-
 #include <sys/stat.h>
-
-#include <gtest/gtest.h>
 
 #include <memory>
 #include <string>

@@ -4,13 +4,11 @@
 #include "support/builders.hpp"
 #include "support/database.hpp"
 #include "support/description.hpp"
+#include "support/names.hpp"
 #include "support/recording_reactor.hpp"
 #include "support/rows.hpp"
 #include "support/temporary.hpp"
 #include "support/thrown.hpp"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
