@@ -3,11 +3,9 @@
 #include "reliability/fault_vfs.hpp"
 #include "reliability/sweep.hpp"
 #include "support/builders.hpp"
-#include "support/database.hpp"
 #include "support/description.hpp"
-#include "support/names.hpp"
+#include "support/library_fixture.hpp"
 #include "support/recording_reactor.hpp"
-#include "support/temporary.hpp"
 #include "support/thrown.hpp"
 
 #include <functional>
@@ -25,7 +23,7 @@ using Transaction = Library::Transaction;
 const char* const finalized = "odb::transaction_already_finalized";
 
 // A library with a wall in it, on a disk that is full when a test says so.
-class HeldTransaction : public testing::Test {
+class HeldTransaction : public LibraryFixture {
  protected:
   HeldTransaction() {
     library->save(full_composition("Wall"));
@@ -42,7 +40,7 @@ class HeldTransaction : public testing::Test {
 
   // What a disk that is full ends is ended: nothing of it can be used, and nothing is written.
   void expect_ended(Transaction& transaction) {
-    const std::string before = dump(path);
+    const std::string before = rows();
     EXPECT_EQ(thrown_by([&] { library->count<Tag>(); }), finalized);
     EXPECT_EQ(thrown_by([&] { library->get<Composition>("Wall"); }), finalized);
     EXPECT_EQ(thrown_by([&] { library->save(named<Tag>("late")); }), finalized);
@@ -52,7 +50,7 @@ class HeldTransaction : public testing::Test {
     EXPECT_EQ(thrown_by([&] { library->purge<Tag>(); }), "veldra::UnknownError");
     EXPECT_EQ(thrown_by([&] { library->region("late"); }), "veldra::UnknownError");
     EXPECT_EQ(thrown_by([&] { transaction.commit(); }), finalized);
-    EXPECT_EQ(dump(path), before);
+    EXPECT_EQ(rows(), before);
   }
 
   // Whether the library still reads what was done in the transaction.
@@ -70,12 +68,9 @@ class HeldTransaction : public testing::Test {
     EXPECT_EQ(damage(path), "");
   }
 
-  TemporaryFolder folder;
-  const std::string path = folder / "main.lib";
   std::shared_ptr<Library> library =
       Library::create(FaultVfs::name_of(path).c_str(), Unit::Millimetres, "");
-  const std::shared_ptr<Library> source =
-      Library::create((folder / "source.lib").c_str(), Unit::Millimetres, "");
+  const std::shared_ptr<Library> source = create("source.lib");
 };
 
 TEST_F(HeldTransaction, a_full_disk_within_an_operation_leaves_all_as_it_was) {
@@ -101,7 +96,7 @@ TEST_F(HeldTransaction, a_full_disk_within_an_operation_leaves_all_as_it_was) {
     for (unsigned writes = 1;; writes += 1 + writes / 8) {
       SCOPED_TRACE(writes);
       floor->description("Floor description");
-      const std::string file = dump(path);
+      const std::string file = rows();
       const std::string state = state_of(floor) + state_of(removed);
       fill_disk(writes);
       {
@@ -119,7 +114,7 @@ TEST_F(HeldTransaction, a_full_disk_within_an_operation_leaves_all_as_it_was) {
         }
         floor->description("Floor description");
       }
-      ASSERT_EQ(dump(path), file);
+      ASSERT_EQ(rows(), file);
       EXPECT_EQ(state_of(floor) + state_of(removed), state);
       EXPECT_EQ(library->locale(), String("fr-CH"));
       expect_usable();
@@ -136,7 +131,7 @@ TEST_F(HeldTransaction, a_full_disk_at_the_commit_takes_all_back) {
   unsigned failures = 0;
   for (unsigned writes = 1;; ++writes) {
     SCOPED_TRACE(writes);
-    const std::string file = dump(path);
+    const std::string file = rows();
     Transaction transaction(*library);
     library->save(floor);
     library->locale("de-CH");
@@ -146,7 +141,7 @@ TEST_F(HeldTransaction, a_full_disk_at_the_commit_takes_all_back) {
     if (thrown == "") break;
     ++failures;
     EXPECT_EQ(thrown, "odb::sqlite::database_exception");
-    EXPECT_EQ(dump(path), file);
+    EXPECT_EQ(rows(), file);
     EXPECT_EQ(state_of(floor), state);
     EXPECT_EQ(library->locale(), String("fr-CH"));
     EXPECT_EQ(thrown_by([&] { transaction.commit(); }), finalized);
@@ -193,7 +188,7 @@ class ReactorThatReadsInVain : public HeldTransaction {
 
   // Throws `thrown` and writes nothing, on its own and within a transaction.
   void expect_to_fail(const char* thrown, const std::function<void()>& operation) {
-    const std::string before = dump(path);
+    const std::string before = rows();
     for (const bool held : {false, true}) {
       library.reset();
       library = Library::open(FaultVfs::name_of(path).c_str(), false);
@@ -207,7 +202,7 @@ class ReactorThatReadsInVain : public HeldTransaction {
           expect_ended(*transaction);
         }
       }
-      EXPECT_TRUE(dump(path) == before);
+      EXPECT_TRUE(rows() == before);
     }
     expect_usable();
   }
@@ -247,14 +242,14 @@ TEST_F(ReactorThatReadsInVain, ends_a_removal_of_which_it_is_told) {
 
 // The same between two operations.
 TEST_F(ReactorThatReadsInVain, is_no_different_from_a_host_that_does) {
-  const std::string before = dump(path);
+  const std::string before = rows();
   const auto late = named<Tag>("later");
   {
     Transaction transaction(*library);
     library->locale("de-CH");
     read_in_vain();
     expect_ended(transaction);
-    EXPECT_TRUE(dump(path) == before);
+    EXPECT_TRUE(rows() == before);
     EXPECT_EQ(library->locale(), String("fr-CH"));
     library->save(late);
   }

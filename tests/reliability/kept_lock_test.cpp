@@ -2,9 +2,7 @@
 
 #include "reliability/fault_vfs.hpp"
 #include "support/builders.hpp"
-#include "support/database.hpp"
-#include "support/names.hpp"
-#include "support/temporary.hpp"
+#include "support/library_fixture.hpp"
 #include "support/thrown.hpp"
 
 #include <functional>
@@ -13,7 +11,7 @@ namespace veldra_tests {
 
 namespace {
 
-class KeptLock : public testing::Test {
+class KeptLock : public LibraryFixture {
  protected:
   KeptLock() { library->save(named<Tag>("first")); }
   void TearDown() override { FaultVfs::disarm(); }
@@ -34,10 +32,8 @@ class KeptLock : public testing::Test {
     return PlainDatabase(path).value("SELECT group_concat(name) FROM Tag");
   }
 
-  TemporaryFolder folder;
-  const std::string path = folder / "main.lib";
   std::shared_ptr<Library> library =
-      Library::create(FaultVfs::name_of(path).c_str(), veldra::Unit::Millimetres, "");
+      Library::create(FaultVfs::name_of(path).c_str(), Unit::Millimetres, "");
 };
 
 TEST_F(KeptLock, after_saving_is_no_failure) {

@@ -100,7 +100,7 @@ class RandomObjects {
   std::vector<std::shared_ptr<Material>> materials_;
 };
 
-class AnyLibrary : public ::testing::Test {
+class AnyLibrary : public LibraryFixture {
  protected:
   // Calls `check` with many random objects.
   template <class Check>
@@ -134,13 +134,10 @@ class AnyLibrary : public ::testing::Test {
     for (const auto& object : all_of<Composition>(library)) call(object);
   }
 
-  TemporaryFolder folder;
-  const std::string path = folder / "any.lib";
-
   // The library, new, with the objects.
   std::shared_ptr<Library> library_with(RandomObjects& objects) const {
     std::remove(path.c_str());
-    auto library = Library::create(path.c_str(), any_unit(objects), "");
+    auto library = create(any_unit(objects));
     objects.save_in(*library);
     return library;
   }

@@ -50,15 +50,12 @@ String numbered(const std::string& what, unsigned number) {
   return (what + " " + std::to_string(number)).c_str();
 }
 
-class LargeMigration : public testing::TestWithParam<int> {
+class LargeMigration : public LibraryFixture, public WithParamInterface<int> {
  protected:
-  std::string bytes_of_file(unsigned number) const {
-    const TemporaryFolder folder;
-    const std::string path = folder / "old.lib";
+  void make_file(unsigned number) const {
     make_old_file(path, GetParam());
     fill_old_file(path, GetParam());
     add_rows(path, number);
-    return read_file(path);
   }
 
   static Start start() {
@@ -67,14 +64,12 @@ class LargeMigration : public testing::TestWithParam<int> {
 };
 
 TEST_P(LargeMigration, keeps_every_row_and_every_object) {
-  const TemporaryFolder folder;
-  const std::string path = folder / "old.lib";
-  write_file(path, bytes_of_file(many));
-  const std::string before = dump(path);
+  make_file(many);
+  const std::string before = rows();
 
-  const auto library = Library::open(path.c_str(), true);
+  const auto library = open_read_only();
 
-  EXPECT_TRUE(dump(path) == migrated_dump(before));
+  EXPECT_TRUE(rows() == migrated_dump(before));
   EXPECT_EQ(catalogue(path), migrated_catalogue(GetParam()));
   EXPECT_EQ(damage(path), "");
   EXPECT_THAT(all_of<Material>(*library), testing::SizeIs(many + 2));
@@ -90,7 +85,8 @@ TEST_P(LargeMigration, keeps_every_row_and_every_object) {
 }
 
 TEST_P(LargeMigration, is_done_in_full_or_not_at_all) {
-  const std::string bytes = bytes_of_file(number_or(1000, many));
+  make_file(number_or(1000, many));
+  const std::string bytes = read_file(path);
   const Operation migrate = {
       "migrate many rows", Operation::Kind::Making, start(),
       [&](Scene& scene) {

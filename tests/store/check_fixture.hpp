@@ -15,7 +15,7 @@ namespace veldra_tests {
 class CheckFixture : public LibraryFixture {
  protected:
   void tamper(const std::string& statements) const {
-    PlainDatabase(path()).execute("PRAGMA foreign_keys = OFF;" + statements);
+    PlainDatabase(path).execute("PRAGMA foreign_keys = OFF;" + statements);
   }
 
   /// Replaces a word in the text of a table. SQLite takes the new text for what was always there.

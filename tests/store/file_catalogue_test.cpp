@@ -10,12 +10,12 @@ class FileCatalogue : public LibraryFixture {};
 
 TEST_F(FileCatalogue, the_texts_of_a_new_file_are_these_in_this_order) {
   create_and_close();
-  EXPECT_EQ(catalogue(path()), current_catalogue());
+  EXPECT_EQ(catalogue(path), current_catalogue());
 }
 
 TEST_F(FileCatalogue, a_new_file_has_these_tables_and_indexes_and_nothing_else) {
   create_and_close();
-  PlainDatabase database(path());
+  PlainDatabase database(path);
   std::vector<std::string> entries;
   for (const Row& row :
        database.query("SELECT type || ' ' || name FROM sqlite_master ORDER BY rowid")) {
@@ -43,16 +43,16 @@ TEST_F(FileCatalogue, a_new_file_has_these_tables_and_indexes_and_nothing_else) 
 
 TEST_F(FileCatalogue, the_version_row_of_a_new_file_is_the_only_one_and_complete) {
   create_and_close();
-  EXPECT_THAT(PlainDatabase(path()).query("SELECT name, version, migration FROM schema_version"),
+  EXPECT_THAT(PlainDatabase(path).query("SELECT name, version, migration FROM schema_version"),
               ElementsAre(ElementsAre("''", "150302", "0")));
 }
 
 TEST_F(FileCatalogue, a_new_file_holds_the_metadata_and_the_material_types_and_nothing_else) {
   create_and_close();
-  EXPECT_THAT(PlainDatabase(path()).query("SELECT name, seq FROM sqlite_sequence"),
+  EXPECT_THAT(PlainDatabase(path).query("SELECT name, seq FROM sqlite_sequence"),
               ElementsAre(ElementsAre("'MaterialType'", "13")));
-  const std::string guid = PlainDatabase(path()).value("SELECT guid FROM Meta");
-  EXPECT_EQ(dump(path()),
+  const std::string guid = PlainDatabase(path).value("SELECT guid FROM Meta");
+  EXPECT_EQ(dump(path),
             "MaterialType: 1 'Ceramic'\nMaterialType: 2 'Concrete'\n"
             "MaterialType: 3 'Earth'\nMaterialType: 4 'Generic'\n"
             "MaterialType: 5 'Glass'\nMaterialType: 6 'Liquid'\n"
@@ -67,7 +67,7 @@ TEST_F(FileCatalogue, a_new_file_holds_the_metadata_and_the_material_types_and_n
 
 TEST_F(FileCatalogue, a_new_file_is_sound) {
   create_and_close();
-  EXPECT_EQ(damage(path()), "");
+  EXPECT_EQ(damage(path), "");
 }
 
 TEST_F(FileCatalogue, opening_again_leaves_the_texts) {
@@ -75,78 +75,78 @@ TEST_F(FileCatalogue, opening_again_leaves_the_texts) {
   open();
   open_read_only();
   create();
-  EXPECT_EQ(catalogue(path()), current_catalogue());
+  EXPECT_EQ(catalogue(path), current_catalogue());
 }
 
 // A file that counts as empty.
 
 TEST_F(FileCatalogue, an_empty_file_becomes_a_library) {
-  write_file(path(), "");
+  write_file(path, "");
   open();
-  EXPECT_EQ(catalogue(path()), current_catalogue());
+  EXPECT_EQ(catalogue(path), current_catalogue());
 }
 
 TEST_F(FileCatalogue, an_empty_database_becomes_a_library) {
-  PlainDatabase(path()).execute("CREATE TABLE Passing (id); DROP TABLE Passing");
+  PlainDatabase(path).execute("CREATE TABLE Passing (id); DROP TABLE Passing");
   open();
-  EXPECT_EQ(catalogue(path()), current_catalogue());
+  EXPECT_EQ(catalogue(path), current_catalogue());
 }
 
 TEST_F(FileCatalogue, a_file_without_a_version_row_is_made_anew) {
   create_and_close();
-  PlainDatabase(path()).execute(
+  PlainDatabase(path).execute(
       "INSERT INTO Tag (name) VALUES ('facade'); DELETE FROM schema_version");
   const auto library = create(veldra::Unit::Inches, "abc");
   EXPECT_EQ(library->count<veldra::Tag>(), 0u);
   EXPECT_EQ(library->unit(), veldra::Unit::Inches);
-  EXPECT_THAT(PlainDatabase(path()).query("SELECT * FROM schema_version"),
+  EXPECT_THAT(PlainDatabase(path).query("SELECT * FROM schema_version"),
               ElementsAre(ElementsAre("''", "150302", "0")));
 }
 
 TEST_F(FileCatalogue, a_file_without_the_version_table_is_made_anew) {
   create_and_close();
-  PlainDatabase(path()).execute(
+  PlainDatabase(path).execute(
       "INSERT INTO Tag (name) VALUES ('facade'); DROP TABLE schema_version");
   EXPECT_EQ(open()->count<veldra::Tag>(), 0u);
 }
 
 TEST_F(FileCatalogue, a_partly_present_schema_is_made_whole) {
-  PlainDatabase(path()).execute("CREATE TABLE Tag (word); CREATE TABLE Meta (word)");
+  PlainDatabase(path).execute("CREATE TABLE Tag (word); CREATE TABLE Meta (word)");
   open();
-  EXPECT_EQ(catalogue(path()), current_catalogue());
+  EXPECT_EQ(catalogue(path), current_catalogue());
 }
 
 TEST_F(FileCatalogue, tables_of_others_stay_when_a_library_is_made_around_them) {
-  PlainDatabase(path()).execute("CREATE TABLE Notes (word); INSERT INTO Notes VALUES ('kept')");
+  PlainDatabase(path).execute("CREATE TABLE Notes (word); INSERT INTO Notes VALUES ('kept')");
   open();
-  EXPECT_EQ(catalogue(path()), "CREATE TABLE Notes (word)\n\n" + current_catalogue());
-  EXPECT_EQ(PlainDatabase(path()).value("SELECT word FROM Notes"), "'kept'");
+  EXPECT_EQ(catalogue(path), "CREATE TABLE Notes (word)\n\n" + current_catalogue());
+  EXPECT_EQ(PlainDatabase(path).value("SELECT word FROM Notes"), "'kept'");
 }
 
 // Foreign keys are not enforced while the tables are dropped.
 TEST_F(FileCatalogue, rows_of_others_that_refer_to_a_library_do_not_keep_it_from_being_made_anew) {
   create_and_close();
-  PlainDatabase(path()).execute(
+  PlainDatabase(path).execute(
       "INSERT INTO Tag VALUES (1, 'facade'); CREATE TABLE Notes (tag REFERENCES Tag (id));"
       "INSERT INTO Notes VALUES (1); DELETE FROM schema_version");
   EXPECT_EQ(open()->count<veldra::Tag>(), 0u);
-  EXPECT_EQ(PlainDatabase(path()).value("SELECT tag FROM Notes"), "1");
+  EXPECT_EQ(PlainDatabase(path).value("SELECT tag FROM Notes"), "1");
 }
 
 TEST_F(FileCatalogue, the_version_table_may_be_written_in_any_case) {
   create_and_close();
-  PlainDatabase(path()).execute(
+  PlainDatabase(path).execute(
       "INSERT INTO Tag (name) VALUES ('kept'); ALTER TABLE schema_version RENAME TO other;"
       "ALTER TABLE other RENAME TO Schema_Version");
   EXPECT_EQ(open()->count<veldra::Tag>(), 1u);
 }
 
 TEST_F(FileCatalogue, version_rows_of_other_schemas_do_not_count_and_stay) {
-  PlainDatabase(path()).execute(
+  PlainDatabase(path).execute(
       "CREATE TABLE schema_version (name TEXT NOT NULL PRIMARY KEY, version INTEGER NOT NULL, "
       "migration INTEGER NOT NULL); INSERT INTO schema_version VALUES ('other', 7, 1)");
   EXPECT_EQ(open()->version(), 150302u);
-  EXPECT_THAT(PlainDatabase(path()).query("SELECT * FROM schema_version ORDER BY name"),
+  EXPECT_THAT(PlainDatabase(path).query("SELECT * FROM schema_version ORDER BY name"),
               ElementsAre(ElementsAre("''", "150302", "0"), ElementsAre("'other'", "7", "1")));
 }
 
@@ -156,7 +156,7 @@ class FileRules : public LibraryFixture {
  protected:
   void SetUp() override {
     create_and_close();
-    database_ = std::make_unique<PlainDatabase>(path());
+    database_ = std::make_unique<PlainDatabase>(path);
     database_->execute("PRAGMA foreign_keys=ON");
   }
 

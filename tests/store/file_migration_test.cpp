@@ -18,35 +18,35 @@ std::string utf8_names(const std::vector<std::shared_ptr<Tag>>& tags) {
 class FileMigration : public LibraryFixture, public testing::WithParamInterface<int> {
  protected:
   void SetUp() override {
-    make_old_file(path(), GetParam());
-    fill_old_file(path(), GetParam());
-    before_ = dump(path());
+    make_old_file(path, GetParam());
+    fill_old_file(path, GetParam());
+    before_ = dump(path);
   }
 
   // What the file holds after whichever way of opening must be the same.
   void expect_the_file_is_migrated() const {
-    EXPECT_EQ(catalogue(path()), migrated_catalogue(GetParam()));
-    EXPECT_EQ(dump(path()), migrated_dump(before_));
-    EXPECT_EQ(damage(path()), "");
+    EXPECT_EQ(catalogue(path), migrated_catalogue(GetParam()));
+    EXPECT_EQ(dump(path), migrated_dump(before_));
+    EXPECT_EQ(damage(path), "");
   }
 
   bool has_custom_properties() const { return GetParam() >= 150301; }
 
   void set_version(int version) const {
-    PlainDatabase(path()).execute("UPDATE schema_version SET version = " + std::to_string(version));
+    PlainDatabase(path).execute("UPDATE schema_version SET version = " + std::to_string(version));
   }
 
   std::string last_column(const std::string& table) const {
-    return PlainDatabase(path()).value("SELECT name FROM pragma_table_info('" + table +
-                                       "') ORDER BY cid DESC");
+    return PlainDatabase(path).value("SELECT name FROM pragma_table_info('" + table +
+                                     "') ORDER BY cid DESC");
   }
 
   std::string before_;
 };
 
 TEST_P(FileMigration, the_old_file_of_these_tests_is_one) {
-  EXPECT_EQ(catalogue(path()), old_catalogue(GetParam()));
-  EXPECT_EQ(damage(path()), "");
+  EXPECT_EQ(catalogue(path), old_catalogue(GetParam()));
+  EXPECT_EQ(damage(path), "");
 }
 
 TEST_P(FileMigration, opening_migrates) {
@@ -91,10 +91,10 @@ TEST_P(FileMigration, a_library_opened_for_reading_only_refuses_changes_after_th
 
 TEST_P(FileMigration, a_migrated_file_is_opened_again_without_a_change) {
   open();
-  const FileState before(path());
+  const FileState before(path);
   open();
   open_read_only();
-  EXPECT_TRUE(before == FileState(path()));
+  EXPECT_TRUE(before == FileState(path));
 }
 
 TEST_P(FileMigration, the_metadata_of_a_migrated_file_can_be_set) {
@@ -103,7 +103,7 @@ TEST_P(FileMigration, the_metadata_of_a_migrated_file_can_be_set) {
 }
 
 TEST_P(FileMigration, an_empty_old_library_migrates) {
-  const std::string empty = folder() / "empty.lib";
+  const std::string empty = folder / "empty.lib";
   make_old_file(empty, GetParam());
   const std::string before = dump(empty);
   EXPECT_EQ(Library::open(empty.c_str(), false)->count<MaterialType>(), 0u);
@@ -226,7 +226,7 @@ TEST_P(FileMigration, custom_values_load_where_the_old_version_had_them) {
 TEST_P(FileMigration, the_kinds_that_the_old_version_lacked_are_empty_and_usable) {
   const auto library = open();
   EXPECT_EQ(library->count<Layer>(), 0u);
-  PlainDatabase(path()).execute(
+  PlainDatabase(path).execute(
       "PRAGMA foreign_keys=ON; INSERT INTO Layer VALUES (1, 'S-WOOD'); UPDATE Material SET "
       "cut_layer = 1 WHERE id = 2; UPDATE Composition SET entity_layer = 1 WHERE id = 1");
   EXPECT_EQ(library->get<Material>("Oak")->cut_layer()->name().utf8(), "S-WOOD");
@@ -247,11 +247,11 @@ TEST_P(FileMigration, removing_takes_the_lists_along) {
   const auto library = open();
   EXPECT_TRUE(library->remove<Composition>(1));
   EXPECT_TRUE(library->remove<Material>(2));
-  PlainDatabase database(path());
+  PlainDatabase database(path);
   EXPECT_EQ(database.value("SELECT count(*) FROM Composition_layers"), "0");
   EXPECT_EQ(database.value("SELECT count(*) FROM Material_tags WHERE object_id = 2"), "0");
   EXPECT_EQ(database.value("SELECT count(*) FROM Material_custom_values"), "0");
-  EXPECT_EQ(damage(path()), "");
+  EXPECT_EQ(damage(path), "");
 }
 
 TEST_P(FileMigration, objects_save_with_what_the_old_version_lacked) {
@@ -275,7 +275,7 @@ TEST_P(FileMigration, objects_save_with_what_the_old_version_lacked) {
   EXPECT_EQ(parquet->entity_layer()->name().utf8(), "A-FLOR");
   EXPECT_EQ(parquet->custom_value("Acoustic class").get().utf8(), "B");
   EXPECT_EQ(parquet->comments().utf8(), "glued");
-  EXPECT_EQ(damage(path()), "");
+  EXPECT_EQ(damage(path), "");
 }
 
 TEST_P(FileMigration, a_layer_in_use_cannot_be_removed) {
@@ -297,12 +297,12 @@ TEST_P(FileMigration, new_objects_save) {
 }
 
 TEST_P(FileMigration, a_failure_leaves_the_file_at_its_version) {
-  PlainDatabase(path()).execute("CREATE TABLE Layer (word)");
-  const FileState before(path());
+  PlainDatabase(path).execute("CREATE TABLE Layer (word)");
+  const FileState before(path);
   EXPECT_EQ(thrown_by([&] { open(); }), "odb::sqlite::database_exception");
-  EXPECT_TRUE(before == FileState(path()));
-  EXPECT_FALSE(file_exists(path() + "-journal"));
-  PlainDatabase(path()).execute("DROP TABLE Layer");
+  EXPECT_TRUE(before == FileState(path));
+  EXPECT_FALSE(file_exists(path + "-journal"));
+  PlainDatabase(path).execute("DROP TABLE Layer");
   open();
   expect_the_file_is_migrated();
 }
@@ -314,17 +314,17 @@ INSTANTIATE_TEST_SUITE_P(Versions, FileMigration, testing::ValuesIn(old_versions
 class FileMigrationBetween : public FileMigration {
  protected:
   void SetUp() override {
-    make_old_file(path(), 150201);
-    fill_old_file(path(), 150201);
-    before_ = dump(path());
+    make_old_file(path, 150201);
+    fill_old_file(path, 150201);
+    before_ = dump(path);
     set_version(GetParam());
   }
 };
 
 TEST_P(FileMigrationBetween, starts_at_the_step_above) {
   EXPECT_EQ(open()->version(), 150302u);
-  EXPECT_EQ(catalogue(path()), migrated_catalogue(150201));
-  EXPECT_EQ(dump(path()), migrated_dump(before_));
+  EXPECT_EQ(catalogue(path), migrated_catalogue(150201));
+  EXPECT_EQ(dump(path), migrated_dump(before_));
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, FileMigrationBetween, testing::Values(150202, 150250, 150300),

@@ -22,19 +22,19 @@ class FileRecognition : public LibraryFixture {
  protected:
   /// What the file is; it is as it was afterwards, and nobody holds it.
   Library::Recognition recognised() const {
-    const FileState before(path());
-    const auto result = Library::recognise(path().c_str());
-    EXPECT_TRUE(before == FileState(path()));
-    EXPECT_THAT(open_files(folder().path()), IsEmpty());
-    EXPECT_FALSE(file_exists(path() + "-journal"));
-    EXPECT_FALSE(file_exists(path() + "-wal"));
+    const FileState before(path);
+    const auto result = Library::recognise(path.c_str());
+    EXPECT_TRUE(before == FileState(path));
+    EXPECT_THAT(open_files(folder.path()), IsEmpty());
+    EXPECT_FALSE(file_exists(path + "-journal"));
+    EXPECT_FALSE(file_exists(path + "-wal"));
     return result;
   }
   Kind kind() const { return recognised().kind; }
 
   /// A database that SQLite alone has made.
   void make_database(const std::string& statements) const {
-    PlainDatabase(path()).execute(statements);
+    PlainDatabase(path).execute(statements);
   }
 
   /// A library that somebody else has changed.
@@ -44,17 +44,17 @@ class FileRecognition : public LibraryFixture {
   }
 
   Thrown opening(bool read_only = false) const {
-    return thrown_by([&] { Library::openExisting(path().c_str(), read_only); });
+    return thrown_by([&] { Library::openExisting(path.c_str(), read_only); });
   }
 
   /// What is no library is not opened and stays as it is.
   void expect_not_opened() const {
     for (const bool read_only : {false, true}) {
-      const FileState before(path());
+      const FileState before(path);
       EXPECT_EQ(opening(read_only), "veldra::NotALibrary");
-      EXPECT_TRUE(before == FileState(path()));
+      EXPECT_TRUE(before == FileState(path));
     }
-    EXPECT_THAT(open_files(folder().path()), IsEmpty());
+    EXPECT_THAT(open_files(folder.path()), IsEmpty());
   }
 };
 
@@ -64,13 +64,13 @@ TEST_F(FileRecognition, a_library_is_one_of_the_current_version) {
   create_and_close();
   EXPECT_EQ(kind(), Kind::Library);
   EXPECT_EQ(recognised().version, current);
-  EXPECT_EQ(Library::openExisting(path().c_str(), false)->version(), current);
-  EXPECT_TRUE(Library::openExisting(path().c_str(), true)->readOnly());
+  EXPECT_EQ(Library::openExisting(path.c_str(), false)->version(), current);
+  EXPECT_TRUE(Library::openExisting(path.c_str(), true)->readOnly());
 }
 
 TEST_F(FileRecognition, an_open_library_is_one) {
   const auto library = create();
-  EXPECT_EQ(Library::recognise(path().c_str()).kind, Kind::Library);
+  EXPECT_EQ(Library::recognise(path.c_str()).kind, Kind::Library);
   EXPECT_TRUE(library->save(veldra::Tag::create("facade")));
 }
 
@@ -78,18 +78,18 @@ TEST_F(FileRecognition, a_library_in_UTF_16_is_one) {
   make_database("PRAGMA encoding = 'UTF-16'; CREATE TABLE t (a); DROP TABLE t");
   create_and_close();
   constexpr std::size_t encoding = 59;  // its place in the first page
-  ASSERT_EQ(read_file(path())[encoding], 2) << "not UTF-16";
+  ASSERT_EQ(read_file(path)[encoding], 2) << "not UTF-16";
   EXPECT_EQ(kind(), Kind::Library);
-  EXPECT_TRUE(Library::openExisting(path().c_str(), false));
+  EXPECT_TRUE(Library::openExisting(path.c_str(), false));
 }
 
 TEST_F(FileRecognition, an_older_library_is_told_apart_and_brought_to_the_current_version) {
   for (const int version : {150201, 150301}) {
-    ::unlink(path().c_str());
-    make_old_file(path(), version);
+    ::unlink(path.c_str());
+    make_old_file(path, version);
     EXPECT_EQ(kind(), Kind::OlderLibrary);
     EXPECT_EQ(recognised().version, static_cast<unsigned>(version));
-    Library::openExisting(path().c_str(), true);
+    Library::openExisting(path.c_str(), true);
     EXPECT_EQ(kind(), Kind::Library);
   }
 }
@@ -119,15 +119,15 @@ TEST_F(FileRecognition, a_version_that_means_nothing_is_told_apart) {
 // What is none.
 
 TEST_F(FileRecognition, a_file_that_is_not_there_is_missing_and_not_made) {
-  EXPECT_EQ(Library::recognise(path().c_str()).kind, Kind::Missing);
-  EXPECT_EQ(Library::recognise((path() + "/below").c_str()).kind, Kind::Missing);
-  EXPECT_EQ(Library::recognise(("unix://" + path()).c_str()).kind, Kind::Missing);
+  EXPECT_EQ(Library::recognise(path.c_str()).kind, Kind::Missing);
+  EXPECT_EQ(Library::recognise((path + "/below").c_str()).kind, Kind::Missing);
+  EXPECT_EQ(Library::recognise(("unix://" + path).c_str()).kind, Kind::Missing);
   EXPECT_EQ(opening().code, 14);
-  EXPECT_FALSE(file_exists(path()));
+  EXPECT_FALSE(file_exists(path));
 }
 
 TEST_F(FileRecognition, an_empty_file_is_empty_and_not_filled) {
-  write_file(path(), "");
+  write_file(path, "");
   EXPECT_EQ(kind(), Kind::Empty);
   expect_not_opened();
 }
@@ -156,7 +156,7 @@ TEST_F(FileRecognition, a_database_of_another_program_is_told_apart) {
 TEST_F(FileRecognition, versions_of_another_program_make_no_library) {
   for (const char* columns : {"version", "name, version", "name, number"}) {
     SCOPED_TRACE(columns);
-    ::unlink(path().c_str());
+    ::unlink(path.c_str());
     make_database("CREATE TABLE schema_version (" + std::string(columns) +
                   ");"
                   "CREATE TABLE Material (price); INSERT INTO Material VALUES (12)");
@@ -183,7 +183,7 @@ TEST_F(FileRecognition, a_library_that_has_lost_its_identity_is_told_apart) {
         std::string("DROP TABLE Meta"), std::string("ALTER TABLE Meta DROP COLUMN guid"),
         std::string("DROP TABLE Meta; CREATE VIEW Meta ") + endless}) {
     SCOPED_TRACE(loss);
-    ::unlink(path().c_str());
+    ::unlink(path.c_str());
     make_changed_library(loss);
     EXPECT_EQ(kind(), Kind::WithoutIdentity);
     expect_not_opened();
@@ -193,7 +193,7 @@ TEST_F(FileRecognition, a_library_that_has_lost_its_identity_is_told_apart) {
 TEST_F(FileRecognition, a_library_that_lacks_another_table_is_one) {
   for (const char* table : {"Material", "Composition", "Tag", "Composition_layers"}) {
     SCOPED_TRACE(table);
-    ::unlink(path().c_str());
+    ::unlink(path.c_str());
     make_changed_library("DROP TABLE " + std::string(table));
     EXPECT_EQ(kind(), Kind::Library);
     EXPECT_EQ(opening(), "");
@@ -203,12 +203,12 @@ TEST_F(FileRecognition, a_library_that_lacks_another_table_is_one) {
 TEST_F(FileRecognition, a_view_in_place_of_another_table_is_left_to_the_check) {
   for (const char* table : {"Material", "Composition", "Tag"}) {
     SCOPED_TRACE(table);
-    ::unlink(path().c_str());
+    ::unlink(path.c_str());
     make_changed_library("DROP TABLE " + std::string(table) + "; CREATE VIEW " + table + " " +
                          endless);
     EXPECT_EQ(kind(), Kind::Library);
     std::vector<veldra::String> findings;
-    Library::openExisting(path().c_str(), true)->check(findings);
+    Library::openExisting(path.c_str(), true)->check(findings);
     ASSERT_FALSE(findings.empty());
     EXPECT_EQ(findings[0].utf8(), "The file has the view \"" + std::string(table) +
                                       "\" where the table \"" + table + "\" belongs");
@@ -216,30 +216,30 @@ TEST_F(FileRecognition, a_view_in_place_of_another_table_is_left_to_the_check) {
 }
 
 TEST_F(FileRecognition, what_is_no_database_is_told_apart) {
-  write_file(path(), "walls, floors and roofs");
+  write_file(path, "walls, floors and roofs");
   EXPECT_EQ(kind(), Kind::Other);
   EXPECT_EQ(opening().code, 26);
-  write_file(path(), "x");  // which SQLite takes for an empty file
+  write_file(path, "x");  // which SQLite takes for an empty file
   EXPECT_EQ(kind(), Kind::Other);
   expect_not_opened();
 }
 
 TEST_F(FileRecognition, folders_pipes_and_devices_are_no_databases) {
-  EXPECT_EQ(Library::recognise(folder().path().c_str()).kind, Kind::Other);
+  EXPECT_EQ(Library::recognise(folder.path().c_str()).kind, Kind::Other);
   EXPECT_EQ(Library::recognise("/dev/null").kind, Kind::Other);
-  ASSERT_EQ(::mkfifo(path().c_str(), 0600), 0);
-  EXPECT_EQ(Library::recognise(path().c_str()).kind, Kind::Other);
+  ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+  EXPECT_EQ(Library::recognise(path.c_str()).kind, Kind::Other);
 }
 
 TEST_F(FileRecognition, damage_is_told_apart) {
   create_and_close();
-  const std::string bytes = read_file(path());
-  write_file(path(), bytes.substr(0, bytes.size() - 100));
+  const std::string bytes = read_file(path);
+  write_file(path, bytes.substr(0, bytes.size() - 100));
   EXPECT_EQ(kind(), Kind::Damaged);
   EXPECT_EQ(opening().code, 11);
-  write_file(path(), bytes.substr(0, 50) + std::string(bytes.size() - 50, '\xff'));
+  write_file(path, bytes.substr(0, 50) + std::string(bytes.size() - 50, '\xff'));
   EXPECT_EQ(kind(), Kind::Damaged);
-  write_file(path(), bytes.substr(0, 16) + std::string(4096, 'x'));
+  write_file(path, bytes.substr(0, 16) + std::string(4096, 'x'));
   EXPECT_EQ(kind(), Kind::Damaged);
 }
 
@@ -251,12 +251,12 @@ TEST_F(FileRecognition, libraries_in_memory_are_known_by_their_names) {
 }
 
 TEST_F(FileRecognition, the_exception_names_the_file) {
-  write_file(path(), "");
+  write_file(path, "");
   try {
-    Library::openExisting(path().c_str(), false);
+    Library::openExisting(path.c_str(), false);
     FAIL();
   } catch (const veldra::NotALibrary& error) {
-    EXPECT_EQ(error.filename().utf8(), path());
+    EXPECT_EQ(error.filename().utf8(), path);
     EXPECT_EQ(veldra::String(error.what()).utf8(), "The file is not a library");
   }
 }
@@ -265,46 +265,46 @@ TEST_F(FileRecognition, the_exception_names_the_file) {
 
 TEST_F(FileRecognition, a_file_that_is_held_is_waited_for) {
   create_and_close();
-  const LockingProcess other(path(), "BEGIN EXCLUSIVE", 300);
-  EXPECT_EQ(Library::recognise(path().c_str()).kind, Kind::Library);
+  const LockingProcess other(path, "BEGIN EXCLUSIVE", 300);
+  EXPECT_EQ(Library::recognise(path.c_str()).kind, Kind::Library);
 }
 
 TEST_F(FileRecognition, a_file_that_stays_held_is_a_timeout) {
   create_and_close();
-  const LockingProcess other(path(), "BEGIN EXCLUSIVE", 60000);
-  EXPECT_EQ(thrown_by([&] { Library::recognise(path().c_str()); }), "odb::timeout");
+  const LockingProcess other(path, "BEGIN EXCLUSIVE", 60000);
+  EXPECT_EQ(thrown_by([&] { Library::recognise(path.c_str()); }), "odb::timeout");
 }
 
 TEST_F(FileRecognition, a_file_that_may_not_be_read_is_an_error) {
   create_and_close();
-  ASSERT_EQ(::chmod(path().c_str(), 0), 0);
-  ASSERT_EQ(::chmod(folder().path().c_str(), 0755), 0);
+  ASSERT_EQ(::chmod(path.c_str(), 0), 0);
+  ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
   const std::string result = run_without_privileges([&] {
-    Library::recognise(path().c_str());
+    Library::recognise(path.c_str());
     return std::string("recognised");
   });
   EXPECT_THAT(result, HasSubstr("odb::sqlite::database_exception"));
-  EXPECT_THAT(result, HasSubstr(path()));
+  EXPECT_THAT(result, HasSubstr(path));
 }
 
 /// Somebody else changes the file while it is being opened.
 TEST_F(FileRecognition, what_loses_its_version_while_it_is_waited_for_is_not_filled) {
   create_and_close();
   {
-    const LockingProcess other(path(), "BEGIN EXCLUSIVE; DELETE FROM schema_version", 300);
+    const LockingProcess other(path, "BEGIN EXCLUSIVE; DELETE FROM schema_version", 300);
     EXPECT_EQ(opening(), "veldra::NotALibrary");
   }
-  EXPECT_EQ(PlainDatabase(path()).value("SELECT count(*) FROM MaterialType"), "13");
+  EXPECT_EQ(PlainDatabase(path).value("SELECT count(*) FROM MaterialType"), "13");
 }
 
 TEST_F(FileRecognition, what_loses_its_version_before_it_is_migrated_is_not_filled) {
-  make_old_file(path(), 150201);
+  make_old_file(path, 150201);
   make_database("INSERT INTO Tag (name) VALUES ('kept')");
   {
-    const LockingProcess other(path(), "BEGIN IMMEDIATE; DELETE FROM schema_version", 300);
+    const LockingProcess other(path, "BEGIN IMMEDIATE; DELETE FROM schema_version", 300);
     EXPECT_EQ(opening(), "veldra::NotALibrary");
   }
-  EXPECT_EQ(PlainDatabase(path()).value("SELECT name FROM Tag"), "'kept'");
+  EXPECT_EQ(PlainDatabase(path).value("SELECT name FROM Tag"), "'kept'");
 }
 
 // What a crash has left.
@@ -316,7 +316,7 @@ class Crash : public FileRecognition {
   /// A process that dies within a transaction, when some of it is in the file already.
   void die_within(const std::string& settings) const {
     const auto results = run_at_once({[&] {
-      PlainDatabase database(path());
+      PlainDatabase database(path);
       database.execute(settings +
                        "PRAGMA cache_size = 1; BEGIN;"
                        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n LIMIT 5000)"
@@ -330,23 +330,23 @@ class Crash : public FileRecognition {
   /// A process that dies when it has committed into a log.
   void die_with_a_log() const {
     const auto results = run_at_once({[&] {
-      PlainDatabase database(path());
+      PlainDatabase database(path);
       database.execute("PRAGMA journal_mode = WAL; INSERT INTO Tag (name) VALUES ('logged')");
       ::kill(::getpid(), SIGKILL);
       return std::string();
     }});
     ASSERT_EQ(results.front(), "died");
-    ASSERT_TRUE(file_exists(path() + "-wal"));
+    ASSERT_TRUE(file_exists(path + "-wal"));
   }
 
   std::string recognised_in_a_folder_that_can_only_be_read() const {
     for (const char* file : {"", "-journal", "-wal", "-shm"}) {
-      ::chmod((path() + file).c_str(), 0444);
+      ::chmod((path + file).c_str(), 0444);
     }
-    EXPECT_EQ(::chmod(folder().path().c_str(), 0555), 0);
+    EXPECT_EQ(::chmod(folder.path().c_str(), 0555), 0);
     const auto result = run_without_privileges(
-        [&] { return std::to_string(static_cast<int>(Library::recognise(path().c_str()).kind)); });
-    EXPECT_EQ(::chmod(folder().path().c_str(), 0755), 0);
+        [&] { return std::to_string(static_cast<int>(Library::recognise(path.c_str()).kind)); });
+    EXPECT_EQ(::chmod(folder.path().c_str(), 0755), 0);
     return result;
   }
 };
@@ -354,18 +354,18 @@ class Crash : public FileRecognition {
 const std::string needs_recovery = std::to_string(static_cast<int>(Kind::NeedsRecovery));
 
 TEST_F(Crash, a_journal_that_is_left_is_played_back_and_the_library_recognised) {
-  const std::string before = dump(path());
+  const std::string before = dump(path);
   die_within("");
-  ASSERT_TRUE(file_exists(path() + "-journal"));
-  EXPECT_EQ(Library::recognise(path().c_str()).kind, Kind::Library);
-  EXPECT_FALSE(file_exists(path() + "-journal"));
-  EXPECT_EQ(dump(path()), before);
+  ASSERT_TRUE(file_exists(path + "-journal"));
+  EXPECT_EQ(Library::recognise(path.c_str()).kind, Kind::Library);
+  EXPECT_FALSE(file_exists(path + "-journal"));
+  EXPECT_EQ(dump(path), before);
 }
 
 TEST_F(Crash, an_empty_library_that_was_being_made_is_empty_again) {
-  ::unlink(path().c_str());
+  ::unlink(path.c_str());
   const auto results = run_at_once({[&] {
-    PlainDatabase database(path());
+    PlainDatabase database(path);
     database.execute(
         "PRAGMA cache_size = 1; BEGIN; CREATE TABLE t (a);"
         "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n LIMIT 9000)"
@@ -374,38 +374,38 @@ TEST_F(Crash, an_empty_library_that_was_being_made_is_empty_again) {
     return std::string();
   }});
   ASSERT_EQ(results.front(), "died");
-  ASSERT_NE(read_file(path()), "");
-  EXPECT_EQ(Library::recognise(path().c_str()).kind, Kind::Empty);
+  ASSERT_NE(read_file(path), "");
+  EXPECT_EQ(Library::recognise(path.c_str()).kind, Kind::Empty);
 }
 
 TEST_F(Crash, a_journal_that_cannot_be_played_back_needs_recovery) {
   die_within("");
   EXPECT_EQ(recognised_in_a_folder_that_can_only_be_read(), needs_recovery);
-  EXPECT_TRUE(file_exists(path() + "-journal"));
+  EXPECT_TRUE(file_exists(path + "-journal"));
 }
 
 TEST_F(Crash, a_log_that_is_left_is_read) {
   die_with_a_log();
-  EXPECT_EQ(Library::recognise(path().c_str()).kind, Kind::Library);
-  EXPECT_TRUE(Library::openExisting(path().c_str(), true)->get<veldra::Tag>("logged"));
+  EXPECT_EQ(Library::recognise(path.c_str()).kind, Kind::Library);
+  EXPECT_TRUE(Library::openExisting(path.c_str(), true)->get<veldra::Tag>("logged"));
 }
 
 TEST_F(Crash, a_version_that_is_in_the_log_only_counts) {
-  PlainDatabase(path()).execute("PRAGMA journal_mode = WAL");
+  PlainDatabase(path).execute("PRAGMA journal_mode = WAL");
   const auto results = run_at_once({[&] {
-    PlainDatabase(path()).execute("UPDATE schema_version SET version = 150303");
-    PlainDatabase database(path());
+    PlainDatabase(path).execute("UPDATE schema_version SET version = 150303");
+    PlainDatabase database(path);
     database.execute("UPDATE schema_version SET version = 150304");
     ::kill(::getpid(), SIGKILL);
     return std::string();
   }});
   ASSERT_EQ(results.front(), "died");
-  EXPECT_EQ(Library::recognise(path().c_str()).version, 150304U);
+  EXPECT_EQ(Library::recognise(path.c_str()).version, 150304U);
 }
 
 TEST_F(Crash, a_log_that_cannot_be_read_needs_recovery) {
   die_with_a_log();
-  ::unlink((path() + "-shm").c_str());
+  ::unlink((path + "-shm").c_str());
   EXPECT_EQ(recognised_in_a_folder_that_can_only_be_read(), needs_recovery);
 }
 

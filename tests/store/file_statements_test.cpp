@@ -116,7 +116,7 @@ Statements step_to_150302() {
 class FileStatements : public LibraryFixture {
  protected:
   Statements of_opening_old_file(int version) {
-    make_old_file(path(), version);
+    make_old_file(path, version);
     log.take_all();
     open();
     return changing_statements();
@@ -170,7 +170,7 @@ TEST_F(FileStatements, a_current_file_is_only_read) {
 }
 
 TEST_F(FileStatements, a_file_that_is_to_be_read_only_is_migrated_and_connected_to_anew) {
-  make_old_file(path(), 150301);
+  make_old_file(path, 150301);
   log.take_all();
   open_read_only();
   EXPECT_THAT(changing_statements(),

@@ -31,16 +31,16 @@ class LibraryCheckRows : public CheckFixture {
       wall->entity_layer(veldra::Layer::create("Walls"));
       library->save(wall);
     }
-    PlainDatabase database(path());
+    PlainDatabase database(path);
     put_structural_asset(database, "1");
     put_thermal_asset(database, "2");
     database.execute("INSERT INTO Asset_tags VALUES (2, 0, 1), (2, 1, 2)");
-    sound_ = read_file(path());
+    sound_ = read_file(path);
   }
 
   /// What is found after the statements, which change the sound library.
   std::vector<std::string> found_after(const std::string& statements) const {
-    write_file(path(), sound_);
+    write_file(path, sound_);
     tamper(statements);
     return findings();
   }

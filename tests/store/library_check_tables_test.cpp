@@ -61,9 +61,9 @@ class LibraryCheckTables : public CheckFixture, public testing::WithParamInterfa
   /// A view with the columns of a table, whose rows never end.
   void replace_by_an_endless_view(const std::string& table) const {
     std::string columns;
-    for (const auto& row : PlainDatabase(path()).query("SELECT '\"' || name || '\"' FROM "
-                                                       "pragma_table_info('" +
-                                                       table + "')")) {
+    for (const auto& row : PlainDatabase(path).query("SELECT '\"' || name || '\"' FROM "
+                                                     "pragma_table_info('" +
+                                                     table + "')")) {
       const std::string name = row[0].substr(1, row[0].size() - 2);
       columns += (columns.empty() ? "i AS " : ", i AS ") + name;
     }

@@ -20,7 +20,7 @@ TEST_F(LibraryCheck, finds_nothing_in_a_library_with_all_values) {
     library->save(full_composition("Wall"));
     library->save(veldra::Composition::create("Bare"));
   }
-  PlainDatabase database(path());
+  PlainDatabase database(path);
   put_structural_asset(database, "1");
   put_thermal_asset(database, "2");
   database.execute(
@@ -32,7 +32,7 @@ TEST_F(LibraryCheck, finds_nothing_in_a_library_with_all_values) {
 // Values that are not known are NULL in the old files: a thickness that is not known is told.
 TEST_F(LibraryCheck, finds_nothing_but_unknown_numbers_in_a_library_that_was_migrated) {
   for (const int version : {150201, 150301}) {
-    const std::string old = folder() / std::to_string(version);
+    const std::string old = folder / std::to_string(version);
     make_old_file(old, version);
     fill_old_file(old, version);
     EXPECT_THAT(
@@ -80,9 +80,9 @@ TEST_F(LibraryCheck, works_while_an_operation_is_running) {
 TEST_F(LibraryCheck, changes_nothing) {
   create_and_close();
   tamper("DROP INDEX Tag_name_i");
-  const FileState before(path());
+  const FileState before(path);
   findings();
-  EXPECT_TRUE(before == FileState(path()));
+  EXPECT_TRUE(before == FileState(path));
 }
 
 TEST_F(LibraryCheck, appends) {
@@ -267,7 +267,7 @@ TEST_F(LibraryCheck, tells_of_tables_that_are_worded_differently) {
             rest}},
   };
   for (const auto& rewriting : rewritings) {
-    std::remove(path().c_str());
+    std::remove(path.c_str());
     create_and_close();
     rewrite(rewriting.table, rewriting.word, rewriting.by);
     EXPECT_THAT(findings(), testing::UnorderedElementsAreArray(rewriting.findings))
@@ -312,7 +312,7 @@ TEST_F(LibraryCheck, goes_on_when_a_table_is_too_damaged_to_be_read) {
 
 TEST_F(LibraryCheck, waits_for_others_and_then_throws_and_appends_nothing) {
   const auto library = create();
-  PlainDatabase other(path());
+  PlainDatabase other(path);
   other.execute("BEGIN EXCLUSIVE");
   std::vector<veldra::String> found{"an earlier one"};
   EXPECT_EQ(thrown_by([&] { library->check(found); }), "odb::timeout");

@@ -16,7 +16,7 @@ class LibraryCreation : public LibraryFixture {
  protected:
   std::vector<std::string> type_names() const {
     std::vector<std::string> names;
-    PlainDatabase database(path());
+    PlainDatabase database(path);
     for (const Row& row : database.query("SELECT name FROM MaterialType ORDER BY id")) {
       names.push_back(row[0].substr(1, row[0].size() - 2));
     }
@@ -27,12 +27,12 @@ class LibraryCreation : public LibraryFixture {
 TEST_F(LibraryCreation, makes_the_file) {
   const auto library = create();
   ASSERT_NE(library, nullptr);
-  EXPECT_TRUE(file_exists(path()));
+  EXPECT_TRUE(file_exists(path));
 }
 
 TEST_F(LibraryCreation, gives_a_handle_that_knows_its_values) {
   const auto library = create(Unit::Inches, "abc");
-  EXPECT_EQ(library->filename().utf8(), path());
+  EXPECT_EQ(library->filename().utf8(), path);
   EXPECT_EQ(library->guid().utf8(), "25289ef0-812b-50f0-9943-5518cb168039");
   EXPECT_EQ(library->unit(), Unit::Inches);
   EXPECT_TRUE(library->locale().empty());
@@ -49,19 +49,19 @@ TEST_F(LibraryCreation, gives_a_handle_that_can_share_itself) {
 TEST_F(LibraryCreation, stores_one_row_of_metadata) {
   create(Unit::Inches, "abc");
   EXPECT_THAT(
-      PlainDatabase(path()).query("SELECT id, guid, unit, locale, region FROM Meta"),
+      PlainDatabase(path).query("SELECT id, guid, unit, locale, region FROM Meta"),
       ElementsAre(ElementsAre("0", "'25289ef0-812b-50f0-9943-5518cb168039'", "0", "''", "''")));
 }
 
 TEST_F(LibraryCreation, stores_the_unit_as_a_number) {
   create(Unit::Millimetres);
-  EXPECT_EQ(PlainDatabase(path()).value("SELECT unit FROM Meta"), "1");
+  EXPECT_EQ(PlainDatabase(path).value("SELECT unit FROM Meta"), "1");
 }
 
 TEST_F(LibraryCreation, keeps_a_unit_that_only_the_host_knows) {
   const auto library = create(static_cast<Unit>(7));
   EXPECT_EQ(library->unit(), static_cast<Unit>(7));
-  EXPECT_EQ(PlainDatabase(path()).value("SELECT unit FROM Meta"), "7");
+  EXPECT_EQ(PlainDatabase(path).value("SELECT unit FROM Meta"), "7");
   EXPECT_EQ(open()->unit(), static_cast<Unit>(7));
 }
 
@@ -75,14 +75,14 @@ TEST_F(LibraryCreation, opens_a_library_that_is_there_as_it_is) {
 }
 
 TEST_F(LibraryCreation, fills_an_empty_file_with_what_was_asked_for) {
-  write_file(path(), "");
+  write_file(path, "");
   const auto library = create(Unit::Inches, "abc");
   EXPECT_EQ(library->unit(), Unit::Inches);
   EXPECT_EQ(library->guid().utf8(), "25289ef0-812b-50f0-9943-5518cb168039");
 }
 
 TEST_F(LibraryCreation, opening_an_empty_file_fills_it_with_defaults) {
-  write_file(path(), "");
+  write_file(path, "");
   const auto library = open();
   EXPECT_EQ(library->unit(), Unit::Millimetres);
   EXPECT_TRUE(library->locale().empty());
@@ -91,7 +91,7 @@ TEST_F(LibraryCreation, opening_an_empty_file_fills_it_with_defaults) {
 }
 
 TEST_F(LibraryCreation, opening_an_empty_file_for_reading_only_fills_it_as_well) {
-  write_file(path(), "");
+  write_file(path, "");
   const auto library = open_read_only();
   EXPECT_TRUE(library->readOnly());
   EXPECT_EQ(library->count<MaterialType>(), 13u);
@@ -102,7 +102,7 @@ TEST_F(LibraryCreation, closing_the_last_handle_closes_the_file) {
   auto library = create();
   const auto other = library;
   library.reset();
-  EXPECT_THAT(open_files(folder().path()), ElementsAre("walls.lib"));
+  EXPECT_THAT(open_files(folder.path()), ElementsAre("walls.lib"));
   create();
   EXPECT_EQ(other->count<MaterialType>(), 13u);
 }
@@ -111,19 +111,19 @@ TEST_F(LibraryCreation, a_closed_library_leaves_no_open_file) {
   create();
   open();
   open_read_only();
-  EXPECT_THAT(open_files(folder().path()), IsEmpty());
-  EXPECT_FALSE(file_exists(path() + "-journal"));
+  EXPECT_THAT(open_files(folder.path()), IsEmpty());
+  EXPECT_FALSE(file_exists(path + "-journal"));
 }
 
 TEST_F(LibraryCreation, one_handle_keeps_one_file_open) {
   const auto library = create();
-  EXPECT_THAT(open_files(folder().path()), ElementsAre("walls.lib"));
+  EXPECT_THAT(open_files(folder.path()), ElementsAre("walls.lib"));
 }
 
 TEST_F(LibraryCreation, a_handle_for_reading_only_keeps_one_file_open) {
   create_and_close();
   const auto library = open_read_only();
-  EXPECT_THAT(open_files(folder().path()), ElementsAre("walls.lib"));
+  EXPECT_THAT(open_files(folder.path()), ElementsAre("walls.lib"));
 }
 
 TEST_F(LibraryCreation, foreign_keys_are_enforced_afterwards) {
@@ -250,9 +250,9 @@ TEST_F(LibraryCreation, without_a_provider_the_names_are_as_given) {
 class LibraryCreationFailure : public LibraryCreation {
  protected:
   void expect_a_file_without_schema() const {
-    EXPECT_THAT(open_files(folder().path()), IsEmpty());
-    EXPECT_FALSE(file_exists(path() + "-journal"));
-    EXPECT_EQ(PlainDatabase(path()).value("SELECT count(*) FROM sqlite_master"), "0");
+    EXPECT_THAT(open_files(folder.path()), IsEmpty());
+    EXPECT_FALSE(file_exists(path + "-journal"));
+    EXPECT_EQ(PlainDatabase(path).value("SELECT count(*) FROM sqlite_master"), "0");
   }
 };
 

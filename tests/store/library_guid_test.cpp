@@ -20,7 +20,7 @@ class LibraryGuid : public LibraryFixture {};
 TEST_F(LibraryGuid, the_getter_gives_what_the_file_holds) {
   const auto library = create(Unit::Millimetres, example);
   EXPECT_EQ(library->guid().utf8(), example);
-  EXPECT_EQ(PlainDatabase(path()).value("SELECT guid FROM Meta WHERE id = 0"),
+  EXPECT_EQ(PlainDatabase(path).value("SELECT guid FROM Meta WHERE id = 0"),
             "'" + std::string(example) + "'");
   EXPECT_EQ(open()->guid().utf8(), example);
 }
@@ -68,12 +68,12 @@ TEST(LibraryGuidText, an_empty_text_with_an_array_gives_a_random_guid) {
 }
 
 TEST_F(LibraryGuid, an_empty_file_gets_a_random_guid) {
-  write_file(path(), "");
+  write_file(path, "");
   EXPECT_THAT(open()->guid().utf8(), MatchesRegex(random_guid));
 }
 
 TEST_F(LibraryGuid, an_empty_file_opened_for_reading_only_keeps_the_guid_that_it_got) {
-  write_file(path(), "");
+  write_file(path, "");
   const std::string guid = open_read_only()->guid().utf8();
   EXPECT_THAT(guid, MatchesRegex(random_guid));
   EXPECT_EQ(open()->guid().utf8(), guid);

@@ -12,7 +12,7 @@ class LibraryMetadata : public LibraryFixture {
   void SetUp() override { create(Unit::Inches, "abc"); }
 
   Rows stored() const {
-    return PlainDatabase(path()).query("SELECT id, guid, unit, locale, region FROM Meta");
+    return PlainDatabase(path).query("SELECT id, guid, unit, locale, region FROM Meta");
   }
 
   void expect_stored(const std::string& locale, const std::string& region) const {
@@ -64,8 +64,8 @@ TEST_F(LibraryMetadata, a_value_may_be_set_to_what_the_getter_gives) {
 TEST_F(LibraryMetadata, a_setter_leaves_no_transaction_open) {
   const auto library = open();
   library->locale("de-CH");
-  PlainDatabase(path()).execute("BEGIN EXCLUSIVE; COMMIT");
-  EXPECT_FALSE(file_exists(path() + "-journal"));
+  PlainDatabase(path).execute("BEGIN EXCLUSIVE; COMMIT");
+  EXPECT_FALSE(file_exists(path + "-journal"));
 }
 
 TEST_F(LibraryMetadata, other_handles_see_a_change_when_they_are_opened_again) {
@@ -96,7 +96,7 @@ TEST_F(LibraryMetadata, a_handle_for_reading_only_says_so) {
 TEST_F(LibraryMetadata, a_handle_for_reading_only_knows_its_values) {
   open()->locale("de-CH");
   const auto library = open_read_only();
-  EXPECT_EQ(library->filename().utf8(), path());
+  EXPECT_EQ(library->filename().utf8(), path);
   EXPECT_EQ(library->guid().utf8(), "25289ef0-812b-50f0-9943-5518cb168039");
   EXPECT_EQ(library->unit(), Unit::Inches);
   EXPECT_EQ(library->locale().utf8(), "de-CH");
@@ -105,13 +105,13 @@ TEST_F(LibraryMetadata, a_handle_for_reading_only_knows_its_values) {
 
 TEST_F(LibraryMetadata, a_refused_value_stays_in_the_handle_and_not_in_the_file) {
   open()->locale("de-CH");
-  const FileState before(path());
+  const FileState before(path);
   const auto library = open_read_only();
   EXPECT_EQ(thrown_by([&] { library->locale("fr-CH"); }).type, "veldra::LibraryReadOnly");
   EXPECT_EQ(thrown_by([&] { library->region("Jura"); }).type, "veldra::LibraryReadOnly");
   EXPECT_EQ(library->locale().utf8(), "fr-CH");
   EXPECT_EQ(library->region().utf8(), "Jura");
-  EXPECT_TRUE(before == FileState(path()));
+  EXPECT_TRUE(before == FileState(path));
   expect_stored("de-CH", "");
 }
 
@@ -132,7 +132,7 @@ TEST_F(LibraryMetadata, a_handle_for_reading_only_stands_beside_one_that_writes)
 
 TEST_F(LibraryMetadata, a_file_that_can_only_be_read_is_read_only) {
   protect_the_file();
-  const FileState before(path());
+  const FileState before(path);
   const std::string result = run_without_privileges([&]() -> std::string {
     const auto library = open();
     if (!library->readOnly()) return "not read only";
@@ -141,7 +141,7 @@ TEST_F(LibraryMetadata, a_file_that_can_only_be_read_is_read_only) {
     return thrown.type + " " + library->locale().utf8();
   });
   EXPECT_EQ(result, "veldra::LibraryReadOnly fr-CH");
-  EXPECT_TRUE(before == FileState(path()));
+  EXPECT_TRUE(before == FileState(path));
 }
 
 TEST_F(LibraryMetadata, a_file_that_can_only_be_read_opens_in_every_way) {
@@ -156,7 +156,7 @@ TEST_F(LibraryMetadata, a_file_that_can_only_be_read_opens_in_every_way) {
 
 TEST_F(LibraryMetadata, a_constraint_that_is_violated_counts_as_in_use) {
   const auto library = open();
-  PlainDatabase(path()).execute(
+  PlainDatabase(path).execute(
       "CREATE TRIGGER Refuse BEFORE UPDATE ON Meta BEGIN SELECT RAISE(ABORT, 'refused'); END");
   EXPECT_EQ(thrown_by([&] { library->locale("de-CH"); }).type, "veldra::ObjectInUse");
   EXPECT_EQ(library->locale().utf8(), "de-CH");
@@ -165,23 +165,23 @@ TEST_F(LibraryMetadata, a_constraint_that_is_violated_counts_as_in_use) {
 
 TEST_F(LibraryMetadata, a_missing_row_counts_as_not_found) {
   const auto library = open();
-  PlainDatabase(path()).execute("DELETE FROM Meta");
+  PlainDatabase(path).execute("DELETE FROM Meta");
   EXPECT_EQ(thrown_by([&] { library->region("Alps"); }).type, "veldra::ObjectNotFound");
   EXPECT_EQ(library->region().utf8(), "Alps");
 }
 
 TEST_F(LibraryMetadata, any_other_failure_is_unknown) {
   const auto library = open();
-  PlainDatabase(path()).execute("ALTER TABLE Meta RENAME TO Elsewhere");
+  PlainDatabase(path).execute("ALTER TABLE Meta RENAME TO Elsewhere");
   EXPECT_EQ(thrown_by([&] { library->locale("de-CH"); }).type, "veldra::UnknownError");
   EXPECT_EQ(library->locale().utf8(), "de-CH");
 }
 
 TEST_F(LibraryMetadata, the_handle_works_again_once_the_cause_is_mended) {
   const auto library = open();
-  PlainDatabase(path()).execute("ALTER TABLE Meta RENAME TO Elsewhere");
+  PlainDatabase(path).execute("ALTER TABLE Meta RENAME TO Elsewhere");
   EXPECT_EQ(thrown_by([&] { library->locale("de-CH"); }).type, "veldra::UnknownError");
-  PlainDatabase(path()).execute("ALTER TABLE Elsewhere RENAME TO Meta");
+  PlainDatabase(path).execute("ALTER TABLE Elsewhere RENAME TO Meta");
   library->region("Alps");
   expect_stored("de-CH", "Alps");
 }

@@ -18,23 +18,23 @@ std::shared_ptr<Library> create_library(const std::string& name) {
 
 class LibraryNames : public LibraryFixture {
  protected:
-  // The name must reach the file at `path` in every way of opening.
-  void expect_file(const std::string& name, const std::string& path) const {
+  // The name must reach the file at `file` in every way of opening.
+  void expect_file(const std::string& name, const std::string& file) const {
     EXPECT_EQ(create_library(name)->filename().utf8(), name);
-    EXPECT_EQ(catalogue(path), current_catalogue());
+    EXPECT_EQ(catalogue(file), current_catalogue());
     EXPECT_EQ(Library::open(name.c_str(), false)->count<MaterialType>(), 13u);
     EXPECT_EQ(Library::open(name.c_str(), true)->filename().utf8(), name);
   }
 };
 
 TEST_F(LibraryNames, may_lie_beyond_ascii) {
-  const std::string path = folder() / "Wände 石 \xF0\x9D\x84\x9E.lib";
-  expect_file(path, path);
+  const std::string file = folder / "Wände 石 \xF0\x9D\x84\x9E.lib";
+  expect_file(file, file);
 }
 
 TEST_F(LibraryNames, may_have_blanks_and_marks) {
-  const std::string path = folder() / "a b?c=d&e%20#f'g\".lib";
-  expect_file(path, path);
+  const std::string file = folder / "a b?c=d&e%20#f'g\".lib";
+  expect_file(file, file);
 }
 
 TEST_F(LibraryNames, must_be_well_formed) {
@@ -46,26 +46,26 @@ TEST_F(LibraryNames, must_be_well_formed) {
 
 // The name of a VFS.
 
-TEST_F(LibraryNames, a_vfs_may_stand_before_the_path) { expect_file("unix://" + path(), path()); }
+TEST_F(LibraryNames, a_vfs_may_stand_before_the_path) { expect_file("unix://" + path, path); }
 
 // The VFS "unix-none" takes no locks and heeds none, which tells it apart.
 TEST_F(LibraryNames, another_vfs_is_used) {
   create_and_close();
-  const LockingProcess other(path(), "BEGIN EXCLUSIVE", 8000);
+  const LockingProcess other(path, "BEGIN EXCLUSIVE", 8000);
   const auto start = std::chrono::steady_clock::now();
-  EXPECT_EQ(Library::open(("unix-none://" + path()).c_str(), false)->count<MaterialType>(), 13u);
+  EXPECT_EQ(Library::open(("unix-none://" + path).c_str(), false)->count<MaterialType>(), 13u);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
 }
 
 TEST_F(LibraryNames, only_the_first_separator_counts) {
-  ASSERT_EQ(::mkdir((folder() / "a:").c_str(), 0700), 0);
-  expect_file("unix://" + (folder() / "a://walls.lib"), folder() / "a:/walls.lib");
+  ASSERT_EQ(::mkdir((folder / "a:").c_str(), 0700), 0);
+  expect_file("unix://" + (folder / "a://walls.lib"), folder / "a:/walls.lib");
 }
 
 TEST_F(LibraryNames, without_a_separator_the_name_is_the_path) {
-  ASSERT_EQ(::mkdir((folder() / "unix:").c_str(), 0700), 0);
-  expect_file(folder() / "unix:/walls.lib", folder() / "unix:/walls.lib");
-  expect_file(folder() / "unix:walls:.lib", folder() / "unix:walls:.lib");
+  ASSERT_EQ(::mkdir((folder / "unix:").c_str(), 0700), 0);
+  expect_file(folder / "unix:/walls.lib", folder / "unix:/walls.lib");
+  expect_file(folder / "unix:walls:.lib", folder / "unix:walls:.lib");
 }
 
 class LibraryRelativeNames : public LibraryNames {
@@ -74,7 +74,7 @@ class LibraryRelativeNames : public LibraryNames {
     char before[4096];
     ASSERT_NE(::getcwd(before, sizeof before), nullptr);
     before_ = before;
-    ASSERT_EQ(::chdir(folder().path().c_str()), 0);
+    ASSERT_EQ(::chdir(folder.path().c_str()), 0);
   }
 
   void TearDown() override { EXPECT_EQ(::chdir(before_.c_str()), 0); }
@@ -84,15 +84,15 @@ class LibraryRelativeNames : public LibraryNames {
 };
 
 TEST_F(LibraryRelativeNames, lie_in_the_folder_of_the_process) {
-  expect_file("walls.lib", folder() / "walls.lib");
+  expect_file("walls.lib", folder / "walls.lib");
 }
 
 TEST_F(LibraryRelativeNames, are_no_addresses) {
-  expect_file("file:walls.lib", folder() / "file:walls.lib");
+  expect_file("file:walls.lib", folder / "file:walls.lib");
 }
 
 TEST_F(LibraryRelativeNames, may_follow_a_vfs) {
-  expect_file("unix://walls.lib", folder() / "walls.lib");
+  expect_file("unix://walls.lib", folder / "walls.lib");
 }
 
 // Libraries in memory.

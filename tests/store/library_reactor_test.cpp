@@ -103,13 +103,13 @@ TEST_F(LibraryReactorDefaults, a_removal_is_allowed) {
 }
 
 TEST_F(LibraryReactorDefaults, what_is_told_is_passed_over) {
-  const std::string before = read_file(path());
+  const std::string before = read_file(path);
   base().objectSaved(*library_, ObjectKey(ObjectType::Tag, 1));
   base().objectRemoved(*library_, ObjectKey(ObjectType::Tag, 1));
   base().typeChanged(*library_, ObjectType::Tag);
   base().libraryChanged(*library_);
   base().reserved();
-  EXPECT_TRUE(read_file(path()) == before);
+  EXPECT_TRUE(read_file(path) == before);
 }
 
 // A library without a reactor.

@@ -432,7 +432,7 @@ TEST_F(LibraryTransaction, the_last_to_hold_a_library_may_roll_it_back) {
   library.reset();
   transaction.reset();
   EXPECT_TRUE(watched.expired());
-  EXPECT_THAT(open_files(folder.path()), Not(testing::Contains("main.lib")));
+  EXPECT_THAT(open_files(folder.path()), Not(testing::Contains("walls.lib")));
   EXPECT_FALSE(in_the_file("facade"));
   EXPECT_EQ(tag->id(), 0u);
   EXPECT_TRUE(tag->isDirty());

@@ -9,7 +9,7 @@ namespace {
 class ManagerReactor : public LibraryFixture {
  protected:
   std::shared_ptr<Library> created(LibraryManager& manager, const std::string& name = "walls.lib") {
-    return manager.create((folder() / name).c_str(), Unit::Millimetres, "");
+    return manager.create((folder / name).c_str(), Unit::Millimetres, "");
   }
 
   // Whether the reactor is the one of the library. The name must be new to the library.
@@ -49,7 +49,7 @@ TEST_F(ManagerReactor, the_one_of_the_constructor_goes_into_libraries_that_are_c
 TEST_F(ManagerReactor, the_one_of_the_constructor_goes_into_libraries_that_are_opened) {
   create_and_close();
   LibraryManager manager(&reactor_);
-  EXPECT_TRUE(is_told(reactor_, manager.open(path().c_str(), false)));
+  EXPECT_TRUE(is_told(reactor_, manager.open(path.c_str(), false)));
 }
 
 TEST_F(ManagerReactor, one_that_is_set_goes_into_all_open_libraries) {
@@ -111,7 +111,7 @@ TEST_F(ManagerReactor, asking_for_an_open_library_leaves_the_one_that_its_host_i
   const auto library = created(manager);
   library->setReactor(&hosts);
   ASSERT_EQ(created(manager), library);
-  ASSERT_EQ(manager.open((folder() / "walls.lib").c_str(), false), library);
+  ASSERT_EQ(manager.open((folder / "walls.lib").c_str(), false), library);
   EXPECT_TRUE(is_told(hosts, library));
   EXPECT_THAT(reactor_.calls, IsEmpty());
 }
@@ -138,7 +138,7 @@ TEST_F(ManagerReactor, libraries_keep_it_when_their_manager_goes) {
 TEST_F(ManagerReactor, an_error_of_opening_leaves_it_where_it_was) {
   LibraryManager manager(&reactor_);
   const auto library = created(manager);
-  EXPECT_EQ(thrown_by([&] { manager.open((folder() / "missing.lib").c_str(), false); }).type,
+  EXPECT_EQ(thrown_by([&] { manager.open((folder / "missing.lib").c_str(), false); }).type,
             "odb::sqlite::database_exception");
   EXPECT_TRUE(is_told(reactor_, library));
 }

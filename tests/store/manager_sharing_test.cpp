@@ -19,7 +19,7 @@ class ManagerSharing : public LibraryFixture {
     return manager_.open(name(), read_only);
   }
 
-  String name() const { return path().c_str(); }
+  String name() const { return path.c_str(); }
 
   LibraryManager& manager() { return manager_; }
 
@@ -57,20 +57,20 @@ TEST_F(ManagerSharing, gives_one_handle_to_all_who_open) {
 
 TEST_F(ManagerSharing, creating_an_open_library_ignores_the_arguments_and_writes_nothing) {
   const auto library = created(Unit::Inches, "abc");
-  const FileState before(path());
+  const FileState before(path);
   EXPECT_EQ(created(Unit::Millimetres, "other"), library);
   EXPECT_EQ(library->unit(), Unit::Inches);
   EXPECT_EQ(library->guid().utf8(), "25289ef0-812b-50f0-9943-5518cb168039");
-  EXPECT_TRUE(before == FileState(path()));
+  EXPECT_TRUE(before == FileState(path));
 }
 
 // Even where creating afresh would be needed, the open handle is given.
 TEST_F(ManagerSharing, an_open_library_is_not_looked_for_in_the_folder) {
   const auto library = created();
-  ASSERT_EQ(::unlink(path().c_str()), 0);
+  ASSERT_EQ(::unlink(path.c_str()), 0);
   EXPECT_EQ(created(), library);
   EXPECT_EQ(opened(), library);
-  EXPECT_FALSE(file_exists(path()));
+  EXPECT_FALSE(file_exists(path));
 }
 
 TEST_F(ManagerSharing, a_library_that_writes_stays_so_for_who_wants_to_read_only) {
@@ -104,7 +104,7 @@ TEST_F(ManagerSharing, a_released_library_is_opened_anew) {
 
 TEST_F(ManagerSharing, a_released_library_is_created_anew) {
   created(Unit::Inches, "abc");
-  ASSERT_EQ(::unlink(path().c_str()), 0);
+  ASSERT_EQ(::unlink(path.c_str()), 0);
   const auto library = created(Unit::Millimetres, "ABC");
   EXPECT_EQ(library->unit(), Unit::Millimetres);
   EXPECT_EQ(library->guid().utf8(), "ab8b63b1-08b4-5b15-86d1-e18bb6918a43");
@@ -121,7 +121,7 @@ TEST_F(ManagerSharing, other_handles_on_the_file_do_not_count) {
 
 TEST_F(ManagerSharing, another_spelling_is_another_handle_on_the_file) {
   const auto library = created();
-  const std::string spelling = folder() / "./walls.lib";
+  const std::string spelling = folder / "./walls.lib";
   const auto other = manager().open(spelling.c_str(), false);
   EXPECT_NE(other, library);
   EXPECT_EQ(other->guid(), library->guid());
@@ -132,23 +132,23 @@ TEST_F(ManagerSharing, another_spelling_is_another_handle_on_the_file) {
 
 TEST_F(ManagerSharing, a_name_with_a_vfs_is_another_spelling) {
   const auto library = created();
-  const auto other = manager().open(("unix://" + path()).c_str(), false);
+  const auto other = manager().open(("unix://" + path).c_str(), false);
   EXPECT_NE(other, library);
   EXPECT_EQ(other->guid(), library->guid());
 }
 
 TEST_F(ManagerSharing, the_case_of_a_name_counts) {
   const auto library = created();
-  const std::string spelling = folder() / "WALLS.lib";
+  const std::string spelling = folder / "WALLS.lib";
   EXPECT_EQ(thrown_by([&] { manager().open(spelling.c_str(), false); }).type,
             "odb::sqlite::database_exception");
-  ASSERT_EQ(::symlink(path().c_str(), spelling.c_str()), 0);
+  ASSERT_EQ(::symlink(path.c_str(), spelling.c_str()), 0);
   EXPECT_NE(manager().open(spelling.c_str(), false), library);
 }
 
 TEST_F(ManagerSharing, different_files_are_different_libraries) {
   const auto walls = created();
-  const auto floors = manager().create((folder() / "floors.lib").c_str(), Unit::Inches, String());
+  const auto floors = manager().create((folder / "floors.lib").c_str(), Unit::Inches, String());
   EXPECT_NE(walls, floors);
   EXPECT_NE(walls->guid(), floors->guid());
 }
@@ -158,7 +158,7 @@ TEST_F(ManagerSharing, different_files_are_different_libraries) {
 TEST_F(ManagerSharing, errors_of_opening_pass) {
   EXPECT_EQ(thrown_by([&] { opened(); }).type, "odb::sqlite::database_exception");
   EXPECT_EQ(thrown_by([&] {
-              manager().create((folder() / "no/walls.lib").c_str(), Unit::Inches, String());
+              manager().create((folder / "no/walls.lib").c_str(), Unit::Inches, String());
             }).type,
             "odb::sqlite::database_exception");
 }
@@ -171,7 +171,7 @@ TEST_F(ManagerSharing, a_name_that_failed_can_be_used_afterwards) {
 
 TEST_F(ManagerSharing, an_error_of_one_name_leaves_the_others) {
   const auto library = created();
-  const std::string missing = folder() / "missing.lib";
+  const std::string missing = folder / "missing.lib";
   EXPECT_EQ(thrown_by([&] { manager().open(missing.c_str(), false); }).type,
             "odb::sqlite::database_exception");
   EXPECT_EQ(opened(), library);
@@ -179,9 +179,9 @@ TEST_F(ManagerSharing, an_error_of_one_name_leaves_the_others) {
 
 TEST_F(ManagerSharing, an_error_leaves_a_released_name_as_it_was) {
   created();
-  PlainDatabase(path()).execute("UPDATE schema_version SET version = 1");
+  PlainDatabase(path).execute("UPDATE schema_version SET version = 1");
   EXPECT_EQ(thrown_by([&] { opened(); }).type, "odb::unknown_schema_version");
-  PlainDatabase(path()).execute("UPDATE schema_version SET version = 150302");
+  PlainDatabase(path).execute("UPDATE schema_version SET version = 150302");
   const auto library = opened();
   EXPECT_EQ(created(), library);
 }

@@ -5,21 +5,18 @@ namespace veldra_tests {
 namespace {
 
 /// Files of older versions have their newest columns last; objects go in and out all the same.
-class RowsMigrated : public testing::TestWithParam<int> {
+class RowsMigrated : public LibraryFixture, public WithParamInterface<int> {
  protected:
   RowsMigrated() { make_old_file(path, GetParam()); }
-
-  TemporaryFolder folder;
-  const std::string path = folder / "old.lib";
 };
 
 TEST_P(RowsMigrated, full_objects_are_written_and_read) {
   const auto wall = full_composition("Wall");
   {
-    const auto library = Library::open(path.c_str(), false);
+    const auto library = open();
     library->save(wall);
   }
-  const auto library = Library::open(path.c_str(), true);
+  const auto library = open_read_only();
   const auto again = library->get<Composition>(wall->id());
   ASSERT_TRUE(again);
   EXPECT_EQ(values_of(again), values_of(full_composition("Wall")));
@@ -27,7 +24,7 @@ TEST_P(RowsMigrated, full_objects_are_written_and_read) {
 }
 
 TEST_P(RowsMigrated, full_objects_are_updated) {
-  const auto library = Library::open(path.c_str(), false);
+  const auto library = open();
   const auto oak = library->save(Material::create("Oak"));
   *oak = *full_material("Oak");
   library->save(oak);
@@ -38,9 +35,9 @@ TEST_P(RowsMigrated, full_objects_are_updated) {
 }
 
 TEST_P(RowsMigrated, a_layer_that_is_not_in_the_file_makes_no_object) {
-  Library::open(path.c_str(), false)->save(full_material("Oak"));
+  open()->save(full_material("Oak"));
   PlainDatabase(path).execute("UPDATE Material SET cut_layer=99");
-  EXPECT_FALSE(Library::open(path.c_str(), false)->get<Material>("Oak"));
+  EXPECT_FALSE(open()->get<Material>("Oak"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, RowsMigrated, testing::Values(150201, 150301));
