@@ -204,34 +204,10 @@ const std::vector<Field<ThermalAsset>> thermal_fields = {
 };
 
 class StructuralAssetFieldTest : public FieldTest<StructuralAsset> {};
+VELDRA_FIELD_TESTS(StructuralAssetFieldTest, StructuralAsset, structural_fields);
+
 class ThermalAssetFieldTest : public FieldTest<ThermalAsset> {};
-
-TEST_P(StructuralAssetFieldTest, keeping_its_value_leaves_it_clean) {
-  expect_keeping_its_value_to_leave_it_clean();
-}
-TEST_P(StructuralAssetFieldTest, changing_it_makes_it_dirty) { expect_changing_to_make_it_dirty(); }
-TEST_P(StructuralAssetFieldTest, changing_it_leaves_the_other_fields) {
-  expect_changing_to_leave_the_other_fields(structural_fields);
-}
-TEST_P(StructuralAssetFieldTest, a_change_counts_in_comparisons_as_it_should) {
-  expect_a_change_to_count_in_comparisons();
-}
-
-TEST_P(ThermalAssetFieldTest, keeping_its_value_leaves_it_clean) {
-  expect_keeping_its_value_to_leave_it_clean();
-}
-TEST_P(ThermalAssetFieldTest, changing_it_makes_it_dirty) { expect_changing_to_make_it_dirty(); }
-TEST_P(ThermalAssetFieldTest, changing_it_leaves_the_other_fields) {
-  expect_changing_to_leave_the_other_fields(thermal_fields);
-}
-TEST_P(ThermalAssetFieldTest, a_change_counts_in_comparisons_as_it_should) {
-  expect_a_change_to_count_in_comparisons();
-}
-
-INSTANTIATE_TEST_SUITE_P(, StructuralAssetFieldTest, testing::ValuesIn(structural_fields),
-                         name_of<StructuralAsset>);
-INSTANTIATE_TEST_SUITE_P(, ThermalAssetFieldTest, testing::ValuesIn(thermal_fields),
-                         name_of<ThermalAsset>);
+VELDRA_FIELD_TESTS(ThermalAssetFieldTest, ThermalAsset, thermal_fields);
 
 TEST(AssetTest, tags_do_not_count_in_comparisons) {
   const StoredObjects stored;

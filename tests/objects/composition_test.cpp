@@ -1,7 +1,7 @@
-// The values of a composition. What its operations do to the layer indices is in
+// The values of a composition. What all fields have in common is in composition_fields_test.cpp,
+// what its operations do to the layer indices in composition_core_test.cpp,
 // composition_layers_test.cpp and composition_model_test.cpp.
 
-#include "objects/field_test.hpp"
 #include "objects/stored_objects.hpp"
 #include "support/names.hpp"
 #include "support/thrown.hpp"
@@ -156,98 +156,6 @@ TEST(CompositionTest, reading_leaves_it_clean) {
   EXPECT_EQ(composition->library(), stored.library());
 }
 
-// Every field.
-
-const std::shared_ptr<const veldra::Layer> other_layer = veldra::Layer::create("Other");
-const std::shared_ptr<Tag> other_tag = Tag::create("Other");
-
-Field<Composition> tags_field() {
-  return {"tags", [](Composition&) {},
-          [](Composition& composition) { composition.addTag(other_tag); },
-          [](const Composition& composition) { return composition.tags().back() == other_tag; },
-          Compared::Yes};
-}
-
-Field<Composition> layers_field() {
-  return {
-      "layers", [](Composition&) {},
-      [](Composition& composition) { composition.layer(4, toModify).thickness(7.0); },
-      [](const Composition& composition) { return composition.layers().back().thickness() == 7.0; },
-      Compared::Yes};
-}
-
-Field<Composition> presence_of_variable_layer_field() {
-  return {"presence_of_variable_layer", [](Composition&) {},
-          [](Composition& composition) { composition.clear_variable_layer(); },
-          [](const Composition& composition) { return !composition.has_variable_layer(); },
-          Compared::Yes};
-}
-
-Field<Composition> presence_of_max_thickness_field() {
-  return {"presence_of_variable_layer_max_thickness", [](Composition&) {},
-          [](Composition& composition) { composition.clear_variable_layer_max_thickness(); },
-          [](const Composition& composition) {
-            return !composition.has_variable_layer_max_thickness();
-          },
-          Compared::Yes};
-}
-
-Field<Composition> custom_values_field() {
-  return {"custom_values", [](Composition&) {},
-          [](Composition& composition) { composition.custom_value("Stored", "Other"); },
-          [](const Composition& composition) {
-            return composition.custom_values().begin()->second == String("Other");
-          },
-          Compared::Yes};
-}
-
-// The stored core is from 1 to 3 with the structural layer 2 of 5 layers, so that each index can
-// change alone.
-const std::vector<Field<Composition>> fields = {
-    VELDRA_FIELD(Composition, name, String("Other")),
-    VELDRA_FIELD(Composition, description, String("described")),
-    tags_field(),
-    VELDRA_FIELD(Composition, type, Type::Roof),
-    VELDRA_FIELD(Composition, entity_layer, other_layer),
-    VELDRA_FIELD(Composition, comments, String()),
-    layers_field(),
-    VELDRA_FIELD(Composition, first_core_layer, 2u),
-    VELDRA_FIELD(Composition, last_core_layer, 2u),
-    VELDRA_FIELD(Composition, structural_layer, 3u),
-    VELDRA_FIELD_THAT_IS(No, Composition, variable_layer, 4294967295u),
-    presence_of_variable_layer_field(),
-    VELDRA_FIELD(Composition, variable_layer_min_thickness, 40.25),
-    VELDRA_FIELD_THAT_IS(No, Composition, variable_layer_max_thickness, -1.0),
-    presence_of_max_thickness_field(),
-    custom_values_field(),
-};
-
-class CompositionFieldTest : public FieldTest<Composition> {};
-
-TEST_P(CompositionFieldTest, keeping_its_value_leaves_it_clean) {
-  expect_keeping_its_value_to_leave_it_clean();
-}
-
-TEST_P(CompositionFieldTest, changing_it_makes_it_dirty) { expect_changing_to_make_it_dirty(); }
-
-TEST_P(CompositionFieldTest, changing_it_leaves_the_other_fields) {
-  expect_changing_to_leave_the_other_fields(fields);
-}
-
-TEST_P(CompositionFieldTest, a_change_counts_in_comparisons_as_it_should) {
-  expect_a_change_to_count_in_comparisons();
-}
-
-TEST_P(CompositionFieldTest, a_clone_has_it) { expect_a_clone_to_have_it(); }
-
-TEST_P(CompositionFieldTest, a_change_of_a_clone_leaves_the_original) {
-  expect_a_change_of_a_clone_to_leave_the_original();
-}
-
-TEST_P(CompositionFieldTest, an_assignment_carries_it) { expect_an_assignment_to_carry_it(); }
-
-INSTANTIATE_TEST_SUITE_P(, CompositionFieldTest, testing::ValuesIn(fields), name_of<Composition>);
-
 // The type.
 
 TEST(CompositionTypeTest, stores_the_one_type_that_a_number_stands_for) {
@@ -305,7 +213,7 @@ TEST(CompositionEntityLayerTest, another_layer_of_the_same_name_makes_it_dirty_a
 TEST(CompositionEntityLayerTest, none_counts_in_comparisons) {
   const auto with = Composition::create("Wall");
   const auto without = Composition::create("Wall");
-  with->entity_layer(other_layer);
+  with->entity_layer(Layer::create("Other"));
   EXPECT_FALSE(*with == *without);
   EXPECT_FALSE(*without == *with);
 }
@@ -314,7 +222,7 @@ TEST(CompositionEntityLayerTest, dropping_none_leaves_it_clean) {
   const auto composition = Composition::create();
   composition->entity_layer(nullptr);
   EXPECT_FALSE(composition->isDirty());
-  composition->entity_layer(other_layer);
+  composition->entity_layer(Layer::create("Other"));
   EXPECT_TRUE(composition->isDirty());
   composition->entity_layer(nullptr);
   EXPECT_EQ(composition->entity_layer(), nullptr);

@@ -120,6 +120,28 @@ class FieldTest : public testing::TestWithParam<Field<T>> {
   const std::shared_ptr<T> same_row = stored.get<T>();
 };
 
+/// What is asked of each of the fields. `Suite` is a `FieldTest` of the kind `T`.
+#define VELDRA_FIELD_TESTS(Suite, T, fields)                                        \
+  TEST_P(Suite, keeping_its_value_leaves_it_clean) {                                \
+    expect_keeping_its_value_to_leave_it_clean();                                   \
+  }                                                                                 \
+  TEST_P(Suite, changing_it_makes_it_dirty) { expect_changing_to_make_it_dirty(); } \
+  TEST_P(Suite, changing_it_leaves_the_other_fields) {                              \
+    expect_changing_to_leave_the_other_fields(fields);                              \
+  }                                                                                 \
+  TEST_P(Suite, a_change_counts_in_comparisons_as_it_should) {                      \
+    expect_a_change_to_count_in_comparisons();                                      \
+  }                                                                                 \
+  INSTANTIATE_TEST_SUITE_P(, Suite, testing::ValuesIn(fields), veldra_tests::name_of<T>)
+
+/// What is asked in addition where objects can be cloned and assigned.
+#define VELDRA_COPIED_FIELD_TESTS(Suite)                         \
+  TEST_P(Suite, a_clone_has_it) { expect_a_clone_to_have_it(); } \
+  TEST_P(Suite, a_change_of_a_clone_leaves_the_original) {       \
+    expect_a_change_of_a_clone_to_leave_the_original();          \
+  }                                                              \
+  TEST_P(Suite, an_assignment_carries_it) { expect_an_assignment_to_carry_it(); }
+
 }  // namespace veldra_tests
 
 #endif

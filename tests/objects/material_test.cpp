@@ -179,29 +179,8 @@ const std::vector<Field<Material>> fields = {
 
 class MaterialFieldTest : public FieldTest<Material> {};
 
-TEST_P(MaterialFieldTest, keeping_its_value_leaves_it_clean) {
-  expect_keeping_its_value_to_leave_it_clean();
-}
-
-TEST_P(MaterialFieldTest, changing_it_makes_it_dirty) { expect_changing_to_make_it_dirty(); }
-
-TEST_P(MaterialFieldTest, changing_it_leaves_the_other_fields) {
-  expect_changing_to_leave_the_other_fields(fields);
-}
-
-TEST_P(MaterialFieldTest, a_change_counts_in_comparisons_as_it_should) {
-  expect_a_change_to_count_in_comparisons();
-}
-
-TEST_P(MaterialFieldTest, a_clone_has_it) { expect_a_clone_to_have_it(); }
-
-TEST_P(MaterialFieldTest, a_change_of_a_clone_leaves_the_original) {
-  expect_a_change_of_a_clone_to_leave_the_original();
-}
-
-TEST_P(MaterialFieldTest, an_assignment_carries_it) { expect_an_assignment_to_carry_it(); }
-
-INSTANTIATE_TEST_SUITE_P(, MaterialFieldTest, testing::ValuesIn(fields), name_of<Material>);
+VELDRA_FIELD_TESTS(MaterialFieldTest, Material, fields);
+VELDRA_COPIED_FIELD_TESTS(MaterialFieldTest)
 
 TEST(MaterialCodeTest, an_empty_code_is_a_code) {
   const auto material = Material::create();

@@ -45,8 +45,8 @@ void make_library(const std::string& path) {
 
 void make_source(const std::string& path) {
   auto library = Library::create(path.c_str(), Unit::Inches, guid);
-  library->save(composition_without_codes("Roof"));
-  auto wall = composition_without_codes("Wall");
+  library->save(full_without_codes<Composition>("Roof"));
+  auto wall = full_without_codes<Composition>("Wall");
   wall->comments("of the source");
   library->save(wall);
   library.reset();
@@ -123,14 +123,6 @@ std::string text_of(const Library& library) {
 }
 
 }  // namespace
-
-std::shared_ptr<Composition> composition_without_codes(const std::string& name) {
-  const auto composition = full_composition(name);
-  for (const auto& layer : composition->layers()) {
-    std::const_pointer_cast<Material>(layer.material())->clear_code();
-  }
-  return composition;
-}
 
 std::string PlainReactor::told_of_objects() const {
   std::string text = std::to_string(number_of_calls_) + " objects saved or removed\n";

@@ -161,9 +161,6 @@ class Scene {
   std::string source_path_;
 };
 
-/// A full composition whose materials have no codes, so that nothing but names can clash.
-std::shared_ptr<veldra::Composition> composition_without_codes(const std::string& name);
-
 /// Something that a host does with libraries.
 struct Operation {
   enum class Kind {

@@ -71,22 +71,6 @@ veldra::ObjectKey key_of(const std::shared_ptr<T>& object) {
   return {veldra::ObjectTraits<T>::type, object->id()};
 }
 
-/// A new object in which as much as possible differs from the defaults.
-template <class T>
-std::shared_ptr<T> full(const std::string& name) {
-  return named<T>(name);
-}
-
-template <>
-inline std::shared_ptr<veldra::Material> full(const std::string& name) {
-  return full_material(name);
-}
-
-template <>
-inline std::shared_ptr<veldra::Composition> full(const std::string& name) {
-  return full_composition(name);
-}
-
 /// `library` is the destination. Both libraries are in millimetres, and their ids differ.
 class CopyingTest : public LibraryTest {
  protected:

@@ -11,10 +11,6 @@ class NewAsset : public StructuralAsset {
   NewAsset() : StructuralAsset() {}
 };
 
-std::shared_ptr<Material> material_of(const std::shared_ptr<Composition>& wall, unsigned index) {
-  return std::const_pointer_cast<Material>(wall->layer(index).material());
-}
-
 /// A transaction in which an operation throws: what was done before stays, and it goes on.
 class TransactionFailures : public CopyingTest {
  protected:

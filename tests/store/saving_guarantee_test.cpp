@@ -14,11 +14,6 @@ String broken_text() {
   return String(units);
 }
 
-/// The material of a layer, to change it.
-std::shared_ptr<Material> material_of(const std::shared_ptr<Composition>& wall, unsigned index) {
-  return std::const_pointer_cast<Material>(wall->layer(index).material());
-}
-
 /// After a save that fails, the file and all objects are as they were, and the same save succeeds
 /// when its cause is mended.
 class SavingGuarantee : public LibraryTest {

@@ -107,4 +107,25 @@ std::shared_ptr<Composition> full_composition(const std::string& name) {
   return composition;
 }
 
+template <>
+std::shared_ptr<Material> full_without_codes(const std::string& name) {
+  const auto material = full_material(name);
+  material->clear_code();
+  return material;
+}
+
+template <>
+std::shared_ptr<Composition> full_without_codes(const std::string& name) {
+  const auto composition = full_composition(name);
+  for (unsigned layer = 0; layer != composition->layers().size(); ++layer) {
+    material_of(composition, layer)->clear_code();
+  }
+  return composition;
+}
+
+std::shared_ptr<Material> material_of(const std::shared_ptr<Composition>& composition,
+                                      unsigned layer) {
+  return std::const_pointer_cast<Material>(composition->layer(layer).material());
+}
+
 }  // namespace veldra_tests

@@ -37,6 +37,39 @@ std::shared_ptr<veldra::Material> full_material(const std::string& name);
 /// "Wall core" again (the same object) and "Wall inside".
 std::shared_ptr<veldra::Composition> full_composition(const std::string& name);
 
+/// A new object in which as much as possible differs from the defaults.
+template <class T>
+std::shared_ptr<T> full(const std::string& name) {
+  return named<T>(name);
+}
+
+template <>
+inline std::shared_ptr<veldra::Material> full(const std::string& name) {
+  return full_material(name);
+}
+
+template <>
+inline std::shared_ptr<veldra::Composition> full(const std::string& name) {
+  return full_composition(name);
+}
+
+/// The same without the codes of materials, since a code can be taken where a name is not asked
+/// about.
+template <class T>
+std::shared_ptr<T> full_without_codes(const std::string& name) {
+  return full<T>(name);
+}
+
+template <>
+std::shared_ptr<veldra::Material> full_without_codes(const std::string& name);
+
+template <>
+std::shared_ptr<veldra::Composition> full_without_codes(const std::string& name);
+
+/// The material of a layer, to change it.
+std::shared_ptr<veldra::Material> material_of(
+    const std::shared_ptr<veldra::Composition>& composition, unsigned layer);
+
 }  // namespace veldra_tests
 
 #endif
