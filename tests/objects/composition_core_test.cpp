@@ -8,34 +8,26 @@ namespace {
 
 // The first core layer.
 
-TEST(FirstCoreLayerTest, within_the_core_narrows_it) {
+void expect_with_first_core_layer(unsigned index, const Core& core) {
   const auto composition = five_layers();
-  composition->first_core_layer(2);
-  EXPECT_LAYERS(composition, "ABCDE", 2, 3, 2);
+  composition->first_core_layer(index);
+  EXPECT_LAYERS(composition, "ABCDE", core.first, core.last, core.structural);
 }
 
-TEST(FirstCoreLayerTest, before_the_core_widens_it) {
-  const auto composition = five_layers();
-  composition->first_core_layer(0);
-  EXPECT_LAYERS(composition, "ABCDE", 0, 3, 2);
-}
+TEST(FirstCoreLayerTest, within_the_core_narrows_it) { expect_with_first_core_layer(2, {2, 3, 2}); }
+
+TEST(FirstCoreLayerTest, before_the_core_widens_it) { expect_with_first_core_layer(0, {0, 3, 2}); }
 
 TEST(FirstCoreLayerTest, behind_the_structural_layer_moves_it) {
-  const auto composition = five_layers();
-  composition->first_core_layer(3);
-  EXPECT_LAYERS(composition, "ABCDE", 3, 3, 3);
+  expect_with_first_core_layer(3, {3, 3, 3});
 }
 
 TEST(FirstCoreLayerTest, behind_the_core_raises_the_last_core_layer) {
-  const auto composition = five_layers();
-  composition->first_core_layer(4);
-  EXPECT_LAYERS(composition, "ABCDE", 4, 4, 4);
+  expect_with_first_core_layer(4, {4, 4, 4});
 }
 
 TEST(FirstCoreLayerTest, beyond_the_layers_becomes_the_last_layer) {
-  const auto composition = five_layers();
-  composition->first_core_layer(9);
-  EXPECT_LAYERS(composition, "ABCDE", 4, 4, 4);
+  expect_with_first_core_layer(9, {4, 4, 4});
 }
 
 TEST(FirstCoreLayerTest, the_same_leaves_it_clean) {
@@ -56,22 +48,20 @@ TEST(FirstCoreLayerTest, without_layers_keeps_what_was_stored_before_the_search_
 
 // The last core layer.
 
-TEST(LastCoreLayerTest, within_the_core_narrows_it) {
+void expect_with_last_core_layer(unsigned index, const Core& core) {
   const auto composition = five_layers();
-  composition->last_core_layer(2);
-  EXPECT_LAYERS(composition, "ABCDE", 1, 2, 2);
+  composition->last_core_layer(index);
+  EXPECT_LAYERS(composition, "ABCDE", core.first, core.last, core.structural);
 }
 
+TEST(LastCoreLayerTest, within_the_core_narrows_it) { expect_with_last_core_layer(2, {1, 2, 2}); }
+
 TEST(LastCoreLayerTest, before_the_structural_layer_moves_it) {
-  const auto composition = five_layers();
-  composition->last_core_layer(1);
-  EXPECT_LAYERS(composition, "ABCDE", 1, 1, 1);
+  expect_with_last_core_layer(1, {1, 1, 1});
 }
 
 TEST(LastCoreLayerTest, before_the_core_lowers_the_first_core_layer) {
-  const auto composition = five_layers();
-  composition->last_core_layer(0);
-  EXPECT_LAYERS(composition, "ABCDE", 0, 0, 0);
+  expect_with_last_core_layer(0, {0, 0, 0});
 }
 
 TEST(LastCoreLayerTest, beyond_the_layers_becomes_the_last_layer) {

@@ -31,34 +31,29 @@ TEST(AppendLayerTest, takes_one_of_its_own_layers) {
 
 // Inserting.
 
+void expect_inserted(const Lettered& before, std::uint64_t index, const Lettered& after) {
+  const auto composition = build_up(before.letters, before.core);
+  composition->insertLayer(index, layer_of('X'));
+  EXPECT_LAYERS(composition, after.letters, after.core.first, after.core.last,
+                after.core.structural);
+}
+
 TEST(InsertLayerTest, before_a_core_of_one_layer_makes_it_two_layers_deep) {
-  const auto composition = build_up("ABC", {1, 1, 1});
-  composition->insertLayer(0, layer_of('X'));
-  EXPECT_LAYERS(composition, "XABC", 2, 3, 3);
+  expect_inserted({"ABC", {1, 1, 1}}, 0, {"XABC", {2, 3, 3}});
 }
 
 TEST(InsertLayerTest, at_a_core_of_one_layer_makes_it_two_layers_deep) {
-  const auto composition = build_up("ABC", {1, 1, 1});
-  composition->insertLayer(1, layer_of('X'));
-  EXPECT_LAYERS(composition, "AXBC", 2, 3, 3);
+  expect_inserted({"ABC", {1, 1, 1}}, 1, {"AXBC", {2, 3, 3}});
 }
 
 TEST(InsertLayerTest, before_a_core_of_one_layer_at_the_end_is_limited_to_the_layers) {
-  const auto composition = build_up("ABC", {2, 2, 2});
-  composition->insertLayer(0, layer_of('X'));
-  EXPECT_LAYERS(composition, "XABC", 3, 3, 3);
+  expect_inserted({"ABC", {2, 2, 2}}, 0, {"XABC", {3, 3, 3}});
 }
 
-TEST(InsertLayerTest, before_the_core_moves_it) {
-  const auto composition = five_layers();
-  composition->insertLayer(0, layer_of('X'));
-  EXPECT_LAYERS(composition, "XABCDE", 2, 4, 3);
-}
+TEST(InsertLayerTest, before_the_core_moves_it) { expect_inserted(five, 0, {"XABCDE", {2, 4, 3}}); }
 
 TEST(InsertLayerTest, at_the_first_core_layer_moves_the_core) {
-  const auto composition = five_layers();
-  composition->insertLayer(1, layer_of('X'));
-  EXPECT_LAYERS(composition, "AXBCDE", 2, 4, 3);
+  expect_inserted(five, 1, {"AXBCDE", {2, 4, 3}});
 }
 
 TEST(InsertLayerTest, within_the_core_widens_it) {
@@ -135,46 +130,39 @@ TEST(InsertLayerTest, takes_one_of_its_own_layers) {
 
 // Removing.
 
+void expect_removed(const Lettered& before, std::uint64_t index, const Lettered& after) {
+  const auto composition = build_up(before.letters, before.core);
+  composition->removeLayer(index);
+  EXPECT_LAYERS(composition, after.letters, after.core.first, after.core.last,
+                after.core.structural);
+}
+
 TEST(RemoveLayerTest, the_first_of_a_core_of_one_layer_widens_the_core_to_the_end) {
-  const auto composition = build_up("ABC", {0, 0, 0});
-  composition->removeLayer(0);
-  EXPECT_LAYERS(composition, "BC", 0, 1, 1);
+  expect_removed({"ABC", {0, 0, 0}}, 0, {"BC", {0, 1, 1}});
 }
 
 TEST(RemoveLayerTest, the_only_layer_leaves_indices_below_zero) {
-  const auto composition = build_up("A", {0, 0, 0});
-  composition->removeLayer(0);
-  EXPECT_LAYERS(composition, "", 0, one_below_zero, one_below_zero);
+  expect_removed({"A", {0, 0, 0}}, 0, {"", {0, one_below_zero, one_below_zero}});
 }
 
 TEST(RemoveLayerTest, before_the_core_moves_it) {
-  const auto composition = build_up("ABCDE", {2, 3, 2});
-  composition->removeLayer(0);
-  EXPECT_LAYERS(composition, "BCDE", 1, 2, 1);
+  expect_removed({"ABCDE", {2, 3, 2}}, 0, {"BCDE", {1, 2, 1}});
 }
 
 TEST(RemoveLayerTest, before_a_core_with_its_last_layer_structural_moves_that_twice) {
-  const auto composition = build_up("ABCD", {2, 3, 3});
-  composition->removeLayer(0);
-  EXPECT_LAYERS(composition, "BCD", 1, 2, 1);
+  expect_removed({"ABCD", {2, 3, 3}}, 0, {"BCD", {1, 2, 1}});
 }
 
 TEST(RemoveLayerTest, the_first_core_layer_leaves_the_first_index) {
-  const auto composition = build_up("ABCD", {1, 2, 2});
-  composition->removeLayer(1);
-  EXPECT_LAYERS(composition, "ACD", 1, 1, 1);
+  expect_removed({"ABCD", {1, 2, 2}}, 1, {"ACD", {1, 1, 1}});
 }
 
 TEST(RemoveLayerTest, the_last_core_layer_lowers_the_last_index) {
-  const auto composition = five_layers();
-  composition->removeLayer(3);
-  EXPECT_LAYERS(composition, "ABCE", 1, 2, 2);
+  expect_removed(five, 3, {"ABCE", {1, 2, 2}});
 }
 
 TEST(RemoveLayerTest, behind_the_core_moves_no_index) {
-  const auto composition = five_layers();
-  composition->removeLayer(4);
-  EXPECT_LAYERS(composition, "ABCD", 1, 3, 2);
+  expect_removed(five, 4, {"ABCD", {1, 3, 2}});
 }
 
 TEST(RemoveLayerTest, the_variable_layer_clears_it) {

@@ -47,6 +47,14 @@ struct Core {
   unsigned structural;
 };
 
+/// A build-up in letters.
+struct Lettered {
+  const char* letters;
+  Core core;
+};
+
+const Lettered five = {"ABCDE", {1, 3, 2}};
+
 inline std::shared_ptr<Composition> build_up(const std::string& letters, const Core& core) {
   const auto composition = Composition::create();
   for (const char letter : letters) composition->appendLayer(layer_of(letter));
@@ -58,7 +66,7 @@ inline std::shared_ptr<Composition> build_up(const std::string& letters, const C
 }
 
 /// Five layers with the core B, C, D, of which C is the structural layer.
-inline std::shared_ptr<Composition> five_layers() { return build_up("ABCDE", {1, 3, 2}); }
+inline std::shared_ptr<Composition> five_layers() { return build_up(five.letters, five.core); }
 
 #define EXPECT_LAYERS(composition, letters, first, last, structural)                 \
   EXPECT_EQ(letters_of(*(composition)), letters);                                    \

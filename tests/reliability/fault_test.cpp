@@ -6,26 +6,27 @@ namespace veldra_tests {
 
 namespace {
 
+using Repetition = FaultVfs::Repetition;
+using Trouble = FaultVfs::Trouble;
+
 const unsigned sample = 3;
 
 TEST(FileFaults, an_error_of_one_call_leaves_the_old_state_or_the_new_one) {
-  FilesThatFail faults(FaultVfs::Trouble::Error, FaultVfs::Repetition::Once);
-  sweep(operations(), faults, sample, "errors of one call");
+  sweep_files(operations(), Trouble::Error, Repetition::Once, sample, "errors of one call");
 }
 
 TEST(FileFaults, errors_of_all_calls_leave_the_old_state_or_the_new_one) {
-  FilesThatFail faults(FaultVfs::Trouble::Error, FaultVfs::Repetition::Persistent);
-  sweep(operations(), faults, sample, "errors of all calls from one on");
+  sweep_files(operations(), Trouble::Error, Repetition::Persistent, sample,
+              "errors of all calls from one on");
 }
 
 TEST(FileFaults, a_full_disk_leaves_the_old_state) {
-  FilesThatFail faults(FaultVfs::Trouble::DiskFull, FaultVfs::Repetition::Persistent);
-  sweep(writing_operations(), faults, sample, "full disks");
+  sweep_files(writing_operations(), Trouble::DiskFull, Repetition::Persistent, sample,
+              "full disks");
 }
 
 TEST(FileFaults, a_short_write_leaves_the_old_state_or_the_new_one) {
-  FilesThatFail faults(FaultVfs::Trouble::ShortWrite, FaultVfs::Repetition::Once);
-  sweep(writing_operations(), faults, sample, "short writes");
+  sweep_files(writing_operations(), Trouble::ShortWrite, Repetition::Once, sample, "short writes");
 }
 
 }  // namespace

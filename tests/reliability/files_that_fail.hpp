@@ -4,6 +4,9 @@
 #include "reliability/fault_vfs.hpp"
 #include "reliability/sweep.hpp"
 
+#include <string>
+#include <vector>
+
 namespace veldra_tests {
 
 /// The faults of the failing file system.
@@ -23,6 +26,13 @@ class FilesThatFail : public Faults {
   FaultVfs::Trouble trouble_;
   FaultVfs::Repetition repetition_;
 };
+
+/// Sweeps over the operations with files that fail so.
+inline void sweep_files(const std::vector<Operation>& operations, FaultVfs::Trouble trouble,
+                        FaultVfs::Repetition repetition, unsigned sample, const std::string& what) {
+  FilesThatFail faults(trouble, repetition);
+  sweep(operations, faults, sample, what);
+}
 
 }  // namespace veldra_tests
 

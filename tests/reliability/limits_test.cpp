@@ -143,7 +143,7 @@ class IdLimits : public LibraryTest {
   std::set<unsigned> ids_with_one_object(unsigned number) {
     library->purge();
     PlainDatabase database(path);
-    database.execute("DELETE FROM sqlite_sequence WHERE name='" + table_of<T>() + "'");
+    database.execute("DELETE FROM sqlite_sequence WHERE name='" + kind_of<T>() + "'");
     put_type_of_materials(database);
     put_named<T>(database, std::to_string(number), "'last'");
     std::set<unsigned> ids;

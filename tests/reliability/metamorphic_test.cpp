@@ -2,7 +2,9 @@
 // number in VELDRA_SEED.
 
 #include "reliability/soak.hpp"
-#include "store/copying_fixture.hpp"
+#include "support/builders.hpp"
+#include "support/contents.hpp"
+#include "support/library_fixture.hpp"
 
 #include <cmath>
 #include <random>

@@ -3,8 +3,9 @@
 
 #include "reliability/files_that_fail.hpp"
 #include "reliability/soak.hpp"
-#include "store/copying_fixture.hpp"
 #include "support/catalogues.hpp"
+#include "support/contents.hpp"
+#include "support/library_fixture.hpp"
 
 namespace veldra_tests {
 
@@ -94,10 +95,10 @@ TEST_P(LargeMigration, is_done_in_full_or_not_at_all) {
         scene.text = scene.name();
       },
       [](Scene& scene) { scene.library = Library::open(scene.text, false); }};
-  FilesThatFail errors(FaultVfs::Trouble::Error, FaultVfs::Repetition::Persistent);
-  sweep({migrate}, errors, sample, "errors while many rows are migrated");
-  FilesThatFail full_disk(FaultVfs::Trouble::DiskFull, FaultVfs::Repetition::Persistent);
-  sweep({migrate}, full_disk, sample, "full disks while many rows are migrated");
+  sweep_files({migrate}, FaultVfs::Trouble::Error, FaultVfs::Repetition::Persistent, sample,
+              "errors while many rows are migrated");
+  sweep_files({migrate}, FaultVfs::Trouble::DiskFull, FaultVfs::Repetition::Persistent, sample,
+              "full disks while many rows are migrated");
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, LargeMigration, testing::Values(150201, 150301));

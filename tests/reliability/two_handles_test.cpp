@@ -4,9 +4,10 @@
 #include "reliability/scene.hpp"
 #include "reliability/soak.hpp"
 #include "reliability/sweep.hpp"
-#include "store/copying_fixture.hpp"
 #include "support/builders.hpp"
+#include "support/contents.hpp"
 #include "support/database.hpp"
+#include "support/names.hpp"
 
 #include <algorithm>
 #include <cctype>

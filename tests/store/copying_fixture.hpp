@@ -1,6 +1,7 @@
 #ifndef VELDRA_TESTS_STORE_COPYING_FIXTURE_HPP
 #define VELDRA_TESTS_STORE_COPYING_FIXTURE_HPP
 
+#include "support/contents.hpp"
 #include "support/file_state.hpp"
 #include "support/library_test.hpp"
 
@@ -24,52 +25,6 @@ namespace veldra_tests {
 
 using Keys = std::set<veldra::ObjectKey>;
 using Ids = std::set<unsigned>;
-
-/// The values of all objects of a library by kind and name. Ids are not in it, so that a library
-/// and its copy have the same contents.
-using Contents = std::map<std::string, std::string>;
-
-template <class T>
-std::vector<std::shared_ptr<T>> all_of(const veldra::Library& library) {
-  std::vector<std::shared_ptr<T>> objects;
-  library.get(objects);
-  return objects;
-}
-
-template <class T>
-std::string kind_of() {
-  return kind_name(veldra::ObjectTraits<T>::type);
-}
-
-template <class T>
-std::string title_of(const std::shared_ptr<T>& object) {
-  return kind_of<T>() + " " + object->name().utf8();
-}
-
-inline std::string title_of(const std::shared_ptr<veldra::CustomProperty>& property) {
-  return "CustomProperty for " + kind_name(property->object_type()) + " " + property->name().utf8();
-}
-
-template <class T>
-void add_contents(Contents& contents, const veldra::Library& library) {
-  for (const auto& object : all_of<T>(library)) contents[title_of(object)] = values_of(object);
-}
-
-inline Contents contents_of(const veldra::Library& library) {
-  Contents contents;
-  add_contents<veldra::Tag>(contents, library);
-  add_contents<veldra::MaterialType>(contents, library);
-  add_contents<veldra::Layer>(contents, library);
-  add_contents<veldra::CustomProperty>(contents, library);
-  add_contents<veldra::Material>(contents, library);
-  add_contents<veldra::Composition>(contents, library);
-  return contents;
-}
-
-template <class T>
-veldra::ObjectKey key_of(const std::shared_ptr<T>& object) {
-  return {veldra::ObjectTraits<T>::type, object->id()};
-}
 
 /// `library` is the destination. Both libraries are in millimetres, and their ids differ.
 class CopyingTest : public LibraryTest {

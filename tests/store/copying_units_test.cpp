@@ -1,12 +1,10 @@
 #include "store/copying_fixture.hpp"
+#include "support/units.hpp"
 
 #include <cmath>
 
 namespace veldra_tests {
 namespace {
-
-constexpr double kMillimetresPerInch = 25.4;
-constexpr double kInchesPerMillimetre = 0.03937007874015748;
 
 class CopyingBetweenUnits : public CopyingTest {
  protected:
@@ -25,6 +23,15 @@ class CopyingBetweenUnits : public CopyingTest {
     std::vector<double> thicknesses;
     for (const auto& layer : composition.layers()) thicknesses.push_back(layer.thickness());
     return thicknesses;
+  }
+
+  /// Of a wall that is there when one of 2 inches is copied, and it is decided so.
+  double thickness_after(Library::Reactor::Decision decision) {
+    library->save(wall_of({999.0}));
+    inches->save(wall_of({2.0}));
+    reactor.decision = decision;
+    library->copyAll(inches);
+    return library->get<Composition>("Wall")->layer(0).thickness();
   }
 
   const std::shared_ptr<Library> inches;
@@ -168,23 +175,11 @@ TEST_F(CopyingBetweenUnits, a_unit_that_nobody_knows_converts_nothing) {
 }
 
 TEST_F(CopyingBetweenUnits, an_overwritten_object_gets_converted_values) {
-  library->save(wall_of({999.0}));
-  inches->save(wall_of({2.0}));
-  reactor.decision = Library::Reactor::Overwrite;
-
-  library->copyAll(inches);
-
-  EXPECT_EQ(library->get<Composition>("Wall")->layer(0).thickness(), 50.8);
+  EXPECT_EQ(thickness_after(Library::Reactor::Overwrite), 50.8);
 }
 
 TEST_F(CopyingBetweenUnits, an_object_that_is_taken_as_it_is_is_not_converted) {
-  library->save(wall_of({999.0}));
-  inches->save(wall_of({2.0}));
-  reactor.decision = Library::Reactor::UseExisting;
-
-  library->copyAll(inches);
-
-  EXPECT_EQ(library->get<Composition>("Wall")->layer(0).thickness(), 999.0);
+  EXPECT_EQ(thickness_after(Library::Reactor::UseExisting), 999.0);
 }
 
 TEST_F(CopyingBetweenUnits, there_and_back_again_is_nearly_the_same) {

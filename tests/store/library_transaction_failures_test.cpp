@@ -138,15 +138,8 @@ TEST_F(TransactionFailures, a_save_in_which_a_reactor_throws_at_any_call) {
   library->save(named<Material>("Wall core"));
   const auto wall = full_composition("Wall");
   int remaining = 0;
-  const auto count_down = [&] {
-    if (remaining-- == 0) throw std::runtime_error("cancelled");
-  };
-  reactor.on_saved = [&](Library&, const ObjectKey&) { count_down(); };
-  reactor.on_conflict = [&](Library&, ObjectType, String& name) {
-    count_down();
-    name = "Wall core 2";
-    return Library::Reactor::Rename;
-  };
+  reactor.rename_with(" 2");
+  reactor.throw_at_the_end_of(remaining);
   int failures = 0;
   commit(*library, [&] {
     remaining = -1;

@@ -58,10 +58,7 @@ TEST_F(TransactionObjects, the_id_of_one_that_overwrites_the_stored_one) {
 TEST_F(TransactionObjects, the_name_of_one_that_is_renamed) {
   library->save(Composition::create("Wall"));
   library->save(Material::create("Wall core"));
-  reactor.on_conflict = [](Library&, ObjectType, String& name) {
-    name = String((name.utf8() + " 2").c_str());
-    return Library::Reactor::Rename;
-  };
+  reactor.rename_with(" 2");
   const auto wall = full_composition("Wall");
   expect_to_be_taken_back(wall, [&] { library->save(wall); });
   expect_stored(wall);

@@ -51,7 +51,7 @@ TYPED_TEST(TransactionRemovalOfKind, each_form_is_taken_back) {
   }
   EXPECT_EQ(one->library(), this->library);
   commit(library, [&] { EXPECT_TRUE(library.remove(one)); });
-  EXPECT_EQ(this->rows_in(table_of<T>()), key.type == ObjectType::MaterialType ? "13" : "0");
+  EXPECT_EQ(this->rows_in(kind_of<T>()), key.type == ObjectType::MaterialType ? "13" : "0");
 }
 
 template <class T>

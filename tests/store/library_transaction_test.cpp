@@ -35,6 +35,15 @@ class LibraryTransaction : public CopyingTest {
     EXPECT_EQ(damage(path), "");
   }
 
+  /// A transaction in which the tag was saved, and which alone holds the library.
+  std::unique_ptr<Transaction> save_and_let_go(const std::shared_ptr<Tag>& tag) {
+    library->setReactor(nullptr);
+    auto transaction = std::make_unique<Transaction>(*library);
+    library->save(tag);
+    library.reset();
+    return transaction;
+  }
+
   /// A bit of everything that writes.
   void do_much() {
     library->save(full_composition("Floor"));
@@ -407,12 +416,9 @@ TEST_F(LibraryTransaction, a_commit_that_waits_for_readers_in_vain_takes_all_bac
 }
 
 TEST_F(LibraryTransaction, it_keeps_the_library_open) {
-  library->setReactor(nullptr);
   const std::weak_ptr<Library> watched = library;
   const auto tag = named<Tag>("facade");
-  auto transaction = std::make_unique<Transaction>(*library);
-  library->save(tag);
-  library.reset();
+  auto transaction = save_and_let_go(tag);
   ASSERT_FALSE(watched.expired());
   EXPECT_EQ(tag->library(), watched.lock());
   watched.lock()->save(named<Tag>("inside"));
@@ -424,12 +430,9 @@ TEST_F(LibraryTransaction, it_keeps_the_library_open) {
 }
 
 TEST_F(LibraryTransaction, the_last_to_hold_a_library_may_roll_it_back) {
-  library->setReactor(nullptr);
   const std::weak_ptr<Library> watched = library;
   const auto tag = named<Tag>("facade");
-  auto transaction = std::make_unique<Transaction>(*library);
-  library->save(tag);
-  library.reset();
+  auto transaction = save_and_let_go(tag);
   transaction.reset();
   EXPECT_TRUE(watched.expired());
   EXPECT_THAT(open_files(folder.path()), Not(testing::Contains("walls.lib")));

@@ -150,35 +150,36 @@ std::string Drafts::layer_material(CompositionDraft& draft) {
   return kNewMaterial;
 }
 
+template <class T, class AnyDraft>
+std::shared_ptr<T> Maker::begin(const AnyDraft& draft) {
+  const auto object =
+      draft.stored_name ? library_.get<T>(text(*draft.stored_name)) : T::create(text(draft.name));
+  object->name(text(draft.name));
+  object->description(text(draft.values.description));
+  set_tags(*object, draft.values.tags);
+  set_custom_values(*object, draft.values.custom_values);
+  return object;
+}
+
 std::shared_ptr<Material> Maker::make(const MaterialDraft& draft) {
-  const auto material = draft.stored_name ? library_.get<Material>(text(*draft.stored_name))
-                                          : Material::create(text(draft.name));
+  const auto material = begin<Material>(draft);
   const MaterialValues& values = draft.values;
-  material->name(text(draft.name));
-  material->description(text(values.description));
   set_code(*material, values.code);
-  set_tags(*material, values.tags);
   material->type(values.type.empty() ? nullptr : stored_or_new<MaterialType>(values.type));
   material->cut_layer(values.cut_layer ? stored_or_new<Layer>(*values.cut_layer) : nullptr);
-  material->thicknesses(veldra::toModify) = values.thicknesses;
-  set_custom_values(*material, values.custom_values);
+  material->thicknesses(toModify) = values.thicknesses;
   return material;
 }
 
 std::shared_ptr<Composition> Maker::make(const CompositionDraft& draft) {
-  const auto composition = draft.stored_name ? library_.get<Composition>(text(*draft.stored_name))
-                                             : Composition::create(text(draft.name));
+  const auto composition = begin<Composition>(draft);
   const CompositionValues& values = draft.values;
-  composition->name(text(draft.name));
-  composition->description(text(values.description));
-  set_tags(*composition, values.tags);
   composition->entity_layer(values.entity_layer ? stored_or_new<Layer>(*values.entity_layer)
                                                 : nullptr);
   set_layers(*composition, draft);
   composition->variable_layer_min_thickness(values.min_thickness);
   composition->clear_variable_layer_max_thickness();
   if (values.max_thickness) composition->variable_layer_max_thickness(*values.max_thickness);
-  set_custom_values(*composition, values.custom_values);
   return composition;
 }
 

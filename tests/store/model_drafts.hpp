@@ -74,6 +74,9 @@ class Maker {
   std::shared_ptr<veldra::Composition> make(const CompositionDraft& draft);
 
  private:
+  /// The object with the values that both kinds have.
+  template <class T, class AnyDraft>
+  std::shared_ptr<T> begin(const AnyDraft& draft);
   template <class T>
   std::shared_ptr<T> stored_or_new(const std::string& name);
   static void set_code(veldra::Material& material, const std::optional<std::string>& code);

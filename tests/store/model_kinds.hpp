@@ -2,6 +2,7 @@
 #define VELDRA_TESTS_STORE_MODEL_KINDS_HPP
 
 #include "store/model_store.hpp"
+#include "support/contents.hpp"
 
 #include <veldra/veldra.hpp>
 
@@ -59,9 +60,7 @@ inline bool same(const ModelKey& left, const ModelKey& right) {
 /// The stored object of that name; empty when there is none.
 template <class T>
 std::shared_ptr<T> find(const veldra::Library& library, const ModelKey& key) {
-  std::vector<std::shared_ptr<T>> objects;
-  library.get(objects);
-  for (const auto& object : objects) {
+  for (const auto& object : all_of<T>(library)) {
     if (same(model_key_of(*object), key)) return object;
   }
   return nullptr;

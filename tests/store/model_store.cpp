@@ -1,9 +1,11 @@
 #include "store/model_store.hpp"
 
+#include "support/contents.hpp"
+#include "support/database.hpp"
 #include "support/names.hpp"
+#include "support/units.hpp"
 
 #include <algorithm>
-#include <cstdio>
 #include <sstream>
 #include <tuple>
 
@@ -12,13 +14,6 @@ namespace veldra_tests {
 namespace {
 
 using Decision = Library::Reactor::Decision;
-
-template <class T>
-std::vector<std::shared_ptr<T>> all_of(const Library& library) {
-  std::vector<std::shared_ptr<T>> objects;
-  library.get(objects);
-  return objects;
-}
 
 template <class T>
 std::set<std::string> names_in(const Library& library) {
@@ -83,9 +78,7 @@ class Line {
   }
 
   Line& operator()(const char* field, double value) {
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.17g", value);
-    out_ << ", " << field << " " << buffer;
+    out_ << ", " << field << " " << real(value);
     return *this;
   }
 
@@ -130,7 +123,7 @@ std::string text_of(const std::string& name, const CompositionValues& values) {
 
 double factor(Unit from, Unit to) {
   if (from == to) return 1.0;
-  return from == Unit::Inches ? 25.4 : 0.03937007874015748;
+  return from == Unit::Inches ? kMillimetresPerInch : kInchesPerMillimetre;
 }
 
 MaterialValues converted(MaterialValues values, double factor) {

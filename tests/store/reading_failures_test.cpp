@@ -37,6 +37,16 @@ class ReadingFailures : public LibraryTest, public testing::WithParamInterface<s
     return names;
   }
 
+  template <class T>
+  void expect_only_the_good_one() const {
+    EXPECT_FALSE(library->get<T>(2));
+    EXPECT_FALSE(library->get<T>("Bad"));
+    EXPECT_THAT(listed_names<T>(), Each("Good"));
+    const auto good = library->get<T>(1);
+    ASSERT_TRUE(good);
+    EXPECT_EQ(good->name(), String("Good"));
+  }
+
   PlainDatabase file;
 
  private:
@@ -63,20 +73,15 @@ class DanglingReferenceOfAMaterial : public ReadingFailures {};
 
 TEST_P(DanglingReferenceOfAMaterial, makes_it_count_as_not_there) {
   file.execute(GetParam());
-  EXPECT_FALSE(library->get<Material>(2));
-  EXPECT_FALSE(library->get<Material>("Bad"));
-  EXPECT_THAT(listed_names<Material>(), testing::Each("Good"));
-  ASSERT_TRUE(library->get<Material>(1));
-  EXPECT_EQ(library->get<Material>(1)->name(), String("Good"));
+  expect_only_the_good_one<Material>();
 }
 
 TEST_P(DanglingReferenceOfAMaterial, makes_a_composition_of_it_count_as_not_there) {
   file.execute(GetParam());
-  EXPECT_FALSE(library->get<Composition>(2));
-  EXPECT_FALSE(library->get<Composition>("Bad"));
-  EXPECT_THAT(listed_names<Composition>(), testing::Each("Good"));
-  ASSERT_TRUE(library->get<Composition>(1));
-  EXPECT_EQ(library->get<Composition>(1)->layers().size(), 2u);
+  expect_only_the_good_one<Composition>();
+  const auto good = library->get<Composition>(1);
+  ASSERT_TRUE(good);
+  EXPECT_EQ(good->layers().size(), 2u);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -108,11 +113,7 @@ class DanglingReferenceOfAComposition : public ReadingFailures {};
 
 TEST_P(DanglingReferenceOfAComposition, makes_it_count_as_not_there) {
   file.execute(GetParam());
-  EXPECT_FALSE(library->get<Composition>(2));
-  EXPECT_FALSE(library->get<Composition>("Bad"));
-  EXPECT_THAT(listed_names<Composition>(), testing::Each("Good"));
-  ASSERT_TRUE(library->get<Composition>(1));
-  EXPECT_EQ(library->get<Composition>(1)->name(), String("Good"));
+  expect_only_the_good_one<Composition>();
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -52,7 +52,7 @@ class ReadingKinds : public LibraryTest {
 
   /// The names in the order in which plain SQLite gives the ids; of properties in their own order.
   std::vector<std::string> names_by_query(const std::string& condition) {
-    const std::string table = "\"" + table_of<T>() + "\"";
+    const std::string table = "\"" + kind_of<T>() + "\"";
     std::vector<std::string> names;
     const bool by_name = std::is_same<T, CustomProperty>::value;
     for (const Row& row :
@@ -176,7 +176,7 @@ TYPED_TEST(ReadingKinds, objects_are_counted) {
 }
 
 TYPED_TEST(ReadingKinds, an_empty_kind_lists_nothing_and_counts_0) {
-  this->file.execute("DELETE FROM " + table_of<TypeParam>());
+  this->file.execute("DELETE FROM " + kind_of<TypeParam>());
   EXPECT_THAT(this->all(), IsEmpty());
   EXPECT_THAT(this->found("%"), IsEmpty());
   EXPECT_EQ(this->reader().template count<TypeParam>(), 0u);
@@ -274,7 +274,7 @@ TYPED_TEST(ReadingKinds, two_reads_give_two_objects) {
 
 TYPED_TEST(ReadingKinds, an_object_that_was_read_stays_as_it_was_read) {
   const auto object = this->reader().template get<TypeParam>(101);
-  this->file.execute("UPDATE " + table_of<TypeParam>() + " SET name='New' WHERE id=101");
+  this->file.execute("UPDATE " + kind_of<TypeParam>() + " SET name='New' WHERE id=101");
   EXPECT_EQ(object->name(), String("Alpha"));
   EXPECT_EQ(this->reader().template get<TypeParam>(101)->name(), String("New"));
 }

@@ -39,13 +39,6 @@ class ReadingLists : public LibraryTest {
     for (const char* id : {"1", "2", "3"}) put_shared_composition(id);
   }
 
-  template <class T>
-  std::vector<std::shared_ptr<T>> all() const {
-    std::vector<std::shared_ptr<T>> objects;
-    library->get(objects);
-    return objects;
-  }
-
   PlainDatabase file;
 
  private:
@@ -97,18 +90,18 @@ void expect_linked(const std::shared_ptr<T>& object,
 }
 
 TEST_F(ReadingLists, the_objects_of_a_list_share_nothing) {
-  const auto materials = all<Material>();
+  const auto materials = all_of<Material>(*library);
   ASSERT_EQ(materials.size(), 3u);
   EXPECT_GE(addresses_in(materials[0]).size(), 10u);
   expect_nothing_shared(materials);
-  const auto compositions = all<Composition>();
+  const auto compositions = all_of<Composition>(*library);
   ASSERT_EQ(compositions.size(), 3u);
   EXPECT_GE(addresses_in(compositions[0]).size(), 20u);
   expect_nothing_shared(compositions);
 }
 
 TEST_F(ReadingLists, the_objects_of_two_lists_share_nothing) {
-  auto materials = all<Material>();
+  auto materials = all_of<Material>(*library);
   library->get(materials, {1u, 2u, 3u});
   library->search(materials, "Material _");
   ASSERT_EQ(materials.size(), 9u);
@@ -116,7 +109,7 @@ TEST_F(ReadingLists, the_objects_of_two_lists_share_nothing) {
 }
 
 TEST_F(ReadingLists, changing_an_object_of_a_list_changes_no_other) {
-  const auto materials = all<Material>();
+  const auto materials = all_of<Material>(*library);
   const std::string before = state_of(materials[1]);
   materials[0]->structuralAsset()->name("New");
   materials[0]->thermalAsset()->tags(veldra::toModify).clear();
@@ -130,15 +123,15 @@ TEST_F(ReadingLists, all_that_is_read_is_linked_to_the_library_and_clean) {
   expect_linked(library->get<Material>(1), library);
   expect_linked(library->get<Composition>(1), library);
   expect_linked(library->get<Composition>("Wall 1"), library);
-  for (const auto& material : all<Material>()) expect_linked(material, library);
-  for (const auto& composition : all<Composition>()) expect_linked(composition, library);
+  for (const auto& material : all_of<Material>(*library)) expect_linked(material, library);
+  for (const auto& composition : all_of<Composition>(*library)) expect_linked(composition, library);
 }
 
 TEST_F(ReadingLists, an_object_of_a_list_is_the_object_that_is_read_alone) {
-  for (const auto& material : all<Material>()) {
+  for (const auto& material : all_of<Material>(*library)) {
     EXPECT_EQ(values_of(material), values_of(library->get<Material>(material->id())));
   }
-  for (const auto& composition : all<Composition>()) {
+  for (const auto& composition : all_of<Composition>(*library)) {
     EXPECT_EQ(values_of(composition), values_of(library->get<Composition>(composition->id())));
   }
 }
@@ -172,7 +165,7 @@ TEST_F(ReadingLists, many_properties_come_in_the_order_of_their_names) {
   std::vector<std::shared_ptr<CustomProperty>> by_ids;
   library->get(by_ids, ids);
   EXPECT_EQ(names(by_ids), expected);
-  EXPECT_TRUE(names(all<CustomProperty>()) == expected);
+  EXPECT_TRUE(names(all_of<CustomProperty>(*library)) == expected);
   std::vector<std::shared_ptr<CustomProperty>> by_criteria;
   CustomPropertyCriteria criteria;
   criteria.object_type = ObjectType::Material;
@@ -189,7 +182,8 @@ TEST_F(ReadingLists, property_names_are_ordered_byte_by_byte) {
       "INSERT INTO CustomProperty(name, object_type) VALUES "
       "('b', 4), ('B', 5), ('a', 5), ('', 4), ('\xC3\xA4', 4), ('aa', 4), ('Z', 4)");
   std::vector<std::string> names;
-  for (const auto& property : all<CustomProperty>()) names.push_back(property->name().utf8());
+  for (const auto& property : all_of<CustomProperty>(*library))
+    names.push_back(property->name().utf8());
   EXPECT_THAT(names, testing::ElementsAre("", "B", "Z", "a", "aa", "b", "\xC3\xA4"));
 }
 

@@ -1,19 +1,12 @@
-#include "support/library_test.hpp"
-#include "support/statement_log.hpp"
+#include "store/logged_fixture.hpp"
 
 namespace veldra_tests {
 namespace {
 
-struct Logged {
-  StatementLog log;
-};
-
 /// What is asked of the database when a library without objects, but for the default types, is
 /// read.
-class ReadingStatements : protected Logged, public LibraryTest {
+class ReadingStatements : public LoggedTest {
  protected:
-  ReadingStatements() { log.take(); }
-
   template <class T>
   Statements of_getting(const typename CriteriaOf<T>::type& criteria) {
     std::vector<std::shared_ptr<T>> objects;
@@ -105,7 +98,7 @@ TEST_F(ReadingStatements, reading_ends_without_a_commit) {
 
 template <class T>
 std::string of_table(std::string statement) {
-  const std::string table = "\"" + table_of<T>() + "\"";
+  const std::string table = "\"" + kind_of<T>() + "\"";
   for (std::size_t at; (at = statement.find('$')) != std::string::npos;) {
     statement.replace(at, 1, table);
   }

@@ -1,6 +1,7 @@
 #ifndef VELDRA_TESTS_STORE_REMOVAL_FIXTURE_HPP
 #define VELDRA_TESTS_STORE_REMOVAL_FIXTURE_HPP
 
+#include "support/contents.hpp"
 #include "support/library_test.hpp"
 
 #include <map>
@@ -10,23 +11,38 @@
 
 namespace veldra_tests {
 
-using Removed = std::map<veldra::ObjectKey, bool>;
+using Removed = std::map<ObjectKey, bool>;
 
-template <class T>
-veldra::ObjectKey key_of(unsigned id) {
-  return {veldra::ObjectTraits<T>::type, id};
+// Have `owner` refer to an object.
+
+inline void refer(Material& owner, const std::shared_ptr<Tag>& tag) { owner.addTag(tag); }
+inline void refer(Material& owner, const std::shared_ptr<MaterialType>& type) { owner.type(type); }
+inline void refer(Material& owner, const std::shared_ptr<Layer>& layer) { owner.cut_layer(layer); }
+
+inline void refer(Material& owner, const std::shared_ptr<CustomProperty>& property) {
+  owner.custom_value(property, "value");
 }
 
-template <class T>
-veldra::ObjectKey key_of(const std::shared_ptr<T>& object) {
-  return key_of<T>(object->id());
+inline void refer(Composition& owner, const std::shared_ptr<Material>& material) {
+  owner.appendLayer({material, Material::Function::None, 10.0});
 }
+
+/// The kind of the objects that refer to those of the kind.
+template <class T>
+struct OwnerOf {
+  using type = Material;
+};
+
+template <>
+struct OwnerOf<Material> {
+  using type = Composition;
+};
 
 class RemovalTest : public LibraryTest {
  protected:
   void reopen_for_reading() {
     library.reset();
-    library = veldra::Library::open(path.c_str(), true);
+    library = Library::open(path.c_str(), true);
   }
 
   /// Forgets what the reactor wrote down so far.
@@ -47,11 +63,16 @@ class RemovalTest : public LibraryTest {
 
   /// A stored object that another one refers to.
   template <class T>
-  std::shared_ptr<T> referenced(const std::string& name);
+  std::shared_ptr<T> referenced(const std::string& name) {
+    const auto owner = named<typename OwnerOf<T>::type>("owner of " + name);
+    refer(*owner, named<T>(name));
+    library->save(owner);
+    return library->get<T>(name.c_str());
+  }
 
   /// Whether the handle and other connections can write.
   void expect_usable() {
-    EXPECT_EQ(thrown_by([&] { stored<veldra::Tag>("written afterwards"); }), "");
+    EXPECT_EQ(thrown_by([&] { stored<Tag>("written afterwards"); }), "");
     EXPECT_EQ(thrown_by([&] { PlainDatabase(path).execute("UPDATE \"Meta\" SET \"id\"=\"id\""); }),
               "");
     EXPECT_EQ(damage(path), "");
@@ -69,49 +90,8 @@ class RemovalTest : public LibraryTest {
 /// A failure that is no violated constraint.
 constexpr const char* kOverflow = "SELECT abs(-9223372036854775807 - 1)";
 
-template <>
-inline std::shared_ptr<veldra::Tag> RemovalTest::referenced(const std::string& name) {
-  const auto owner = named<veldra::Material>("owner of " + name);
-  owner->addTag(named<veldra::Tag>(name));
-  library->save(owner);
-  return library->get<veldra::Tag>(name.c_str());
-}
-
-template <>
-inline std::shared_ptr<veldra::MaterialType> RemovalTest::referenced(const std::string& name) {
-  const auto owner = named<veldra::Material>("owner of " + name);
-  owner->type(named<veldra::MaterialType>(name));
-  library->save(owner);
-  return library->get<veldra::MaterialType>(name.c_str());
-}
-
-template <>
-inline std::shared_ptr<veldra::Layer> RemovalTest::referenced(const std::string& name) {
-  const auto owner = named<veldra::Material>("owner of " + name);
-  owner->cut_layer(named<veldra::Layer>(name));
-  library->save(owner);
-  return library->get<veldra::Layer>(name.c_str());
-}
-
-template <>
-inline std::shared_ptr<veldra::CustomProperty> RemovalTest::referenced(const std::string& name) {
-  const auto owner = named<veldra::Material>("owner of " + name);
-  owner->custom_value(named<veldra::CustomProperty>(name), "value");
-  library->save(owner);
-  return library->get<veldra::CustomProperty>(name.c_str());
-}
-
-template <>
-inline std::shared_ptr<veldra::Material> RemovalTest::referenced(const std::string& name) {
-  const auto owner = named<veldra::Composition>("owner of " + name);
-  owner->appendLayer({named<veldra::Material>(name), veldra::Material::Function::None, 10.0});
-  library->save(owner);
-  return library->get<veldra::Material>(name.c_str());
-}
-
 /// Nothing refers to compositions.
-using ReferencedKinds = testing::Types<veldra::Tag, veldra::MaterialType, veldra::Layer,
-                                       veldra::CustomProperty, veldra::Material>;
+using ReferencedKinds = Types<Tag, MaterialType, Layer, CustomProperty, Material>;
 
 }  // namespace veldra_tests
 

@@ -157,7 +157,7 @@ TYPED_TEST(RemovalOfKind, a_set_goes_without_a_result) {
 TYPED_TEST(RemovalOfKind, a_set_is_taken_in_ascending_order_of_the_ids) {
   std::set<unsigned> ids;
   for (const char* name : {"c", "a", "b"}) ids.insert(this->template stored<TypeParam>(name)->id());
-  const std::string kind = table_of<TypeParam>();
+  const std::string kind = kind_of<TypeParam>();
   std::vector<std::string> expected;
   for (const unsigned id : ids) {
     expected.push_back("may remove " + kind + " " + std::to_string(id));
@@ -229,7 +229,7 @@ TYPED_TEST(RemovalOfKind, the_reactor_can_refuse) {
 
   EXPECT_THAT(result, ElementsAre(Pair(key_of(object), false)));
   const std::string asked =
-      "may remove " + table_of<TypeParam>() + " " + std::to_string(object->id());
+      "may remove " + kind_of<TypeParam>() + " " + std::to_string(object->id());
   EXPECT_THAT(this->reactor.calls, ElementsAre(asked, asked, asked));
   EXPECT_EQ(this->rows(), before);
   this->expect_usable();
@@ -291,7 +291,7 @@ TYPED_TEST(RemovalOfKind, a_library_for_reading_refuses_what_is_not_there) {
 
 TYPED_TEST(RemovalOfKind, a_failure_of_the_database_is_an_unknown_error) {
   const auto object = this->template stored<TypeParam>("one");
-  this->on_delete_from(table_of<TypeParam>(), kOverflow);
+  this->on_delete_from(kind_of<TypeParam>(), kOverflow);
   const std::string before = this->rows();
   Removed result;
 
@@ -312,7 +312,7 @@ TYPED_TEST(RemovalOfKind, a_failure_of_the_database_is_an_unknown_error) {
 
 TYPED_TEST(RemovalOfKind, any_violated_constraint_counts_as_in_use) {
   const auto object = this->template stored<TypeParam>("one");
-  this->on_delete_from(table_of<TypeParam>(), "SELECT RAISE(ABORT, 'the house keeps it')");
+  this->on_delete_from(kind_of<TypeParam>(), "SELECT RAISE(ABORT, 'the house keeps it')");
   Removed result;
 
   EXPECT_EQ(thrown_by([&] { this->library->remove(object); }), "veldra::ObjectInUse");
@@ -388,7 +388,7 @@ TYPED_TEST(RemovalOfReferenced, an_object_goes_once_its_owners_are_gone) {
   ASSERT_EQ(thrown_by([&] { this->library->remove(object); }), "veldra::ObjectInUse");
 
   this->library->template purge<veldra::Composition>();
-  if (table_of<TypeParam>() != "Material") this->library->template purge<veldra::Material>();
+  if (kind_of<TypeParam>() != "Material") this->library->template purge<veldra::Material>();
 
   EXPECT_TRUE(this->library->remove(object));
   EXPECT_EQ(object->library(), nullptr);

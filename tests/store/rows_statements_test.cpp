@@ -1,5 +1,4 @@
-#include "support/library_test.hpp"
-#include "support/statement_log.hpp"
+#include "store/logged_fixture.hpp"
 
 #include <algorithm>
 #include <set>
@@ -7,15 +6,9 @@
 namespace veldra_tests {
 namespace {
 
-struct Logged {
-  StatementLog log;
-};
-
 /// The texts of the statements, which are part of the file format.
-class RowsStatements : protected Logged, public LibraryTest {
+class RowsStatements : public LoggedTest {
  protected:
-  RowsStatements() { log.take(); }
-
   /// Two assets, a material that refers to them and to all else, and a composition of it.
   void put_everything() {
     PlainDatabase file(path);

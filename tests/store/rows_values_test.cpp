@@ -19,8 +19,6 @@ class RowsValues : public LibraryTest {
     reopen();
     return library->get<T>(id);
   }
-
-  std::string value(const std::string& query) const { return PlainDatabase(path).value(query); }
 };
 
 TEST_F(RowsValues, full_objects_come_back_as_they_were) {

@@ -1,12 +1,10 @@
 #include "support/library_test.hpp"
+#include "support/units.hpp"
 
 #include <limits>
 
 namespace veldra_tests {
 namespace {
-
-constexpr double kMillimetresPerInch = 25.4;
-constexpr double kInchesPerMillimetre = 0.03937007874015748;
 
 /// Lengths of what moves between libraries of different units. `library` is in millimetres.
 class SavingUnits : public LibraryTest {
@@ -37,22 +35,21 @@ void expect_scaled(const Composition& copy, const Composition& source, double fa
   EXPECT_EQ(copy.variable_layer_max_thickness(), source.variable_layer_max_thickness() * factor);
 }
 
-TEST_F(SavingUnits, inches_become_millimetres) {
-  const auto source = inches->save(full_composition("Wall"));
+void expect_converted(Library& from, Library& to, double factor) {
+  const auto source = from.save(full_composition("Wall"));
   const std::string source_state = state_of(source);
-  const auto copy = library->save(source);
-  expect_scaled(*copy, *source, kMillimetresPerInch);
-  expect_scaled(*library->get<Composition>("Wall"), *source, kMillimetresPerInch);
+  const auto copy = to.save(source);
+  expect_scaled(*copy, *source, factor);
+  expect_scaled(*to.get<Composition>("Wall"), *source, factor);
   EXPECT_EQ(state_of(source), source_state);
 }
 
+TEST_F(SavingUnits, inches_become_millimetres) {
+  expect_converted(*inches, *library, kMillimetresPerInch);
+}
+
 TEST_F(SavingUnits, millimetres_become_inches) {
-  const auto source = library->save(full_composition("Wall"));
-  const std::string source_state = state_of(source);
-  const auto copy = inches->save(source);
-  expect_scaled(*copy, *source, kInchesPerMillimetre);
-  expect_scaled(*inches->get<Composition>("Wall"), *source, kInchesPerMillimetre);
-  EXPECT_EQ(state_of(source), source_state);
+  expect_converted(*library, *inches, kInchesPerMillimetre);
 }
 
 TEST_F(SavingUnits, the_thicknesses_of_a_material_are_lengths) {

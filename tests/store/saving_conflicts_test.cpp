@@ -37,7 +37,7 @@ class SavingConflicts : public LibraryTest {
 
   /// id, name and description of all objects, in the order of the ids.
   Rows stored_rows() const {
-    return PlainDatabase(path).query("SELECT id, name, description FROM " + table_of<T>() +
+    return PlainDatabase(path).query("SELECT id, name, description FROM " + kind_of<T>() +
                                      " ORDER BY id");
   }
 

@@ -8,8 +8,6 @@ namespace {
 class SavingDependents : public LibraryTest {
  protected:
   std::vector<std::string> saved() const { return reactor.calls_starting_with("saved"); }
-
-  std::string value(const std::string& query) const { return PlainDatabase(path).value(query); }
 };
 
 TEST_F(SavingDependents, those_of_a_material_come_first_and_in_order) {
@@ -79,7 +77,7 @@ TEST_F(SavingDependents, a_new_object_without_a_name_is_clean_and_not_written) {
 
 TEST_F(SavingDependents, changed_ones_are_updated_with_their_owner) {
   const auto wall = library->save(full_composition("Wall"));
-  const auto material = std::const_pointer_cast<Material>(wall->layer(0).material());
+  const auto material = material_of(wall, 0);
   const auto type = std::const_pointer_cast<MaterialType>(material->type());
   reactor.calls.clear();
   type->name("Changed type");

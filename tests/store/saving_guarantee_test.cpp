@@ -14,6 +14,23 @@ String broken_text() {
   return String(units);
 }
 
+/// A trigger on a table, such as {"INSERT", "Tag", "NEW.name='x'"}.
+struct Refusal {
+  std::string event;
+  std::string table;
+  std::string condition;
+
+  std::string statement() const {
+    return "CREATE TRIGGER refuse BEFORE " + event + " ON " + table +
+           (condition.empty() ? "" : " WHEN " + condition) +
+           " BEGIN SELECT RAISE(ABORT, 'refused'); END";
+  }
+};
+
+std::ostream& operator<<(std::ostream& out, const Refusal& refusal) {
+  return out << refusal.event << " " << refusal.table << " " << refusal.condition;
+}
+
 /// After a save that fails, the file and all objects are as they were, and the same save succeeds
 /// when its cause is mended.
 class SavingGuarantee : public LibraryTest {
@@ -41,43 +58,31 @@ class SavingGuarantee : public LibraryTest {
     EXPECT_EQ(damage(path), "");
   }
 
-  void execute(const std::string& statements) { PlainDatabase(path).execute(statements); }
-};
+  void refuse(const Refusal& refusal) { execute(refusal.statement()); }
+  void allow_again() { execute("DROP TRIGGER refuse"); }
 
-/// A trigger on a table, such as {"INSERT", "Tag", "NEW.name='x'"}.
-struct Refusal {
-  std::string event;
-  std::string table;
-  std::string condition;
-
-  std::string statement() const {
-    return "CREATE TRIGGER refuse BEFORE " + event + " ON " + table +
-           (condition.empty() ? "" : " WHEN " + condition) +
-           " BEGIN SELECT RAISE(ABORT, 'refused'); END";
+  /// The object cannot be saved while the file refuses it, however often it is tried.
+  template <class T>
+  void expect_to_be_refused(const std::shared_ptr<T>& object, const Refusal& refusal) {
+    refuse(refusal);
+    EXPECT_THAT(expect_that_failing_changes_nothing(object).type, StartsWith("odb::"));
+    EXPECT_THAT(expect_that_failing_changes_nothing(object).type, StartsWith("odb::"));
+    allow_again();
   }
 };
-
-std::ostream& operator<<(std::ostream& out, const Refusal& refusal) {
-  return out << refusal.event << " " << refusal.table << " " << refusal.condition;
-}
 
 class SavingNewRefused : public SavingGuarantee, public testing::WithParamInterface<Refusal> {};
 
 TEST_P(SavingNewRefused, leaves_new_objects_as_they_were) {
   const auto wall = full_composition("Wall");
-  execute(GetParam().statement());
-  EXPECT_THAT(expect_that_failing_changes_nothing(wall).type, StartsWith("odb::"));
-  EXPECT_THAT(expect_that_failing_changes_nothing(wall).type, StartsWith("odb::"));
-  execute("DROP TRIGGER refuse");
+  expect_to_be_refused(wall, GetParam());
   expect_that_saving_succeeds(wall);
 }
 
 TEST_P(SavingNewRefused, leaves_copies_of_stored_objects_as_they_were) {
   const auto other = create("other.lib");
   const auto wall = other->save(full_composition("Wall"));
-  execute(GetParam().statement());
-  EXPECT_THAT(expect_that_failing_changes_nothing(wall).type, StartsWith("odb::"));
-  execute("DROP TRIGGER refuse");
+  expect_to_be_refused(wall, GetParam());
   EXPECT_EQ(values_of(library->save(wall)), values_of(wall));
   EXPECT_EQ(damage(path), "");
 }
@@ -85,9 +90,7 @@ TEST_P(SavingNewRefused, leaves_copies_of_stored_objects_as_they_were) {
 TEST_P(SavingNewRefused, leaves_a_new_object_of_foreign_ones_as_it_was) {
   const auto other = create("other.lib");
   const auto wall = other->save(full_composition("Wall"))->clone();
-  execute(GetParam().statement());
-  EXPECT_THAT(expect_that_failing_changes_nothing(wall).type, StartsWith("odb::"));
-  execute("DROP TRIGGER refuse");
+  expect_to_be_refused(wall, GetParam());
   expect_that_saving_succeeds(wall);
 }
 
@@ -150,9 +153,7 @@ class SavingChangedRefused : public SavingGuarantee, public testing::WithParamIn
 
 TEST_P(SavingChangedRefused, leaves_stored_objects_as_they_were) {
   const auto wall = changed_wall();
-  execute(GetParam().statement());
-  EXPECT_THAT(expect_that_failing_changes_nothing(wall).type, StartsWith("odb::"));
-  execute("DROP TRIGGER refuse");
+  expect_to_be_refused(wall, GetParam());
   expect_that_saving_succeeds(wall);
 }
 
@@ -245,15 +246,8 @@ TEST_F(SavingGuarantee, a_reactor_that_throws_at_any_call_changes_nothing) {
   library->save(Material::create("Wall core"));
   library->save(Tag::create("Wall core tag 1"));
   int remaining = 0;
-  const auto count_down = [&] {
-    if (remaining-- == 0) throw std::runtime_error("cancelled");
-  };
-  reactor.on_saved = [&](Library&, const ObjectKey&) { count_down(); };
-  reactor.on_conflict = [&](Library&, ObjectType, String& name) {
-    count_down();
-    name = "Wall core 2";
-    return Library::Reactor::Rename;
-  };
+  reactor.rename_with(" 2");
+  reactor.throw_at_the_end_of(remaining);
   int failures = 0;
   for (; failures != 100; ++failures) {
     remaining = failures;
@@ -320,12 +314,12 @@ TEST_F(SavingGuarantee, stored_objects_that_were_met_by_name_are_let_go) {
   library->save(Layer::create("Wall layer"));
   library->save(CustomProperty::create("Wall property 2", ObjectType::Composition));
   const auto wall = full_composition("Wall");
-  execute(Refusal{"INSERT", "Composition", ""}.statement());
+  refuse(Refusal{"INSERT", "Composition", ""});
   expect_that_failing_changes_nothing(wall);
   EXPECT_EQ(wall->tags()[1]->id(), 0u);
   EXPECT_TRUE(wall->tags()[1]->isDirty());
   EXPECT_FALSE(wall->tags()[1]->library());
-  execute("DROP TRIGGER refuse");
+  allow_again();
   expect_that_saving_succeeds(wall);
   EXPECT_EQ(wall->tags()[1]->id(), 1u);
 }
@@ -334,10 +328,10 @@ TEST_F(SavingGuarantee, a_decision_to_use_the_existing_is_taken_back) {
   library->save(Material::create("Wall core"));
   reactor.decision = Library::Reactor::UseExisting;
   const auto wall = full_composition("Wall");
-  execute(Refusal{"INSERT", "Composition", ""}.statement());
+  refuse(Refusal{"INSERT", "Composition", ""});
   expect_that_failing_changes_nothing(wall);
   EXPECT_EQ(wall->layer(1).material()->description(), String("Wall core description"));
-  execute("DROP TRIGGER refuse");
+  allow_again();
   library->save(wall);
   EXPECT_EQ(wall->layer(1).material()->id(), 1u);
   EXPECT_EQ(wall->layer(1).material()->description(), String());
@@ -347,9 +341,9 @@ TEST_F(SavingGuarantee, a_decision_to_overwrite_is_taken_back) {
   library->save(Material::create("Wall core"));
   reactor.decision = Library::Reactor::Overwrite;
   const auto wall = full_composition("Wall");
-  execute(Refusal{"INSERT", "Composition", ""}.statement());
+  refuse(Refusal{"INSERT", "Composition", ""});
   expect_that_failing_changes_nothing(wall);
-  execute("DROP TRIGGER refuse");
+  allow_again();
   expect_that_saving_succeeds(wall);
   EXPECT_EQ(wall->layer(1).material()->id(), 1u);
 }
@@ -357,16 +351,13 @@ TEST_F(SavingGuarantee, a_decision_to_overwrite_is_taken_back) {
 TEST_F(SavingGuarantee, a_decision_to_rename_is_taken_back) {
   library->save(Composition::create("Wall"));
   library->save(Material::create("Wall core"));
-  reactor.on_conflict = [](Library&, ObjectType, String& name) {
-    name = String((name.utf8() + " 2").c_str());
-    return Library::Reactor::Rename;
-  };
+  reactor.rename_with(" 2");
   const auto wall = full_composition("Wall");
-  execute(Refusal{"INSERT", "Composition_layers", "NEW.\"index\"=3"}.statement());
+  refuse(Refusal{"INSERT", "Composition_layers", "NEW.\"index\"=3"});
   expect_that_failing_changes_nothing(wall);
   EXPECT_EQ(wall->name(), String("Wall"));
   EXPECT_EQ(wall->layer(1).material()->name(), String("Wall core"));
-  execute("DROP TRIGGER refuse");
+  allow_again();
   library->save(wall);
   EXPECT_EQ(wall->name(), String("Wall 2"));
   EXPECT_EQ(wall->layer(1).material()->name(), String("Wall core 2"));
@@ -375,12 +366,9 @@ TEST_F(SavingGuarantee, a_decision_to_rename_is_taken_back) {
 TEST_F(SavingGuarantee, every_rename_of_an_object_is_taken_back) {
   library->save(Material::create("Oak"));
   library->save(Material::create("Oak 2"));
-  reactor.on_conflict = [](Library&, ObjectType, String& name) {
-    name = String((name.utf8() + " 2").c_str());
-    return Library::Reactor::Rename;
-  };
+  reactor.rename_with(" 2");
   const auto oak = Material::create("Oak");
-  execute(Refusal{"INSERT", "Material", "NEW.name='Oak 2 2'"}.statement());
+  refuse(Refusal{"INSERT", "Material", "NEW.name='Oak 2 2'"});
   expect_that_failing_changes_nothing(oak);
   EXPECT_EQ(oak->name(), String("Oak"));
 }
@@ -393,7 +381,7 @@ TEST_F(SavingGuarantee, an_object_that_is_saved_twice_is_as_it_was_before_the_fi
   reactor.on_saved = [&oak](Library&, const ObjectKey& key) {
     if (key.type == ObjectType::Material) oak->cost("changed while the wall is being saved");
   };
-  execute(Refusal{"INSERT", "Composition", ""}.statement());
+  refuse(Refusal{"INSERT", "Composition", ""});
   EXPECT_EQ(thrown_by([&] { library->save(wall); }), "odb::sqlite::database_exception");
   EXPECT_THAT(reactor.calls_starting_with("saved Material"),
               ElementsAre("saved Material 1", "saved Material 1"));
@@ -409,9 +397,9 @@ TEST_F(SavingGuarantee, an_object_that_was_taken_for_a_stored_one_is_itself_agai
   reactor.on_conflict = [&](Library&, ObjectType, String&) {
     return static_cast<int>(Library::Reactor::Overwrite);
   };
-  execute(Refusal{"UPDATE", "Material", ""}.statement());
+  refuse(Refusal{"UPDATE", "Material", ""});
   expect_that_failing_changes_nothing(pine);
-  execute("DROP TRIGGER refuse");
+  allow_again();
   expect_that_saving_succeeds(pine);
   EXPECT_EQ(pine->id(), stored->id());
 }
@@ -520,7 +508,7 @@ TEST_F(SavingGuarantee, a_translation_that_throws_changes_nothing) {
 }
 
 TEST_F(SavingGuarantee, what_was_collected_is_told_after_a_failure) {
-  execute(Refusal{"INSERT", "Material", ""}.statement());
+  refuse(Refusal{"INSERT", "Material", ""});
   EXPECT_EQ(thrown_by([&] { library->save(full_material("Oak")); }),
             "odb::sqlite::database_exception");
   EXPECT_THAT(reactor.calls,
@@ -544,7 +532,7 @@ TEST_F(SavingGuarantee, a_kind_whose_report_fails_does_not_count_as_changed) {
 TEST_F(SavingGuarantee, entries_of_a_mapping_stay_after_a_failure) {
   const auto other = create("other.lib");
   const auto oak = other->save(full_material("Oak"));
-  execute(Refusal{"INSERT", "Material", ""}.statement());
+  refuse(Refusal{"INSERT", "Material", ""});
   IdMapping mapping(library.get());
   EXPECT_EQ(thrown_by([&] { library->save(oak, mapping); }), "odb::sqlite::database_exception");
   EXPECT_TRUE(mapping.has({ObjectKey(ObjectType::Tag, oak->tags()[0]->id()), other.get()}));

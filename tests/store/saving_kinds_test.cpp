@@ -18,7 +18,7 @@ class SavingKinds : public LibraryTest {
   std::string changed() const { return "type " + kind_name(kind); }
 
   std::string stored_name(unsigned id) const {
-    return PlainDatabase(path).value("SELECT name FROM " + table_of<T>() +
+    return PlainDatabase(path).value("SELECT name FROM " + kind_of<T>() +
                                      " WHERE id=" + std::to_string(id));
   }
 
@@ -199,8 +199,8 @@ TYPED_TEST(SavingKinds, a_library_for_reading_only_refuses_in_the_words_of_the_d
 
 TYPED_TEST(SavingKinds, only_uniqueness_is_a_conflict) {
   PlainDatabase(this->path)
-      .execute("CREATE TRIGGER refuse BEFORE INSERT ON " + table_of<TypeParam>() +
-               " BEGIN SELECT RAISE(ABORT, 'no new " + table_of<TypeParam>() + ".name'); END");
+      .execute("CREATE TRIGGER refuse BEFORE INSERT ON " + kind_of<TypeParam>() +
+               " BEGIN SELECT RAISE(ABORT, 'no new " + kind_of<TypeParam>() + ".name'); END");
   const auto object = named<TypeParam>("Alpha");
   const std::string state = state_of(object);
   const std::string before = this->rows();
@@ -208,7 +208,7 @@ TYPED_TEST(SavingKinds, only_uniqueness_is_a_conflict) {
   EXPECT_EQ(thrown, "odb::sqlite::database_exception");
   EXPECT_EQ(thrown.code, 19);
   EXPECT_EQ(thrown.extended, 1811);
-  EXPECT_EQ(thrown.text, "no new " + table_of<TypeParam>() + ".name");
+  EXPECT_EQ(thrown.text, "no new " + kind_of<TypeParam>() + ".name");
   EXPECT_THAT(this->reactor.calls, IsEmpty());
   EXPECT_EQ(state_of(object), state);
   EXPECT_EQ(this->rows(), before);
@@ -218,7 +218,7 @@ TYPED_TEST(SavingKinds, only_uniqueness_is_a_conflict) {
 
 TYPED_TEST(SavingKinds, a_violated_check_passes_unchanged) {
   PlainDatabase(this->path)
-      .execute("ALTER TABLE " + table_of<TypeParam>() +
+      .execute("ALTER TABLE " + kind_of<TypeParam>() +
                " ADD COLUMN \"the.name\" INTEGER DEFAULT 1 CONSTRAINT \"the.name\" CHECK(name <> "
                "'Alpha')");
   const auto object = named<TypeParam>("Alpha");
@@ -333,7 +333,7 @@ TYPED_TEST(SavingRenamed, the_last_of_two_handles_wins) {
 
 TYPED_TEST(SavingRenamed, an_object_whose_row_is_gone_is_not_found) {
   PlainDatabase(this->path)
-      .execute("DELETE FROM " + table_of<TypeParam>() +
+      .execute("DELETE FROM " + kind_of<TypeParam>() +
                " WHERE id=" + std::to_string(this->object->id()));
   this->object->name("Omega");
   const std::string state = state_of(this->object);
@@ -349,7 +349,7 @@ TYPED_TEST(SavingRenamed, an_unbound_object_whose_row_is_gone_is_not_found) {
   this->library.reset();
   const auto other = this->create("other.lib");
   PlainDatabase(this->folder / "other.lib")
-      .execute("DELETE FROM " + table_of<TypeParam>() +
+      .execute("DELETE FROM " + kind_of<TypeParam>() +
                " WHERE id=" + std::to_string(this->object->id()));
   EXPECT_EQ(thrown_by([&] { other->save(this->object); }), "veldra::ObjectNotFound");
   EXPECT_FALSE(this->object->library());
@@ -451,8 +451,8 @@ TYPED_TEST(SavingClash, an_update_to_a_taken_name_is_not_unique) {
 
 TYPED_TEST(SavingClash, a_uniqueness_that_no_stored_name_explains_is_not_unique) {
   PlainDatabase(this->path)
-      .execute("DELETE FROM " + table_of<TypeParam>() + " WHERE name <> 'Alpha';" +
-               "CREATE UNIQUE INDEX more ON " + table_of<TypeParam>() + "(length(name))");
+      .execute("DELETE FROM " + kind_of<TypeParam>() + " WHERE name <> 'Alpha';" +
+               "CREATE UNIQUE INDEX more ON " + kind_of<TypeParam>() + "(length(name))");
   const auto object = named<TypeParam>("Gamma");
   const std::string state = state_of(object);
   const Thrown thrown = thrown_by([&] { this->library->save(object); });

@@ -53,8 +53,8 @@ inline std::shared_ptr<veldra::Composition> full(const std::string& name) {
   return full_composition(name);
 }
 
-/// The same without the codes of materials, since a code can be taken where a name is not asked
-/// about.
+/// The same without the codes of materials, so that only names can be taken: about a taken code
+/// nobody is asked.
 template <class T>
 std::shared_ptr<T> full_without_codes(const std::string& name) {
   return full<T>(name);

@@ -21,15 +21,13 @@ std::string bytes_of(sqlite3_stmt* statement, int column) {
 }
 
 std::string text_of(sqlite3_stmt* statement, int column) {
-  char buffer[64];
   switch (sqlite3_column_type(statement, column)) {
     case SQLITE_NULL:
       return "NULL";
     case SQLITE_INTEGER:
       return std::to_string(sqlite3_column_int64(statement, column));
     case SQLITE_FLOAT:
-      std::snprintf(buffer, sizeof buffer, "%.17g", sqlite3_column_double(statement, column));
-      return buffer;
+      return real(sqlite3_column_double(statement, column));
     case SQLITE_TEXT:
       return "'" + bytes_of(statement, column) + "'";
     default:
@@ -38,6 +36,12 @@ std::string text_of(sqlite3_stmt* statement, int column) {
 }
 
 }  // namespace
+
+std::string real(double number) {
+  char buffer[64];
+  std::snprintf(buffer, sizeof buffer, "%.17g", number);
+  return buffer;
+}
 
 PlainDatabase::PlainDatabase(const std::string& path) : handle_(nullptr) {
   if (sqlite3_open(path.c_str(), &handle_) != SQLITE_OK) {

@@ -13,6 +13,9 @@ namespace veldra_tests {
 using Row = std::vector<std::string>;
 using Rows = std::vector<Row>;
 
+/// A real number in the form of `Row`.
+std::string real(double number);
+
 /// A file as plain SQLite sees it, beside the library. Errors are `std::runtime_error`.
 class PlainDatabase {
  public:

@@ -1,5 +1,6 @@
 #include "support/description.hpp"
 
+#include "support/database.hpp"
 #include "support/names.hpp"
 
 #include <cmath>
@@ -11,12 +12,7 @@ namespace veldra_tests {
 
 namespace {
 
-std::string text_of(double number) {
-  if (std::isnan(number)) return "nan";
-  char buffer[64];
-  std::snprintf(buffer, sizeof buffer, "%.17g", number);
-  return buffer;
-}
+std::string text_of(double number) { return std::isnan(number) ? "nan" : real(number); }
 
 std::string text_of(const String& text) {
   std::string escaped = "'";

@@ -40,6 +40,12 @@ class LibraryFixture : public Test {
   /// All rows of the file.
   std::string rows() const { return dump(path); }
 
+  // The file as plain SQLite sees it.
+
+  void execute(const std::string& statements) const { PlainDatabase(path).execute(statements); }
+  Rows query(const std::string& statement) const { return PlainDatabase(path).query(statement); }
+  std::string value(const std::string& query) const { return PlainDatabase(path).value(query); }
+
   TemporaryFolder folder;
   const std::string path = folder / "walls.lib";
 };

@@ -2,6 +2,7 @@
 #define VELDRA_TESTS_SUPPORT_LIBRARY_TEST_HPP
 
 #include "support/builders.hpp"
+#include "support/contents.hpp"
 #include "support/description.hpp"
 #include "support/library_fixture.hpp"
 #include "support/recording_reactor.hpp"
@@ -35,15 +36,9 @@ using AllKinds = Types<Tag, MaterialType, Layer, CustomProperty, Material, Compo
 struct KindNames {
   template <class T>
   static std::string GetName(int) {
-    return kind_name(ObjectTraits<T>::type);
+    return kind_of<T>();
   }
 };
-
-/// The table of a kind.
-template <class T>
-std::string table_of() {
-  return kind_name(ObjectTraits<T>::type);
-}
 
 /// Inserts a row of the kind with plain SQL; `name` is an SQL expression.
 template <class T>
@@ -58,7 +53,7 @@ void put_named(PlainDatabase& database, const std::string& id, const std::string
       return put_row(database, "CustomProperty",
                      {{"id", id}, {"name", name}, {"object_type", "4"}});
     default:
-      return put_row(database, table_of<T>(), columns);
+      return put_row(database, kind_of<T>(), columns);
   }
 }
 

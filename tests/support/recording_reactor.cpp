@@ -1,36 +1,58 @@
 #include "support/recording_reactor.hpp"
 
+#include "support/names.hpp"
+
 #include <algorithm>
 #include <iterator>
+#include <stdexcept>
 
 namespace veldra_tests {
 
 namespace {
 
-std::string key_text(const veldra::ObjectKey& key) {
+std::string key_text(const ObjectKey& key) {
   return kind_name(key.type) + " " + std::to_string(key.id);
 }
 
 }  // namespace
 
-std::string kind_name(veldra::ObjectType type) {
+std::string kind_name(ObjectType type) {
   switch (type) {
-    case veldra::ObjectType::Tag:
+    case ObjectType::Tag:
       return "Tag";
-    case veldra::ObjectType::Asset:
+    case ObjectType::Asset:
       return "Asset";
-    case veldra::ObjectType::MaterialType:
+    case ObjectType::MaterialType:
       return "MaterialType";
-    case veldra::ObjectType::Material:
+    case ObjectType::Material:
       return "Material";
-    case veldra::ObjectType::Composition:
+    case ObjectType::Composition:
       return "Composition";
-    case veldra::ObjectType::CustomProperty:
+    case ObjectType::CustomProperty:
       return "CustomProperty";
-    case veldra::ObjectType::Layer:
+    case ObjectType::Layer:
       return "Layer";
   }
   return "kind " + std::to_string(static_cast<int>(type));
+}
+
+void RecordingReactor::rename_with(const std::string& suffix) {
+  on_conflict = [suffix](Library&, ObjectType, String& name) {
+    name = String((name.utf8() + suffix).c_str());
+    return Rename;
+  };
+}
+
+void RecordingReactor::throw_at_the_end_of(int& remaining) {
+  const auto count_down = [&remaining] {
+    if (remaining-- == 0) throw std::runtime_error("cancelled");
+  };
+  const auto answer = on_conflict;
+  on_conflict = [count_down, answer](Library& library, ObjectType type, String& name) {
+    count_down();
+    return answer(library, type, name);
+  };
+  on_saved = [count_down](Library&, const ObjectKey&) { count_down(); };
 }
 
 std::vector<std::string> RecordingReactor::calls_starting_with(const std::string& prefix) const {
@@ -41,34 +63,33 @@ std::vector<std::string> RecordingReactor::calls_starting_with(const std::string
   return chosen;
 }
 
-int RecordingReactor::resolveNameConflict(veldra::Library& library, veldra::ObjectType type,
-                                          veldra::String& name) {
+int RecordingReactor::resolveNameConflict(Library& library, ObjectType type, String& name) {
   calls.push_back("conflict " + kind_name(type) + " '" + name.utf8() + "'");
   if (on_conflict) return on_conflict(library, type, name);
   return decision != 0 ? decision : Reactor::resolveNameConflict(library, type, name);
 }
 
-void RecordingReactor::objectSaved(veldra::Library& library, const veldra::ObjectKey& key) {
+void RecordingReactor::objectSaved(Library& library, const ObjectKey& key) {
   calls.push_back("saved " + key_text(key));
   if (on_saved) on_saved(library, key);
 }
 
-int RecordingReactor::mayRemove(veldra::Library& library, const veldra::ObjectKey& key) {
+int RecordingReactor::mayRemove(Library& library, const ObjectKey& key) {
   calls.push_back("may remove " + key_text(key));
   return on_may_remove ? on_may_remove(library, key) : refusal;
 }
 
-void RecordingReactor::objectRemoved(veldra::Library& library, const veldra::ObjectKey& key) {
+void RecordingReactor::objectRemoved(Library& library, const ObjectKey& key) {
   calls.push_back("removed " + key_text(key));
   if (on_removed) on_removed(library, key);
 }
 
-void RecordingReactor::libraryChanged(veldra::Library& library) {
+void RecordingReactor::libraryChanged(Library& library) {
   calls.push_back("library");
   if (on_library_changed) on_library_changed(library);
 }
 
-void RecordingReactor::typeChanged(veldra::Library& library, veldra::ObjectType type) {
+void RecordingReactor::typeChanged(Library& library, ObjectType type) {
   calls.push_back("type " + kind_name(type));
   if (on_type_changed) on_type_changed(library, type);
 }

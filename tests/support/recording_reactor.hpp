@@ -42,6 +42,13 @@ class RecordingReactor : public veldra::Library::Reactor {
   std::function<void(veldra::Library&)> on_library_changed;
   std::function<void(veldra::Library&, veldra::ObjectType)> on_type_changed;
 
+  /// Answers conflicts with the name and `suffix` behind it.
+  void rename_with(const std::string& suffix);
+
+  /// Has each conflict and each saved object count `remaining` down; the one that finds 0 throws
+  /// `std::runtime_error`. Conflicts are answered as before.
+  void throw_at_the_end_of(int& remaining);
+
   /// The calls that start with `prefix`, such as "saved".
   std::vector<std::string> calls_starting_with(const std::string& prefix) const;
 
