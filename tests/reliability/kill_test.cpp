@@ -62,7 +62,8 @@ class KilledProcess {
       const auto library = veldra::Library::open(FaultVfs::name_of(scene.path()).c_str(), false);
       const auto source =
           veldra::Library::open(FaultVfs::name_of(scene.source_path()).c_str(), true);
-      PlainReactor reactor;
+      RecordingReactor reactor;
+      reactor.decision = RecordingReactor::UseExisting;
       library->setReactor(&reactor);
       Workload workload(library, source, seed);
       for (unsigned n = 0; n != steps; ++n) {

@@ -5,6 +5,7 @@
 #include "support/builders.hpp"
 #include "support/contents.hpp"
 #include "support/library_fixture.hpp"
+#include "support/recording_reactor.hpp"
 
 #include <cmath>
 #include <random>
@@ -258,20 +259,15 @@ TEST_F(AnyLibrary, converted_and_back_keeps_its_lengths) {
   });
 }
 
-// Refuses every third removal, always the same ones.
-class RefusingReactor : public Library::Reactor {
- public:
-  explicit RefusingReactor(unsigned rest) : rest_(rest) {}
-  int mayRemove(Library&, const ObjectKey& key) override { return key.id % 3 == rest_ ? 1 : 0; }
-
- private:
-  unsigned rest_;
-};
-
 TEST_F(AnyLibrary, purged_twice_is_the_same_as_purged) {
   for_many("purged twice", [this](RandomObjects& objects) {
     const auto library = library_with(objects);
-    RefusingReactor reactor(objects.below(4));
+    const unsigned rest = objects.below(4);
+    RecordingReactor reactor;
+    // Every third, always the same ones.
+    reactor.on_may_remove = [rest](Library&, const ObjectKey& key) {
+      return key.id % 3 == rest ? 1 : 0;
+    };
     library->setReactor(&reactor);
     std::set<ObjectType> kinds;
     for (const ObjectType kind :

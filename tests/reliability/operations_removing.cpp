@@ -53,7 +53,11 @@ void purge_kinds(Scene& scene) {
 }
 
 void purge_all(Scene& scene) { scene.library->purge(scene.removed); }
-void keep_compositions(Scene& scene) { scene.reactor.kept = ObjectType::Composition; }
+void keep_compositions(Scene& scene) {
+  scene.reactor.on_may_remove = [](Library&, const ObjectKey& key) {
+    return key.type == ObjectType::Composition ? 1 : 0;
+  };
+}
 
 std::vector<Operation> removing_several() {
   const auto removing = [](const char* name, Step prepare, Step run) {

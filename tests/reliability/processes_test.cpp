@@ -213,7 +213,7 @@ class Worker {
 
   std::shared_ptr<Library> library_;
   std::shared_ptr<Library> source_;
-  PlainReactor reactor_;
+  RecordingReactor reactor_;
   const Materials& copies_;
   unsigned number_;
   unsigned steps_;

@@ -5,7 +5,6 @@
 #include "support/database.hpp"
 #include "support/description.hpp"
 #include "support/names.hpp"
-#include "support/recording_reactor.hpp"
 #include "support/rows.hpp"
 
 #include <algorithm>
@@ -122,53 +121,15 @@ std::string text_of(const Library& library) {
          (library.readOnly() ? ", read-only\n" : "\n");
 }
 
+bool is_of_a_written_object(const std::string& call) {
+  return call.compare(0, 6, "saved ") == 0 || call.compare(0, 8, "removed ") == 0;
+}
+
 }  // namespace
-
-std::string PlainReactor::told_of_objects() const {
-  std::string text = std::to_string(number_of_calls_) + " objects saved or removed\n";
-  const std::size_t kept_calls = std::min(number_of_calls_, std::size(calls_));
-  for (std::size_t n = 0; n != kept_calls; ++n) {
-    text += calls_[n].what + (" " + text_of({calls_[n].type, calls_[n].id})) + "\n";
-  }
-  return text;
-}
-
-void PlainReactor::forget() {
-  size_ = 0;
-  number_of_calls_ = 0;
-}
-
-int PlainReactor::resolveNameConflict(Library&, ObjectType, String& name) {
-  if (decision == Rename) name.utf8(name.utf8() + " again");
-  return decision;
-}
-
-void PlainReactor::objectSaved(Library&, const ObjectKey& key) { tell("saved", key); }
-
-int PlainReactor::mayRemove(Library&, const ObjectKey& key) {
-  if (on_may_remove) on_may_remove();
-  return key.type == kept ? 1 : 0;
-}
-
-void PlainReactor::objectRemoved(Library&, const ObjectKey& key) { tell("removed", key); }
-
-void PlainReactor::libraryChanged(Library&) { tell('0'); }
-
-void PlainReactor::typeChanged(Library&, ObjectType type) {
-  tell(static_cast<char>('0' + static_cast<int>(type)));
-}
-
-void PlainReactor::tell(char what) {
-  if (size_ != sizeof told_) told_[size_++] = what;
-}
-
-void PlainReactor::tell(const char* what, const ObjectKey& key) {
-  if (number_of_calls_ < std::size(calls_)) calls_[number_of_calls_] = {what, key.type, key.id};
-  ++number_of_calls_;
-}
 
 Scene::Scene(Start start, const std::string& vfs)
     : vfs_(vfs), path_(folder_ / "walls.lib"), source_path_(folder_ / "supplier.lib") {
+  reactor.decision = RecordingReactor::UseExisting;
   write_file(source_path_, source_bytes());
   if (start != Start::Missing) write_file(path_, bytes_of(start));
 }
@@ -229,8 +190,11 @@ std::string Scene::read_text() const {
 }
 
 std::string Scene::found_text() const {
-  return (library ? text_of(*library) : std::string()) + read_text() + mapping_text() +
-         reactor.told_of_objects();
+  std::string text = (library ? text_of(*library) : "") + read_text() + mapping_text();
+  for (const std::string& call : reactor.calls()) {
+    if (is_of_a_written_object(call)) text += call + "\n";
+  }
+  return text;
 }
 
 // The order of the entries is that of the addresses of libraries, which is not the same each time.

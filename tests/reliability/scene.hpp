@@ -1,6 +1,7 @@
 #ifndef VELDRA_TESTS_RELIABILITY_SCENE_HPP
 #define VELDRA_TESTS_RELIABILITY_SCENE_HPP
 
+#include "support/recording_reactor.hpp"
 #include "support/temporary.hpp"
 
 #include <veldra/veldra.hpp>
@@ -18,47 +19,6 @@ namespace veldra_tests {
 
 /// What the library's file is before an operation.
 enum class Start { Missing, Empty, Version150201, Version150301, Current };
-
-/// Decides as it is told and keeps what it was told of, the latter without any allocation.
-class PlainReactor : public veldra::Library::Reactor {
- public:
-  int decision = UseExisting;
-  veldra::ObjectType kept{};  ///< objects of this kind must not be removed
-  std::function<void()> on_may_remove;
-
-  /// The numbers of the kinds of `typeChanged`, in order, and 0 for `libraryChanged`.
-  std::string told() const { return std::string(told_, size_); }
-
-  /// The calls of `objectSaved` and `objectRemoved`, in order: a line such as "saved 4/17" for
-  /// each, with the kind and the id. Beyond the first 256 they are only counted.
-  std::string told_of_objects() const;
-
-  void forget();
-
-  /// Gives a longer name for `Rename`.
-  int resolveNameConflict(veldra::Library& library, veldra::ObjectType type,
-                          veldra::String& name) override;
-  void objectSaved(veldra::Library& library, const veldra::ObjectKey& key) override;
-  int mayRemove(veldra::Library& library, const veldra::ObjectKey& key) override;
-  void objectRemoved(veldra::Library& library, const veldra::ObjectKey& key) override;
-  void libraryChanged(veldra::Library& library) override;
-  void typeChanged(veldra::Library& library, veldra::ObjectType type) override;
-
- private:
-  struct Call {
-    const char* what;
-    veldra::ObjectType type;
-    unsigned id;
-  };
-
-  void tell(char what);
-  void tell(const char* what, const veldra::ObjectKey& key);
-
-  char told_[64];
-  std::size_t size_ = 0;
-  Call calls_[256];
-  std::size_t number_of_calls_ = 0;
-};
 
 /// The objects that operations work on: what `Scene::prepare` made of them.
 struct Objects {
@@ -119,7 +79,7 @@ class Scene {
 
   std::shared_ptr<veldra::Library> library;
   std::shared_ptr<veldra::Library> source;
-  PlainReactor reactor;
+  RecordingReactor reactor;  ///< uses existing objects unless it is told otherwise
   Objects objects;
 
   // What operations need beside objects; made before the faults begin.

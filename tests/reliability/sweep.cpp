@@ -99,7 +99,7 @@ Reference::Reference(const Operation& operation) {
   Scene scene(operation.start, "");
   set_up(scene, operation);
   states.push_back(scene.rows());
-  scene.reactor.on_may_remove = [&] { states.push_back(scene.rows()); };
+  scene.reactor.watch_removals([&] { states.push_back(scene.rows()); });
   operation.run(scene);
   states.push_back(scene.rows());
   found = scene.found_text();
@@ -255,7 +255,7 @@ void Sweep::expect_true_results(const Scene& scene) const {
 }
 
 void Sweep::expect_told_in_order(const Scene& scene) const {
-  const std::string told = scene.reactor.told();
+  const std::string told = scene.reactor.changes();
   if (told.empty()) return;
   EXPECT_EQ(told.back(), '0') << told;
   EXPECT_EQ(std::adjacent_find(told.begin(), told.end() - 1, std::greater_equal<char>()),

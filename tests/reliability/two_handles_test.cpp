@@ -185,27 +185,6 @@ TEST_P(TwoHandles, do_one_after_the_other_what_one_handle_does) {
 
 INSTANTIATE_TEST_SUITE_P(Operations, TwoHandles, testing::ValuesIn(first_operations()), name_of);
 
-// Does something within the transaction of an operation, once.
-class Interruption : public PlainReactor {
- public:
-  explicit Interruption(std::function<void()> call) : call_(std::move(call)) {
-    on_may_remove = [this] { interrupt(); };
-  }
-
-  bool happened() const { return happened_; }
-
-  void objectSaved(Library&, const ObjectKey&) override { interrupt(); }
-
- private:
-  void interrupt() {
-    if (!happened_) call_();
-    happened_ = true;
-  }
-
-  std::function<void()> call_;
-  bool happened_ = false;
-};
-
 // Those that have a reactor to be interrupted by.
 std::vector<Operation> interrupted_operations() {
   return operations_of(
@@ -221,12 +200,15 @@ Thrown run_beside(const Operation& first, const Operation& second, Scene& other)
   other.source = Library::open(other.source_path().c_str(), true);
   second.prepare(other);
   Thrown thrown;
-  Interruption interruption([&] { thrown = thrown_by([&] { second.run(other); }); });
-  interruption.decision = scene.reactor.decision;
-  interruption.kept = scene.reactor.kept;
-  scene.library->setReactor(&interruption);
+  bool happened = false;
+  const auto interrupt = [&] {
+    if (!happened) thrown = thrown_by([&] { second.run(other); });
+    happened = true;
+  };
+  scene.reactor.on_saved = [&](Library&, const ObjectKey&) { interrupt(); };
+  scene.reactor.watch_removals(interrupt);
   first.run(scene);
-  EXPECT_TRUE(interruption.happened());
+  EXPECT_TRUE(happened);
   EXPECT_EQ(scene.rows(), Reference(first).after());
   expect_usable(*other.library);
   return thrown;
@@ -302,12 +284,6 @@ INSTANTIATE_TEST_SUITE_P(Decisions, CopyBetweenHandles,
 // What SQLite's cache does not hold is written to the file, which nobody may be reading then; the
 // handle that is copied from waits the usual 5 seconds.
 TEST(LargeCopyBetweenHandles, waits_for_itself_and_changes_nothing) {
-  class Renaming : public Library::Reactor {
-    int resolveNameConflict(Library&, veldra::ObjectType, veldra::String& name) override {
-      name.utf8(name.utf8() + " again");
-      return Rename;
-    }
-  };
   Scene scene(Start::Current, "");
   PlainDatabase(scene.path()).execute("UPDATE Material SET code=NULL");
   scene.open();
@@ -321,8 +297,7 @@ TEST(LargeCopyBetweenHandles, waits_for_itself_and_changes_nothing) {
     transaction.commit();
   }
   const auto before = scene.rows();
-  Renaming renaming;
-  scene.library->setReactor(&renaming);
+  scene.reactor.decision = Library::Reactor::Rename;
   EXPECT_EQ(thrown_by([&] { scene.library->copyAll(Library::open(scene.name(), false)); }),
             "odb::timeout");
   EXPECT_EQ(scene.rows(), before);

@@ -76,8 +76,9 @@ std::vector<std::vector<std::string>> states_of(const std::string& path,
   const auto source = Library::open(FaultVfs::name_of(source_path).c_str(), true);
   std::vector<std::vector<std::string>> states(steps);
   std::vector<std::string>* current = nullptr;
-  PlainReactor reactor;
-  reactor.on_may_remove = [&] { current->push_back(dump(path)); };
+  RecordingReactor reactor;
+  reactor.decision = RecordingReactor::UseExisting;
+  reactor.watch_removals([&] { current->push_back(dump(path)); });
   library->setReactor(&reactor);
   Workload workload(library, source, seed);
   for (unsigned n = 0; n != steps; ++n) {

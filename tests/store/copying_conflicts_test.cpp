@@ -17,7 +17,7 @@ class CopyingOfTakenName : public CopyingTest {
     theirs->description("theirs");
     theirs->addTag(named<Tag>("of theirs"));
     put(theirs);
-    reactor.calls.clear();
+    reactor.forget();
     before = rows();
   }
 
@@ -73,7 +73,7 @@ TYPED_TEST(CopyingOfTakenName, entries_of_a_failed_copy_stay) {
 TYPED_TEST(CopyingOfTakenName, a_failed_copy_tells_what_it_had_saved) {
   ASSERT_EQ(thrown_by([&] { this->copy(); }), "veldra::ObjectNotUnique");
 
-  EXPECT_THAT(this->reactor.calls,
+  EXPECT_THAT(this->reactor.calls(),
               ElementsAre("saved Tag 101", this->question, "type Tag", "library"));
 }
 
@@ -99,7 +99,7 @@ TYPED_TEST(CopyingOfTakenName, the_reactor_can_take_the_existing_object) {
   EXPECT_EQ(this->entry_of(this->mapping, this->theirs).id, this->ours->id());
   EXPECT_EQ(this->entry_of(this->mapping, this->theirs).status, IdMapping::Existing);
   EXPECT_EQ(values_of(this->library->template get<TypeParam>("same")), ours_before);
-  EXPECT_THAT(this->reactor.calls,
+  EXPECT_THAT(this->reactor.calls(),
               ElementsAre("saved Tag 101", this->question, "type Tag", "library"));
   EXPECT_EQ(this->library->template count<TypeParam>(), 1u);
 }
@@ -113,7 +113,7 @@ TYPED_TEST(CopyingOfTakenName, the_reactor_can_overwrite_the_existing_object) {
   EXPECT_EQ(this->entry_of(this->mapping, this->theirs).id, this->ours->id());
   EXPECT_EQ(this->entry_of(this->mapping, this->theirs).status, IdMapping::Updated);
   EXPECT_EQ(values_of(this->library->template get<TypeParam>("same")), values_of(this->theirs));
-  EXPECT_THAT(this->reactor.calls,
+  EXPECT_THAT(this->reactor.calls(),
               ElementsAre("saved Tag 101", this->question, "saved " + this->kind + " " + id,
                           "type Tag", "type " + this->kind, "library"));
   EXPECT_EQ(damage(this->path), "");
@@ -139,7 +139,7 @@ TYPED_TEST(CopyingOfTakenName, the_reactor_can_rename_the_copy) {
 
 TYPED_TEST(CopyingOfTakenName, a_new_name_that_is_taken_asks_again) {
   this->library->save(named<TypeParam>("taken"));
-  this->reactor.calls.clear();
+  this->reactor.forget();
   this->reactor.on_conflict = [](Library&, ObjectType, String& name) {
     name = name == String("same") ? "taken" : "free";
     return Library::Reactor::Rename;
@@ -209,7 +209,7 @@ TYPED_TEST(CopyingOfTakenName, only_the_reactor_of_the_destination_is_asked) {
 
   EXPECT_EQ(asked_by, this->library.get());
   EXPECT_EQ(asked_for, veldra::ObjectTraits<TypeParam>::type);
-  EXPECT_THAT(of_source.calls, IsEmpty());
+  EXPECT_THAT(of_source.calls(), IsEmpty());
 }
 
 TYPED_TEST(CopyingOfTakenName, an_exception_of_the_reactor_takes_the_copy_back) {
@@ -232,7 +232,7 @@ TYPED_TEST(CopyingOfTakenName, a_decision_is_kept_by_the_mapping) {
   this->reactor.decision = Library::Reactor::UseExisting;
   this->copy(this->mapping);
   const std::string once = this->rows();
-  this->reactor.calls.clear();
+  this->reactor.forget();
 
   this->library->copyAll(this->source, this->mapping);
 
@@ -280,7 +280,7 @@ class CopyingConflicts : public CopyingTest {
 TEST_F(CopyingConflicts, a_code_that_is_taken_ends_the_copy_unasked) {
   library->save(with_code("Oak", "W-1"));
   put(with_code("Pine", "W-1"));
-  reactor.calls.clear();
+  reactor.forget();
   const std::string before = rows();
   reactor.decision = Library::Reactor::UseExisting;
 

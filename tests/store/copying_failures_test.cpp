@@ -130,7 +130,7 @@ TEST_F(CopyingFailures, what_was_collected_is_told_once_also_after_a_failure) {
 
   EXPECT_EQ(thrown_by([&] { library->copyAll(source); }), "odb::sqlite::database_exception");
 
-  EXPECT_THAT(reactor.calls,
+  EXPECT_THAT(reactor.calls(),
               ElementsAre("saved Tag 101", "saved Layer 101", "type Tag", "type Layer", "library"));
 }
 

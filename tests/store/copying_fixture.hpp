@@ -31,7 +31,7 @@ class CopyingTest : public LibraryTest {
  protected:
   CopyingTest() {
     shift_ids();
-    reactor.calls.clear();
+    reactor.forget();
   }
 
   /// Gives all further objects of the destination other ids than those of the source.

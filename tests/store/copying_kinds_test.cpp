@@ -135,7 +135,7 @@ TYPED_TEST(CopyingOfKind, no_ids_copy_nothing) {
 
   EXPECT_EQ(this->rows(), before);
   EXPECT_EQ(mapping.size(), 0u);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
 }
 
 TYPED_TEST(CopyingOfKind, no_source_copies_nothing) {
@@ -153,13 +153,13 @@ TYPED_TEST(CopyingOfKind, no_source_copies_nothing) {
 
   EXPECT_EQ(this->rows(), before);
   EXPECT_EQ(mapping.size(), 0u);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
 }
 
 TYPED_TEST(CopyingOfKind, keys_of_this_very_library_stand_for_themselves) {
   const auto own = full<TypeParam>("own");
   this->library->save(own);
-  this->reactor.calls.clear();
+  this->reactor.forget();
   const std::string before = this->rows();
   IdMapping mapping = this->fresh_mapping();
   const ObjectKey missing(veldra::ObjectTraits<TypeParam>::type, 4711);
@@ -174,13 +174,13 @@ TYPED_TEST(CopyingOfKind, keys_of_this_very_library_stand_for_themselves) {
     EXPECT_EQ(value.status, IdMapping::Existing);
   }
   EXPECT_EQ(this->rows(), before);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
 }
 
 TYPED_TEST(CopyingOfKind, the_other_forms_do_nothing_with_this_very_library) {
   const auto own = full<TypeParam>("own");
   this->library->save(own);
-  this->reactor.calls.clear();
+  this->reactor.forget();
   const std::string before = this->rows();
   IdMapping mapping = this->fresh_mapping();
 
@@ -192,7 +192,7 @@ TYPED_TEST(CopyingOfKind, the_other_forms_do_nothing_with_this_very_library) {
 
   EXPECT_EQ(mapping.size(), 0u);
   EXPECT_EQ(this->rows(), before);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
 }
 
 TYPED_TEST(CopyingOfKind, the_source_is_only_read) {
@@ -212,7 +212,7 @@ TYPED_TEST(CopyingOfKind, the_source_is_only_read) {
   EXPECT_TRUE(before == FileState(this->source_path()));
   EXPECT_EQ(state_of(one), one_before);
   EXPECT_EQ(state_of(read), read_before);
-  EXPECT_THAT(of_source.calls, IsEmpty());
+  EXPECT_THAT(of_source.calls(), IsEmpty());
 }
 
 TYPED_TEST(CopyingOfKind, a_second_copy_with_the_same_mapping_writes_nothing) {
@@ -222,7 +222,7 @@ TYPED_TEST(CopyingOfKind, a_second_copy_with_the_same_mapping_writes_nothing) {
   const IdMapping::Value entry = this->entry_of(mapping, one);
   const std::size_t size = mapping.size();
   const std::string before = this->rows();
-  this->reactor.calls.clear();
+  this->reactor.forget();
 
   this->library->copyAll(this->source, mapping);
   this->library->template copy<TypeParam>(this->source, Ids{one->id()}, mapping);
@@ -232,7 +232,7 @@ TYPED_TEST(CopyingOfKind, a_second_copy_with_the_same_mapping_writes_nothing) {
   EXPECT_EQ(mapping.size(), size);
   EXPECT_EQ(this->entry_of(mapping, one).id, entry.id);
   EXPECT_EQ(this->entry_of(mapping, one).status, IdMapping::Inserted);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
 }
 
 TYPED_TEST(CopyingOfKind, each_new_object_is_told_and_then_the_kinds_and_the_library_once) {
@@ -242,7 +242,7 @@ TYPED_TEST(CopyingOfKind, each_new_object_is_told_and_then_the_kinds_and_the_lib
   this->library->template copy<TypeParam>(this->source, Ids{one->id(), two->id()});
 
   const std::string kind = kind_of<TypeParam>();
-  EXPECT_THAT(this->reactor.calls,
+  EXPECT_THAT(this->reactor.calls(),
               testing::ElementsAre("saved " + kind + " 101", "saved " + kind + " 102",
                                    "type " + kind, "library"));
 }
@@ -257,7 +257,7 @@ TYPED_TEST(CopyingOfNamed, an_object_of_a_taken_name_becomes_the_one_that_is_the
   const auto original = this->put(named<TypeParam>("same"));
   const auto own = named<TypeParam>("same");
   this->library->save(own);
-  this->reactor.calls.clear();
+  this->reactor.forget();
   const std::string before = this->rows();
   IdMapping mapping = this->fresh_mapping();
 
@@ -267,7 +267,7 @@ TYPED_TEST(CopyingOfNamed, an_object_of_a_taken_name_becomes_the_one_that_is_the
   EXPECT_EQ(this->entry_of(mapping, original).status, IdMapping::Existing);
   EXPECT_EQ(mapping.size(), 1u);
   EXPECT_EQ(this->rows(), before);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
 }
 
 TYPED_TEST(CopyingOfNamed, names_that_differ_in_case_are_two_objects) {

@@ -45,7 +45,7 @@ TEST_F(CopyingWithMapping, dependents_that_are_there_are_entered_as_existing) {
   library->save(named<Tag>("tag"));
   library->save(named<Layer>("layer"));
   library->save(named<CustomProperty>("property"));
-  reactor.calls.clear();
+  reactor.forget();
   IdMapping mapping = fresh_mapping();
 
   library->copy<Material>(source, Ids{oak->id()}, mapping);
@@ -55,7 +55,7 @@ TEST_F(CopyingWithMapping, dependents_that_are_there_are_entered_as_existing) {
   expect_twins<Layer>(mapping, 1, IdMapping::Existing);
   expect_twins<MaterialType>(mapping, 1, IdMapping::Existing);
   expect_twins<CustomProperty>(mapping, 1, IdMapping::Existing);
-  EXPECT_THAT(reactor.calls, ElementsAre("saved Material 101", "type Material", "library"));
+  EXPECT_THAT(reactor.calls(), ElementsAre("saved Material 101", "type Material", "library"));
 }
 
 TEST_F(CopyingWithMapping, dependents_come_in_a_fixed_order) {
@@ -73,7 +73,7 @@ TEST_F(CopyingWithMapping, dependents_come_in_a_fixed_order) {
 
   library->copy<Composition>(source, Ids{wall->id()});
 
-  EXPECT_THAT(reactor.calls,
+  EXPECT_THAT(reactor.calls(),
               ElementsAre("saved CustomProperty 101", "saved Tag 101", "saved Layer 101",
                           "saved Tag 102", "saved Tag 103", "saved MaterialType 101",
                           "saved Layer 102", "saved CustomProperty 102", "saved Material 101",
@@ -103,7 +103,7 @@ TEST_F(CopyingWithMapping, the_kinds_of_a_whole_library_come_in_a_fixed_order) {
 
   library->copyAll(source);
 
-  EXPECT_THAT(reactor.calls,
+  EXPECT_THAT(reactor.calls(),
               ElementsAre("saved Composition 101", "saved Material 101", "saved MaterialType 101",
                           "saved Layer 101", "saved CustomProperty 101", "saved Tag 101",
                           "type Tag", "type MaterialType", "type Material", "type Composition",
@@ -210,7 +210,7 @@ class CopyingWithADroppedEntry : public CopyingWithMapping {
  protected:
   CopyingWithADroppedEntry() {
     library->copy<Material>(source, Ids{core->id()}, mapping);
-    reactor.calls.clear();
+    reactor.forget();
   }
 
   /// Copies the composition. When its tag is told of, the material's entry is dropped.
@@ -370,12 +370,12 @@ TEST_F(CopyingWithMapping, an_entry_whose_object_is_gone_still_counts_as_copied)
   library->copyAll(source, mapping);
   library->remove(library->get<Material>("Oak"));
   const std::string before = rows();
-  reactor.calls.clear();
+  reactor.forget();
 
   EXPECT_EQ(thrown_by([&] { library->copy<Material>(source, Ids{oak->id()}, mapping); }), "");
 
   EXPECT_EQ(rows(), before);
-  EXPECT_THAT(reactor.calls, IsEmpty());
+  EXPECT_THAT(reactor.calls(), IsEmpty());
 }
 
 TEST_F(CopyingWithMapping, a_type_that_is_gone_fails_the_copy_that_needs_it) {

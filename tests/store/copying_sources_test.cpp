@@ -103,7 +103,7 @@ class CopyingWithinAFile : public CopyingTest {
 TEST_F(CopyingWithinAFile, named_objects_stand_for_themselves) {
   library->save(named<Tag>("tag"));
   library->save(named<Layer>("layer"));
-  reactor.calls.clear();
+  reactor.forget();
   const std::string before = rows();
   IdMapping mapping = fresh_mapping();
 
@@ -116,7 +116,7 @@ TEST_F(CopyingWithinAFile, named_objects_stand_for_themselves) {
     EXPECT_EQ(entry.second.id, entry.first.key.id);
     EXPECT_EQ(entry.second.status, IdMapping::Existing);
   }
-  EXPECT_THAT(reactor.calls, IsEmpty());
+  EXPECT_THAT(reactor.calls(), IsEmpty());
 }
 
 TEST_F(CopyingWithinAFile, keys_are_not_taken_for_those_of_this_very_library) {
@@ -281,8 +281,8 @@ TEST_F(CopyingWithinReactors, copying_is_allowed_when_the_copy_has_ended) {
 
   library->copyAll(source);
 
-  EXPECT_THAT(reactor.calls, ElementsAre("saved Tag 101", "type Tag", "library", "saved Layer 101",
-                                         "type Layer", "library"));
+  EXPECT_THAT(reactor.calls(), ElementsAre("saved Tag 101", "type Tag", "library",
+                                           "saved Layer 101", "type Layer", "library"));
 }
 
 }  // namespace

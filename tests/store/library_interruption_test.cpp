@@ -111,7 +111,7 @@ TEST_F(LibraryInterruption, of_removed_objects_those_before_stay_removed) {
   EXPECT_EQ(thrown_by([&] { library->purge<Tag>(result); }), interrupted);
   EXPECT_EQ(library->count<Tag>(), 7U);
   EXPECT_THAT(result, SizeIs(3));
-  EXPECT_THAT(reactor.calls, Contains("type Tag"));
+  EXPECT_THAT(reactor.calls(), Contains("type Tag"));
   library->purge<Tag>();
   EXPECT_EQ(library->count<Tag>(), 0U);
 }

@@ -134,10 +134,10 @@ TEST_F(LibraryReactor, the_one_that_is_installed_is_told) {
   RecordingReactor reactor;
   library_->setReactor(&reactor);
   const auto tag = library_->save(named<Tag>("facade"));
-  EXPECT_THAT(reactor.calls, ElementsAre("saved Tag 1", "type Tag", "library"));
-  reactor.calls.clear();
+  EXPECT_THAT(reactor.calls(), ElementsAre("saved Tag 1", "type Tag", "library"));
+  reactor.forget();
   library_->remove(tag);
-  EXPECT_THAT(reactor.calls,
+  EXPECT_THAT(reactor.calls(),
               ElementsAre("may remove Tag 1", "removed Tag 1", "type Tag", "library"));
 }
 
@@ -167,8 +167,8 @@ TEST_F(LibraryReactor, another_one_takes_its_place) {
   library_->setReactor(&first);
   library_->setReactor(&second);
   library_->save(named<Tag>("facade"));
-  EXPECT_THAT(first.calls, IsEmpty());
-  EXPECT_THAT(second.calls, ElementsAre("saved Tag 1", "type Tag", "library"));
+  EXPECT_THAT(first.calls(), IsEmpty());
+  EXPECT_THAT(second.calls(), ElementsAre("saved Tag 1", "type Tag", "library"));
 }
 
 TEST_F(LibraryReactor, null_brings_the_default_back) {
@@ -179,14 +179,14 @@ TEST_F(LibraryReactor, null_brings_the_default_back) {
   library_->setReactor(nullptr);
   EXPECT_EQ(thrown_by([&] { library_->save(named<Material>("Oak")); }).type,
             "veldra::ObjectNotUnique");
-  EXPECT_THAT(reactor.calls, IsEmpty());
+  EXPECT_THAT(reactor.calls(), IsEmpty());
 }
 
 TEST_F(LibraryReactor, it_belongs_to_one_handle) {
   RecordingReactor reactor;
   library_->setReactor(&reactor);
   open()->save(named<Tag>("facade"));
-  EXPECT_THAT(reactor.calls, IsEmpty());
+  EXPECT_THAT(reactor.calls(), IsEmpty());
 }
 
 TEST_F(LibraryReactor, one_may_serve_several_libraries) {
@@ -196,8 +196,8 @@ TEST_F(LibraryReactor, one_may_serve_several_libraries) {
   other->setReactor(&reactor);
   library_->save(named<Tag>("facade"));
   other->save(named<veldra::Layer>("Section"));
-  EXPECT_THAT(reactor.calls, ElementsAre("saved Tag 1", "type Tag", "library", "saved Layer 1",
-                                         "type Layer", "library"));
+  EXPECT_THAT(reactor.calls(), ElementsAre("saved Tag 1", "type Tag", "library", "saved Layer 1",
+                                           "type Layer", "library"));
 }
 
 TEST_F(LibraryReactor, it_is_not_told_of_metadata) {
@@ -205,7 +205,7 @@ TEST_F(LibraryReactor, it_is_not_told_of_metadata) {
   library_->setReactor(&reactor);
   library_->locale("de-CH");
   library_->region("Alps");
-  EXPECT_THAT(reactor.calls, IsEmpty());
+  EXPECT_THAT(reactor.calls(), IsEmpty());
 }
 
 TEST_F(LibraryReactor, a_library_never_deletes_it) {

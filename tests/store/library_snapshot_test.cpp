@@ -79,7 +79,7 @@ TEST_F(LibrarySnapshot, writes_and_a_second_one_are_refused_and_leave_it_alone) 
     write_beside("second");
     EXPECT_EQ(library->count<Tag>(), 1U);
   }
-  EXPECT_THAT(reactor.calls, testing::Not(testing::Contains(testing::StartsWith("saved Layer"))));
+  EXPECT_THAT(reactor.calls(), testing::Not(testing::Contains(testing::StartsWith("saved Layer"))));
   EXPECT_NE(rows(), before);
   EXPECT_TRUE(library->save(changed));
 }

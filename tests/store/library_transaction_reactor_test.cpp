@@ -54,9 +54,9 @@ class TransactionReactor : public LibraryTest {
 TEST_F(TransactionReactor, single_objects_are_told_at_once) {
   roll_back(*library, [&] {
     library->save(named<Tag>("facade"));
-    EXPECT_THAT(reactor.calls, ElementsAre("saved Tag 1"));
+    EXPECT_THAT(reactor.calls(), ElementsAre("saved Tag 1"));
     library->remove<Tag>(1);
-    EXPECT_THAT(reactor.calls, ElementsAre("saved Tag 1", "may remove Tag 1", "removed Tag 1"));
+    EXPECT_THAT(reactor.calls(), ElementsAre("saved Tag 1", "may remove Tag 1", "removed Tag 1"));
   });
 }
 
@@ -158,10 +158,10 @@ TEST_F(TransactionReactor, kinds_are_told_once_at_the_commit_in_ascending_order)
   library->remove<MaterialType>(1);
   EXPECT_THAT(reactor.calls_starting_with("type"), IsEmpty());
   EXPECT_THAT(reactor.calls_starting_with("library"), IsEmpty());
-  reactor.calls.clear();
+  reactor.forget();
   transaction.commit();
-  EXPECT_THAT(reactor.calls, ElementsAre("type Tag", "type MaterialType", "type Material",
-                                         "type Layer", "library"));
+  EXPECT_THAT(reactor.calls(), ElementsAre("type Tag", "type MaterialType", "type Material",
+                                           "type Layer", "library"));
 }
 
 TEST_F(TransactionReactor, kinds_are_told_when_it_is_rolled_back) {
@@ -169,9 +169,9 @@ TEST_F(TransactionReactor, kinds_are_told_when_it_is_rolled_back) {
     library->save(named<Layer>("Section"));
     library->save(named<Tag>("one"));
     library->purge<Layer>();
-    reactor.calls.clear();
+    reactor.forget();
   });
-  EXPECT_THAT(reactor.calls, ElementsAre("type Tag", "type Layer", "library"));
+  EXPECT_THAT(reactor.calls(), ElementsAre("type Tag", "type Layer", "library"));
 }
 
 TEST_F(TransactionReactor, an_end_is_told_once) {
@@ -179,29 +179,29 @@ TEST_F(TransactionReactor, an_end_is_told_once) {
     Transaction transaction(*library);
     library->save(named<Tag>("one"));
     transaction.commit();
-    reactor.calls.clear();
+    reactor.forget();
     EXPECT_EQ(thrown_by([&] { transaction.commit(); }), "odb::transaction_already_finalized");
   }
-  EXPECT_THAT(reactor.calls, IsEmpty());
+  EXPECT_THAT(reactor.calls(), IsEmpty());
 }
 
 TEST_F(TransactionReactor, the_next_operation_tells_of_itself_alone) {
   commit(*library, [&] { library->save(named<Tag>("one")); });
   roll_back(*library, [&] { library->save(named<Material>("Oak")); });
-  reactor.calls.clear();
+  reactor.forget();
   library->save(named<Layer>("Section"));
-  EXPECT_THAT(reactor.calls, ElementsAre("saved Layer 1", "type Layer", "library"));
+  EXPECT_THAT(reactor.calls(), ElementsAre("saved Layer 1", "type Layer", "library"));
 }
 
 TEST_F(TransactionReactor, nothing_is_told_of_one_that_changes_nothing) {
   library->save(named<Tag>("one"));
-  reactor.calls.clear();
+  reactor.forget();
   commit(*library, [&] {
     library->save(named<Tag>("one"));
     library->count<Tag>();
     library->locale("de-CH");
   });
-  EXPECT_THAT(reactor.calls, IsEmpty());
+  EXPECT_THAT(reactor.calls(), IsEmpty());
 }
 
 TEST_F(TransactionReactor, what_a_failed_operation_collected_is_told_at_the_end) {
@@ -211,10 +211,10 @@ TEST_F(TransactionReactor, what_a_failed_operation_collected_is_told_at_the_end)
     oak->name("Oak");
     EXPECT_EQ(thrown_by([&] { library->save(oak); }), "veldra::ObjectNotUnique");
     EXPECT_EQ(reactor.calls_starting_with("type").size(), 1u);
-    reactor.calls.clear();
+    reactor.forget();
   });
-  EXPECT_THAT(reactor.calls, ElementsAre("type Tag", "type MaterialType", "type CustomProperty",
-                                         "type Layer", "library"));
+  EXPECT_THAT(reactor.calls(), ElementsAre("type Tag", "type MaterialType", "type CustomProperty",
+                                           "type Layer", "library"));
 }
 
 TEST_F(TransactionReactor, at_the_end_all_is_in_the_file) {
@@ -313,7 +313,7 @@ TEST_F(TransactionReactor, what_throws_within_passes_one_that_throws_at_the_end)
 
 TEST_F(TransactionReactor, the_library_is_there_until_the_last_of_the_calls_at_the_end) {
   for (const bool committed : {true, false}) {
-    reactor.calls.clear();
+    reactor.forget();
     const std::weak_ptr<Library> watched = library;
     auto transaction = std::make_unique<Transaction>(*library);
     library->save(named<Layer>(committed ? "kept" : "lost"));
@@ -340,8 +340,8 @@ TEST_F(TransactionReactor, the_one_that_is_installed_at_the_end_is_told) {
     library->setReactor(&late);
     transaction.commit();
   }
-  EXPECT_THAT(reactor.calls, ElementsAre("saved Tag 1"));
-  EXPECT_THAT(late.calls, ElementsAre("type Tag", "library"));
+  EXPECT_THAT(reactor.calls(), ElementsAre("saved Tag 1"));
+  EXPECT_THAT(late.calls(), ElementsAre("type Tag", "library"));
   library->setReactor(&reactor);
 }
 

@@ -110,7 +110,7 @@ TEST_F(LibraryTransaction, one_in_which_nothing_is_done_writes_nothing) {
   commit(*library, [] {});
   roll_back(*library, [] {});
   EXPECT_TRUE(before == FileState(path));
-  EXPECT_THAT(reactor.calls, IsEmpty());
+  EXPECT_THAT(reactor.calls(), IsEmpty());
 }
 
 TEST_F(LibraryTransaction, one_commit_is_all_there_is) {

@@ -15,11 +15,12 @@ class ManagerReactor : public LibraryFixture {
   // Whether the reactor is the one of the library. The name must be new to the library.
   static bool is_told(RecordingReactor& reactor, const std::shared_ptr<Library>& library,
                       const std::string& name = "facade") {
-    reactor.calls.clear();
+    reactor.forget();
     library->save(named<Tag>(name));
     const std::vector<std::string> kind_and_library = {"type Tag", "library"};
-    return std::vector<std::string>(reactor.calls.begin() + (reactor.calls.empty() ? 0 : 1),
-                                    reactor.calls.end()) == kind_and_library;
+    const std::vector<std::string> calls = reactor.calls();
+    return std::vector<std::string>(calls.begin() + (calls.empty() ? 0 : 1), calls.end()) ==
+           kind_and_library;
   }
 
   static void expect_the_default_reactor(const std::shared_ptr<Library>& library) {
@@ -73,7 +74,7 @@ TEST_F(ManagerReactor, another_one_takes_its_place_in_all_open_libraries) {
   const auto library = created(manager);
   manager.setReactor(&other);
   EXPECT_TRUE(is_told(other, library));
-  EXPECT_THAT(reactor_.calls, IsEmpty());
+  EXPECT_THAT(reactor_.calls(), IsEmpty());
 }
 
 TEST_F(ManagerReactor, null_brings_the_default_one_back) {
@@ -83,7 +84,7 @@ TEST_F(ManagerReactor, null_brings_the_default_one_back) {
   manager.setReactor(nullptr);
   expect_the_default_reactor(library);
   expect_the_default_reactor(created(manager, "floors.lib"));
-  EXPECT_THAT(reactor_.calls, IsEmpty());
+  EXPECT_THAT(reactor_.calls(), IsEmpty());
 }
 
 TEST_F(ManagerReactor, released_libraries_are_passed_over) {
@@ -100,7 +101,7 @@ TEST_F(ManagerReactor, one_that_is_set_when_all_are_released_serves_the_next) {
   LibraryManager manager;
   created(manager);
   manager.setReactor(&reactor_);
-  EXPECT_THAT(reactor_.calls, IsEmpty());
+  EXPECT_THAT(reactor_.calls(), IsEmpty());
   EXPECT_TRUE(is_told(reactor_, created(manager)));
 }
 
@@ -113,7 +114,7 @@ TEST_F(ManagerReactor, asking_for_an_open_library_leaves_the_one_that_its_host_i
   ASSERT_EQ(created(manager), library);
   ASSERT_EQ(manager.open((folder / "walls.lib").c_str(), false), library);
   EXPECT_TRUE(is_told(hosts, library));
-  EXPECT_THAT(reactor_.calls, IsEmpty());
+  EXPECT_THAT(reactor_.calls(), IsEmpty());
 }
 
 TEST_F(ManagerReactor, libraries_of_others_are_left_alone) {
@@ -146,7 +147,7 @@ TEST_F(ManagerReactor, an_error_of_opening_leaves_it_where_it_was) {
 TEST_F(ManagerReactor, making_a_library_tells_it_nothing) {
   LibraryManager manager(&reactor_);
   created(manager);
-  EXPECT_THAT(reactor_.calls, IsEmpty());
+  EXPECT_THAT(reactor_.calls(), IsEmpty());
 }
 
 TEST_F(ManagerReactor, the_manager_of_the_process_has_none_at_first_and_takes_one) {

@@ -68,7 +68,7 @@ void RandomWalk::do_several() {
 }
 
 void RandomWalk::commit(Side& side) {
-  side.reactor.calls.clear();
+  side.reactor.forget();
   side.held->transaction.commit();
   EXPECT_EQ(notifications_in(side.reactor), notifications_of(side.held->changed));
   side.held.reset();
@@ -79,7 +79,7 @@ void RandomWalk::roll_back(Side& side) {
   const Before before = std::move(side.held->before);
   const std::set<ObjectType> changed = side.held->changed;
   what_ = "rollback of " + side.path + " after " + what_;
-  side.reactor.calls.clear();
+  side.reactor.forget();
   side.held.reset();
   side.model = before.model;
   EXPECT_EQ(notifications_in(side.reactor), notifications_of(changed)) << what_;
@@ -145,7 +145,7 @@ bool RandomWalk::run(const Call& call, const Expected& expected, bool keeps_what
   } catch (const ModelFailure& thrown) {
     failure = thrown;
   }
-  side_->reactor.calls.clear();
+  side_->reactor.forget();
   const Thrown thrown = thrown_by(call);
   EXPECT_EQ(thrown.type, failure.type) << what_ << ": " << thrown;
   EXPECT_EQ(thrown.text, failure.text) << what_;

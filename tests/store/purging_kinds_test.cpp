@@ -174,7 +174,7 @@ TEST_F(Purging, the_kinds_come_in_a_fixed_order_and_ids_ascending) {
   library->purge();
 
   EXPECT_THAT(
-      reactor.calls,
+      reactor.calls(),
       ElementsAre("may remove Composition 1", "removed Composition 1", "may remove Material 1",
                   "removed Material 1", "may remove Material 2", "removed Material 2",
                   "may remove MaterialType 14", "removed MaterialType 14",
@@ -205,7 +205,7 @@ TEST_F(Purging, chosen_kinds_come_in_the_fixed_order_whatever_their_numbers) {
 
   library->purge({ObjectType::Tag, ObjectType::Layer, ObjectType::CustomProperty});
 
-  EXPECT_THAT(reactor.calls,
+  EXPECT_THAT(reactor.calls(),
               ElementsAre("may remove Layer 1", "removed Layer 1", "may remove CustomProperty 1",
                           "removed CustomProperty 1", "may remove Tag 1", "removed Tag 1",
                           "type Tag", "type CustomProperty", "type Layer", "library"));
@@ -266,14 +266,14 @@ TEST_F(Purging, no_kinds_purge_nothing) {
 
   EXPECT_EQ(rows(), before);
   EXPECT_THAT(result, IsEmpty());
-  EXPECT_THAT(reactor.calls, IsEmpty());
+  EXPECT_THAT(reactor.calls(), IsEmpty());
 }
 
 TEST_F(Purging, an_empty_kind_purges_nothing_and_tells_nothing) {
   listen();
   library->purge<Tag>();
   library->purge({ObjectType::Layer, ObjectType::Composition});
-  EXPECT_THAT(reactor.calls, IsEmpty());
+  EXPECT_THAT(reactor.calls(), IsEmpty());
 }
 
 TEST_F(Purging, twice_is_as_good_as_once) {
@@ -331,8 +331,8 @@ TEST_F(Purging, a_failure_ends_it_and_what_went_before_stays_removed_and_is_told
   EXPECT_EQ(library->count<Composition>(), 0u);
   EXPECT_EQ(library->count<Layer>(), 1u);
   EXPECT_EQ(library->count<Tag>(), 1u);
-  EXPECT_THAT(reactor.calls, ElementsAre("may remove Composition 1", "removed Composition 1",
-                                         "may remove Layer 1", "type Composition", "library"));
+  EXPECT_THAT(reactor.calls(), ElementsAre("may remove Composition 1", "removed Composition 1",
+                                           "may remove Layer 1", "type Composition", "library"));
 }
 
 TEST_F(Purging, a_library_for_reading_refuses_every_form) {

@@ -288,7 +288,7 @@ TYPED_TEST(ReadingKinds, reading_writes_nothing_and_notifies_of_nothing) {
   this->found("%a%");
   this->reader().template count<TypeParam>();
   EXPECT_TRUE(read_file(this->path) == before);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
 }
 
 TYPED_TEST(ReadingKinds, a_library_for_reading_only_reads) {

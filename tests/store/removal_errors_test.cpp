@@ -179,7 +179,7 @@ TEST_F(RemovalInOldFile, a_refusal_amid_the_statement_is_not_told) {
 
   EXPECT_EQ(thrown_by([&] { library->remove(layer); }), "veldra::ObjectInUse");
 
-  EXPECT_THAT(reactor.calls, ElementsAre("may remove Layer 1"));
+  EXPECT_THAT(reactor.calls(), ElementsAre("may remove Layer 1"));
 }
 
 }  // namespace

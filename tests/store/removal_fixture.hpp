@@ -46,7 +46,7 @@ class RemovalTest : public LibraryTest {
   }
 
   /// Forgets what the reactor wrote down so far.
-  void listen() { reactor.calls.clear(); }
+  void listen() { reactor.forget(); }
 
   /// How many rows a table has, as plain SQLite sees it.
   std::string rows_in(const std::string& table) const {

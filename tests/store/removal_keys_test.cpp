@@ -50,7 +50,7 @@ TEST_F(RemovalOfKeys, each_object_is_asked_for_right_before_it_goes) {
 
   library->remove(keys_);
 
-  EXPECT_THAT(reactor.calls,
+  EXPECT_THAT(reactor.calls(),
               ElementsAre("may remove Composition 1", "removed Composition 1",
                           "may remove Composition 2", "removed Composition 2", "may remove Layer 1",
                           "removed Layer 1", "may remove Layer 2", "removed Layer 2",

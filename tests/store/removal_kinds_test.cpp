@@ -80,7 +80,7 @@ TYPED_TEST(RemovalOfKind, an_empty_pointer_removes_nothing) {
   EXPECT_FALSE(this->library->remove(std::shared_ptr<TypeParam>()));
 
   EXPECT_EQ(this->rows(), before);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
 }
 
 TYPED_TEST(RemovalOfKind, an_unknown_id_is_not_found) {
@@ -169,7 +169,7 @@ TYPED_TEST(RemovalOfKind, a_set_is_taken_in_ascending_order_of_the_ids) {
 
   this->library->template remove<TypeParam>(ids);
 
-  EXPECT_EQ(this->reactor.calls, expected);
+  EXPECT_EQ(this->reactor.calls(), expected);
 }
 
 TYPED_TEST(RemovalOfKind, a_set_stops_at_an_unknown_id_and_what_went_before_stays_removed) {
@@ -212,7 +212,7 @@ TYPED_TEST(RemovalOfKind, an_empty_set_removes_nothing) {
 
   EXPECT_THAT(result, IsEmpty());
   EXPECT_EQ(this->rows(), before);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
 }
 
 TYPED_TEST(RemovalOfKind, the_reactor_can_refuse) {
@@ -230,7 +230,7 @@ TYPED_TEST(RemovalOfKind, the_reactor_can_refuse) {
   EXPECT_THAT(result, ElementsAre(Pair(key_of(object), false)));
   const std::string asked =
       "may remove " + kind_of<TypeParam>() + " " + std::to_string(object->id());
-  EXPECT_THAT(this->reactor.calls, ElementsAre(asked, asked, asked));
+  EXPECT_THAT(this->reactor.calls(), ElementsAre(asked, asked, asked));
   EXPECT_EQ(this->rows(), before);
   this->expect_usable();
 }

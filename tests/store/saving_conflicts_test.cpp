@@ -16,7 +16,7 @@ class SavingConflicts : public LibraryTest {
   SavingConflicts() : stored(named<T>("Oak")) {
     stored->description("stored");
     library->save(stored);
-    reactor.calls.clear();
+    reactor.forget();
   }
 
   static std::shared_ptr<T> described(const char* name, const char* description) {
@@ -68,7 +68,7 @@ TYPED_TEST(SavingConflicts, without_a_reactor_a_taken_name_is_not_unique) {
 TYPED_TEST(SavingConflicts, a_reactor_that_does_not_decide_is_the_default_one) {
   const auto object = this->described("Oak", "new");
   EXPECT_EQ(thrown_by([&] { this->library->save(object); }), "veldra::ObjectNotUnique");
-  EXPECT_THAT(this->reactor.calls, ElementsAre(this->asked("Oak")));
+  EXPECT_THAT(this->reactor.calls(), ElementsAre(this->asked("Oak")));
 }
 
 TYPED_TEST(SavingConflicts, the_reactor_gets_the_library_the_kind_and_the_name) {
@@ -79,7 +79,7 @@ TYPED_TEST(SavingConflicts, the_reactor_gets_the_library_the_kind_and_the_name) 
     return Reactor::UseExisting;
   };
   this->library->save(this->described("Oak", "new"));
-  EXPECT_EQ(this->reactor.calls.size(), 1u);
+  EXPECT_EQ(this->reactor.calls().size(), 1u);
 }
 
 TYPED_TEST(SavingConflicts, use_existing_makes_the_object_the_stored_one) {
@@ -96,7 +96,7 @@ TYPED_TEST(SavingConflicts, use_existing_makes_the_object_the_stored_one) {
   EXPECT_EQ(this->rows(), before);
   EXPECT_EQ(this->entry(mapping, 0, nullptr).status, IdMapping::Existing);
   EXPECT_EQ(this->entry(mapping, 0, nullptr).id, this->stored->id());
-  EXPECT_THAT(this->reactor.calls, ElementsAre(this->asked("Oak")));
+  EXPECT_THAT(this->reactor.calls(), ElementsAre(this->asked("Oak")));
 }
 
 TYPED_TEST(SavingConflicts, use_existing_links_what_the_stored_one_refers_to) {
@@ -123,7 +123,7 @@ TYPED_TEST(SavingConflicts, overwrite_gives_the_stored_one_the_values) {
   EXPECT_THAT(this->stored_rows(), ElementsAre(Row{"1", "'Oak'", "'new'"}));
   EXPECT_EQ(this->entry(mapping, 0, nullptr).status, IdMapping::Updated);
   EXPECT_EQ(this->entry(mapping, 0, nullptr).id, this->stored->id());
-  EXPECT_THAT(this->reactor.calls,
+  EXPECT_THAT(this->reactor.calls(),
               ElementsAre(this->asked("Oak"), this->saved(1), this->changed(), "library"));
 }
 
@@ -154,13 +154,13 @@ TYPED_TEST(SavingConflicts, rename_saves_under_the_new_name) {
   EXPECT_THAT(this->stored_rows(),
               ElementsAre(Row{"1", "'Oak'", "'stored'"}, Row{"2", "'Oak 2'", "'new'"}));
   EXPECT_EQ(this->entry(mapping, 0, nullptr).status, IdMapping::Inserted);
-  EXPECT_THAT(this->reactor.calls,
+  EXPECT_THAT(this->reactor.calls(),
               ElementsAre(this->asked("Oak"), this->saved(2), this->changed(), "library"));
 }
 
 TYPED_TEST(SavingConflicts, a_new_name_that_is_taken_too_asks_again) {
   this->library->save(named<TypeParam>("Oak x"));
-  this->reactor.calls.clear();
+  this->reactor.forget();
   this->reactor.on_conflict = [](Library&, ObjectType, String& name) {
     name = String((name.utf8() + " x").c_str());
     return Reactor::Rename;
@@ -259,9 +259,9 @@ TYPED_TEST(SavingConflicts, an_update_to_a_taken_name_asks_too) {
   pine->name("Oak");
   const std::string state = state_of(pine);
   const std::string before = this->rows();
-  this->reactor.calls.clear();
+  this->reactor.forget();
   EXPECT_EQ(thrown_by([&] { this->library->save(pine); }), "veldra::ObjectNotUnique");
-  EXPECT_THAT(this->reactor.calls, ElementsAre(this->asked("Oak")));
+  EXPECT_THAT(this->reactor.calls(), ElementsAre(this->asked("Oak")));
   EXPECT_EQ(state_of(pine), state);
   EXPECT_EQ(this->rows(), before);
 }
@@ -320,7 +320,7 @@ std::shared_ptr<Material> coded(const char* name, const char* code) {
 
 TEST_F(SavingCodes, a_taken_code_is_not_unique_and_nobody_is_asked) {
   library->save(coded("Oak", "W-1"));
-  reactor.calls.clear();
+  reactor.forget();
   reactor.decision = Reactor::UseExisting;
   const auto pine = coded("Pine", "W-1");
   const std::string state = state_of(pine);
@@ -330,19 +330,19 @@ TEST_F(SavingCodes, a_taken_code_is_not_unique_and_nobody_is_asked) {
   EXPECT_EQ(thrown.text, "Material.code");
   EXPECT_EQ(state_of(pine), state);
   EXPECT_EQ(rows(), before);
-  EXPECT_THAT(reactor.calls, IsEmpty());
+  EXPECT_THAT(reactor.calls(), IsEmpty());
   pine->code("W-2");
   EXPECT_EQ(library->save(pine), pine);
 }
 
 TEST_F(SavingCodes, a_taken_code_counts_before_a_taken_name) {
   library->save(coded("Oak", "W-1"));
-  reactor.calls.clear();
+  reactor.forget();
   reactor.decision = Reactor::Overwrite;
   const Thrown thrown = thrown_by([&] { library->save(coded("Oak", "W-1")); });
   EXPECT_EQ(thrown, "veldra::ObjectNotUnique");
   EXPECT_EQ(thrown.text, "Material.code");
-  EXPECT_THAT(reactor.calls, IsEmpty());
+  EXPECT_THAT(reactor.calls(), IsEmpty());
 }
 
 TEST_F(SavingCodes, an_update_to_a_taken_code_is_not_unique) {

@@ -12,7 +12,7 @@ class SavingDependents : public LibraryTest {
 
 TEST_F(SavingDependents, those_of_a_material_come_first_and_in_order) {
   library->save(full_material("Oak"));
-  EXPECT_THAT(reactor.calls,
+  EXPECT_THAT(reactor.calls(),
               ElementsAre("saved Tag 1", "saved Tag 2", "saved MaterialType 14", "saved Layer 1",
                           "saved CustomProperty 1", "saved CustomProperty 2", "saved Material 1",
                           "type Tag", "type MaterialType", "type Material", "type CustomProperty",
@@ -22,7 +22,7 @@ TEST_F(SavingDependents, those_of_a_material_come_first_and_in_order) {
 TEST_F(SavingDependents, those_of_a_composition_come_first_and_in_order) {
   library->save(full_composition("Wall"));
   EXPECT_THAT(
-      reactor.calls,
+      reactor.calls(),
       ElementsAre("saved CustomProperty 1", "saved CustomProperty 2", "saved Tag 1", "saved Tag 2",
                   "saved Layer 1",                                                         //
                   "saved Tag 3", "saved Tag 4", "saved MaterialType 14", "saved Layer 2",  //
@@ -50,14 +50,14 @@ TEST_F(SavingDependents, those_of_a_clean_object_are_not_visited) {
   composition->appendLayer({material, Material::Function::None, 1.0});
   composition->name("Wall");
   library->save(composition);
-  reactor.calls.clear();
+  reactor.forget();
   material->name("Changed");
   material->tags(toModify)[0] = Tag::create("Changed");
   const std::string before = rows();
   EXPECT_EQ(library->save(composition), composition);
   EXPECT_EQ(rows(), before);
   EXPECT_TRUE(material->isDirty());
-  EXPECT_THAT(reactor.calls, IsEmpty());
+  EXPECT_THAT(reactor.calls(), IsEmpty());
 }
 
 TEST_F(SavingDependents, a_new_object_without_a_name_is_clean_and_not_written) {
@@ -79,7 +79,7 @@ TEST_F(SavingDependents, changed_ones_are_updated_with_their_owner) {
   const auto wall = library->save(full_composition("Wall"));
   const auto material = material_of(wall, 0);
   const auto type = std::const_pointer_cast<MaterialType>(material->type());
-  reactor.calls.clear();
+  reactor.forget();
   type->name("Changed type");
   material->cost("Changed cost");
   wall->comments("Changed comments");
@@ -92,10 +92,10 @@ TEST_F(SavingDependents, changed_ones_are_updated_with_their_owner) {
 
 TEST_F(SavingDependents, clean_ones_are_neither_written_nor_told_of) {
   const auto wall = library->save(full_composition("Wall"));
-  reactor.calls.clear();
+  reactor.forget();
   wall->comments("Changed");
   library->save(wall);
-  EXPECT_THAT(reactor.calls, ElementsAre("saved Composition 1", "type Composition", "library"));
+  EXPECT_THAT(reactor.calls(), ElementsAre("saved Composition 1", "type Composition", "library"));
 }
 
 TEST_F(SavingDependents, stored_ones_of_the_same_names_take_their_place) {
@@ -103,7 +103,7 @@ TEST_F(SavingDependents, stored_ones_of_the_same_names_take_their_place) {
   library->save(MaterialType::create("Oak type"));
   library->save(Layer::create("Oak layer"));
   library->save(CustomProperty::create("Oak property 1", ObjectType::Material));
-  reactor.calls.clear();
+  reactor.forget();
   const auto oak = full_material("Oak");
   library->save(oak);
   EXPECT_THAT(saved(), ElementsAre("saved Tag 2", "saved CustomProperty 2", "saved Material 1"));
@@ -290,7 +290,7 @@ TEST_F(SavingDependents, layers_of_the_same_foreign_material_share_one_copy) {
 
 TEST_F(SavingDependents, a_conflict_of_a_layer_s_material_is_put_to_the_reactor) {
   const auto stored = library->save(Material::create("Wall core"));
-  reactor.calls.clear();
+  reactor.forget();
   reactor.decision = Library::Reactor::UseExisting;
   const auto wall = full_composition("Wall");
   library->save(wall);
@@ -331,14 +331,14 @@ TEST_F(SavingDependents, two_handles_on_one_file_are_two_libraries) {
 
 TEST_F(SavingDependents, what_was_saved_before_a_merge_stays) {
   library->save(Material::create("Oak"));
-  reactor.calls.clear();
+  reactor.forget();
   reactor.decision = Library::Reactor::UseExisting;
   const auto oak = Material::create("Oak");
   oak->addTag(Tag::create("new"));
   library->save(oak);
   EXPECT_TRUE(library->get<Tag>("new"));
   EXPECT_THAT(oak->tags(), IsEmpty());
-  EXPECT_THAT(reactor.calls,
+  EXPECT_THAT(reactor.calls(),
               ElementsAre("saved Tag 1", "conflict Material 'Oak'", "type Tag", "library"));
 }
 
@@ -374,7 +374,7 @@ TEST_F(SavingGeneric, a_material_without_a_type_becomes_generic) {
   EXPECT_EQ(oak->type()->library(), library);
   EXPECT_FALSE(oak->type()->isDirty());
   EXPECT_EQ(value("SELECT type FROM Material"), "4");
-  EXPECT_THAT(reactor.calls, ElementsAre("saved Material 1", "type Material", "library"));
+  EXPECT_THAT(reactor.calls(), ElementsAre("saved Material 1", "type Material", "library"));
   EXPECT_EQ(library->count<MaterialType>(), 13u);
 }
 

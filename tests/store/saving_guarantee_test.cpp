@@ -190,7 +190,7 @@ TEST_P(SavingBrokenText, leaves_new_objects_as_they_were) {
   const auto wall = full_composition("Wall");
   GetParam().spoil(*wall);
   EXPECT_EQ(expect_that_failing_changes_nothing(wall), "utf8::invalid_utf16");
-  EXPECT_THAT(reactor.calls, Not(testing::IsEmpty()));
+  EXPECT_THAT(reactor.calls(), Not(testing::IsEmpty()));
 }
 
 TEST_P(SavingBrokenText, leaves_stored_objects_as_they_were) {
@@ -511,13 +511,13 @@ TEST_F(SavingGuarantee, what_was_collected_is_told_after_a_failure) {
   refuse(Refusal{"INSERT", "Material", ""});
   EXPECT_EQ(thrown_by([&] { library->save(full_material("Oak")); }),
             "odb::sqlite::database_exception");
-  EXPECT_THAT(reactor.calls,
+  EXPECT_THAT(reactor.calls(),
               ElementsAre("saved Tag 1", "saved Tag 2", "saved MaterialType 14", "saved Layer 1",
                           "saved CustomProperty 1", "saved CustomProperty 2", "type Tag",
                           "type MaterialType", "type CustomProperty", "type Layer", "library"));
-  reactor.calls.clear();
+  reactor.forget();
   library->save(Layer::create("Section"));
-  EXPECT_THAT(reactor.calls, ElementsAre("saved Layer 1", "type Layer", "library"));
+  EXPECT_THAT(reactor.calls(), ElementsAre("saved Layer 1", "type Layer", "library"));
 }
 
 TEST_F(SavingGuarantee, a_kind_whose_report_fails_does_not_count_as_changed) {
@@ -525,7 +525,7 @@ TEST_F(SavingGuarantee, a_kind_whose_report_fails_does_not_count_as_changed) {
   IdMapping mapping(library.get());
   EXPECT_EQ(thrown_by([&] { library->save(Layer::create("Section"), mapping); }),
             "std::runtime_error");
-  EXPECT_THAT(reactor.calls, ElementsAre("saved Layer 1"));
+  EXPECT_THAT(reactor.calls(), ElementsAre("saved Layer 1"));
   EXPECT_TRUE(mapping.has({ObjectKey(ObjectType::Layer, 0), nullptr}));
 }
 

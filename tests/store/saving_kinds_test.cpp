@@ -43,7 +43,7 @@ TYPED_TEST(SavingKinds, a_new_object_is_inserted_bound_and_clean) {
   EXPECT_FALSE(object->isDirty());
   EXPECT_EQ(this->stored_name(object->id()), "'Alpha'");
   EXPECT_EQ(this->count(), before + 1);
-  EXPECT_THAT(this->reactor.calls,
+  EXPECT_THAT(this->reactor.calls(),
               ElementsAre(this->saved(object->id()), this->changed(), "library"));
 }
 
@@ -63,19 +63,19 @@ TYPED_TEST(SavingKinds, a_null_pointer_gives_null_and_writes_nothing) {
   EXPECT_FALSE(this->library->save(std::shared_ptr<TypeParam>(), mapping));
   EXPECT_TRUE(read_file(this->path) == before);
   EXPECT_EQ(mapping.size(), 0u);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
 }
 
 TYPED_TEST(SavingKinds, an_unchanged_object_is_left_alone) {
   const auto object = this->library->save(named<TypeParam>("Alpha"));
   const auto loaded = this->library->template get<TypeParam>(object->id());
   const std::string before = this->rows();
-  this->reactor.calls.clear();
+  this->reactor.forget();
   IdMapping mapping(this->library.get());
   EXPECT_EQ(this->library->save(object), object);
   EXPECT_EQ(this->library->save(loaded, mapping), loaded);
   EXPECT_EQ(this->rows(), before);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
   const auto entry = this->entry(mapping, object->id(), this->library.get());
   EXPECT_EQ(entry.id, object->id());
   EXPECT_EQ(entry.status, IdMapping::Existing);
@@ -107,7 +107,7 @@ TYPED_TEST(SavingKinds, an_object_of_another_library_is_copied) {
   const auto entry = this->entry(mapping, source->id(), other.get());
   EXPECT_EQ(entry.id, copy->id());
   EXPECT_EQ(entry.status, IdMapping::Inserted);
-  EXPECT_THAT(this->reactor.calls,
+  EXPECT_THAT(this->reactor.calls(),
               ElementsAre(this->saved(copy->id()), this->changed(), "library"));
 }
 
@@ -117,7 +117,7 @@ TYPED_TEST(SavingKinds, an_object_in_the_mapping_is_not_copied_again) {
   IdMapping mapping(this->library.get());
   const auto copy = this->library->save(source, mapping);
   const std::string before = this->rows();
-  this->reactor.calls.clear();
+  this->reactor.forget();
   const auto again = this->library->save(source, mapping);
   const auto another_handle =
       this->library->save(other->template get<TypeParam>(source->id()), mapping);
@@ -127,7 +127,7 @@ TYPED_TEST(SavingKinds, an_object_in_the_mapping_is_not_copied_again) {
   EXPECT_FALSE(again->isDirty());
   EXPECT_EQ(another_handle->id(), copy->id());
   EXPECT_EQ(this->rows(), before);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
   EXPECT_EQ(this->entry(mapping, source->id(), other.get()).status, IdMapping::Inserted);
 }
 
@@ -161,7 +161,7 @@ TYPED_TEST(SavingKinds, an_entry_of_an_object_that_is_gone_gives_null_and_writes
   const std::string before = this->rows();
   EXPECT_FALSE(this->library->save(source, mapping));
   EXPECT_EQ(this->rows(), before);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
 }
 
 TYPED_TEST(SavingKinds, an_object_of_a_closed_library_is_saved_by_its_id) {
@@ -209,7 +209,7 @@ TYPED_TEST(SavingKinds, only_uniqueness_is_a_conflict) {
   EXPECT_EQ(thrown.code, 19);
   EXPECT_EQ(thrown.extended, 1811);
   EXPECT_EQ(thrown.text, "no new " + kind_of<TypeParam>() + ".name");
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
   EXPECT_EQ(state_of(object), state);
   EXPECT_EQ(this->rows(), before);
   PlainDatabase(this->path).execute("DROP TRIGGER refuse");
@@ -226,7 +226,7 @@ TYPED_TEST(SavingKinds, a_violated_check_passes_unchanged) {
   EXPECT_EQ(thrown, "odb::sqlite::database_exception");
   EXPECT_EQ(thrown.code, 19);
   EXPECT_EQ(thrown.extended, 275);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
   EXPECT_TRUE(this->library->save(named<TypeParam>("Beta")));
 }
 
@@ -256,7 +256,7 @@ TYPED_TEST(SavingKinds, save_of_an_unbound_object_writes_nothing) {
   EXPECT_EQ(object->id(), 0u);
   EXPECT_TRUE(object->isDirty());
   EXPECT_EQ(this->count(), before);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
 }
 
 TYPED_TEST(SavingKinds, save_into_a_library_gives_what_the_library_gives) {
@@ -289,7 +289,7 @@ TYPED_TEST(SavingKinds, a_handle_that_no_pointer_shares_cannot_be_saved) {
 template <class T>
 class SavingRenamed : public SavingKinds<T> {
  protected:
-  SavingRenamed() : object(this->library->save(named<T>("Alpha"))) { this->reactor.calls.clear(); }
+  SavingRenamed() : object(this->library->save(named<T>("Alpha"))) { this->reactor.forget(); }
 
   std::shared_ptr<T> object;
 };
@@ -310,7 +310,7 @@ TYPED_TEST(SavingRenamed, a_changed_object_is_updated) {
   const auto entry = this->entry(mapping, loaded->id(), this->library.get());
   EXPECT_EQ(entry.id, loaded->id());
   EXPECT_EQ(entry.status, IdMapping::Updated);
-  EXPECT_THAT(this->reactor.calls,
+  EXPECT_THAT(this->reactor.calls(),
               ElementsAre(this->saved(loaded->id()), this->changed(), "library"));
 }
 
@@ -381,7 +381,7 @@ TYPED_TEST(SavingRenamed, a_changed_object_of_another_library_is_copied_as_it_is
 template <class T>
 class SavingMerged : public SavingKinds<T> {
  protected:
-  SavingMerged() : stored(this->library->save(named<T>("Alpha"))) { this->reactor.calls.clear(); }
+  SavingMerged() : stored(this->library->save(named<T>("Alpha"))) { this->reactor.forget(); }
 
   std::shared_ptr<T> stored;
 };
@@ -398,7 +398,7 @@ TYPED_TEST(SavingMerged, a_new_object_of_a_taken_name_becomes_the_stored_one) {
   EXPECT_EQ(object->library(), this->library);
   EXPECT_FALSE(object->isDirty());
   EXPECT_EQ(this->rows(), before);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
   const auto entry = this->entry(mapping, 0, nullptr);
   EXPECT_EQ(entry.id, this->stored->id());
   EXPECT_EQ(entry.status, IdMapping::Existing);
@@ -418,7 +418,7 @@ TYPED_TEST(SavingMerged, an_object_of_another_library_becomes_the_stored_one) {
   EXPECT_EQ(state_of(source), source_state);
   EXPECT_EQ(this->rows(), before);
   EXPECT_EQ(this->entry(mapping, source->id(), other.get()).status, IdMapping::Existing);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
 }
 
 TYPED_TEST(SavingMerged, names_that_differ_in_case_are_two_names) {
@@ -438,13 +438,13 @@ TYPED_TEST(SavingClash, an_update_to_a_taken_name_is_not_unique) {
   object->name("Alpha");
   const std::string state = state_of(object);
   const std::string before = this->rows();
-  this->reactor.calls.clear();
+  this->reactor.forget();
   const Thrown thrown = thrown_by([&] { this->library->save(object); });
   EXPECT_EQ(thrown, "veldra::ObjectNotUnique");
   EXPECT_EQ(thrown.text, "");
   EXPECT_EQ(state_of(object), state);
   EXPECT_EQ(this->rows(), before);
-  EXPECT_THAT(this->reactor.calls, IsEmpty());
+  EXPECT_THAT(this->reactor.calls(), IsEmpty());
   object->name("Gamma");
   EXPECT_TRUE(object->save());
 }

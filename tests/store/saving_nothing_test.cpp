@@ -10,7 +10,7 @@ namespace {
 template <class T>
 class SavingNothing : public LibraryTest {
  protected:
-  SavingNothing() : stored_(library->save(named<T>("stored"))) { reactor.calls.clear(); }
+  SavingNothing() : stored_(library->save(named<T>("stored"))) { reactor.forget(); }
 
   /// It returns what was given, enters the object into the mapping and touches nothing.
   void expect_done() {
@@ -22,7 +22,7 @@ class SavingNothing : public LibraryTest {
     ASSERT_TRUE(mapping.compute({{ObjectTraits<T>::type, stored_->id()}, library.get()}, value));
     EXPECT_EQ(value.id, stored_->id());
     EXPECT_EQ(value.status, IdMapping::Existing);
-    EXPECT_THAT(reactor.calls, IsEmpty());
+    EXPECT_THAT(reactor.calls(), IsEmpty());
   }
 
   std::shared_ptr<T> stored_;
@@ -52,7 +52,7 @@ TYPED_TEST(SavingNothing, works_within_a_call_of_the_reactor) {
   bool called = false;
   this->reactor.on_saved = [&](Library&, const ObjectKey&) {
     called = true;
-    this->reactor.calls.clear();
+    this->reactor.forget();
     this->expect_done();
   };
   this->library->save(named<TypeParam>("new"));

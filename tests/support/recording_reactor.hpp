@@ -21,15 +21,19 @@ std::string kind_name(veldra::ObjectType type);
 ///     reactor.decision = veldra::Library::Reactor::UseExisting;
 ///     library->setReactor(&reactor);
 ///     library->save(oak);
-///     EXPECT_THAT(reactor.calls, ElementsAre("conflict Material 'Oak'"));
+///     EXPECT_THAT(reactor.calls(), ElementsAre("conflict Material 'Oak'"));
 ///
 /// A hook is called when the call was written down, with the arguments of the call; where there is
 /// an answer, the hook gives it in place of the member. A hook may throw.
+///
+/// Of the first thousand calls only conflicts allocate memory, so that a test in which memory is
+/// short learns what it was told.
 class RecordingReactor : public veldra::Library::Reactor {
  public:
-  std::vector<std::string> calls;
+  RecordingReactor() { calls_.reserve(1000); }
 
-  /// The answer to conflicts; 0 does what a library without a reactor does: it throws.
+  /// The answer to conflicts; 0 does what a library without a reactor does: it throws. `Rename`
+  /// gives the name with " again", or what `rename_with` says, behind it.
   int decision = 0;
 
   /// The answer to removals: anything but 0 refuses.
@@ -42,15 +46,25 @@ class RecordingReactor : public veldra::Library::Reactor {
   std::function<void(veldra::Library&)> on_library_changed;
   std::function<void(veldra::Library&, veldra::ObjectType)> on_type_changed;
 
-  /// Answers conflicts with the name and `suffix` behind it.
+  /// Answers conflicts with `Rename` and the name with `suffix` behind it.
   void rename_with(const std::string& suffix);
 
+  /// Calls `observer` whenever an object may be removed, and answers as before.
+  void watch_removals(const std::function<void()>& observer);
+
   /// Has each conflict and each saved object count `remaining` down; the one that finds 0 throws
-  /// `std::runtime_error`. Conflicts are answered as before.
-  void throw_at_the_end_of(int& remaining);
+  /// `std::runtime_error`.
+  void throw_at_the_end_of(int& remaining) { remaining_ = &remaining; }
+
+  std::vector<std::string> calls() const;
 
   /// The calls that start with `prefix`, such as "saved".
   std::vector<std::string> calls_starting_with(const std::string& prefix) const;
+
+  /// The numbers of the kinds of `typeChanged`, in order, and 0 for `libraryChanged`.
+  std::string changes() const;
+
+  void forget() { calls_.clear(); }
 
   int resolveNameConflict(veldra::Library& library, veldra::ObjectType type,
                           veldra::String& name) override;
@@ -60,6 +74,22 @@ class RecordingReactor : public veldra::Library::Reactor {
   void libraryChanged(veldra::Library& library) override;
   void typeChanged(veldra::Library& library, veldra::ObjectType type) override;
   void reserved() override;
+
+ private:
+  enum class What { Conflict, Saved, MayRemove, Removed, LibraryChanged, TypeChanged, Reserved };
+
+  struct Call {
+    What what;
+    veldra::ObjectKey key;  // of a conflict and of a change of a kind only the kind
+    veldra::String name;
+  };
+
+  static std::string text_of(const Call& call);
+  void count_down();
+
+  std::vector<Call> calls_;
+  std::string suffix_ = " again";
+  int* remaining_ = nullptr;
 };
 
 }  // namespace veldra_tests
