@@ -7,6 +7,15 @@
 // changelog.xml and a place in docs/file-format.md.
 
 // clang-format off
+#include <veldra/tag.hpp>
+#include <veldra/custom_property.hpp>
+#include <veldra/layer.hpp>
+#include <veldra/asset.hpp>
+#include <veldra/material_type.hpp>
+#include <veldra/material.hpp>
+#include <veldra/composition.hpp>
+#include "store/meta.hpp"
+
 #include "objects/tag_impl.hpp"
 #include "objects/custom_property_impl.hpp"
 #include "objects/layer_impl.hpp"
@@ -14,7 +23,6 @@
 #include "objects/material_type_impl.hpp"
 #include "objects/material_impl.hpp"
 #include "objects/composition_impl.hpp"
-#include "store/meta.hpp"
 #include "store/containers.hpp"
 // clang-format on
 

@@ -1,7 +1,7 @@
 #ifndef VELDRA_STORE_OBJECT_CACHE_HPP
 #define VELDRA_STORE_OBJECT_CACHE_HPP
 
-#include "store/replica.hpp"
+#include "objects/copies.hpp"
 
 #include <veldra/id_mapping.hpp>
 
