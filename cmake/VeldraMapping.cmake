@@ -19,8 +19,7 @@ function(veldra_generate_mapping sources)
       # The changelog of the source tree is only read: while the mapping agrees with it, nothing is
       # written at all, and a mapping that does not agree stops the build.
       set(schema --generate-schema --schema-format embedded --changelog-in ${changelog}
-          --changelog-out ${directory}/changelog.xml --hxx-epilogue
-          "#include \"store/asset_kinds.hpp\"")
+          --changelog-out ${directory}/changelog.xml)
     endif()
     set(outputs ${directory}/store/${name}-odb.cpp ${directory}/store/${name}-odb.hpp
         ${directory}/store/${name}-odb.ipp)

@@ -70,7 +70,8 @@ class VELDRA_EXPORT CustomPropertyKey {
 
   CustomPropertyKey();
 
-  std::shared_ptr<const CustomProperty> property_;
+  // Replaced within a map by another of the same name, which is all that the order looks at.
+  mutable std::shared_ptr<const CustomProperty> property_;
 };
 
 /// By name only, code unit by code unit.

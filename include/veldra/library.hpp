@@ -411,6 +411,11 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   // library, and the reactor of this library decides about names that are taken. The source is
   // only read. An empty source, and ids that it does not have, copy nothing.
   //
+  // The source is read in parts, and not locked in between. What goes from it meanwhile is left
+  // out; what was read is copied, with all that it refers to. Hold a `Snapshot` of the source to
+  // copy one state of it. Memory grows by the mapping and one entry for each saved object, and not
+  // otherwise with the size of the source.
+  //
   // Throw as `save` does; then nothing of the copy stays, but for the same exception, and the
   // mapping is to be replaced as there.
 
@@ -426,8 +431,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
             IdMapping& mapping);
   void copy(const std::shared_ptr<const Library>& source, const std::set<ObjectKey>& keys);
 
-  /// Copies all objects of the six kinds. Memory does not grow with the size of the source, apart
-  /// from the mapping.
+  /// Copies all objects of the six kinds.
   void copyAll(const std::shared_ptr<const Library>& source, IdMapping& mapping);
   void copyAll(const std::shared_ptr<const Library>& source);
 

@@ -65,10 +65,9 @@ class VELDRA_EXPORT String {
   /// Throws `utf8::invalid_utf8` for malformed UTF-8 and then keeps the former text.
   void utf8(const std::string& text);
 
-  /// The same for `size` bytes at `text`, which need not end with 0.
-  void utf8(const char* text, std::size_t size);
-
  private:
+  friend class StringAccess;
+
   unsigned short* text_;
 };
 

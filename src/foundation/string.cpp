@@ -72,6 +72,23 @@ std::size_t text_length(const unsigned short* text) noexcept {
   return static_cast<std::size_t>(end - text);
 }
 
+namespace {
+
+/// Half of a character that takes two code units.
+bool is_surrogate(unsigned short unit) noexcept { return (unit & 0xF800) == 0xD800; }
+
+}  // namespace
+
+/// Each half of a character of four bytes counts as two.
+std::size_t utf8_size(const unsigned short* text, std::size_t units) noexcept {
+  std::size_t size = units;
+  for (const unsigned short* unit = text; unit != text + units; ++unit) {
+    size += static_cast<std::size_t>(*unit >= 0x80) +
+            static_cast<std::size_t>(*unit >= 0x800 && !is_surrogate(*unit));
+  }
+  return size;
+}
+
 char* encode_utf8(const unsigned short* text, std::size_t units, char* out) {
   const unsigned short* end = text + units;
   const auto not_ascii = [](unsigned short unit) { return unit >= 0x80; };
@@ -118,22 +135,21 @@ String::operator bool() const noexcept { return !empty(); }
 
 std::string String::utf8() const {
   const std::size_t units = text_length(c_str());
-  std::string text(utf8_bound(units), '\0');
-  if (units != 0) {
-    const char* end = encode_utf8(text_, units, &text[0]);
-    text.resize(static_cast<std::size_t>(end - text.data()));
-  }
+  std::string text(utf8_size(c_str(), units), '\0');
+  if (units != 0) encode_utf8(text_, units, &text[0]);
   return text;
 }
 
-void String::utf8(const std::string& text) { utf8(text.data(), text.size()); }
+void String::utf8(const std::string& text) {
+  StringAccess::assign(*this, text.data(), text.size());
+}
 
-void String::utf8(const char* text, std::size_t size) {
+void StringAccess::assign(String& string, const char* text, std::size_t size) {
   const void* zero = size == 0 ? nullptr : std::memchr(text, 0, size);
   if (zero != nullptr) size = static_cast<std::size_t>(static_cast<const char*>(zero) - text);
   Units units = decode(text, size);
-  delete[] text_;
-  text_ = units.release();
+  delete[] string.text_;
+  string.text_ = units.release();
 }
 
 bool operator==(const String& left, const unsigned short* right) noexcept {

@@ -1,9 +1,14 @@
 #include "objects/asset_impl.hpp"
+#include "objects/completeness.hpp"
 #include "objects/handle_members.hpp"
 
 namespace veldra {
 
-VELDRA_HANDLE_MEMBERS(Asset);
+static_assert(is_complete<AssetValues>() && is_complete<StructuralAssetValues>() &&
+                  is_complete<ThermalAssetValues>(),
+              "a member of an asset is not described");
+
+VELDRA_HANDLE_MEMBERS(Asset)
 template class Tagged<Asset>;
 
 bool Asset::isKindOf(AssetType) const { return false; }
@@ -42,10 +47,7 @@ void StructuralAsset::thermal_conductivity(double thermal_conductivity) {
 }
 
 bool StructuralAsset::operator==(const StructuralAsset& other) const noexcept {
-  const Impl& a = impl();
-  const Impl& b = other.impl();
-  return a.subclass == b.subclass && a.density == b.density && a.specific_heat == b.specific_heat &&
-         a.thermal_conductivity == b.thermal_conductivity;
+  return equal_values<StructuralAssetValues>(impl(), other.impl());
 }
 
 bool StructuralAsset::operator!=(const StructuralAsset& other) const noexcept {
@@ -81,11 +83,7 @@ void ThermalAsset::thermal_conductivity(double thermal_conductivity) {
 }
 
 bool ThermalAsset::operator==(const ThermalAsset& other) const noexcept {
-  const Impl& a = impl();
-  const Impl& b = other.impl();
-  return a.subclass == b.subclass && a.source == b.source && a.density == b.density &&
-         a.emissivity == b.emissivity && a.specific_heat == b.specific_heat &&
-         a.thermal_conductivity == b.thermal_conductivity;
+  return equal_values<ThermalAssetValues>(impl(), other.impl());
 }
 
 bool ThermalAsset::operator!=(const ThermalAsset& other) const noexcept {

@@ -38,24 +38,9 @@ void assign_values(Record& record, const Record& other) {
   Record values(other);
   values.id = record.id;
   values.library = record.library;
+  values.is_stub = record.is_stub;
   values.dirty = true;
   record = std::move(values);
-}
-
-/// Equality of two references: the same object, or equal objects as `equal` tells.
-template <class T, class Equal>
-bool same_or(const std::shared_ptr<T>& left, const std::shared_ptr<T>& right, Equal equal) {
-  return left == right || (left != nullptr && right != nullptr && equal(*left, *right));
-}
-
-template <class T>
-bool same_or_equal(const std::shared_ptr<T>& left, const std::shared_ptr<T>& right) {
-  return same_or(left, right, [](const T& a, const T& b) { return a == b; });
-}
-
-template <class T>
-bool same_or_equal_names(const std::shared_ptr<T>& left, const std::shared_ptr<T>& right) {
-  return same_or(left, right, [](const T& a, const T& b) { return a.name() == b.name(); });
 }
 
 }  // namespace veldra

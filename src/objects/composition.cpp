@@ -1,72 +1,36 @@
+#include "objects/completeness.hpp"
 #include "objects/composition_impl.hpp"
+#include "objects/core_layers.hpp"
 #include "objects/handle_members.hpp"
 
 #include <algorithm>
-#include <stdexcept>
 
 namespace veldra {
 
-VELDRA_HANDLE_MEMBERS(Composition);
+static_assert(is_complete<CompositionValues>(), "a member of a composition is not described");
+
+VELDRA_HANDLE_MEMBERS(Composition)
 template class Tagged<Composition>;
 template class CustomValued<Composition>;
 
 namespace {
 
-void check_index(bool valid) {
-  if (!valid) throw std::out_of_range("invalid vector<T> subscript");
-}
-
 Composition::Layers::difference_type offset(std::uint64_t index) {
   return static_cast<Composition::Layers::difference_type>(index);
 }
 
-/// The index of the last layer, in the arithmetic of the stored indices: 4294967295 without layers.
-unsigned last_index(const Composition::Layers& layers) {
-  return static_cast<unsigned>(layers.size()) - 1;
+template <class Record>
+Core core_of(const Record& record) {
+  return {record.first_core_layer, record.last_core_layer};
 }
 
-/// Where the index of a layer goes when the layer at `from` moves to `to`; null: it stays.
-odb::nullable<unsigned> moved_index(unsigned index, std::uint64_t from, std::uint64_t to) {
-  if (from == index) return static_cast<unsigned>(to);
-  if (from < index && to >= index) return index - 1;
-  if (from > index && to <= index) return index + 1;
-  return {};
-}
-
-void move_core(Composition& composition, std::uint64_t from, std::uint64_t to) {
-  const unsigned first = composition.first_core_layer();
-  const unsigned last = composition.last_core_layer();
-  if (from == first && from == last) {
-    composition.first_core_layer(static_cast<unsigned>(to));
-    composition.last_core_layer(static_cast<unsigned>(to));
-    return;
-  }
-
-  // A layer from outside the core that comes to stand at one of its ends stays outside.
-  const bool from_core = first <= from && from <= last;
-  const bool before_first = to < first || (to == first && !from_core);
-  const bool behind_last = to > last || (to == last && !from_core);
-
-  if (from < first && to >= first) {
-    composition.first_core_layer(first - 1);
-  } else if (from >= first && before_first) {
-    composition.first_core_layer(first + 1);
-  }
-  if (from > last && to <= last) {
-    composition.last_core_layer(last + 1);
-  } else if (from <= last && behind_last) {
-    composition.last_core_layer(last - 1);
-  }
-}
-
-/// The first of the indices from `begin` towards `end`, in steps of `step`, whose layer may carry
-/// the structure; `otherwise` if there is none. The indices wrap around as they are stored.
-unsigned find_structure(const Composition& composition, unsigned begin, unsigned end, unsigned step,
-                        unsigned otherwise) {
-  for (unsigned index = begin; index != end; index += step) {
-    if (composition.layer(index).function() == Material::Function::Structure) return index;
-  }
-  return otherwise;
+/// Sets the core, and with it the structural layer, which lies within.
+template <class Record>
+void change_core(Record& record, const Core& core) {
+  change(record, record.first_core_layer, core.first);
+  change(record, record.last_core_layer, core.last);
+  change(record, record.structural_layer,
+         structure_within(core, record.structural_layer, record.layers));
 }
 
 }  // namespace
@@ -89,11 +53,7 @@ std::shared_ptr<Composition> Composition::create(const String& name) {
   return ObjectAccess::make<Composition>(name);
 }
 
-std::shared_ptr<Composition> Composition::clone() const {
-  const auto copy = create();
-  *copy = *this;
-  return copy;
-}
+std::shared_ptr<Composition> Composition::clone() const { return clone_of(*this); }
 
 Composition& Composition::operator=(const Composition& other) {
   assign_values(impl(), other.impl());
@@ -101,18 +61,7 @@ Composition& Composition::operator=(const Composition& other) {
 }
 
 bool Composition::operator==(const Composition& other) const {
-  const Impl& a = impl();
-  const Impl& b = other.impl();
-  // Deliberate: of the variable layer and of the maximum thickness only the presence counts.
-  return a.name == b.name && a.description == b.description && a.tags == b.tags &&
-         a.type == b.type && same_or_equal_names(a.entity_layer, b.entity_layer) &&
-         a.comments == b.comments && a.layers == b.layers &&
-         a.first_core_layer == b.first_core_layer && a.last_core_layer == b.last_core_layer &&
-         a.structural_layer == b.structural_layer &&
-         a.variable_layer.null() == b.variable_layer.null() &&
-         a.variable_layer_min_thickness == b.variable_layer_min_thickness &&
-         a.variable_layer_max_thickness.null() == b.variable_layer_max_thickness.null() &&
-         a.custom_values == b.custom_values;
+  return name() == other.name() && equal_values<CompositionValues>(impl(), other.impl());
 }
 
 bool Composition::operator!=(const Composition& other) const { return !(*this == other); }
@@ -211,7 +160,11 @@ void Composition::moveLayer(std::uint64_t from, std::uint64_t to) {
   record.layers.insert(record.layers.begin() + offset(place), moved);
 
   const auto structural = moved_index(record.structural_layer, from, to);
-  move_core(*this, from, to);
+  const Core core = core_of(record);
+  const auto first = moved_first(core, from, to);
+  const auto last = moved_last(core, from, to);
+  if (first) first_core_layer(*first);
+  if (last) last_core_layer(*last);
   if (structural) structural_layer(*structural);
   if (!has_variable_layer()) return;
   const auto variable = moved_index(variable_layer(), from, to);
@@ -221,28 +174,24 @@ void Composition::moveLayer(std::uint64_t from, std::uint64_t to) {
 unsigned Composition::first_core_layer() const noexcept { return impl().first_core_layer; }
 
 void Composition::first_core_layer(unsigned index) {
-  change(impl(), impl().first_core_layer, index);
-  if (index > last_core_layer()) last_core_layer(index);
-  structural_layer(structural_layer());
+  Impl& record = impl();
+  // Also where the layers end before the index, and the core stays where it is.
+  if (index != record.first_core_layer) record.dirty = true;
+  change_core(record, with_first(core_of(record), index, record.layers));
 }
 
 unsigned Composition::last_core_layer() const noexcept { return impl().last_core_layer; }
 
 void Composition::last_core_layer(unsigned index) {
-  const unsigned limited = std::min(index, last_index(layers()));
-  change(impl(), impl().last_core_layer, limited);
-  if (limited < first_core_layer()) first_core_layer(limited);
-  structural_layer(structural_layer());
+  Impl& record = impl();
+  change_core(record, with_last(core_of(record), index, record.layers));
 }
 
 unsigned Composition::structural_layer() const noexcept { return impl().structural_layer; }
 
 void Composition::structural_layer(unsigned index) {
-  const unsigned first = first_core_layer();
-  const unsigned last = last_core_layer();
-  if (index < first) index = find_structure(*this, first, last + 1, 1, first);
-  if (index > last) index = find_structure(*this, last, first - 1, -1U, last);
-  change(impl(), impl().structural_layer, index);
+  Impl& record = impl();
+  change(record, record.structural_layer, structure_within(core_of(record), index, record.layers));
 }
 
 bool Composition::has_variable_layer() const noexcept { return !impl().variable_layer.null(); }

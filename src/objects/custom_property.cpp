@@ -1,9 +1,12 @@
+#include "objects/completeness.hpp"
 #include "objects/custom_property_impl.hpp"
 #include "objects/handle_members.hpp"
 
 namespace veldra {
 
-VELDRA_HANDLE_MEMBERS(CustomProperty);
+static_assert(is_complete<CustomPropertyValues>(), "a member of a property is not described");
+
+VELDRA_HANDLE_MEMBERS(CustomProperty)
 
 std::shared_ptr<CustomProperty> CustomProperty::create(const String& name, ObjectType type) {
   const auto property = ObjectAccess::make<CustomProperty>(name);
@@ -11,16 +14,14 @@ std::shared_ptr<CustomProperty> CustomProperty::create(const String& name, Objec
   return property;
 }
 
-std::shared_ptr<CustomProperty> CustomProperty::clone() const {
-  return create(name(), object_type());
-}
+std::shared_ptr<CustomProperty> CustomProperty::clone() const { return clone_of(*this); }
 
 void CustomProperty::name(const String& name) { change(impl(), impl().name, name); }
 
 ObjectType CustomProperty::object_type() const noexcept { return impl().object_type; }
 
 bool CustomProperty::operator==(const CustomProperty& other) const noexcept {
-  return name() == other.name() && object_type() == other.object_type();
+  return name() == other.name() && equal_values<CustomPropertyValues>(impl(), other.impl());
 }
 
 bool CustomProperty::operator!=(const CustomProperty& other) const noexcept {

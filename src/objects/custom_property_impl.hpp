@@ -1,14 +1,23 @@
 #ifndef VELDRA_OBJECTS_CUSTOM_PROPERTY_IMPL_HPP
 #define VELDRA_OBJECTS_CUSTOM_PROPERTY_IMPL_HPP
 
+#include "objects/description.hpp"
 #include "objects/record.hpp"
 
 #include <veldra/custom_property.hpp>
 
 namespace veldra {
 
-struct CustomProperty::Impl : ObjectRecord {
+struct CustomPropertyValues {
   ObjectType object_type{};
+
+  static constexpr auto members() {
+    return std::make_tuple(describe::value(&CustomPropertyValues::object_type));
+  }
+};
+
+struct CustomProperty::Impl : ObjectRecord, CustomPropertyValues {
+  using Parts = DescribedBy<CustomPropertyValues>;
 };
 
 }  // namespace veldra

@@ -3,7 +3,7 @@
 
 namespace veldra {
 
-VELDRA_HANDLE_MEMBERS(Layer);
+VELDRA_HANDLE_MEMBERS(Layer)
 VELDRA_NAMED_MEMBERS(Layer)
 
 void Layer::name(const String& name) { change(impl(), impl().name, name); }

@@ -1,13 +1,16 @@
 #ifndef VELDRA_OBJECTS_LAYER_IMPL_HPP
 #define VELDRA_OBJECTS_LAYER_IMPL_HPP
 
+#include "objects/description.hpp"
 #include "objects/record.hpp"
 
 #include <veldra/layer.hpp>
 
 namespace veldra {
 
-struct Layer::Impl : ObjectRecord {};
+struct Layer::Impl : ObjectRecord {
+  using Parts = DescribedBy<>;
+};
 
 }  // namespace veldra
 

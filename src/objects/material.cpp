@@ -1,9 +1,12 @@
+#include "objects/completeness.hpp"
 #include "objects/handle_members.hpp"
 #include "objects/material_impl.hpp"
 
 namespace veldra {
 
-VELDRA_HANDLE_MEMBERS(Material);
+static_assert(is_complete<MaterialValues>(), "a member of a material is not described");
+
+VELDRA_HANDLE_MEMBERS(Material)
 template class Tagged<Material>;
 template class CustomValued<Material>;
 
@@ -13,11 +16,7 @@ std::shared_ptr<Material> Material::create(const String& name) {
   return ObjectAccess::make<Material>(name);
 }
 
-std::shared_ptr<Material> Material::clone() const {
-  const auto copy = create();
-  *copy = *this;
-  return copy;
-}
+std::shared_ptr<Material> Material::clone() const { return clone_of(*this); }
 
 Material& Material::operator=(const Material& other) {
   assign_values(impl(), other.impl());
@@ -25,24 +24,7 @@ Material& Material::operator=(const Material& other) {
 }
 
 bool Material::operator==(const Material& other) const {
-  const Impl& a = impl();
-  const Impl& b = other.impl();
-  // Deliberate: of the code only its presence counts.
-  return a.name == b.name && a.description == b.description && a.tags == b.tags &&
-         same_or_equal_names(a.type, b.type) && a.comments == b.comments &&
-         a.code.null() == b.code.null() && a.cost == b.cost && a.keynote == b.keynote &&
-         a.label == b.label && a.manufacturer == b.manufacturer && a.mark == b.mark &&
-         a.model == b.model && a.url == b.url && a.classification == b.classification &&
-         a.shading_use_appearance == b.shading_use_appearance &&
-         a.shading_color == b.shading_color && a.surface_pattern == b.surface_pattern &&
-         a.surface_pattern_color == b.surface_pattern_color &&
-         a.surface_pattern_alignment == b.surface_pattern_alignment &&
-         a.cut_pattern == b.cut_pattern && a.cut_pattern_color == b.cut_pattern_color &&
-         same_or_equal_names(a.cut_layer, b.cut_layer) && a.appearance == b.appearance &&
-         same_or_equal(a.structural_asset, b.structural_asset) &&
-         same_or_equal(a.thermal_asset, b.thermal_asset) && a.function == b.function &&
-         a.thicknesses == b.thicknesses && a.allow_custom_thickness == b.allow_custom_thickness &&
-         a.custom_values == b.custom_values;
+  return name() == other.name() && equal_values<MaterialValues>(impl(), other.impl());
 }
 
 bool Material::operator!=(const Material& other) const { return !(*this == other); }

@@ -3,7 +3,7 @@
 
 namespace veldra {
 
-VELDRA_HANDLE_MEMBERS(MaterialType);
+VELDRA_HANDLE_MEMBERS(MaterialType)
 VELDRA_NAMED_MEMBERS(MaterialType)
 
 void MaterialType::name(const String& name) { change(impl(), impl().name, name); }

@@ -4,6 +4,8 @@
 #include <veldra/composition.hpp>
 
 #include <memory>
+#include <type_traits>
+#include <utility>
 
 namespace veldra {
 
@@ -11,13 +13,18 @@ namespace veldra {
 class ObjectAccess {
  public:
   /// A new object of defaults, clean. Handle, record and reference count are one allocation: lists
-  /// make objects by the ten thousand.
+  /// make objects by the ten thousand, and a list of materials takes 3 % more instructions with
+  /// two.
+  ///
+  /// The record lies behind the handle, whose pointer owns nothing then. The invariant: from the
+  /// end of the constructor until the destructor begins, and no longer, the pointer is that of
+  /// `record`. `Lent` keeps it as the last member, which goes first, before the record and the
+  /// handle.
   template <class T>
   static std::shared_ptr<T> make() {
-    using Impl = typename T::Impl;
     struct Made : T {
-      Made() : T(static_cast<Impl*>(nullptr)), lent{this->impl_} { this->impl_.reset(&record); }
-      Impl record;
+      Made() : T(static_cast<typename T::Impl*>(nullptr)), lent(this->impl_, record) {}
+      typename T::Impl record;
       Lent<decltype(T::impl_)> lent;
     };
     return std::make_shared<Made>();
@@ -40,17 +47,30 @@ class ObjectAccess {
   /// The pointer within a key of a map, for replacing the property by one of the same name: the
   /// order of the keys looks at nothing else.
   static std::shared_ptr<const CustomProperty>& property(const CustomPropertyKey& key) noexcept {
-    return const_cast<CustomPropertyKey&>(key).property_;
+    return key.property_;
   }
 
  private:
-  /// Takes the record out of the hands of the handle before both go with their block.
+  /// Makes a pointer one to what it does not own, for as long as it lives.
   template <class Pointer>
-  struct Lent {
-    Pointer& owner;
-    ~Lent() { static_cast<void>(owner.release()); }
+  class Lent {
+   public:
+    Lent(Pointer& pointer, typename Pointer::element_type& lent) : pointer_(pointer) {
+      pointer_.reset(&lent);
+    }
+    Lent(const Lent&) = delete;
+    Lent& operator=(const Lent&) = delete;
+    ~Lent() { static_cast<void>(pointer_.release()); }
+
+   private:
+    Pointer& pointer_;
   };
 };
+
+/// The parts by which the record of a class is described.
+template <class T>
+using PartsOf =
+    typename std::remove_reference_t<decltype(ObjectAccess::impl(std::declval<T&>()))>::Parts;
 
 }  // namespace veldra
 

@@ -2,6 +2,7 @@
 #define VELDRA_OBJECTS_OBJECT_MEMBERS_HPP
 
 #include "objects/changes.hpp"
+#include "objects/equality.hpp"
 #include "objects/object_access.hpp"
 
 #include <veldra/exceptions.hpp>

@@ -15,6 +15,10 @@ struct ObjectRecord {
   String name;
   std::weak_ptr<Library> library;  // weak: an object must not keep its file open
   bool dirty = false;
+
+  /// Stands for an object whose id is all that matters: it was copied before. Never in the hands of
+  /// a host.
+  bool is_stub = false;
 };
 
 }  // namespace veldra

@@ -3,7 +3,7 @@
 
 namespace veldra {
 
-VELDRA_HANDLE_MEMBERS(Tag);
+VELDRA_HANDLE_MEMBERS(Tag)
 VELDRA_NAMED_MEMBERS(Tag)
 
 bool operator==(const std::vector<std::shared_ptr<Tag>>& left,

@@ -1,13 +1,16 @@
 #ifndef VELDRA_OBJECTS_TAG_IMPL_HPP
 #define VELDRA_OBJECTS_TAG_IMPL_HPP
 
+#include "objects/description.hpp"
 #include "objects/record.hpp"
 
 #include <veldra/tag.hpp>
 
 namespace veldra {
 
-struct Tag::Impl : ObjectRecord {};
+struct Tag::Impl : ObjectRecord {
+  using Parts = DescribedBy<>;
+};
 
 }  // namespace veldra
 

@@ -1,10 +1,8 @@
+#include "store/copy_saving.hpp"
 #include "store/kinds.hpp"
-#include "store/loading.hpp"
-#include "store/notifications.hpp"
-#include "store/object_cache.hpp"
 #include "store/queries.hpp"
-#include "store/running_operation.hpp"
-#include "store/save_operation.hpp"
+#include "store/reported_operation.hpp"
+#include "store/saver.hpp"
 
 #include <algorithm>
 
@@ -22,9 +20,7 @@ const std::size_t batch_size = 256;
 class CopyOperation {
  public:
   CopyOperation(Library& destination, const Library& source, IdMapping& mapping)
-      : source_(source),
-        mapping_(mapping),
-        saving_(destination, mapping, SaveOperation::Results::Discarded) {}
+      : source_(source), mapping_(mapping), saver_(destination, mapping) {}
 
   /// Copies the objects of a kind whose ids `find_ids` gives.
   template <class T, class FindIds>
@@ -36,11 +32,11 @@ class CopyOperation {
       ids = find_ids(database);
     }
     for (auto begin = ids.begin(); begin != ids.end();) {
-      for (const auto& object : next_batch<T>(begin, ids.end())) saving_.save(object);
+      for (const auto& object : next_batch<T>(begin, ids.end())) saver_.save(object);
     }
   }
 
-  void commit() { saving_.commit(); }
+  void commit() { saver_.commit(); }
 
  private:
   /// Fetches the next objects that were not copied before, and moves on behind them.
@@ -53,14 +49,13 @@ class CopyOperation {
     }
     Database& database = LibraryAccess::database(source_);
     ReadTransaction transaction(database);
-    ObjectCache cache(ObjectTraits<T>::type, source_, mapping_);
-    const CacheScope scope(database, cache);
-    return load_all<T>(source_, ids);
+    SharingCache met(ObjectTraits<T>::type, source_, mapping_);
+    return load_all<T>(source_, ids, met);
   }
 
   const Library& source_;
   IdMapping& mapping_;
-  SaveOperation saving_;
+  Saver<CopySaving> saver_;
 };
 
 /// Runs `work` with a copy operation and tells the reactor about it, which may let the source go.
@@ -68,16 +63,13 @@ template <class Work>
 void copying(Library& destination, std::shared_ptr<const Library> source, IdMapping& mapping,
              Work work) {
   if (source == nullptr || source.get() == &destination) return;
-  const auto copy = [&] {
-    Notifications notifications(destination);
-    {
+  run_operation(destination, [&] {
+    interruptibly(LibraryAccess::database(*source), [&] {
       CopyOperation operation(destination, *source, mapping);
       work(operation);
       operation.commit();
-    }
-    notifications.deliver();
-  };
-  interruptibly(destination, [&] { interruptibly(LibraryAccess::database(*source), copy); });
+    });
+  });
 }
 
 }  // namespace

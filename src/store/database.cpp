@@ -3,6 +3,7 @@
 #include <veldra/exceptions.hpp>
 
 #include <odb/sqlite/exceptions.hxx>
+#include <odb/sqlite/transaction.hxx>
 
 #include <sqlite3.h>
 
@@ -51,11 +52,16 @@ FileName parse_file_name(const std::string& name) {
 Database::Database(const FileName& file, int flags)
     : odb::sqlite::database(file.path, flags | SQLITE_OPEN_PRIVATECACHE, true, file.vfs,
                             std::unique_ptr<odb::sqlite::connection_factory>(new OneConnection)),
-      handle_(connection_in_use().handle()) {
+      handle_(only_connection().handle()) {
   sqlite3_busy_handler(handle_, wait_for_others, this);
 }
 
-odb::sqlite::connection& Database::connection_in_use() { return *connection(); }
+odb::sqlite::connection& Database::only_connection() { return *connection(); }
+
+bool Database::is_current() {
+  return odb::transaction::has_current() &&
+         odb::sqlite::transaction::current().connection().handle() == handle_;
+}
 
 /// SQLite's own handler cannot be interrupted.
 int Database::wait_for_others(void* database, int attempt) noexcept {
@@ -72,7 +78,7 @@ void Database::interrupt() noexcept {
   interrupted_ = true;
   // A statement that writes and is interrupted would end the whole transaction, that of the host
   // included. It is short, and what comes after it asks.
-  if (writing == nullptr) sqlite3_interrupt(handle_);
+  if (!transactions_.is_writing()) sqlite3_interrupt(handle_);
 }
 
 void Database::stop_if_interrupted() {

@@ -1,20 +1,18 @@
 #ifndef VELDRA_STORE_DATABASE_HPP
 #define VELDRA_STORE_DATABASE_HPP
 
+#include "store/open_transactions.hpp"
+#include "store/reference_cache.hpp"
+
 #include <odb/sqlite/connection-factory.hxx>
 #include <odb/sqlite/connection.hxx>
 #include <odb/sqlite/database.hxx>
-#include <odb/sqlite/transaction.hxx>
 
 #include <atomic>
 #include <chrono>
 #include <string>
 
 namespace veldra {
-
-class HeldTransaction;
-class ObjectCache;
-class SnapshotTransaction;
 
 /// Where a library lies.
 struct FileName {
@@ -33,7 +31,20 @@ class Database : public odb::sqlite::database {
   /// `flags` are those of `sqlite3_open_v2`. Throws `odb::sqlite::database_exception`.
   Database(const FileName& file, int flags);
 
-  odb::sqlite::connection& connection_in_use();
+  odb::sqlite::connection& only_connection();
+
+  /// SQLite's own handle of it.
+  sqlite3* handle() const noexcept { return handle_; }
+
+  OpenTransactions& transactions() noexcept { return transactions_; }
+  const OpenTransactions& transactions() const noexcept { return transactions_; }
+
+  /// Whether this thread works in a transaction of this database, which is what all that reads and
+  /// writes rows takes for granted.
+  bool is_current();
+
+  /// Where reading looks for what it has met already.
+  ReferenceCache& references() noexcept { return references_; }
 
   /// Lets the running operation end, if there is one: what waits or reads in SQLite gives up, and
   /// the next `stop_if_interrupted` throws. For other threads and signal handlers.
@@ -45,24 +56,14 @@ class Database : public odb::sqlite::database {
   /// Whether the running operation is to end. Asked once: what runs because it ends is let run.
   bool take_interruption() noexcept;
 
-  /// The transaction that is writing; null while none is.
-  std::atomic<odb::sqlite::transaction*> writing{nullptr};
-
-  /// The transaction that the host holds over several operations; null while there is none.
-  HeldTransaction* held = nullptr;
-
-  /// The transaction that a snapshot of the host reads in; null while there is none.
-  SnapshotTransaction* snapshot = nullptr;
-
-  /// What list reads fetched already; null while none is running.
-  ObjectCache* cache = nullptr;
-
  private:
   friend class RunningOperation;
 
   static int wait_for_others(void* database, int attempt) noexcept;
 
   sqlite3* handle_;
+  OpenTransactions transactions_;
+  ReferenceCache references_;
   std::atomic<unsigned> operations_{0};  // that run, each within the one before
   std::atomic<bool> interrupted_{false};
   std::chrono::steady_clock::time_point waiting_since_;

@@ -164,7 +164,7 @@ FileSchema FileSchema::expected() {
   Database empty({"", ":memory:"}, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
   WriteTransaction transaction(empty);
   odb::schema_catalog::create_schema(empty, "", false);
-  return of(empty.connection_in_use());
+  return of(empty.only_connection());
 }
 
 const FileSchema::Table* FileSchema::find(const std::string& name) const {

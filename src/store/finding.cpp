@@ -1,5 +1,7 @@
 #include "store/finding.hpp"
 
+#include "store/kinds.hpp"
+
 #include <utf8.h>
 
 #include <iterator>
@@ -43,28 +45,27 @@ String told(const Library::Finding& finding) {
   return String((subject_of(finding) + ": " + finding.sentence.utf8()).c_str());
 }
 
+namespace {
+
+/// What people call a kind, as `name` takes it from the table of the kinds.
+template <class Name>
+std::string called(ObjectType type, Name name) {
+  std::string result = type == ObjectType::Asset ? name(Kind<Asset>()) : "object";
+  for_each_kind([&](auto kind) {
+    using T = typename decltype(kind)::type;
+    if (ObjectTraits<T>::type == type) result = name(Kind<T>());
+  });
+  return result;
+}
+
+}  // namespace
+
 std::string singular_of(ObjectType type) {
-  switch (type) {
-    case ObjectType::Tag:
-      return "tag";
-    case ObjectType::Asset:
-      return "asset";
-    case ObjectType::MaterialType:
-      return "material type";
-    case ObjectType::Material:
-      return "material";
-    case ObjectType::Composition:
-      return "composition";
-    case ObjectType::CustomProperty:
-      return "custom property";
-    case ObjectType::Layer:
-      return "drawing layer";
-  }
-  return "object";
+  return called(type, [](auto kind) { return decltype(kind)::singular; });
 }
 
 std::string plural_of(ObjectType type) {
-  return type == ObjectType::CustomProperty ? "custom properties" : singular_of(type) + "s";
+  return called(type, [](auto kind) { return decltype(kind)::plural; });
 }
 
 }  // namespace veldra

@@ -1,82 +1,107 @@
 #ifndef VELDRA_STORE_KINDS_HPP
 #define VELDRA_STORE_KINDS_HPP
 
-#include "store/views-odb.hpp"
+#include "store/of_kind.hpp"
 
-#include <veldra/criteria.hpp>
+#include <veldra/composition.hpp>
 
 #include <set>
+#include <string>
+#include <vector>
 
-// What the operations, which are written once for all kinds, must know of each.
+// The table of the kinds of objects: all that differs between them and that the operations, which
+// are written once for all kinds, must know.
 
 namespace veldra {
+
+/// The kinds in the order of operations on several: what refers comes before what it refers to.
+#define VELDRA_FOR_EACH_KIND(macro)                                                         \
+  macro(Composition) macro(Material) macro(MaterialType) macro(Layer) macro(CustomProperty) \
+      macro(Tag)
+
+/// Calls `operation` with an object of `OfKind` for each kind, in that order.
+template <class Operation>
+void for_each_kind(Operation operation) {
+#define VELDRA_CALL(T) operation(OfKind<T>());
+  VELDRA_FOR_EACH_KIND(VELDRA_CALL)
+#undef VELDRA_CALL
+}
+
+using TableNames = std::vector<std::string>;
+
+/// What most kinds have in common.
+struct UsualKind {
+  static constexpr const char* listed_by = nullptr;  ///< the column by which lists are in order
+  static TableNames lists() { return {}; }           ///< the tables besides its own
+};
 
 template <class T>
 struct Kind;
 
-// Whether criteria can name tags, which takes the views over the tags.
-struct WithTags {};
-struct WithoutTags {};
-
-template <class IdView, class CountView, class HasTags = WithoutTags>
-struct PlainViews {
-  using Tagging = HasTags;
-  using Id = IdView;
-  using Count = CountView;
-};
-
 template <>
-struct Kind<Tag> : PlainViews<TagId, TagCount> {
-  static constexpr const char* table = "Tag";
-};
-
-template <>
-struct Kind<MaterialType> : PlainViews<MaterialTypeId, MaterialTypeCount> {
-  static constexpr const char* table = "MaterialType";
-};
-
-template <>
-struct Kind<Layer> : PlainViews<LayerId, LayerCount> {
-  static constexpr const char* table = "Layer";
-};
-
-template <>
-struct Kind<CustomProperty> : PlainViews<CustomPropertyId, CustomPropertyCount> {
-  static constexpr const char* table = "CustomProperty";
-};
-
-template <>
-struct Kind<Material> : PlainViews<MaterialId, MaterialCount, WithTags> {
-  static constexpr const char* table = "Material";
-  using TaggedId = TaggedMaterialId;
-  using TaggedCount = TaggedMaterialCount;
-};
-
-template <>
-struct Kind<Composition> : PlainViews<CompositionId, CompositionCount, WithTags> {
+struct Kind<Composition> : UsualKind {
   static constexpr const char* table = "Composition";
-  using TaggedId = TaggedCompositionId;
-  using TaggedCount = TaggedCompositionCount;
+  static constexpr const char* singular = "composition";
+  static constexpr const char* plural = "compositions";
+  static TableNames lists() {
+    return {"Composition_tags", "Composition_layers", "Composition_custom_values"};
+  }
 };
 
-/// The name that the views over the tags give to the table of the objects.
-constexpr const char* tagged_alias = "Object";
-
-/// The order of operations on several kinds: what refers comes before what it refers to. Calls
-/// `operation` with an object of `OfKind` for each kind.
-template <class T>
-struct OfKind {
-  using type = T;
+template <>
+struct Kind<Material> : UsualKind {
+  static constexpr const char* table = "Material";
+  static constexpr const char* singular = "material";
+  static constexpr const char* plural = "materials";
+  static TableNames lists() {
+    return {"Material_tags", "Material_thicknesses", "Material_custom_values"};
+  }
 };
 
-template <class Operation>
-void for_each_kind(Operation operation) {
-  operation(OfKind<Composition>());
-  operation(OfKind<Material>());
-  operation(OfKind<MaterialType>());
-  operation(OfKind<Layer>());
-  operation(OfKind<CustomProperty>());
-  operation(OfKind<Tag>());
+template <>
+struct Kind<MaterialType> : UsualKind {
+  static constexpr const char* table = "MaterialType";
+  static constexpr const char* singular = "material type";
+  static constexpr const char* plural = "material types";
+};
+
+template <>
+struct Kind<Layer> : UsualKind {
+  static constexpr const char* table = "Layer";
+  static constexpr const char* singular = "drawing layer";
+  static constexpr const char* plural = "drawing layers";
+};
+
+template <>
+struct Kind<CustomProperty> : UsualKind {
+  static constexpr const char* table = "CustomProperty";
+  static constexpr const char* singular = "custom property";
+  static constexpr const char* plural = "custom properties";
+  static constexpr const char* listed_by = "name";
+};
+
+template <>
+struct Kind<Tag> : UsualKind {
+  static constexpr const char* table = "Tag";
+  static constexpr const char* singular = "tag";
+  static constexpr const char* plural = "tags";
+};
+
+/// What is no kind of its own: assets are read with the materials that refer to them.
+template <>
+struct Kind<Asset> : UsualKind {
+  static constexpr const char* table = "Asset";
+  static constexpr const char* singular = "asset";
+  static constexpr const char* plural = "assets";
+  static TableNames lists() { return {"Asset_tags", "StructuralAsset", "ThermalAsset"}; }
+};
+
+/// The kinds, as a host names them.
+inline std::set<ObjectType> all_kinds() {
+  std::set<ObjectType> kinds;
+  for_each_kind(
+      [&kinds](auto kind) { kinds.insert(ObjectTraits<typename decltype(kind)::type>::type); });
+  return kinds;
 }
 
 /// The ids of the keys of a kind.
@@ -88,11 +113,6 @@ inline std::set<unsigned> ids_of_kind(const std::set<ObjectKey>& keys, ObjectTyp
   }
   return ids;
 }
-
-/// Instantiates a macro for each kind.
-#define VELDRA_FOR_EACH_KIND(macro)                                                 \
-  macro(Tag) macro(MaterialType) macro(Layer) macro(CustomProperty) macro(Material) \
-      macro(Composition)
 
 }  // namespace veldra
 

@@ -1,5 +1,5 @@
 #include "store/errors.hpp"
-#include "store/examination.hpp"
+#include "store/file_check.hpp"
 #include "store/library_impl.hpp"
 #include "store/mapping-odb.hpp"
 #include "store/recognition.hpp"
@@ -61,12 +61,11 @@ Library::Library(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
 Library::~Library() = default;
 
 std::shared_ptr<Library> Library::create(const String& filename, Unit unit, const String& guid) {
-  return library_in(filename, open_library_file(filename, FileAccess::Create, unit, guid));
+  return library_in(filename, open_library_file(filename, FileAccess::Create, {unit, guid}));
 }
 
 std::shared_ptr<Library> Library::open(const String& filename, bool readOnly) {
-  return library_in(filename,
-                    open_library_file(filename, access_of(readOnly), Unit::Millimetres, String()));
+  return library_in(filename, open_library_file(filename, access_of(readOnly), NewLibrary()));
 }
 
 std::shared_ptr<Library> Library::openExisting(const String& filename, bool readOnly) {
@@ -85,7 +84,7 @@ unsigned long long Library::version() const noexcept { return impl_->version; }
 namespace {
 
 // Deliberate: a failed write leaves the new value in the handle and the old one in the file.
-void set_and_write(Database& database, Meta& meta, String& field, const String& value) {
+void change_metadata(Database& database, Meta& meta, String& field, const String& value) {
   field = value;
   interruptibly(database, [&] {
     translating_errors([&] {
@@ -99,19 +98,19 @@ void set_and_write(Database& database, Meta& meta, String& field, const String& 
 }  // namespace
 
 void Library::locale(const String& locale) {
-  set_and_write(*impl_->database, impl_->meta, impl_->meta.locale, locale);
+  change_metadata(*impl_->database, impl_->meta, impl_->meta.locale, locale);
 }
 
 void Library::region(const String& region) {
-  set_and_write(*impl_->database, impl_->meta, impl_->meta.region, region);
+  change_metadata(*impl_->database, impl_->meta, impl_->meta.region, region);
 }
 
 bool Library::readOnly() const {
-  return sqlite3_db_readonly(impl_->database->connection_in_use().handle(), nullptr) == 1;
+  return sqlite3_db_readonly(impl_->database->handle(), nullptr) == 1;
 }
 
 void Library::check(std::vector<Finding>& findings) const {
-  auto found = interruptibly(*impl_->database, [&] { return examine(*impl_->database); });
+  auto found = interruptibly(*impl_->database, [&] { return check_file(*impl_->database); });
   findings.reserve(findings.size() + found.size());
   std::move(found.begin(), found.end(), std::back_inserter(findings));
 }

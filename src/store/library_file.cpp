@@ -1,7 +1,5 @@
 #include "store/library_file.hpp"
 
-#include "foundation/translated.hpp"
-#include "store/guid.hpp"
 #include "store/mapping-odb.hpp"
 #include "store/recognition.hpp"
 #include "store/transactions.hpp"
@@ -68,18 +66,6 @@ odb::schema_version file_version(odb::sqlite::connection& connection) {
   return version.number;
 }
 
-void fill(Database& database, Unit unit, const String& guid) {
-  Meta meta;
-  meta.guid = make_guid(guid);
-  meta.unit = unit;
-  database.persist(meta);
-
-  for (const char* name : {"Ceramic", "Concrete", "Earth", "Generic", "Glass", "Liquid", "Masonry",
-                           "Metal", "Paint", "Plastic", "Stone", "Textile", "Wood"}) {
-    database.persist(*MaterialType::create(translated(name)));
-  }
-}
-
 /// Looks at a file before anything is done to it, within the transaction that does it.
 using Requirement = std::function<void(odb::sqlite::connection&)>;
 
@@ -100,35 +86,45 @@ Requirement require_library(const String& filename) {
   };
 }
 
-bool is_current(Database& database, const Requirement& require) {
-  ReadTransaction transaction(database);
-  auto& connection = database.connection_in_use();
-  require(connection);
-  const bool current = file_version(connection) == current_version();
-  require_whole_pages(connection);
-  return current;
+/// What there is to do for a file before it can be used.
+enum class Step { None, Fill, Migrate };
+
+Step next_step(odb::sqlite::connection& connection) {
+  const odb::schema_version version = file_version(connection);
+  if (version == 0) return Step::Fill;
+  return version < current_version() ? Step::Migrate : Step::None;
 }
 
-/// Makes the file a library of the current version. One that is already is only read, so that
-/// nothing of it changes and nobody has to wait.
-void bring_up_to_date(Database& database, const Requirement& require, Unit unit,
-                      const String& guid) {
-  if (is_current(database, require)) return;
+/// Looks at a file without changing anything, so that nobody has to wait for one that is current.
+Step look_at(Database& database, const Requirement& require) {
+  ReadTransaction transaction(database);
+  auto& connection = database.only_connection();
+  require(connection);
+  const Step step = next_step(connection);
+  require_whole_pages(connection);
+  return step;
+}
 
+void take_step(Database& database, const Requirement& require, const NewLibrary& contents) {
   end_what_is_left(database);  // within a transaction the keys would stay on
-  ForeignKeysOff foreign_keys(database.connection_in_use());
+  ForeignKeysOff foreign_keys(database.only_connection());
   WriteTransaction transaction(database);
   // Another process may have been faster while the lock was waited for.
-  require(database.connection_in_use());
-  const odb::schema_version version = file_version(database.connection_in_use());
-  if (version == 0) {
+  require(database.only_connection());
+  const Step step = next_step(database.only_connection());
+  if (step == Step::Fill) {
     odb::schema_catalog::create_schema(database, "", true);
-    fill(database, unit, guid);
-  } else if (version < current_version()) {
+    fill(database, contents);
+  } else if (step == Step::Migrate) {
     odb::schema_catalog::migrate(database);
   }
   transaction.commit();
   foreign_keys.on_again();
+}
+
+/// Makes the file a library of the current version.
+void bring_up_to_date(Database& database, const Requirement& require, const NewLibrary& contents) {
+  if (look_at(database, require) != Step::None) take_step(database, require, contents);
 }
 
 Meta load_meta(Database& database) {
@@ -139,12 +135,12 @@ Meta load_meta(Database& database) {
 }
 
 LibraryFile open(const std::string& filename, FileAccess access, const Requirement& require,
-                 Unit unit, const String& guid) {
+                 const NewLibrary& contents) {
   const FileName name = parse_file_name(filename);
   const int create = access == FileAccess::Create ? SQLITE_OPEN_CREATE : 0;
   LibraryFile file;
   file.database.reset(new Database(name, SQLITE_OPEN_READWRITE | create));
-  bring_up_to_date(*file.database, require, unit, guid);
+  bring_up_to_date(*file.database, require, contents);
   if (access == FileAccess::ReadOnly) {
     // The second connection is there before the first goes, since a database in memory goes with
     // its last connection.
@@ -159,10 +155,10 @@ LibraryFile open(const std::string& filename, FileAccess access, const Requireme
 
 /// Puts the name of the file in front of what the database says.
 LibraryFile open_named(const String& filename, FileAccess access, const Requirement& require,
-                       Unit unit, const String& guid) {
+                       const NewLibrary& contents) {
   const std::string name = filename.utf8();
   try {
-    return open(name, access, require, unit, guid);
+    return open(name, access, require, contents);
   } catch (const odb::sqlite::database_exception& error) {
     throw odb::sqlite::database_exception(error.error(), error.extended_error(),
                                           name + ": " + error.message());
@@ -173,13 +169,13 @@ LibraryFile open_named(const String& filename, FileAccess access, const Requirem
 
 }  // namespace
 
-LibraryFile open_library_file(const String& filename, FileAccess access, Unit unit,
-                              const String& guid) {
-  return open_named(filename, access, require_nothing, unit, guid);
+LibraryFile open_library_file(const String& filename, FileAccess access,
+                              const NewLibrary& contents) {
+  return open_named(filename, access, require_nothing, contents);
 }
 
 LibraryFile open_existing_file(const String& filename, FileAccess access) {
-  return open_named(filename, access, require_library(filename), Unit::Millimetres, String());
+  return open_named(filename, access, require_library(filename), NewLibrary());
 }
 
 }  // namespace veldra

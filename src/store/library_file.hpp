@@ -3,6 +3,7 @@
 
 #include "store/database.hpp"
 #include "store/meta.hpp"
+#include "store/new_library.hpp"
 
 #include <memory>
 
@@ -18,9 +19,9 @@ struct LibraryFile {
 enum class FileAccess { Create, ReadWrite, ReadOnly };
 
 /// Opens the file and makes it a library of the current version: one that is older is migrated,
-/// one that is empty is filled with `unit`, a GUID made from `guid`, and the default types.
-LibraryFile open_library_file(const String& filename, FileAccess access, Unit unit,
-                              const String& guid);
+/// one that is empty gets the contents of a new one.
+LibraryFile open_library_file(const String& filename, FileAccess access,
+                              const NewLibrary& contents);
 
 /// The same for a file that holds a library already. Throws `NotALibrary` for any other, on the
 /// connection that opens it and under the same lock.

@@ -31,7 +31,10 @@ class LibraryAccess {
  public:
   using Impl = Library::Impl;
 
-  static Impl& impl(const Library& library) { return *library.impl_; }
+  static Impl& impl(Library& library) { return *library.impl_; }
+  static const Impl& impl(const Library& library) { return *library.impl_; }
+
+  /// Reading works on the connection too.
   static Database& database(const Library& library) { return *library.impl_->database; }
 
   static std::shared_ptr<Library> make(std::unique_ptr<Impl> impl);

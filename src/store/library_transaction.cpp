@@ -1,6 +1,5 @@
 #include "store/library_impl.hpp"
-#include "store/notifications.hpp"
-#include "store/running_operation.hpp"
+#include "store/reported_operation.hpp"
 #include "store/transactions.hpp"
 
 #include <odb/exceptions.hxx>
@@ -25,7 +24,7 @@ class Library::Transaction::Impl {
 
  private:
   std::shared_ptr<Library> library_;  // stays open
-  Notifications notifications_;
+  ReportedOperation operation_;
   Meta former_meta_;
   std::unique_ptr<HeldTransaction> held_;  // ends before the reactor is told
   bool committed_ = false;
@@ -33,7 +32,7 @@ class Library::Transaction::Impl {
 
 Library::Transaction::Impl::Impl(Library& library)
     : library_(library.shared_from_this()),
-      notifications_(library),
+      operation_(library),
       former_meta_(library.impl_->meta),
       held_(interruptibly(*library.impl_->database, [&library] {
         return std::unique_ptr<HeldTransaction>(new HeldTransaction(*library.impl_->database));
@@ -44,14 +43,14 @@ Library::Transaction::Impl::~Impl() {
 }
 
 void Library::Transaction::Impl::require_no_operation() const {
-  if (library_->impl_->database->writing != nullptr) throw odb::already_in_transaction();
+  if (library_->impl_->database->transactions().is_writing()) throw odb::already_in_transaction();
 }
 
 void Library::Transaction::Impl::commit() {
   interruptibly(*library_->impl_->database, [&] { held_->commit(); });
   committed_ = true;
   held_.reset();
-  notifications_.deliver();
+  operation_.report();
 }
 
 Library::Transaction::Transaction(Library& library) {

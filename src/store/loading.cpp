@@ -1,48 +1,20 @@
 #include "store/loading.hpp"
 
+#include "objects/references.hpp"
 #include "store/kinds.hpp"
 #include "store/library_impl.hpp"
-#include "store/object_cache.hpp"
+#include "store/mapping-odb.hpp"
 #include "store/queries.hpp"
 
 #include <odb/exceptions.hxx>
 
 #include <algorithm>
+#include <cassert>
 #include <numeric>
 
 namespace veldra {
 
 namespace {
-
-// What an object of each kind refers to.
-
-template <class T, class Visit>
-void visit_references(T&, Visit) {}
-
-template <class Visit>
-void visit_references(Asset& asset, Visit visit) {
-  for (const auto& tag : ObjectAccess::impl(asset).tags) visit(tag);
-}
-
-template <class Visit>
-void visit_references(Material& material, Visit visit) {
-  auto& record = ObjectAccess::impl(material);
-  for (const auto& tag : record.tags) visit(tag);
-  visit(record.type);
-  visit(record.cut_layer);
-  visit(record.structural_asset);
-  visit(record.thermal_asset);
-  for (const auto& value : record.custom_values) visit(ObjectAccess::property(value.first));
-}
-
-template <class Visit>
-void visit_references(Composition& composition, Visit visit) {
-  auto& record = ObjectAccess::impl(composition);
-  for (const auto& tag : record.tags) visit(tag);
-  visit(record.entity_layer);
-  for (const auto& layer : record.layers) visit(layer.material());
-  for (const auto& value : record.custom_values) visit(ObjectAccess::property(value.first));
-}
 
 bool same_owner(const std::weak_ptr<Library>& left, const std::weak_ptr<Library>& right) {
   return !left.owner_before(right) && !right.owner_before(left);
@@ -62,11 +34,8 @@ struct Linker {
     ObjectRecord& record = ObjectAccess::impl(object);
     // Replicas are linked already, and counting references of a pointer takes its time.
     if (!same_owner(record.library, library)) record.library = library;
-    visit_references(object, *this);
+    for_each_reference(ObjectAccess::impl(object), *this);
   }
-
-  void link_object(StructuralAsset& asset) const { link_object<Asset>(asset); }
-  void link_object(ThermalAsset& asset) const { link_object<Asset>(asset); }
 };
 
 /// The object with that id as the mapping gives it, not linked.
@@ -100,39 +69,37 @@ void link(T& object, const std::weak_ptr<Library>& library) {
 template <class T>
 std::shared_ptr<T> load(const Library& library, unsigned id) {
   const auto& impl = LibraryAccess::impl(library);
+  assert(impl.database->is_current());
   const auto object = find<T>(*impl.database, id);
   if (object != nullptr) link(*object, impl.self);
   return object;
 }
 
-CacheScope::CacheScope(Database& database, ObjectCache& cache)
-    : database_(database), former_(database.cache) {
-  database_.cache = &cache;
-}
-
-CacheScope::~CacheScope() { database_.cache = former_; }
-
 namespace {
 
-template <class T>
-void prefetch_references(Database&, const std::vector<unsigned>&, const T*) {}
+template <class T, class Cache>
+void fetch_references(OfKind<T>, Database&, const std::vector<unsigned>&, Cache&) {}
 
 /// Fetches the materials of the layers in the order in which they lie in the file. In the order of
 /// the layers, reading would jump through it.
-void prefetch_references(Database& database, const std::vector<unsigned>& ids, const Composition*) {
-  if (database.cache == nullptr || ids.size() < 2) return;
+template <class Cache>
+void fetch_references(OfKind<Composition>, Database& database, const std::vector<unsigned>& ids,
+                      Cache& cache) {
+  if (ids.size() < 2) return;
   for (const unsigned id : layer_material_ids(database, ids)) {
     database.stop_if_interrupted();
-    if (find<Material>(database, id) != nullptr) database.cache->offer(id);
+    if (find<Material>(database, id) != nullptr) cache.offer(id);
   }
 }
 
 }  // namespace
 
-template <class T>
-std::vector<std::shared_ptr<T>> load_all(const Library& library, const std::vector<unsigned>& ids) {
+template <class T, class Cache>
+std::vector<std::shared_ptr<T>> load_all(const Library& library, const std::vector<unsigned>& ids,
+                                         Cache& cache) {
   Database& database = LibraryAccess::database(library);
-  prefetch_references(database, ids, static_cast<const T*>(nullptr));
+  const CacheScope scope(database.references(), cache);
+  fetch_references(OfKind<T>(), database, ids, cache);
   std::vector<std::shared_ptr<T>> objects(ids.size());
   for (const std::size_t place : places_by_id(ids)) {
     database.stop_if_interrupted();
@@ -142,11 +109,13 @@ std::vector<std::shared_ptr<T>> load_all(const Library& library, const std::vect
   return objects;
 }
 
-#define VELDRA_INSTANTIATE(T)                                          \
-  template void link<T>(T&, const std::weak_ptr<Library>&);            \
-  template std::shared_ptr<T> load<T>(const Library&, unsigned);       \
-  template std::vector<std::shared_ptr<T>> load_all<T>(const Library&, \
-                                                       const std::vector<unsigned>&);
+#define VELDRA_INSTANTIATE(T)                                       \
+  template void link<T>(T&, const std::weak_ptr<Library>&);         \
+  template std::shared_ptr<T> load<T>(const Library&, unsigned);    \
+  template std::vector<std::shared_ptr<T>> load_all<T>(             \
+      const Library&, const std::vector<unsigned>&, ReplicaCache&); \
+  template std::vector<std::shared_ptr<T>> load_all<T>(             \
+      const Library&, const std::vector<unsigned>&, SharingCache&);
 
 VELDRA_FOR_EACH_KIND(VELDRA_INSTANTIATE)
 

@@ -10,7 +10,7 @@
 
 namespace veldra {
 
-// A transaction must be current.
+// From rows to objects, within a transaction.
 
 /// Links an object, and all that was loaded with it, to the library that it was loaded from.
 template <class T>
@@ -20,22 +20,11 @@ void link(T& object, const std::weak_ptr<Library>& library);
 template <class T>
 std::shared_ptr<T> load(const Library& library, unsigned id);
 
-/// Fetches what several objects of a list refer to only once, for as long as it lives.
-class CacheScope {
- public:
-  CacheScope(Database& database, ObjectCache& cache);
-  CacheScope(const CacheScope&) = delete;
-  CacheScope& operator=(const CacheScope&) = delete;
-  ~CacheScope();
-
- private:
-  Database& database_;
-  ObjectCache* former_;
-};
-
-/// The objects with those ids, in their order, without those that are not there.
-template <class T>
-std::vector<std::shared_ptr<T>> load_all(const Library& library, const std::vector<unsigned>& ids);
+/// The objects with those ids, in their order, without those that are not there. What several of
+/// them refer to is fetched once and taken from the cache, a `ReplicaCache` or a `SharingCache`.
+template <class T, class Cache>
+std::vector<std::shared_ptr<T>> load_all(const Library& library, const std::vector<unsigned>& ids,
+                                         Cache& cache);
 
 }  // namespace veldra
 

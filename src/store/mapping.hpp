@@ -7,6 +7,15 @@
 // changelog.xml and a place in docs/file-format.md.
 
 // clang-format off
+#include <veldra/tag.hpp>
+#include <veldra/custom_property.hpp>
+#include <veldra/layer.hpp>
+#include <veldra/asset.hpp>
+#include <veldra/material_type.hpp>
+#include <veldra/material.hpp>
+#include <veldra/composition.hpp>
+#include "store/meta.hpp"
+
 #include "objects/tag_impl.hpp"
 #include "objects/custom_property_impl.hpp"
 #include "objects/layer_impl.hpp"
@@ -14,8 +23,9 @@
 #include "objects/material_type_impl.hpp"
 #include "objects/material_impl.hpp"
 #include "objects/composition_impl.hpp"
-#include "store/meta.hpp"
+#include "store/asset_reference.hpp"
 #include "store/containers.hpp"
+#include "store/wide_id.hpp"
 // clang-format on
 
 #include <odb/core.hxx>
@@ -31,8 +41,8 @@ using CustomValues = std::map<CustomPropertyKey, String>;
 using CompositionLayers = std::vector<Composition::Layer>;
 using TypePointer = std::shared_ptr<const MaterialType>;
 using LayerPointer = std::shared_ptr<const Layer>;
-using StructuralAssetPointer = std::shared_ptr<StructuralAsset>;
-using ThermalAssetPointer = std::shared_ptr<ThermalAsset>;
+using StructuralAssetPointer = AssetReference<StructuralAsset>;
+using ThermalAssetPointer = AssetReference<ThermalAsset>;
 using NullableString = odb::nullable<String>;
 using NullableUnsigned = odb::nullable<unsigned>;
 using NullableDouble = odb::nullable<double>;
@@ -66,22 +76,26 @@ using NullableDouble = odb::nullable<double>;
 // Objects.
 
 #pragma db object(veldra::Tag) definition pointer(std::shared_ptr) transient session readonly
-#pragma db member(veldra::Tag::id) virtual(unsigned int) access(impl().id) id auto
+#pragma db member(veldra::Tag::id) virtual(unsigned long long) get(impl().id) \
+    set(impl().id = veldra::narrowed_id(?)) id auto
 #pragma db member(veldra::Tag::name) virtual(veldra::String) access(impl().name) unique
 
 #pragma db object(veldra::CustomProperty) definition pointer(std::shared_ptr) transient session
-#pragma db member(veldra::CustomProperty::id) virtual(unsigned int) access(impl().id) id auto
+#pragma db member(veldra::CustomProperty::id) virtual(unsigned long long) get(impl().id) \
+    set(impl().id = veldra::narrowed_id(?)) id auto
 #pragma db member(veldra::CustomProperty::name) virtual(veldra::String) access(impl().name)
 #pragma db member(veldra::CustomProperty::object_type) virtual(veldra::ObjectType) \
     access(impl().object_type)
 #pragma db index(veldra::CustomProperty::"object_type_name_i") unique members(object_type, name)
 
 #pragma db object(veldra::Layer) definition pointer(std::shared_ptr) transient session
-#pragma db member(veldra::Layer::id) virtual(unsigned int) access(impl().id) id auto
+#pragma db member(veldra::Layer::id) virtual(unsigned long long) get(impl().id) \
+    set(impl().id = veldra::narrowed_id(?)) id auto
 #pragma db member(veldra::Layer::name) virtual(veldra::String) access(impl().name) unique
 
 #pragma db object(veldra::Asset) definition pointer(std::shared_ptr) transient session polymorphic
-#pragma db member(veldra::Asset::id) virtual(unsigned int) access(impl().id) id auto
+#pragma db member(veldra::Asset::id) virtual(unsigned long long) get(impl().id) \
+    set(impl().id = veldra::narrowed_id(?)) id auto
 #pragma db member(veldra::Asset::name) virtual(veldra::String) access(impl().name)
 #pragma db member(veldra::Asset::description) virtual(veldra::String) access(impl().description)
 #pragma db member(veldra::Asset::tags) virtual(veldra::Tags) access(impl().tags) \
@@ -105,11 +119,13 @@ using NullableDouble = odb::nullable<double>;
     access(impl().thermal_conductivity)
 
 #pragma db object(veldra::MaterialType) definition pointer(std::shared_ptr) transient session
-#pragma db member(veldra::MaterialType::id) virtual(unsigned int) access(impl().id) id auto
+#pragma db member(veldra::MaterialType::id) virtual(unsigned long long) get(impl().id) \
+    set(impl().id = veldra::narrowed_id(?)) id auto
 #pragma db member(veldra::MaterialType::name) virtual(veldra::String) access(impl().name) unique
 
 #pragma db object(veldra::Material) definition pointer(std::shared_ptr) transient session
-#pragma db member(veldra::Material::id) virtual(unsigned int) access(impl().id) id auto
+#pragma db member(veldra::Material::id) virtual(unsigned long long) get(impl().id) \
+    set(impl().id = veldra::narrowed_id(?)) id auto
 #pragma db member(veldra::Material::name) virtual(veldra::String) access(impl().name) unique
 #pragma db member(veldra::Material::description) virtual(veldra::String) access(impl().description)
 #pragma db member(veldra::Material::tags) virtual(veldra::Tags) access(impl().tags) \
@@ -144,9 +160,9 @@ using NullableDouble = odb::nullable<double>;
     access(impl().cut_layer)
 #pragma db member(veldra::Material::appearance) virtual(veldra::String) access(impl().appearance)
 #pragma db member(veldra::Material::structural_asset) virtual(veldra::StructuralAssetPointer) \
-    access(impl().structural_asset) column("structural_id")
+    get(impl().structural_asset) set(impl().structural_asset = (?).get())column("structural_id")
 #pragma db member(veldra::Material::thermal_asset) virtual(veldra::ThermalAssetPointer) \
-    access(impl().thermal_asset) column("thermal_id")
+    get(impl().thermal_asset) set(impl().thermal_asset = (?).get())column("thermal_id")
 #pragma db member(veldra::Material::function) virtual(veldra::Material::Function) \
     access(impl().function)
 #pragma db member(veldra::Material::thicknesses) virtual(veldra::Thicknesses) \
@@ -157,7 +173,8 @@ using NullableDouble = odb::nullable<double>;
     access(impl().custom_values) key_column("")
 
 #pragma db object(veldra::Composition) definition pointer(std::shared_ptr) transient
-#pragma db member(veldra::Composition::id) virtual(unsigned int) access(impl().id) id auto
+#pragma db member(veldra::Composition::id) virtual(unsigned long long) get(impl().id) \
+    set(impl().id = veldra::narrowed_id(?)) id auto
 #pragma db member(veldra::Composition::name) virtual(veldra::String) access(impl().name) unique
 #pragma db member(veldra::Composition::description) virtual(veldra::String) \
     access(impl().description)

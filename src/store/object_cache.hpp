@@ -1,7 +1,8 @@
 #ifndef VELDRA_STORE_OBJECT_CACHE_HPP
 #define VELDRA_STORE_OBJECT_CACHE_HPP
 
-#include "store/replica.hpp"
+#include "objects/copies.hpp"
+#include "store/of_kind.hpp"
 
 #include <veldra/id_mapping.hpp>
 
@@ -11,67 +12,109 @@
 
 namespace veldra {
 
-/// The objects that others refer to, as far as the reading of a list has met them, by id.
-class ObjectCache {
+/// The objects that the reading of a list has met, by kind and id: what others refer to, whole.
+/// Those of the kind that is listed are not kept.
+template <template <class> class Entry>
+class MetObjects {
  public:
-  /// For a list of objects of the kind `listed`, which themselves are not kept. What several of
-  /// them refer to is given to each as an object of its own.
-  explicit ObjectCache(ObjectType listed) : listed_(listed) {}
+  explicit MetObjects(ObjectType listed) : listed_(listed) {}
 
-  /// For a list that is read for copying and changed by nobody: objects are shared, and a material
-  /// of `source` that is in the mapping already is not read at all; its id is enough.
-  ObjectCache(ObjectType listed, const Library& source, const IdMapping& copied)
-      : listed_(listed), source_(&source), copied_(&copied) {}
-
-  /// The object with that id, or a replica of it; null when it was not met yet.
+  /// What is known of an object; null when it was not met yet.
   template <class T>
-  std::shared_ptr<T> find(unsigned id) {
+  Entry<T>* find(unsigned id) {
     auto& objects = std::get<Objects<T>>(objects_);
     const auto entry = objects.find(id);
-    if (entry == objects.end()) return copied_object(id, static_cast<T*>(nullptr));
-    Entry<T>& known = entry->second;
-    const bool give = copied_ != nullptr || known.offered;
-    known.offered = false;
-    return give ? known.object : replica(*known.object);
+    return entry == objects.end() ? nullptr : &entry->second;
   }
 
-  /// Keeps an object that was loaded whole. Whoever holds it does not change it during the reading.
   template <class T>
   void insert(const std::shared_ptr<T>& object) {
     if (ObjectTraits<T>::type == listed_) return;
-    std::get<Objects<T>>(objects_).emplace(object->id(), Entry<T>{object, false});
+    std::get<Objects<T>>(objects_).emplace(object->id(), Entry<T>{object});
   }
 
-  /// The first who asks for this material, if it is here, may have it itself.
+ private:
+  template <class T>
+  using Objects = std::unordered_map<unsigned, Entry<T>>;
+
+  ObjectType listed_;
+  std::tuple<Objects<Tag>, Objects<Layer>, Objects<MaterialType>, Objects<CustomProperty>,
+             Objects<Asset>, Objects<Material>>
+      objects_;
+};
+
+/// For a list that is given to the host: what several of its objects refer to is given to each as
+/// an object of its own, a replica of what was loaded once.
+class ReplicaCache {
+ public:
+  explicit ReplicaCache(ObjectType listed) : objects_(listed) {}
+
+  /// A replica of the object with that id, or itself if it was offered; null when it was not met.
+  template <class T>
+  std::shared_ptr<T> find(unsigned id) {
+    Entry<T>* const known = objects_.find<T>(id);
+    if (known == nullptr) return nullptr;
+    if (!known->offered) return replica(*known->object);
+    known->offered = false;
+    return known->object;
+  }
+
+  /// Whoever holds the object does not change it during the reading.
+  template <class T>
+  void insert(const std::shared_ptr<T>& object) {
+    objects_.insert(object);
+  }
+
+  /// The first who asks for this material may have it itself: nobody else does.
   void offer(unsigned id) {
-    auto& objects = std::get<Objects<Material>>(objects_);
-    const auto entry = objects.find(id);
-    if (entry != objects.end()) entry->second.offered = true;
+    Entry<Material>* const known = objects_.find<Material>(id);
+    if (known != nullptr) known->offered = true;
   }
 
  private:
   template <class T>
   struct Entry {
     std::shared_ptr<T> object;
-    bool offered;
+    bool offered = false;
+
+    explicit Entry(const std::shared_ptr<T>& met) : object(met) {}
   };
 
-  template <class T>
-  using Objects = std::unordered_map<unsigned, Entry<T>>;
+  MetObjects<Entry> objects_;
+};
+
+/// For a list that is read for copying and changed by nobody: objects are shared, and a material of
+/// `source` that is in the mapping already is not read at all. A stub with its id is enough.
+class SharingCache {
+ public:
+  SharingCache(ObjectType listed, const Library& source, const IdMapping& copied)
+      : objects_(listed), source_(source), copied_(copied) {}
 
   template <class T>
-  std::shared_ptr<T> copied_object(unsigned, T*) const {
+  std::shared_ptr<T> find(unsigned id) {
+    const std::shared_ptr<T>* const known = objects_.find<T>(id);
+    return known == nullptr ? stub(OfKind<T>(), id) : *known;
+  }
+
+  template <class T>
+  void insert(const std::shared_ptr<T>& object) {
+    objects_.insert(object);
+  }
+
+  /// Everybody has it itself anyway.
+  void offer(unsigned) {}
+
+ private:
+  template <class T>
+  std::shared_ptr<T> stub(OfKind<T>, unsigned) const {
     return nullptr;
   }
 
-  std::shared_ptr<Material> copied_object(unsigned id, Material*) const;
+  std::shared_ptr<Material> stub(OfKind<Material>, unsigned id) const;
 
-  ObjectType listed_;
-  const Library* source_ = nullptr;
-  const IdMapping* copied_ = nullptr;
-  std::tuple<Objects<Tag>, Objects<Layer>, Objects<MaterialType>, Objects<CustomProperty>,
-             Objects<Asset>, Objects<Material>>
-      objects_;
+  MetObjects<std::shared_ptr> objects_;
+  const Library& source_;
+  const IdMapping& copied_;
 };
 
 }  // namespace veldra

@@ -1,43 +1,101 @@
 #include "store/queries.hpp"
 
 #include "store/kinds.hpp"
+#include "store/views-odb.hpp"
 
 #include <algorithm>
 #include <iterator>
 #include <limits>
-#include <type_traits>
+#include <memory>
+#include <string>
 #include <unordered_set>
 
 namespace veldra {
 
 namespace {
 
-using Condition = odb::sqlite::query_base;
+using Query = odb::sqlite::query_base;
 
-/// How many values one list in a statement may have. SQLite's own limit may be as low as 999.
+/// How many values one list in a statement may have. SQLite's own limit for a statement may be as
+/// low as 999.
 const std::size_t list_limit = 500;
 
-std::string column(const char* table, const char* name) {
-  return std::string("\"") + table + "\".\"" + name + "\"";
+std::string quoted(const std::string& name) { return "\"" + name + "\""; }
+
+/// The rows that a query looks at.
+struct Rows {
+  std::string from;
+  std::string name;      ///< by which the table of the objects is known in them
+  std::string distinct;  ///< where an object may have several of them
+
+  std::string column(const char* of_object) const { return quoted(name) + "." + quoted(of_object); }
+};
+
+/// One for each object of a kind.
+template <class T>
+Rows objects() {
+  return {quoted(Kind<T>::table), Kind<T>::table, ""};
+}
+
+/// One for each tag of an object, for conditions on the names of the tags.
+template <class T>
+Rows tagged_objects() {
+  const std::string table = Kind<T>::table;
+  const std::string tags = quoted("Object_" + table + "_tags");
+  return {quoted(table) + " AS \"Object\" LEFT JOIN " + quoted(table + "_tags") + " AS " + tags +
+              " ON " + tags + ".\"object_id\"=\"Object\".\"id\"" + " LEFT JOIN \"Tag\" ON " + tags +
+              ".\"tag_id\"=\"Tag\".\"id\"",
+          "Object", "DISTINCT "};
+}
+
+/// A query for the numbers `what` of those rows that meet a condition.
+Query select(const std::string& what, const Rows& rows, const Query& condition) {
+  return Query("SELECT " + what + " FROM " + rows.from + " WHERE ") + condition;
+}
+
+Query ids_of(const Rows& rows, const Query& condition) {
+  return select(rows.distinct + rows.column("id"), rows, condition);
+}
+
+/// All but those with impossible ids, which lie at both ends of the index: looking at each id on
+/// the way would take its time.
+Query count_of(const Rows& rows, const Query& condition) {
+  const std::string count = "count(" + rows.column("id") + ")";
+  const Query too_small(rows.column("id") + "<1");
+  const Query too_wide(rows.column("id") + ">4294967295");
+  return "SELECT (" + select(count, rows, condition) + ")-(" +
+         select(count, rows, condition && too_small) + ")-(" +
+         select(count, rows, condition && too_wide) + ")";
+}
+
+/// The same where an object may have several rows, which are looked at one by one anyway.
+Query count_of_distinct(const Rows& rows, const Query& condition) {
+  const Query possible(rows.column("id") + " BETWEEN 1 AND 4294967295");
+  return select("count(DISTINCT " + rows.column("id") + ")", rows, condition && possible);
 }
 
 template <class Value>
-Condition compare(const std::string& left, const char* operation, const Value& value) {
-  return Condition(left + operation) + Condition::_val(value);
+Query compare(const std::string& left, const char* operation, const Value& value) {
+  return Query(left + operation) + Query::_val(value);
 }
 
 /// Holds for every row, and disappears when another condition is joined to it.
-Condition no_condition() { return Condition(true); }
+Query no_condition() { return Query(true); }
 
 /// "column IN (?, ?, ...)" for a part of a list.
 template <class Iterator>
-Condition in_list(const std::string& column, Iterator begin, Iterator end) {
-  Condition list(column + " IN (");
+Query in_list(const std::string& column, Iterator begin, Iterator end) {
+  Query list(column + " IN (");
   for (Iterator value = begin; value != end; ++value) {
     if (value != begin) list += ",";
-    list += Condition::_val(*value);
+    list += Query::_val(*value);
   }
   return list + ")";
+}
+
+template <class List>
+Query in_list(const std::string& column, const List& list) {
+  return in_list(column, list.begin(), list.end());
 }
 
 /// Calls `part` with the list cut into parts that a statement can take.
@@ -51,63 +109,61 @@ void in_parts(const List& list, Part part) {
   }
 }
 
-// The conditions of the criteria other than tags, on the table or alias `table`.
+// What the criteria of each kind say: a condition on its rows, and the names of tags.
 
 template <class Criteria>
-Condition condition_of(const Criteria&, const char*) {
+Query condition_of(const Criteria&, const Rows&) {
   return no_condition();
 }
 
-Condition condition_of(const CustomPropertyCriteria& criteria, const char* table) {
+Query condition_of(const CustomPropertyCriteria& criteria, const Rows& rows) {
   if (criteria.object_type == ObjectType{}) return no_condition();
-  return compare(column(table, "object_type"), "=", static_cast<int>(criteria.object_type));
+  return compare(rows.column("object_type"), "=", static_cast<int>(criteria.object_type));
 }
 
-Condition condition_of(const MaterialCriteria& criteria, const char* table) {
+Query condition_of(const MaterialCriteria& criteria, const Rows& rows) {
   if (criteria.type == nullptr) return no_condition();
-  return compare(column(table, "type"), "=", criteria.type->id());
+  return compare(rows.column("type"), "=", criteria.type->id());
 }
 
-Condition condition_of(const CompositionCriteria& criteria, const char* table) {
+Query condition_of(const CompositionCriteria& criteria, const Rows& rows) {
   if (criteria.types == 0) return no_condition();
-  Condition any_type;
+  Query any_type;
   for (unsigned bit = 1; bit != 0; bit <<= 1) {
     if ((criteria.types & bit) == 0) continue;
-    const Condition type = compare(column(table, "type"), "=", bit);
+    const Query type = compare(rows.column("type"), "=", bit);
     any_type = any_type.empty() ? type : any_type || type;
   }
   return any_type;
 }
 
+using TagNames = std::set<std::string>;
+
+TagNames utf8(const std::set<String>& texts) {
+  TagNames names;
+  for (const String& text : texts) names.insert(text.utf8());
+  return names;
+}
+
 template <class Criteria>
-std::set<std::string> tags_of(const Criteria&) {
+TagNames tags_of(const Criteria&) {
   return {};
 }
 
-std::set<std::string> utf8(const std::set<String>& texts) {
-  std::set<std::string> result;
-  for (const String& text : texts) result.insert(text.utf8());
-  return result;
-}
+TagNames tags_of(const MaterialCriteria& criteria) { return utf8(criteria.tags); }
+TagNames tags_of(const CompositionCriteria& criteria) { return utf8(criteria.tags); }
 
-std::set<std::string> tags_of(const MaterialCriteria& criteria) { return utf8(criteria.tags); }
-std::set<std::string> tags_of(const CompositionCriteria& criteria) { return utf8(criteria.tags); }
+const char* const tag_name = "\"Tag\".\"name\"";
 
 template <class T>
-Condition ordered(const Condition& condition) {
-  return condition;
+Query in_order(const Query& query) {
+  if (Kind<T>::listed_by == nullptr) return query;
+  return query + ("ORDER BY " + objects<T>().column(Kind<T>::listed_by));
 }
 
-template <>
-Condition ordered<CustomProperty>(const Condition& condition) {
-  return condition + ("ORDER BY " + column("CustomProperty", "name"));
-}
-
-/// Appends the ids that the view gives. An id that is too large for an object is none of ours.
-template <class View>
-void append_ids(Database& database, const Condition& condition, std::vector<unsigned>& ids) {
-  odb::result<View> rows = database.query<View>(odb::query<View>(condition));
-  for (const View& row : rows) {
+/// Appends those ids that an object can have.
+void append_ids(Database& database, const Query& query, std::vector<unsigned>& ids) {
+  for (const QueriedNumber& row : database.query<QueriedNumber>(odb::query<QueriedNumber>(query))) {
     if (row.value != 0 && row.value <= std::numeric_limits<unsigned>::max()) {
       ids.push_back(static_cast<unsigned>(row.value));
     }
@@ -121,97 +177,67 @@ void append_new(std::vector<unsigned>& ids, const std::vector<unsigned>& more) {
                [&known](unsigned id) { return known.insert(id).second; });
 }
 
-Condition name_condition(const char* table, const std::string& pattern) {
-  if (pattern.empty()) return no_condition();
-  return compare(column(table, "name"), " LIKE ", pattern);
-}
-
 template <class T>
-Condition full_condition(const typename CriteriaOf<T>::type& criteria, const char* table,
-                         const std::string& pattern) {
-  return condition_of(criteria, table) && name_condition(table, pattern);
+Query full_condition(const typename CriteriaOf<T>::type& criteria, const std::string& pattern,
+                     const Rows& rows) {
+  const Query condition = condition_of(criteria, rows);
+  return pattern.empty() ? condition : condition && compare(rows.column("name"), " LIKE ", pattern);
 }
 
 /// The ids of the objects that have one of the tags, which are not empty, and meet `condition`.
-template <class T>
-std::vector<unsigned> tagged_ids(Database& database, const std::set<std::string>& tags,
-                                 const Condition& condition) {
+std::vector<unsigned> ids_of_tagged(Database& database, const Rows& rows, const TagNames& tags,
+                                    const Query& condition) {
   std::vector<unsigned> ids;
   in_parts(tags, [&](auto begin, auto end) {
     std::vector<unsigned> part;
-    append_ids<typename Kind<T>::TaggedId>(
-        database, condition && in_list(column("Tag", "name"), begin, end), part);
+    append_ids(database, ids_of(rows, condition && in_list(tag_name, begin, end)), part);
     append_new(ids, part);
   });
   return ids;
 }
 
+/// The ids of the objects that criteria and pattern select; an empty pattern selects all.
 template <class T>
 std::vector<unsigned> ids_of(Database& database, const typename CriteriaOf<T>::type& criteria,
-                             const std::string& pattern, WithoutTags) {
+                             const std::string& pattern) {
+  const TagNames tags = tags_of(criteria);
+  const Rows rows = tags.empty() ? objects<T>() : tagged_objects<T>();
+  const Query condition = full_condition<T>(criteria, pattern, rows);
+  if (!tags.empty()) return ids_of_tagged(database, rows, tags, condition);
+
   std::vector<unsigned> ids;
-  append_ids<typename Kind<T>::Id>(
-      database, ordered<T>(full_condition<T>(criteria, Kind<T>::table, pattern)), ids);
+  append_ids(database, in_order<T>(ids_of(rows, condition)), ids);
   return ids;
 }
 
-template <class T>
-std::vector<unsigned> ids_of(Database& database, const typename CriteriaOf<T>::type& criteria,
-                             const std::string& pattern, WithTags) {
-  const auto tags = tags_of(criteria);
-  if (tags.empty()) return ids_of<T>(database, criteria, pattern, WithoutTags());
-  return tagged_ids<T>(database, tags, full_condition<T>(criteria, tagged_alias, pattern));
+unsigned long long number(Database& database, const Query& query) {
+  return database.query_value<QueriedNumber>(odb::query<QueriedNumber>(query)).value;
 }
 
-template <class View>
-unsigned long long count(Database& database, const Condition& condition) {
-  return database.query_value<View>(odb::query<View>(condition)).value;
-}
-
-template <class T>
-unsigned long long count_of(Database& database, const typename CriteriaOf<T>::type& criteria,
-                            WithoutTags) {
-  return count<typename Kind<T>::Count>(database, condition_of(criteria, Kind<T>::table));
-}
-
-template <class T>
-unsigned long long count_of(Database& database, const typename CriteriaOf<T>::type& criteria,
-                            WithTags) {
-  const auto tags = tags_of(criteria);
-  if (tags.empty()) return count_of<T>(database, criteria, WithoutTags());
-  const Condition condition = condition_of(criteria, tagged_alias);
-  // In parts, an object could be counted with several of them.
-  if (tags.size() > list_limit) return tagged_ids<T>(database, tags, condition).size();
-  return count<typename Kind<T>::TaggedCount>(
-      database, condition && in_list(column("Tag", "name"), tags.begin(), tags.end()));
-}
-
-// Queries that are asked again and again are prepared once and kept by the connection.
+// Queries that are asked again and again are prepared once and kept by the connection, which finds
+// them by a name that must live as long: a text for each query and kind.
 
 struct Parameters {
   std::string name;
   int type = 0;
 };
 
-/// The prepared query of that purpose and kind. It reads `parameters` when it is executed.
-template <class T, class View, class Make>
-odb::prepared_query<View> prepared(Database& database, const char* purpose, Parameters*& parameters,
-                                   Make make_condition) {
-  // The connection keeps the pointer to the name.
-  static const std::string name = std::string(purpose) + Kind<T>::table;
-  auto& connection = database.connection_in_use();
-  auto query = connection.lookup_query<View>(name.c_str(), parameters);
+/// The query of that name. It reads `parameters` when it is executed.
+template <class Make>
+odb::prepared_query<QueriedNumber> prepared(Database& database, const std::string& name,
+                                            Parameters*& parameters, Make make_query) {
+  auto& connection = database.only_connection();
+  auto query = connection.lookup_query<QueriedNumber>(name.c_str(), parameters);
   if (query) return query;
   std::unique_ptr<Parameters> own(new Parameters);
   parameters = own.get();
-  query =
-      connection.prepare_query<View>(name.c_str(), odb::query<View>(make_condition(*parameters)));
+  query = connection.prepare_query<QueriedNumber>(name.c_str(),
+                                                  odb::query<QueriedNumber>(make_query(*own)));
   connection.cache_query(query, std::move(own));
   return query;
 }
 
-template <class View>
-unsigned first_id(odb::prepared_query<View> query) {
+unsigned first_id(odb::prepared_query<QueriedNumber> query) {
   auto rows = query.execute(false);
   const auto row = rows.begin();
   if (row == rows.end() || row->value > std::numeric_limits<unsigned>::max()) return 0;
@@ -222,22 +248,23 @@ unsigned first_id(odb::prepared_query<View> query) {
 
 template <class T>
 std::vector<unsigned> all_ids(Database& database) {
-  return ids_of<T>(database, {}, {}, WithoutTags());
+  return ids_of<T>(database, {}, {});
 }
 
 template <class T>
 std::vector<unsigned> existing_ids(Database& database, const std::set<unsigned>& ids) {
   std::vector<unsigned> existing;
-  // Every part comes in the order of the names, but not the whole.
-  if (std::is_same<T, CustomProperty>::value && ids.size() > list_limit) {
+  // Every part would come in its order, but not the whole.
+  if (Kind<T>::listed_by != nullptr && ids.size() > list_limit) {
     existing = all_ids<T>(database);
     const auto other = [&ids](unsigned id) { return ids.count(id) == 0; };
     existing.erase(std::remove_if(existing.begin(), existing.end(), other), existing.end());
     return existing;
   }
+  const Rows rows = objects<T>();
   in_parts(ids, [&](auto begin, auto end) {
-    append_ids<typename Kind<T>::Id>(
-        database, ordered<T>(in_list(column(Kind<T>::table, "id"), begin, end)), existing);
+    append_ids(database, in_order<T>(ids_of(rows, in_list(rows.column("id"), begin, end))),
+               existing);
   });
   return existing;
 }
@@ -245,44 +272,48 @@ std::vector<unsigned> existing_ids(Database& database, const std::set<unsigned>&
 template <class T>
 std::vector<unsigned> selected_ids(Database& database,
                                    const typename CriteriaOf<T>::type& criteria) {
-  return ids_of<T>(database, criteria, {}, typename Kind<T>::Tagging());
+  return ids_of<T>(database, criteria, {});
 }
 
 template <class T>
 std::vector<unsigned> matching_ids(Database& database, const String& pattern,
                                    const typename CriteriaOf<T>::type& criteria) {
-  return ids_of<T>(database, criteria, pattern.utf8(), typename Kind<T>::Tagging());
+  return ids_of<T>(database, criteria, pattern.utf8());
 }
 
 template <class T>
 unsigned id_of_name(Database& database, const String& name) {
+  static const std::string own_name = std::string("id by name: ") + Kind<T>::table;
   Parameters* parameters = nullptr;
-  auto query = prepared<T, typename Kind<T>::Id>(
-      database, "id by name: ", parameters, [](const Parameters& values) {
-        return Condition(column(Kind<T>::table, "name") + "=") + Condition::_ref(values.name);
-      });
+  const auto query = prepared(database, own_name, parameters, [](const Parameters& values) {
+    const Rows rows = objects<T>();
+    return ids_of(rows, Query(rows.column("name") + "=") + Query::_ref(values.name));
+  });
   parameters->name = name.utf8();
   return first_id(query);
 }
 
 unsigned id_of_property(Database& database, const String& name, ObjectType type) {
+  static const std::string own_name = "id by name and kind of object";
   Parameters* parameters = nullptr;
-  auto query = prepared<CustomProperty, CustomPropertyId>(
-      database, "id by name and type: ", parameters, [](const Parameters& values) {
-        const char* table = Kind<CustomProperty>::table;
-        return Condition(column(table, "object_type") + "=") + Condition::_ref(values.type) +
-               ("AND " + column(table, "name") + "=") + Condition::_ref(values.name);
-      });
+  const auto query = prepared(database, own_name, parameters, [](const Parameters& values) {
+    const Rows rows = objects<CustomProperty>();
+    return ids_of(rows, Query(rows.column("object_type") + "=") + Query::_ref(values.type) +
+                            ("AND " + rows.column("name") + "=") + Query::_ref(values.name));
+  });
   parameters->name = name.utf8();
   parameters->type = static_cast<int>(type);
   return first_id(query);
 }
 
 std::vector<unsigned> layer_material_ids(Database& database, const std::vector<unsigned>& ids) {
+  const Rows layers{quoted("Composition_layers"), "Composition_layers", ""};
   std::vector<unsigned> materials;
   in_parts(ids, [&](auto begin, auto end) {
-    append_ids<LayerMaterialId>(
-        database, in_list(column("Composition_layers", "object_id"), begin, end), materials);
+    append_ids(database,
+               select(layers.column("value_material_id"), layers,
+                      in_list(layers.column("object_id"), begin, end)),
+               materials);
   });
   std::sort(materials.begin(), materials.end());
   materials.erase(std::unique(materials.begin(), materials.end()), materials.end());
@@ -291,16 +322,23 @@ std::vector<unsigned> layer_material_ids(Database& database, const std::vector<u
 
 template <class T>
 unsigned long long count_all(Database& database) {
+  static const std::string own_name = std::string("count: ") + Kind<T>::table;
   Parameters* none = nullptr;
-  auto query = prepared<T, typename Kind<T>::Count>(
-      database, "count: ", none, [](const Parameters&) { return no_condition(); });
+  auto query = prepared(database, own_name, none,
+                        [](const Parameters&) { return count_of(objects<T>(), no_condition()); });
   return query.execute_value().value;
 }
 
 template <class T>
 unsigned long long count_selected(Database& database,
                                   const typename CriteriaOf<T>::type& criteria) {
-  return count_of<T>(database, criteria, typename Kind<T>::Tagging());
+  const TagNames tags = tags_of(criteria);
+  const Rows rows = tags.empty() ? objects<T>() : tagged_objects<T>();
+  const Query condition = condition_of(criteria, rows);
+  if (tags.empty()) return number(database, count_of(rows, condition));
+  // In parts, an object could be counted with several of them.
+  if (tags.size() > list_limit) return ids_of_tagged(database, rows, tags, condition).size();
+  return number(database, count_of_distinct(rows, condition && in_list(tag_name, tags)));
 }
 
 #define VELDRA_INSTANTIATE(T)                                                            \

@@ -10,8 +10,9 @@
 
 namespace veldra {
 
-// Questions about the tables of a kind. A transaction must be current. Ids come in the order of the
-// database; those of custom properties in the order of the names.
+// Questions about the tables of a kind, within a transaction. Ids come in the order of the
+// database; those of custom properties in the order of the names. A row whose id no object can
+// have, 0 or one that is too wide, is none of ours and neither listed nor counted.
 
 template <class T>
 std::vector<unsigned> all_ids(Database& database);
@@ -39,6 +40,7 @@ unsigned id_of_property(Database& database, const String& name, ObjectType type)
 /// The ids of the materials that the layers of those compositions refer to, ascending, each once.
 std::vector<unsigned> layer_material_ids(Database& database, const std::vector<unsigned>& ids);
 
+/// How many there are.
 template <class T>
 unsigned long long count_all(Database& database);
 

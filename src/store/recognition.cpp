@@ -91,7 +91,7 @@ bool has_write_ahead_log(odb::sqlite::connection& connection) {
 
 Recognition look_through(Database& database) {
   ReadTransaction transaction(database);
-  auto& connection = database.connection_in_use();
+  auto& connection = database.only_connection();
   const auto recognition = recognise_tables(connection);
   require_whole_pages(connection);
   return recognition;

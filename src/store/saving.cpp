@@ -1,7 +1,7 @@
+#include "store/host_saving.hpp"
 #include "store/kinds.hpp"
-#include "store/notifications.hpp"
-#include "store/running_operation.hpp"
-#include "store/save_operation.hpp"
+#include "store/reported_operation.hpp"
+#include "store/saver.hpp"
 
 // The saving operations of a library, and of its objects.
 
@@ -21,8 +21,8 @@ bool is_saved(const std::shared_ptr<T>& object, const Library& library) {
 template <class T>
 std::shared_ptr<T> saved_already(const std::shared_ptr<T>& object, Library& library,
                                  IdMapping& mapping) {
-  Database& database = LibraryAccess::database(library);
-  if (database.held != nullptr) database.held->get();  // throws when it has ended
+  HeldTransaction* const held = LibraryAccess::database(library).transactions().held();
+  if (held != nullptr) held->running();  // throws when it has ended
   if (object != nullptr) {
     const ObjectKey key(ObjectTraits<T>::type, object->id());
     mapping.assign({key, object->library().get()}, {key.id, IdMapping::Existing});
@@ -41,17 +41,13 @@ std::shared_ptr<T> Library::save(const std::shared_ptr<T>& object) {
 template <class T>
 std::shared_ptr<T> Library::save(const std::shared_ptr<T>& object, IdMapping& mapping) {
   if (is_saved(object, *this)) return saved_already(object, *this, mapping);
-  return interruptibly(*this, [&] {
-    Notifications notifications(*this);
-    std::shared_ptr<T> saved;
-    {
-      SaveOperation operation(*this, mapping, SaveOperation::Results::Wanted);
-      saved = operation.save(object);
-      operation.commit();
-    }
-    notifications.deliver();
-    return saved;
+  std::shared_ptr<T> saved;
+  run_operation(*this, [&] {
+    Saver<HostSaving> saver(*this, mapping);
+    saved = saver.save(object);
+    saver.commit();
   });
+  return saved;
 }
 
 template <class T>

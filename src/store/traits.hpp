@@ -24,22 +24,20 @@ class value_traits<veldra::String, id_text> {
 
   static void set_value(veldra::String& value, const details::buffer& buffer, std::size_t size,
                         bool is_null) {
-    value.utf8(buffer.data(), is_null ? 0 : size);
+    veldra::StringAccess::assign(value, buffer.data(), is_null ? 0 : size);
   }
 
   static void set_image(details::buffer& buffer, std::size_t& size, bool& is_null,
                         const veldra::String& value) {
     const std::size_t units = veldra::text_length(value.c_str());
-    const std::size_t bound = veldra::utf8_bound(units);
-    if (bound > buffer.capacity()) buffer.capacity(bound);
-    size = static_cast<std::size_t>(veldra::encode_utf8(value.c_str(), units, buffer.data()) -
-                                    buffer.data());
+    size = veldra::utf8_size(value.c_str(), units);
+    if (size > buffer.capacity()) buffer.capacity(size);
+    veldra::encode_utf8(value.c_str(), units, buffer.data());
     is_null = false;
   }
 };
 
-/// Ids and indices. A column holds wider numbers; one that does not fit must not turn into the id
-/// of another object, so it becomes the largest, which is nobody's.
+/// Indices. A column holds wider numbers; one that does not fit becomes the largest.
 template <>
 class value_traits<unsigned, id_integer> : public default_value_traits<unsigned, id_integer> {
  public:

@@ -3,11 +3,10 @@
 #include "store/statement.hpp"
 
 #include <odb/exceptions.hxx>
+#include <odb/sqlite/error.hxx>
 #include <odb/sqlite/exceptions.hxx>
 
 #include <sqlite3.h>
-
-#include <new>
 
 namespace veldra {
 
@@ -27,24 +26,27 @@ SetAsideTransaction::~SetAsideTransaction() {
 namespace {
 
 /// SQLite ends a transaction by itself when the disk is full or cannot be read, or memory runs out.
-bool is_running(Database& database) {
-  return sqlite3_get_autocommit(database.connection_in_use().handle()) == 0;
+bool is_running(const Database& database) { return sqlite3_get_autocommit(database.handle()) == 0; }
+
+int run(const Database& database, const char* statements) noexcept {
+  return sqlite3_exec(database.handle(), statements, nullptr, nullptr, nullptr);
 }
 
 }  // namespace
 
 void end_what_is_left(Database& database) noexcept {
-  if (!is_running(database)) return;
-  sqlite3_exec(database.connection_in_use().handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+  if (is_running(database)) run(database, "ROLLBACK");
 }
 
 void require_ended(Database& database) {
-  if (is_running(database)) throw std::bad_alloc();
+  if (!is_running(database)) return;
+  const int result = run(database, "ROLLBACK");
+  if (result != SQLITE_OK) odb::sqlite::translate_error(result, database.only_connection());
 }
 
 namespace {
 
-void end(Database& database, odb::sqlite::transaction& transaction) noexcept {
+void roll_back(Database& database, odb::sqlite::transaction& transaction) noexcept {
   try {
     if (!transaction.finalized()) transaction.rollback();
   } catch (...) {
@@ -52,19 +54,24 @@ void end(Database& database, odb::sqlite::transaction& transaction) noexcept {
   end_what_is_left(database);
 }
 
-template <class Begin>
-void begin(Database& database, odb::sqlite::transaction& transaction, Begin begin) {
+/// Begins with what `make` gives.
+template <class Make>
+void begin(Database& database, odb::sqlite::transaction& transaction, Make make) {
   end_what_is_left(database);  // the memory that was lacking then may be there now
   try {
-    transaction.reset(begin());
+    transaction.reset(make());
   } catch (...) {
-    end(database, transaction);
+    roll_back(database, transaction);
     throw;
   }
 }
 
 void begin_writing(Database& database, odb::sqlite::transaction& transaction) {
   begin(database, transaction, [&database] { return database.begin_immediate(); });
+}
+
+void begin_reading(Database& database, odb::sqlite::transaction& transaction) {
+  begin(database, transaction, [&database] { return database.begin(); });
 }
 
 /// The lock that keeps readers away is given back first, and then what is left of it.
@@ -86,8 +93,7 @@ void commit_changes(odb::sqlite::transaction& transaction) {
 void require_intact_references(Database& database) {
   int broken = 0;
   int unused = 0;
-  sqlite3_db_status(database.connection_in_use().handle(), SQLITE_DBSTATUS_DEFERRED_FKS, &broken,
-                    &unused, 0);
+  sqlite3_db_status(database.handle(), SQLITE_DBSTATUS_DEFERRED_FKS, &broken, &unused, 0);
   if (broken == 0) return;
   throw odb::sqlite::database_exception(SQLITE_CONSTRAINT, SQLITE_CONSTRAINT_FOREIGNKEY,
                                         "FOREIGN KEY constraint failed");
@@ -100,131 +106,165 @@ void keep_changes(UndoLogs& logs) noexcept {
 }  // namespace
 
 HeldTransaction::HeldTransaction(Database& database) : database_(database) {
-  if (database.writing != nullptr || database.held != nullptr || database.snapshot != nullptr) {
-    throw odb::already_in_transaction();
-  }
+  database.transactions().require_holdable();
   const SetAsideTransaction aside;
   begin_writing(database, transaction_);
-  database.held = this;
+  database.transactions().hold(*this);
 }
 
 HeldTransaction::~HeldTransaction() {
-  end(database_, transaction_);
-  database_.held = nullptr;
+  roll_back(database_, transaction_);
+  database_.transactions().end_holding();
   while (!logs_.empty()) logs_.pop_front();
 }
 
 void HeldTransaction::commit() {
-  commit_changes(get());
+  commit_changes(running());
   keep_changes(logs_);
 }
 
-odb::sqlite::transaction& HeldTransaction::get() {
+odb::sqlite::transaction& HeldTransaction::running() {
   if (broken_ || !is_running(database_)) throw odb::transaction_already_finalized();
   return transaction_;
 }
 
 void HeldTransaction::set_savepoint() {
-  database_.connection_in_use().execute("SAVEPOINT operation");
+  database_.only_connection().execute("SAVEPOINT operation");
 }
 
 void HeldTransaction::release_savepoint() {
   require_intact_references(database_);
-  database_.connection_in_use().execute("RELEASE operation");
+  database_.only_connection().execute("RELEASE operation");
 }
 
 void HeldTransaction::roll_back_to_savepoint() noexcept {
-  sqlite3* connection = database_.connection_in_use().handle();
-  const int result = sqlite3_exec(connection, "ROLLBACK TO operation; RELEASE operation", nullptr,
-                                  nullptr, nullptr);
+  const int result = run(database_, "ROLLBACK TO operation; RELEASE operation");
   if (result != SQLITE_OK) broken_ = true;
 }
 
 void HeldTransaction::keep(UndoLogs& logs) noexcept { logs_.splice(logs_.begin(), logs); }
 
-SnapshotTransaction::SnapshotTransaction(Database& database) : database_(database) {
-  if (database.writing != nullptr || database.held != nullptr) return;
-  if (database.snapshot != nullptr) throw odb::already_in_transaction();
+SnapshotTransaction::SnapshotTransaction(Database& database)
+    : database_(database), is_part_of_another_(database.transactions().is_changing()) {
+  if (is_part_of_another_) return;
+  database.transactions().require_snapshot();
   const SetAsideTransaction aside;
-  begin(database, transaction_, [&database] { return database.begin(); });
+  begin_reading(database, transaction_);
   try {
     // The state is that of the first read.
-    Statement(database.connection_in_use(), "SELECT 1 FROM sqlite_master LIMIT 1").next();
+    Statement(database.only_connection(), "SELECT 1 FROM sqlite_master LIMIT 1").next();
   } catch (...) {
-    end(database, transaction_);
+    roll_back(database, transaction_);
     throw;
   }
-  database.snapshot = this;
+  database.transactions().show(*this);
 }
 
 SnapshotTransaction::~SnapshotTransaction() {
-  if (database_.snapshot != this) return;
-  database_.snapshot = nullptr;
-  end(database_, transaction_);
+  if (is_part_of_another_) return;
+  database_.transactions().end_snapshot();
+  roll_back(database_, transaction_);
 }
 
-odb::sqlite::transaction& SnapshotTransaction::get() {
+odb::sqlite::transaction& SnapshotTransaction::running() {
   if (!is_running(database_)) throw odb::transaction_already_finalized();
   return transaction_;
 }
 
-WriteTransaction::WriteTransaction(Database& database)
-    : database_(database), outer_(database.held) {
-  if (database.writing != nullptr || database.snapshot != nullptr) {
-    throw odb::already_in_transaction();
-  }
-  if (outer_ == nullptr) {
+/// What a transaction that writes is, alone or within another one.
+class WriteTransaction::Part {
+ public:
+  Part() = default;
+  Part(const Part&) = delete;
+  Part& operator=(const Part&) = delete;
+  virtual ~Part() = default;
+
+  virtual void commit() = 0;
+
+  /// What becomes of the changes in memory once it is committed.
+  virtual void keep(UndoLogs& logs) noexcept = 0;
+};
+
+class WriteTransaction::OwnTransaction : public Part {
+ public:
+  explicit OwnTransaction(Database& database) : database_(database) {
     begin_writing(database, transaction_);
-    database.writing = &transaction_;
-  } else {
-    odb::transaction::current(outer_->get());
-    outer_->set_savepoint();
-    database.writing = &outer_->get();
+    database.transactions().write(transaction_);
   }
+
+  ~OwnTransaction() override {
+    roll_back(database_, transaction_);
+    database_.transactions().end_writing();
+  }
+
+  void commit() override { commit_changes(transaction_); }
+  void keep(UndoLogs& logs) noexcept override { keep_changes(logs); }
+
+ private:
+  Database& database_;
+  odb::sqlite::transaction transaction_;
+};
+
+class WriteTransaction::NestedTransaction : public Part {
+ public:
+  NestedTransaction(Database& database, HeldTransaction& held) : database_(database), held_(held) {
+    odb::transaction::current(held.running());
+    held.set_savepoint();
+    database.transactions().write(held.running());
+  }
+
+  ~NestedTransaction() override {
+    if (!committed_) held_.roll_back_to_savepoint();
+    database_.transactions().end_writing();
+  }
+
+  void commit() override {
+    held_.release_savepoint();
+    committed_ = true;
+  }
+
+  void keep(UndoLogs& logs) noexcept override { held_.keep(logs); }
+
+ private:
+  Database& database_;
+  HeldTransaction& held_;
+  bool committed_ = false;
+};
+
+std::unique_ptr<WriteTransaction::Part> WriteTransaction::begin(Database& database) {
+  database.transactions().require_writable();
+  HeldTransaction* const held = database.transactions().held();
+  if (held != nullptr) return std::unique_ptr<Part>(new NestedTransaction(database, *held));
+  return std::unique_ptr<Part>(new OwnTransaction(database));
 }
 
-WriteTransaction::~WriteTransaction() {
-  if (outer_ == nullptr) {
-    end(database_, transaction_);
-  } else if (!released_) {
-    outer_->roll_back_to_savepoint();
-  }
-  database_.writing = nullptr;
-}
+WriteTransaction::WriteTransaction(Database& database)
+    : database_(database), part_(begin(database)) {}
+
+WriteTransaction::~WriteTransaction() = default;
 
 void WriteTransaction::require_running() const {
   if (!is_running(database_)) throw odb::transaction_already_finalized();
 }
 
-void WriteTransaction::commit() {
-  if (outer_ == nullptr) return commit_changes(transaction_);
-  outer_->release_savepoint();
-  released_ = true;
-}
+void WriteTransaction::commit() { part_->commit(); }
 
 void WriteTransaction::commit(UndoLogs& logs) {
-  commit();
-  if (outer_ == nullptr) {
-    keep_changes(logs);
-  } else {
-    outer_->keep(logs);
-  }
+  part_->commit();
+  part_->keep(logs);
 }
 
 ReadTransaction::ReadTransaction(Database& database) : database_(database) {
-  if (database.writing != nullptr) {
-    odb::transaction::current(*database.writing.load());
-  } else if (database.held != nullptr) {
-    odb::transaction::current(database.held->get());
-  } else if (database.snapshot != nullptr) {
-    odb::transaction::current(database.snapshot->get());
+  odb::sqlite::transaction* const other = database.transactions().shared_with_readers();
+  if (other != nullptr) {
+    odb::transaction::current(*other);
   } else {
-    begin(database, transaction_, [&database] { return database.begin(); });
+    begin_reading(database, transaction_);
   }
 }
 
 ReadTransaction::~ReadTransaction() {
-  if (!transaction_.finalized()) end(database_, transaction_);
+  if (!transaction_.finalized()) roll_back(database_, transaction_);
 }
 
 }  // namespace veldra

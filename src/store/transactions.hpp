@@ -6,6 +6,8 @@
 
 #include <odb/sqlite/transaction.hxx>
 
+#include <memory>
+
 namespace veldra {
 
 /// Sets the current transaction of the thread aside, be it of another library or of the host, and
@@ -26,7 +28,7 @@ class SetAsideTransaction {
 /// within the transaction for ever.
 void end_what_is_left(Database& database) noexcept;
 
-/// Throws `std::bad_alloc` when a transaction has ended and is still there: even that has failed.
+/// The same, and throws what SQLite says when even that fails.
 void require_ended(Database& database);
 
 /// A transaction that the host holds over several operations: what reads is a part of it, what
@@ -43,7 +45,7 @@ class HeldTransaction {
   void commit();
 
   /// The transaction itself. Throws `odb::transaction_already_finalized` when a failure ended it.
-  odb::sqlite::transaction& get();
+  odb::sqlite::transaction& running();
 
   /// What follows can be taken back alone, until it is released.
   void set_savepoint();
@@ -71,16 +73,18 @@ class SnapshotTransaction {
   ~SnapshotTransaction();
 
   /// The transaction itself. Throws `odb::transaction_already_finalized` when a failure ended it.
-  odb::sqlite::transaction& get();
+  odb::sqlite::transaction& running();
 
  private:
   Database& database_;
+  bool is_part_of_another_;
   odb::sqlite::transaction transaction_;
 };
 
-/// A transaction that writes. It begins with the lock for writing, so that two writers wait for
-/// each other instead of failing half-way. Nested in the one that the host holds, if any. Rolled
-/// back at the end unless committed.
+/// A transaction that writes. Rolled back at the end unless committed.
+///
+/// It begins with the lock for writing, so that two writers wait for each other instead of failing
+/// half-way; within the transaction that the host holds, it is what can be taken back alone.
 class WriteTransaction {
  public:
   /// Throws `odb::already_in_transaction` when the database is being written already, or the host
@@ -101,11 +105,15 @@ class WriteTransaction {
   void commit(UndoLogs& logs);
 
  private:
+  class Part;
+  class OwnTransaction;
+  class NestedTransaction;
+
+  static std::unique_ptr<Part> begin(Database& database);
+
   Database& database_;
-  HeldTransaction* outer_;
-  bool released_ = false;
-  SetAsideTransaction aside_;  // before the transaction, so that it restores after its end
-  odb::sqlite::transaction transaction_;
+  SetAsideTransaction aside_;  // before what it begins, so that it restores after its end
+  std::unique_ptr<Part> part_;
 };
 
 /// A transaction that reads; a part of the running one where the database is being written or the

@@ -265,6 +265,27 @@ TEST_F(CopyingWithADroppedEntry, a_material_that_is_gone_from_the_source_too_is_
   EXPECT_EQ(rows(), before);
 }
 
+/// A material without a name is no stub: it was read, and is not read again.
+TEST_F(CopyingWithMapping, a_material_without_a_name_is_copied_as_it_was_read) {
+  const auto nameless = full_material("Core");
+  nameless->name("");
+  const auto wall = Composition::create("Wall");
+  wall->addTag(Tag::create("outside"));
+  wall->appendLayer({nameless, Material::Function::None, 5.0});
+  put(wall);
+  IdMapping mapping = fresh_mapping();
+  reactor.on_saved = [&](Library&, const ObjectKey& key) {
+    if (key.type != ObjectType::Tag || !source->get<Composition>("Wall")) return;
+    ASSERT_TRUE(source->remove<Composition>(wall->id()));
+    ASSERT_TRUE(source->remove<Material>(wall->layer(0).material()->id()));
+  };
+
+  library->copy<Composition>(source, Ids{wall->id()}, mapping);
+
+  EXPECT_EQ(values_of(library->get<Composition>("Wall")->layer(0).material()),
+            values_of(std::shared_ptr<const Material>(nameless)));
+}
+
 // Two properties of the source may stand for one: the first was renamed, and a second one took its
 // former name.
 TEST_F(CopyingWithMapping, values_of_two_properties_that_stand_for_one_are_one_value) {

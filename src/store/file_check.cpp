@@ -1,7 +1,9 @@
-#include "store/examination.hpp"
+#include "store/file_check.hpp"
 
 #include "store/file_schema.hpp"
-#include "store/row_examination.hpp"
+#include "store/kinds.hpp"
+#include "store/mapping.hpp"
+#include "store/row_checks.hpp"
 #include "store/statement.hpp"
 #include "store/transactions.hpp"
 
@@ -10,6 +12,7 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <map>
 
 namespace veldra {
 
@@ -17,48 +20,75 @@ namespace {
 
 const std::size_t most_references = 100;
 
-/// A kind, and the tables that reading its objects may lead to.
-struct KindTables {
-  ObjectType type;
-  std::vector<const char*> tables;
+template <class T>
+void add_tables_of(TableNames& tables);
+
+/// Adds the tables to which reading a member may lead.
+struct TablesOfMembers {
+  TableNames& tables;
+
+  template <class Role, class How, class Values, class Field>
+  auto operator()(Member<Role, How, Values, Field>) const -> IfOneOf<Role, Plain, Length, Number> {}
+
+  template <class Role, class How, class Values, class T>
+  auto operator()(Member<Role, How, Values, std::shared_ptr<T>>) const
+      -> IfOneOf<Role, Reference, NeededReference> {
+    add_tables_of<std::remove_const_t<T>>(tables);
+  }
+  template <class How, class Values, class T>
+  void operator()(Member<UnsavedReference, How, Values, std::shared_ptr<T>>) const {
+    add_tables_of<Asset>(tables);
+  }
+  template <class How, class Values, class T>
+  void operator()(Member<References, How, Values, std::vector<std::shared_ptr<T>>>) const {
+    add_tables_of<T>(tables);
+  }
+  template <class How, class Values, class Map>
+  void operator()(Member<ValuesByProperty, How, Values, Map>) const {
+    add_tables_of<CustomProperty>(tables);
+  }
+  template <class How, class Values, class Layers>
+  void operator()(Member<LayersOfMaterials, How, Values, Layers>) const {
+    add_tables_of<Material>(tables);
+  }
 };
 
-const std::vector<KindTables>& tables_of_kinds() {
-  static const std::vector<KindTables> kinds{
-      {ObjectType::Tag, {"Tag"}},
-      {ObjectType::MaterialType, {"MaterialType"}},
-      {ObjectType::Material,
-       {"Material", "Material_tags", "Material_thicknesses", "Material_custom_values", "Tag",
-        "MaterialType", "CustomProperty", "Layer", "Asset", "Asset_tags", "StructuralAsset",
-        "ThermalAsset"}},
-      {ObjectType::Composition,
-       {"Composition", "Composition_tags", "Composition_layers", "Composition_custom_values",
-        "Material", "Material_tags", "Material_thicknesses", "Material_custom_values", "Tag",
-        "MaterialType", "CustomProperty", "Layer", "Asset", "Asset_tags", "StructuralAsset",
-        "ThermalAsset"}},
-      {ObjectType::CustomProperty, {"CustomProperty"}},
-      {ObjectType::Layer, {"Layer"}}};
+/// Adds the tables that reading the objects of a kind may lead to.
+template <class T>
+void add_tables_of(TableNames& tables) {
+  tables.push_back(Kind<T>::table);
+  for (const std::string& list : Kind<T>::lists()) tables.push_back(list);
+  for_each_member(PartsOf<T>(), TablesOfMembers{tables});
+}
+
+/// The kinds in the order of their numbers.
+std::map<ObjectType, TableNames> tables_of_kinds() {
+  std::map<ObjectType, TableNames> kinds;
+  for_each_kind([&kinds](auto kind) {
+    using T = typename decltype(kind)::type;
+    add_tables_of<T>(kinds[ObjectTraits<T>::type]);
+  });
   return kinds;
 }
 
-class Examination {
+class FileCheck {
  public:
-  explicit Examination(Database& database)
-      : database_(database), connection_(database.connection_in_use()) {}
+  explicit FileCheck(Database& database)
+      : database_(database), connection_(database.only_connection()) {}
 
   Findings run() {
     // First, since it says what can be read.
-    attempt([this] { examine_schema(); });
-    attempt([this] { examine_pages(); });
-    examine_references();
-    for (const RowExamination& examination : row_examinations(expected_)) {
-      attempt([&] { examine_rows(examination); });
+    attempt([this] { check_schema(); });
+    attempt([this] { check_pages(); });
+    check_references();
+    for (const RowCheck& check : row_checks(expected_)) {
+      attempt([&] { check_rows(check); });
     }
     return std::move(findings_);
   }
 
  private:
-  /// What is the fault of the file is a finding, and the examination goes on.
+  /// What is the fault of the file is a finding, and the check goes on.
   template <class Work>
   void attempt(Work work) {
     database_.stop_if_interrupted();
@@ -81,16 +111,16 @@ class Examination {
     while (row.next()) findings_.push_back(finding_of_file(row.text(0)));
   }
 
-  void examine_schema() {
+  void check_schema() {
     actual_ = FileSchema::of(connection_);
     for (const auto& sentence : wrong_parts(actual_, expected_)) {
       findings_.push_back(finding_of_file(sentence));
     }
-    for (const KindTables& kind : tables_of_kinds()) {
-      const std::string reason = first_obstacle(kind.tables);
+    for (const auto& kind : tables_of_kinds()) {
+      const std::string reason = first_obstacle(kind.second);
       if (reason.empty()) continue;
       findings_.push_back(
-          make_finding({kind.type, 0}, {}, "they cannot be read, because " + reason));
+          make_finding({kind.first, 0}, {}, "they cannot be read, because " + reason));
     }
   }
 
@@ -103,7 +133,7 @@ class Examination {
     return {};
   }
 
-  void examine_pages() {
+  void check_pages() {
     Statement row(connection_,
                   "SELECT integrity_check FROM pragma_integrity_check"
                   " WHERE integrity_check <> 'ok'");
@@ -111,12 +141,12 @@ class Examination {
   }
 
   /// Each table alone, so that one with keys that lead nowhere does not hide the others.
-  void examine_references() {
+  void check_references() {
     std::vector<std::string> tables;
     attempt([&] { tables = tables_with_references(); });
     std::size_t found = 0;
     for (const std::string& table : tables) {
-      attempt([&] { found += examine_references_of(table, most_references - found); });
+      attempt([&] { found += check_references_of(table, most_references - found); });
     }
   }
 
@@ -135,7 +165,7 @@ class Examination {
     return tables;
   }
 
-  std::size_t examine_references_of(const std::string& table, std::size_t most) {
+  std::size_t check_references_of(const std::string& table, std::size_t most) {
     Statement row(connection_, R"sql(
         SELECT '"' || c."table" || '"' || ifnull(', row ' || c.rowid, '') || ': "' || f."from"
                || '" refers to a row of "' || c.parent || '" that is not there'
@@ -149,12 +179,12 @@ class Examination {
     return findings_.size() - before;
   }
 
-  void examine_rows(const RowExamination& examination) {
-    if (!first_obstacle(examination.tables).empty()) return;
-    Statement row(connection_, examination.query.c_str());
-    if (examination.type == ObjectType{}) return add_sentences(row);
+  void check_rows(const RowCheck& check) {
+    if (!first_obstacle(check.tables).empty()) return;
+    Statement row(connection_, check.query.c_str());
+    if (check.type == ObjectType{}) return add_sentences(row);
     while (row.next()) {
-      const ObjectKey object(examination.type, static_cast<unsigned>(row.integer(0)));
+      const ObjectKey object(check.type, static_cast<unsigned>(row.integer(0)));
       findings_.push_back(make_finding(object, row.text(1), row.text(2)));
     }
   }
@@ -168,9 +198,9 @@ class Examination {
 
 }  // namespace
 
-Findings examine(Database& database) {
+Findings check_file(Database& database) {
   ReadTransaction transaction(database);
-  return Examination(database).run();
+  return FileCheck(database).run();
 }
 
 }  // namespace veldra

@@ -1,7 +1,9 @@
-#include "store/row_examination.hpp"
+#include "store/row_checks.hpp"
 
 #include "store/finding.hpp"
+#include "store/kinds.hpp"
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -42,7 +44,7 @@ std::string filled(std::string text, const std::map<std::string, std::string>& v
 
 /// Tells of the objects for which `query`, which gives `key` and `sentence`, has a sentence. Rows
 /// whose objects are not there are found as broken references.
-RowExamination of_objects(const Rows& rows, const std::string& query) {
+RowCheck of_objects(const Rows& rows, const std::string& query) {
   const std::string whole = R"sql(
       SELECT o."id", o."name", r.sentence
         FROM ({query}) AS r CROSS JOIN "{owner}" AS o ON o."id" = r.key
@@ -54,7 +56,7 @@ RowExamination of_objects(const Rows& rows, const std::string& query) {
 }
 
 /// Tells what the cases, which are the inside of CASE ... END, say of each row.
-RowExamination of_each_row(const Rows& rows, const std::string& cases) {
+RowCheck of_each_row(const Rows& rows, const std::string& cases) {
   const std::string query =
       R"sql(SELECT "{key}" AS key, CASE {cases} END AS sentence FROM "{table}")sql";
   return of_objects(rows,
@@ -63,14 +65,14 @@ RowExamination of_each_row(const Rows& rows, const std::string& cases) {
 
 // The file.
 
-RowExamination wrong_identity() {
+RowCheck wrong_identity() {
   return {ObjectType{},
           {"Meta"},
           R"sql(SELECT '"Meta" has ' || count(*) || ' rows instead of one'
                   FROM "Meta" HAVING count(*) <> 1)sql"};
 }
 
-RowExamination wrong_version() {
+RowCheck wrong_version() {
   return {ObjectType{},
           {"schema_version"},
           R"sql(SELECT '"schema_version" has ' || count(*)
@@ -80,7 +82,7 @@ RowExamination wrong_version() {
 
 // Ids.
 
-RowExamination impossible_ids(const ObjectTable& objects) {
+RowCheck impossible_ids(const ObjectTable& objects) {
   const std::string query = R"sql(
       SELECT 'The {kind} "' || "name" || '" has the id ' || substr(quote("id"), 1, 40)
              || ', which no object can have'
@@ -92,7 +94,7 @@ RowExamination impossible_ids(const ObjectTable& objects) {
           filled(query, {{"kind", singular_of(objects.type)}, {"table", objects.name}})};
 }
 
-RowExamination strange_sequence(const ObjectTable& objects) {
+RowCheck strange_sequence(const ObjectTable& objects) {
   const std::string query = R"sql(
       SELECT 'The last id of "{table}" is noted as ' || substr(quote(seq), 1, 40)
              || ', which is no whole number'
@@ -102,8 +104,8 @@ RowExamination strange_sequence(const ObjectTable& objects) {
   return {ObjectType{}, {"sqlite_sequence"}, filled(query, {{"table", objects.name}})};
 }
 
-/// The largest id is nobody's, see `SaveOperation`.
-RowExamination used_up_ids(const ObjectTable& objects) {
+/// The largest id is nobody's, see `RowWriter`.
+RowCheck used_up_ids(const ObjectTable& objects) {
   const std::string query = R"sql(
       WITH last(id) AS (SELECT max("id") FROM "{table}"
                         UNION ALL
@@ -126,7 +128,7 @@ std::string wrong_text(const std::string& column) {
                 {{"column", column}});
 }
 
-RowExamination wrong_texts(const FileSchema& expected, const Rows& rows) {
+RowCheck wrong_texts(const FileSchema& expected, const Rows& rows) {
   std::string cases;
   for (const auto& column : expected.find(rows.table)->columns) {
     if (column.second == "TEXT") cases += wrong_text(column.first);
@@ -154,26 +156,26 @@ std::string unknown_number(const std::string& column, const std::string& what) {
 }
 
 /// Layers are counted from 1 for people.
-RowExamination wrong_layer_thicknesses(const Rows& layers) {
+RowCheck wrong_layer_thicknesses(const Rows& layers) {
   const std::string what = R"sql('the thickness of ' ||
       iif(typeof("index") = 'integer' AND "index" >= 0, 'layer ' || ("index" + 1), 'a layer'))sql";
   return of_each_row(
       layers, unknown_number("value_thickness", what) + wrong_number("value_thickness", what));
 }
 
-RowExamination wrong_material_thicknesses(const Rows& thicknesses) {
+RowCheck wrong_material_thicknesses(const Rows& thicknesses) {
   const std::string what = "'a thickness'";
   return of_each_row(thicknesses, unknown_number("value", what) + wrong_number("value", what));
 }
 
-RowExamination wrong_conductivities(const Rows& assets) {
+RowCheck wrong_conductivities(const Rows& assets) {
   const std::string column = "thermal_conductivity";
   const std::string what = "'the thermal conductivity'";
   return of_each_row(assets, unknown_number(column, what) + wrong_number(column, what));
 }
 
 /// Without a variable layer nobody asks how thin it may be.
-RowExamination wrong_variable_layers(const Rows& compositions) {
+RowCheck wrong_variable_layers(const Rows& compositions) {
   const std::string least = "variable_layer_min_thickness";
   const std::string what = "'the least thickness of the variable layer'";
   return of_each_row(compositions, wrong_number(least, what) +
@@ -184,7 +186,7 @@ RowExamination wrong_variable_layers(const Rows& compositions) {
                                        unknown_number(least, what));
 }
 
-RowExamination wrong_composition_types(const Rows& compositions) {
+RowCheck wrong_composition_types(const Rows& compositions) {
   return of_each_row(compositions, R"sql(
       WHEN "type" NOT IN (1, 2, 4, 128)
         THEN 'its type is none of 1, 2, 4 and 128: ' || substr(quote("type"), 1, 40))sql");
@@ -192,7 +194,7 @@ RowExamination wrong_composition_types(const Rows& compositions) {
 
 // Positions.
 
-RowExamination strange_positions(const List& list) {
+RowCheck strange_positions(const List& list) {
   const std::string cases = R"sql(
       WHEN typeof("index") <> 'integer'
         THEN 'a position in its {items} is no whole number: ' || substr(quote("index"), 1, 40)
@@ -202,7 +204,7 @@ RowExamination strange_positions(const List& list) {
 }
 
 /// Whole lists are looked at first, so that few rows are sorted.
-RowExamination doubled_positions(const List& list) {
+RowCheck doubled_positions(const List& list) {
   const std::string query = R"sql(
       SELECT "object_id" AS key,
              count(*) || ' of its {items} have the position ' || "index" AS sentence
@@ -215,7 +217,7 @@ RowExamination doubled_positions(const List& list) {
   return of_objects(list.rows, filled(query, {{"items", list.items}, {"table", list.rows.table}}));
 }
 
-RowExamination gaps(const List& list) {
+RowCheck gaps(const List& list) {
   const std::string query = R"sql(
       SELECT key, 'none of its {items} has the position '
                   || (SELECT min(place)
@@ -236,16 +238,24 @@ RowExamination gaps(const List& list) {
 
 // The tables.
 
-constexpr ObjectTable assets{ObjectType::Asset, "Asset"};
-constexpr ObjectTable materials{ObjectType::Material, "Material"};
-constexpr ObjectTable compositions{ObjectType::Composition, "Composition"};
-constexpr ObjectTable object_tables[] = {{ObjectType::Tag, "Tag"},
-                                         assets,
-                                         {ObjectType::MaterialType, "MaterialType"},
-                                         materials,
-                                         compositions,
-                                         {ObjectType::CustomProperty, "CustomProperty"},
-                                         {ObjectType::Layer, "Layer"}};
+template <class T>
+constexpr ObjectTable table_of() {
+  return {ObjectTraits<T>::type, Kind<T>::table};
+}
+
+constexpr ObjectTable assets = table_of<Asset>();
+constexpr ObjectTable materials = table_of<Material>();
+constexpr ObjectTable compositions = table_of<Composition>();
+
+/// In the order of the numbers of the kinds.
+std::vector<ObjectTable> object_tables() {
+  std::vector<ObjectTable> tables{assets};
+  for_each_kind(
+      [&tables](auto kind) { tables.push_back(table_of<typename decltype(kind)::type>()); });
+  std::sort(tables.begin(), tables.end(),
+            [](const ObjectTable& a, const ObjectTable& b) { return a.type < b.type; });
+  return tables;
+}
 
 Rows own_rows(const ObjectTable& objects) { return {objects, objects.name, "id"}; }
 
@@ -256,55 +266,53 @@ Rows rows_with_owners(const ObjectTable& owner, const std::string& table) {
 /// The second half of an asset has its id.
 Rows half_of_assets(const std::string& table) { return {assets, table, "id"}; }
 
-using Examinations = std::vector<RowExamination>;
+using RowChecks = std::vector<RowCheck>;
 
-void add_ids(Examinations& examinations) {
-  for (const ObjectTable& objects : object_tables) {
-    examinations.push_back(impossible_ids(objects));
-    examinations.push_back(strange_sequence(objects));
-    examinations.push_back(used_up_ids(objects));
+void add_ids(RowChecks& checks) {
+  for (const ObjectTable& objects : object_tables()) {
+    checks.push_back(impossible_ids(objects));
+    checks.push_back(strange_sequence(objects));
+    checks.push_back(used_up_ids(objects));
   }
 }
 
-void add_texts(Examinations& examinations, const FileSchema& expected) {
+void add_texts(RowChecks& checks, const FileSchema& expected) {
   std::vector<Rows> tables{half_of_assets("StructuralAsset"), half_of_assets("ThermalAsset"),
                            rows_with_owners(materials, "Material_custom_values"),
                            rows_with_owners(compositions, "Composition_custom_values")};
-  for (const ObjectTable& objects : object_tables) tables.push_back(own_rows(objects));
-  for (const Rows& rows : tables) examinations.push_back(wrong_texts(expected, rows));
+  for (const ObjectTable& objects : object_tables()) tables.push_back(own_rows(objects));
+  for (const Rows& rows : tables) checks.push_back(wrong_texts(expected, rows));
 }
 
-void add_numbers(Examinations& examinations) {
-  examinations.push_back(
-      wrong_layer_thicknesses(rows_with_owners(compositions, "Composition_layers")));
-  examinations.push_back(
-      wrong_material_thicknesses(rows_with_owners(materials, "Material_thicknesses")));
-  examinations.push_back(wrong_variable_layers(own_rows(compositions)));
-  examinations.push_back(wrong_composition_types(own_rows(compositions)));
-  examinations.push_back(wrong_conductivities(half_of_assets("StructuralAsset")));
-  examinations.push_back(wrong_conductivities(half_of_assets("ThermalAsset")));
+void add_numbers(RowChecks& checks) {
+  checks.push_back(wrong_layer_thicknesses(rows_with_owners(compositions, "Composition_layers")));
+  checks.push_back(wrong_material_thicknesses(rows_with_owners(materials, "Material_thicknesses")));
+  checks.push_back(wrong_variable_layers(own_rows(compositions)));
+  checks.push_back(wrong_composition_types(own_rows(compositions)));
+  checks.push_back(wrong_conductivities(half_of_assets("StructuralAsset")));
+  checks.push_back(wrong_conductivities(half_of_assets("ThermalAsset")));
 }
 
-void add_positions(Examinations& examinations) {
+void add_positions(RowChecks& checks) {
   for (const List& list : {List{rows_with_owners(assets, "Asset_tags"), "tags"},
                            List{rows_with_owners(materials, "Material_tags"), "tags"},
                            List{rows_with_owners(compositions, "Composition_tags"), "tags"},
                            List{rows_with_owners(compositions, "Composition_layers"), "layers"}}) {
-    examinations.push_back(strange_positions(list));
-    examinations.push_back(doubled_positions(list));
-    examinations.push_back(gaps(list));
+    checks.push_back(strange_positions(list));
+    checks.push_back(doubled_positions(list));
+    checks.push_back(gaps(list));
   }
 }
 
 }  // namespace
 
-std::vector<RowExamination> row_examinations(const FileSchema& expected) {
-  Examinations examinations{wrong_identity(), wrong_version()};
-  add_ids(examinations);
-  add_texts(examinations, expected);
-  add_positions(examinations);
-  add_numbers(examinations);
-  return examinations;
+std::vector<RowCheck> row_checks(const FileSchema& expected) {
+  RowChecks checks{wrong_identity(), wrong_version()};
+  add_ids(checks);
+  add_texts(checks, expected);
+  add_positions(checks);
+  add_numbers(checks);
+  return checks;
 }
 
 }  // namespace veldra

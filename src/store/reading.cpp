@@ -28,9 +28,8 @@ template <class T, class FindIds>
 void append(const Library& library, std::vector<std::shared_ptr<T>>& out, FindIds find_ids) {
   Database& database = LibraryAccess::database(library);
   reading(database, [&] {
-    ObjectCache cache(ObjectTraits<T>::type);
-    CacheScope scope(database, cache);
-    auto objects = load_all<T>(library, find_ids(database));
+    ReplicaCache met(ObjectTraits<T>::type);
+    auto objects = load_all<T>(library, find_ids(database), met);
     out.insert(out.end(), std::make_move_iterator(objects.begin()),
                std::make_move_iterator(objects.end()));
   });

@@ -1,9 +1,8 @@
 #include "store/errors.hpp"
 #include "store/kinds.hpp"
-#include "store/library_impl.hpp"
-#include "store/notifications.hpp"
+#include "store/mapping-odb.hpp"
 #include "store/queries.hpp"
-#include "store/running_operation.hpp"
+#include "store/reported_operation.hpp"
 #include "store/transactions.hpp"
 
 #include <algorithm>
@@ -19,15 +18,18 @@ using Result = std::map<ObjectKey, bool>;
 
 enum class Outcome { Removed, Refused, InUse };
 
-/// Runs a step of a removal; true when the foreign keys of the database stop it.
+/// Runs a step of a removal; true when a foreign key of the database stops it.
 template <class Step>
-bool stopped_by_reference(Step step) {
-  try {
-    translating_errors(step);
-    return false;
-  } catch (const ObjectInUse&) {
-    return true;
-  }
+bool stays_referred_to(Step step) {
+  return translating_errors([&step] {
+    try {
+      step();
+      return false;
+    } catch (const odb::sqlite::database_exception& error) {
+      if (error.error() != SQLITE_CONSTRAINT) throw;
+      return true;
+    }
+  });
 }
 
 /// Removes one object in a transaction of its own; `logs` are of what the caller changes in the
@@ -42,10 +44,10 @@ Outcome remove_object(Library& library, unsigned id, UndoLogs& logs) {
   translating_errors([&] { transaction.reset(new WriteTransaction(*impl.database)); });
   if (impl.reactor->mayRemove(library, key) != 0) return Outcome::Refused;
   translating_errors([&] { transaction->require_running(); });
-  if (stopped_by_reference([&] { impl.database->erase<T>(id); })) return Outcome::InUse;
+  if (stays_referred_to([&] { impl.database->erase<T>(id); })) return Outcome::InUse;
   impl.reactor->objectRemoved(library, key);
   impl.changed.insert(key.type);
-  if (stopped_by_reference([&] { transaction->commit(logs); })) return Outcome::InUse;
+  if (stays_referred_to([&] { transaction->commit(logs); })) return Outcome::InUse;
   return Outcome::Removed;
 }
 
@@ -77,23 +79,6 @@ void purge_kind(Library& library, Result& result) {
   remove_objects<T>(library, std::move(ids), result);
 }
 
-/// Runs `work` as one operation of which the reactor is told at its end.
-template <class Work>
-void removing(Library& library, Work work) {
-  interruptibly(library, [&] {
-    Notifications notifications(library);
-    work();
-    notifications.deliver();
-  });
-}
-
-const std::set<ObjectType>& saveable_kinds() {
-  static const std::set<ObjectType> kinds = {ObjectType::Composition,    ObjectType::Material,
-                                             ObjectType::MaterialType,   ObjectType::Layer,
-                                             ObjectType::CustomProperty, ObjectType::Tag};
-  return kinds;
-}
-
 }  // namespace
 
 template <class T>
@@ -105,7 +90,7 @@ bool Library::remove(const std::shared_ptr<T>& object) {
   if (bound != nullptr && bound.get() != this) throw ObjectNotFound();
   auto& record = ObjectAccess::impl(*object);
   bool removed = false;
-  removing(*this, [&] {
+  run_operation(*this, [&] {
     UndoLogs logs(1);
     logs.front().remember(held, record);
     removed = remove_or_throw<T>(*this, record.id, logs);
@@ -121,7 +106,7 @@ bool Library::remove(const std::shared_ptr<T>& object) {
 template <class T>
 bool Library::remove(unsigned id) {
   bool removed = false;
-  removing(*this, [&] {
+  run_operation(*this, [&] {
     UndoLogs none;
     removed = remove_or_throw<T>(*this, id, none);
   });
@@ -130,7 +115,7 @@ bool Library::remove(unsigned id) {
 
 template <class T>
 void Library::remove(const std::set<unsigned>& ids, Result& result) {
-  removing(*this, [&] { remove_objects<T>(*this, ids, result); });
+  run_operation(*this, [&] { remove_objects<T>(*this, ids, result); });
 }
 
 template <class T>
@@ -141,7 +126,7 @@ void Library::remove(const std::set<unsigned>& ids) {
 
 void Library::remove(const std::set<ObjectKey>& keys, Result& result) {
   const auto wanted = keys;  // the reactor may change those of the host
-  removing(*this, [&] {
+  run_operation(*this, [&] {
     for_each_kind([&](auto kind) {
       using T = typename decltype(kind)::type;
       remove_objects<T>(*this, ids_of_kind(wanted, ObjectTraits<T>::type), result);
@@ -167,7 +152,7 @@ void Library::purge() {
 
 void Library::purge(const std::set<ObjectType>& kinds, Result& result) {
   const auto wanted = kinds;  // as above
-  removing(*this, [&] {
+  run_operation(*this, [&] {
     for_each_kind([&](auto kind) {
       using T = typename decltype(kind)::type;
       if (wanted.count(ObjectTraits<T>::type) != 0) {
@@ -182,7 +167,7 @@ void Library::purge(const std::set<ObjectType>& kinds) {
   purge(kinds, discarded);
 }
 
-void Library::purge(Result& result) { purge(saveable_kinds(), result); }
+void Library::purge(Result& result) { purge(all_kinds(), result); }
 
 void Library::purge() {
   Result discarded;

@@ -1,24 +1,22 @@
-#include "store/notifications.hpp"
-
-#include "store/library_impl.hpp"
+#include "store/reported_operation.hpp"
 
 namespace veldra {
 
-Notifications::Notifications(Library& library)
+ReportedOperation::ReportedOperation(Library& library)
     : keep_(LibraryAccess::impl(library).self.lock()), library_(library) {
   ++LibraryAccess::impl(library_).operations;
 }
 
-Notifications::~Notifications() {
-  if (delivered_) return;
+ReportedOperation::~ReportedOperation() {
+  if (reported_) return;
   try {
-    deliver();
+    report();
   } catch (...) {
   }
 }
 
-void Notifications::deliver() {
-  delivered_ = true;
+void ReportedOperation::report() {
+  reported_ = true;
   auto& impl = LibraryAccess::impl(library_);
   if (--impl.operations != 0) return;
 

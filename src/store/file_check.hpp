@@ -1,5 +1,5 @@
-#ifndef VELDRA_STORE_EXAMINATION_HPP
-#define VELDRA_STORE_EXAMINATION_HPP
+#ifndef VELDRA_STORE_FILE_CHECK_HPP
+#define VELDRA_STORE_FILE_CHECK_HPP
 
 #include "store/database.hpp"
 #include "store/finding.hpp"
@@ -7,7 +7,7 @@
 namespace veldra {
 
 /// What is wrong with the file of a library; at most 100 of each sort.
-Findings examine(Database& database);
+Findings check_file(Database& database);
 
 }  // namespace veldra
 
