@@ -9,8 +9,6 @@
 namespace veldra_tests {
 namespace {
 
-using namespace veldra;
-
 template <class T>
 class CountingWithImpossibleIds : public LibraryTest {
  protected:
