@@ -1,12 +1,7 @@
 #include "objects/asset_impl.hpp"
-#include "objects/completeness.hpp"
 #include "objects/handle_members.hpp"
 
 namespace veldra {
-
-static_assert(is_complete<AssetValues>() && is_complete<StructuralAssetValues>() &&
-                  is_complete<ThermalAssetValues>(),
-              "a member of an asset is not described");
 
 VELDRA_HANDLE_MEMBERS(Asset)
 template class Tagged<Asset>;
@@ -20,7 +15,9 @@ void Asset::description(const String& description) {
   change(impl(), impl().description, description);
 }
 
-StructuralAsset::StructuralAsset() : StructuralAsset(new Impl) {}
+StructuralAsset::StructuralAsset() : StructuralAsset(new Impl) {
+  static_assert(is_described<Impl>(), "a member of a structural asset is not described");
+}
 StructuralAsset::StructuralAsset(Impl* impl) : Asset(impl) {}
 StructuralAsset::~StructuralAsset() = default;
 
@@ -54,7 +51,9 @@ bool StructuralAsset::operator!=(const StructuralAsset& other) const noexcept {
   return !(*this == other);
 }
 
-ThermalAsset::ThermalAsset() : ThermalAsset(new Impl) {}
+ThermalAsset::ThermalAsset() : ThermalAsset(new Impl) {
+  static_assert(is_described<Impl>(), "a member of a thermal asset is not described");
+}
 ThermalAsset::ThermalAsset(Impl* impl) : Asset(impl) {}
 ThermalAsset::~ThermalAsset() = default;
 

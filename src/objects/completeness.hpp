@@ -2,6 +2,7 @@
 #define VELDRA_OBJECTS_COMPLETENESS_HPP
 
 #include "objects/description.hpp"
+#include "objects/record.hpp"
 
 #include <cstddef>
 
@@ -70,6 +71,28 @@ constexpr bool is_complete() {
   static_assert(described < most, "members are counted up to this number");
   return described == MemberCount<Values, most>::value &&
          names_each_once(Values::members(), std::make_index_sequence<described>());
+}
+
+template <class Parts>
+struct ExactRecord;
+
+template <class... Values>
+struct ExactRecord<DescribedBy<Values...>> : ObjectRecord, Values... {
+  static constexpr bool is_described() {
+    bool all = true;
+    const bool parts[] = {true, is_complete<Values>()...};
+    for (const bool part : parts) all = all && part;
+    return all;
+  }
+};
+
+/// Whether a record has no members besides those that its parts describe, all of them, and what all
+/// objects have. (A record with a table of virtual functions is larger than its parts.)
+template <class Record>
+constexpr bool is_described() {
+  using Exact = ExactRecord<typename Record::Parts>;
+  return Exact::is_described() &&
+         (std::is_polymorphic<Record>::value || sizeof(Record) == sizeof(Exact));
 }
 
 }  // namespace veldra

@@ -1,4 +1,3 @@
-#include "objects/completeness.hpp"
 #include "objects/composition_impl.hpp"
 #include "objects/core_layers.hpp"
 #include "objects/handle_members.hpp"
@@ -6,8 +5,6 @@
 #include <algorithm>
 
 namespace veldra {
-
-static_assert(is_complete<CompositionValues>(), "a member of a composition is not described");
 
 VELDRA_HANDLE_MEMBERS(Composition)
 template class Tagged<Composition>;

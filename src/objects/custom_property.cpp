@@ -1,10 +1,7 @@
-#include "objects/completeness.hpp"
 #include "objects/custom_property_impl.hpp"
 #include "objects/handle_members.hpp"
 
 namespace veldra {
-
-static_assert(is_complete<CustomPropertyValues>(), "a member of a property is not described");
 
 VELDRA_HANDLE_MEMBERS(CustomProperty)
 

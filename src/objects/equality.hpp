@@ -3,6 +3,8 @@
 
 #include "objects/description.hpp"
 
+#include <algorithm>
+
 namespace veldra {
 
 // Two references are equal when they are to the same object, or to equal ones.
@@ -42,7 +44,7 @@ bool agree(ByName, const std::shared_ptr<T>& left, const std::shared_ptr<T>& rig
 template <class T>
 bool agree(ByName, const std::vector<std::shared_ptr<T>>& left,
            const std::vector<std::shared_ptr<T>>& right) {
-  return left == right;
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(), same_or_equal_names<T>);
 }
 
 template <class T>

@@ -1,10 +1,7 @@
-#include "objects/completeness.hpp"
 #include "objects/handle_members.hpp"
 #include "objects/material_impl.hpp"
 
 namespace veldra {
-
-static_assert(is_complete<MaterialValues>(), "a member of a material is not described");
 
 VELDRA_HANDLE_MEMBERS(Material)
 template class Tagged<Material>;

@@ -9,7 +9,8 @@ namespace veldra {
 
 class Library;
 
-/// What the record of every object begins with.
+/// What the record of every object begins with. What is not of the values here, `assign_values`
+/// leaves as it is and `UndoLog` gives back.
 struct ObjectRecord {
   unsigned id = 0;
   String name;

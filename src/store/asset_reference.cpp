@@ -29,6 +29,7 @@ std::shared_ptr<T> load_asset(odb::database& database, unsigned long long id) {
     if (asset == nullptr) throw odb::no_type_info();
     return asset;
   }
+  // Loading asks for the kind too, makes what the row names, and takes it for a `T`.
   if (named_kind(id) != Mapping<T>::info.discriminator) throw odb::no_type_info();
   return static_cast<odb::sqlite::database&>(database).load<T>(id);
 }

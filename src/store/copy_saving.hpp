@@ -48,12 +48,12 @@ class CopySaving {
     return read;
   }
 
-  /// What an object that takes the place of another has of it: the id, which the saver sets.
+  /// Gets nothing of the stored object but the id, which the saver sets.
   template <class T>
   void become_stored(T&, unsigned) {}
 
   template <class T>
-  void is_stored(unsigned id) {
+  void note_stored(unsigned id) {
     known_.insert(key<T>(id));
   }
 
@@ -85,7 +85,7 @@ class CopySaving {
   bool is_there(unsigned id) {
     if (known_.count(key<T>(id)) != 0) return true;
     if (load<T>(library_, id) == nullptr) return false;
-    is_stored<T>(id);
+    note_stored<T>(id);
     return true;
   }
 

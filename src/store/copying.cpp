@@ -63,8 +63,8 @@ template <class Work>
 void copying(Library& destination, std::shared_ptr<const Library> source, IdMapping& mapping,
              Work work) {
   if (source == nullptr || source.get() == &destination) return;
-  run_operation(destination, [&] {
-    interruptibly(LibraryAccess::database(*source), [&] {
+  interruptibly(LibraryAccess::database(*source), [&] {
+    run_operation(destination, [&] {
       CopyOperation operation(destination, *source, mapping);
       work(operation);
       operation.commit();

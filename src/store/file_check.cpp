@@ -20,12 +20,15 @@ namespace {
 
 const std::size_t most_references = 100;
 
-template <class T>
-void add_tables_of(TableNames& tables);
+/// The kinds to which reading objects may lead, with their tables.
+using ReachedKinds = std::map<ObjectType, TableNames>;
 
-/// Adds the tables to which reading a member may lead.
-struct TablesOfMembers {
-  TableNames& tables;
+template <class T>
+void reach(ReachedKinds& kinds);
+
+/// Reaches what a member refers to.
+struct ReachedByMembers {
+  ReachedKinds& kinds;
 
   template <class Role, class How, class Values, class Field>
   auto operator()(Member<Role, How, Values, Field>) const -> IfOneOf<Role, Plain, Length, Number> {}
@@ -33,32 +36,53 @@ struct TablesOfMembers {
   template <class Role, class How, class Values, class T>
   auto operator()(Member<Role, How, Values, std::shared_ptr<T>>) const
       -> IfOneOf<Role, Reference, NeededReference> {
-    add_tables_of<std::remove_const_t<T>>(tables);
+    reach<std::remove_const_t<T>>(kinds);
   }
   template <class How, class Values, class T>
   void operator()(Member<UnsavedReference, How, Values, std::shared_ptr<T>>) const {
-    add_tables_of<Asset>(tables);
+    reach<Asset>(kinds);
   }
   template <class How, class Values, class T>
   void operator()(Member<References, How, Values, std::vector<std::shared_ptr<T>>>) const {
-    add_tables_of<T>(tables);
+    reach<T>(kinds);
   }
   template <class How, class Values, class Map>
   void operator()(Member<ValuesByProperty, How, Values, Map>) const {
-    add_tables_of<CustomProperty>(tables);
+    reach<CustomProperty>(kinds);
   }
   template <class How, class Values, class Layers>
   void operator()(Member<LayersOfMaterials, How, Values, Layers>) const {
-    add_tables_of<Material>(tables);
+    reach<Material>(kinds);
   }
 };
 
-/// Adds the tables that reading the objects of a kind may lead to.
 template <class T>
-void add_tables_of(TableNames& tables) {
-  tables.push_back(Kind<T>::table);
-  for (const std::string& list : Kind<T>::lists()) tables.push_back(list);
-  for_each_member(PartsOf<T>(), TablesOfMembers{tables});
+void reach(ReachedKinds& kinds) {
+  TableNames tables = Kind<T>::lists();
+  tables.insert(tables.begin(), Kind<T>::table);
+  const bool is_new = kinds.emplace(ObjectTraits<T>::type, std::move(tables)).second;
+  if (is_new) for_each_member(PartsOf<T>(), ReachedByMembers{kinds});
+}
+
+/// The tables that reading the objects of a kind may lead to: first its own, which say the most of
+/// why it cannot be read, and those of assets last.
+template <class T>
+TableNames tables_reached_from() {
+  ReachedKinds kinds;
+  reach<T>(kinds);
+  TableNames tables;
+  const auto take = [&](ObjectType type) {
+    const TableNames& more = kinds[type];
+    tables.insert(tables.end(), more.begin(), more.end());
+    kinds.erase(type);
+  };
+  take(ObjectTraits<T>::type);
+  take(ObjectType::Material);
+  const TableNames assets = kinds[ObjectType::Asset];
+  kinds.erase(ObjectType::Asset);
+  while (!kinds.empty()) take(kinds.begin()->first);
+  tables.insert(tables.end(), assets.begin(), assets.end());
+  return tables;
 }
 
 /// The kinds in the order of their numbers.
@@ -66,7 +90,7 @@ std::map<ObjectType, TableNames> tables_of_kinds() {
   std::map<ObjectType, TableNames> kinds;
   for_each_kind([&kinds](auto kind) {
     using T = typename decltype(kind)::type;
-    add_tables_of<T>(kinds[ObjectTraits<T>::type]);
+    kinds.emplace(ObjectTraits<T>::type, tables_reached_from<T>());
   });
   return kinds;
 }

@@ -50,7 +50,7 @@ namespace {
 /// What people call a kind, as `name` takes it from the table of the kinds.
 template <class Name>
 std::string called(ObjectType type, Name name) {
-  std::string result = type == ObjectType::Asset ? name(Kind<Asset>()) : "object";
+  std::string result = name(Kind<Asset>());
   for_each_kind([&](auto kind) {
     using T = typename decltype(kind)::type;
     if (ObjectTraits<T>::type == type) result = name(Kind<T>());

@@ -28,7 +28,7 @@ class HostSaving {
     return object;
   }
 
-  /// What an object that takes the place of another has of it: all.
+  /// Gets the values of the stored object with that id.
   template <class T>
   void become_stored(T& object, unsigned id) {
     logs_.front().remember_values(ObjectAccess::impl(object));
@@ -37,7 +37,7 @@ class HostSaving {
   }
 
   template <class T>
-  void is_stored(unsigned) {}
+  void note_stored(unsigned) {}
 
   // What changes in objects.
 

@@ -9,8 +9,9 @@
 #include <string>
 #include <vector>
 
-// The table of the kinds of objects: all that differs between them and that the operations, which
-// are written once for all kinds, must know.
+// The table of the kinds of objects: what differs between them and the operations, which are
+// written once for all kinds, must know. What an operation does for one kind only stands there, as
+// an overload.
 
 namespace veldra {
 
@@ -41,6 +42,7 @@ struct Kind;
 template <>
 struct Kind<Composition> : UsualKind {
   static constexpr const char* table = "Composition";
+  static constexpr bool is_asked_about = true;  // the reactor decides about a taken name
   static constexpr const char* singular = "composition";
   static constexpr const char* plural = "compositions";
   static TableNames lists() {
@@ -51,6 +53,7 @@ struct Kind<Composition> : UsualKind {
 template <>
 struct Kind<Material> : UsualKind {
   static constexpr const char* table = "Material";
+  static constexpr bool is_asked_about = true;  // the reactor decides about a taken name
   static constexpr const char* singular = "material";
   static constexpr const char* plural = "materials";
   static TableNames lists() {
@@ -61,6 +64,7 @@ struct Kind<Material> : UsualKind {
 template <>
 struct Kind<MaterialType> : UsualKind {
   static constexpr const char* table = "MaterialType";
+  static constexpr bool is_asked_about = false;  // it is nothing but its unique values
   static constexpr const char* singular = "material type";
   static constexpr const char* plural = "material types";
 };
@@ -68,6 +72,7 @@ struct Kind<MaterialType> : UsualKind {
 template <>
 struct Kind<Layer> : UsualKind {
   static constexpr const char* table = "Layer";
+  static constexpr bool is_asked_about = false;  // it is nothing but its unique values
   static constexpr const char* singular = "drawing layer";
   static constexpr const char* plural = "drawing layers";
 };
@@ -75,6 +80,7 @@ struct Kind<Layer> : UsualKind {
 template <>
 struct Kind<CustomProperty> : UsualKind {
   static constexpr const char* table = "CustomProperty";
+  static constexpr bool is_asked_about = false;  // it is nothing but its unique values
   static constexpr const char* singular = "custom property";
   static constexpr const char* plural = "custom properties";
   static constexpr const char* listed_by = "name";
@@ -83,6 +89,7 @@ struct Kind<CustomProperty> : UsualKind {
 template <>
 struct Kind<Tag> : UsualKind {
   static constexpr const char* table = "Tag";
+  static constexpr bool is_asked_about = false;  // it is nothing but its unique values
   static constexpr const char* singular = "tag";
   static constexpr const char* plural = "tags";
 };

@@ -7,6 +7,7 @@
 // changelog.xml and a place in docs/file-format.md.
 
 // clang-format off
+// These first: the records below know all classes, in another order.
 #include <veldra/tag.hpp>
 #include <veldra/custom_property.hpp>
 #include <veldra/layer.hpp>

@@ -1,3 +1,4 @@
+#include "store/kinds.hpp"
 #include "store/mapping-odb.hpp"
 
 // Whether the mapping has columns for all that the records describe. A member without would be kept
@@ -45,22 +46,45 @@ constexpr std::size_t sum(const std::tuple<Members...>&) {
   return result;
 }
 
-/// Besides those of the members, a table has `others`.
-template <class T, class Values>
-constexpr bool is_mapped(std::size_t others) {
-  return MappingOf<T>::column_count == sum(Values::members()) + others;
+template <class... Values>
+constexpr std::size_t described(DescribedBy<Values...>) {
+  std::size_t result = 0;
+  const std::size_t counts[] = {0, sum(Values::members())...};
+  for (const std::size_t count : counts) result += count;
+  return result;
 }
 
-constexpr std::size_t id = 1;
-constexpr std::size_t name = 1;
-constexpr std::size_t kind_of_asset = 1;
+// Every object has an id and a name.
+#define VELDRA_CHECK(T)                                                    \
+  static_assert(MappingOf<T>::column_count == described(PartsOf<T>()) + 2, \
+                "a member of " #T " is described and not mapped, or the reverse");
+VELDRA_FOR_EACH_KIND(VELDRA_CHECK)
 
-static_assert(is_mapped<Material, MaterialValues>(id + name), "a member is not mapped");
-static_assert(is_mapped<Composition, CompositionValues>(id + name), "a member is not mapped");
-static_assert(is_mapped<CustomProperty, CustomPropertyValues>(id + name), "a member is not mapped");
-static_assert(is_mapped<Asset, AssetValues>(id + name + kind_of_asset), "a member is not mapped");
-static_assert(is_mapped<StructuralAsset, StructuralAssetValues>(id), "a member is not mapped");
-static_assert(is_mapped<ThermalAsset, ThermalAssetValues>(id), "a member is not mapped");
+// An asset names its kind too; the tables of the kinds have its id and their own part.
+static_assert(MappingOf<Asset>::column_count == described(PartsOf<Asset>()) + 3, "an asset");
+static_assert(MappingOf<StructuralAsset>::column_count == sum(StructuralAssetValues::members()) + 1,
+              "a structural asset");
+static_assert(MappingOf<ThermalAsset>::column_count == sum(ThermalAssetValues::members()) + 1,
+              "a thermal asset");
+
+/// Whether the mapping asks the session for the objects of a kind. What others refer to must be
+/// asked for: there, ids that no object can have are refused.
+template <class T>
+constexpr bool has_session() {
+  using Traits = odb::access::object_traits<T>;
+  using None = odb::no_op_pointer_cache_traits<typename Traits::pointer_type>;
+  return !std::is_same<typename Traits::pointer_cache_traits, None>::value;
+}
+
+static_assert(has_session<Material>() && has_session<MaterialType>() && has_session<Layer>() &&
+                  has_session<CustomProperty>() && has_session<Tag>() && has_session<Asset>(),
+              "what others refer to is mapped with a session");
+static_assert(!has_session<Composition>(), "nothing refers to a composition");
+
+// A layer describes no members. Who adds one compares it in `Composition::Layer::operator==`, and
+// treats a reference or a length in the roles of layers: references.hpp, saver.cpp, file_check.cpp
+// and unit_conversion.hpp.
+static_assert(ColumnsOfValue<Composition::Layer>::value == 3, "a layer of a composition");
 
 }  // namespace
 

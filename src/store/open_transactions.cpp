@@ -22,7 +22,7 @@ void OpenTransactions::require_writable() const { require(!is_writing() && snaps
 
 void OpenTransactions::require_snapshot() const { require(snapshot_ == nullptr); }
 
-void OpenTransactions::hold(HeldTransaction& transaction) noexcept {
+void OpenTransactions::began_holding(HeldTransaction& transaction) noexcept {
   assert(!is_changing() && snapshot_ == nullptr);
   held_ = &transaction;
 }
@@ -32,7 +32,7 @@ void OpenTransactions::end_holding() noexcept {
   held_ = nullptr;
 }
 
-void OpenTransactions::write(odb::sqlite::transaction& transaction) noexcept {
+void OpenTransactions::began_writing(odb::sqlite::transaction& transaction) noexcept {
   assert(!is_writing() && snapshot_ == nullptr);
   writing_ = &transaction;
 }
@@ -42,7 +42,7 @@ void OpenTransactions::end_writing() noexcept {
   writing_ = nullptr;
 }
 
-void OpenTransactions::show(SnapshotTransaction& transaction) noexcept {
+void OpenTransactions::began_snapshot(SnapshotTransaction& transaction) noexcept {
   assert(!is_changing() && snapshot_ == nullptr);
   snapshot_ = &transaction;
 }

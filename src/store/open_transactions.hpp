@@ -33,11 +33,11 @@ class OpenTransactions {
   void require_writable() const;
   void require_snapshot() const;
 
-  void hold(HeldTransaction& transaction) noexcept;
+  void began_holding(HeldTransaction& transaction) noexcept;
   void end_holding() noexcept;
-  void write(odb::sqlite::transaction& transaction) noexcept;
+  void began_writing(odb::sqlite::transaction& transaction) noexcept;
   void end_writing() noexcept;
-  void show(SnapshotTransaction& transaction) noexcept;
+  void began_snapshot(SnapshotTransaction& transaction) noexcept;
   void end_snapshot() noexcept;
 
   /// The one that what reads is a part of; null when it takes one of its own. Throws

@@ -4,6 +4,7 @@
 #include "store/views-odb.hpp"
 
 #include <algorithm>
+#include <cassert>
 #include <iterator>
 #include <limits>
 #include <memory>
@@ -53,13 +54,13 @@ Query select(const std::string& what, const Rows& rows, const Query& condition) 
   return Query("SELECT " + what + " FROM " + rows.from + " WHERE ") + condition;
 }
 
-Query ids_of(const Rows& rows, const Query& condition) {
+Query selecting_ids(const Rows& rows, const Query& condition) {
   return select(rows.distinct + rows.column("id"), rows, condition);
 }
 
 /// All but those with impossible ids, which lie at both ends of the index: looking at each id on
 /// the way would take its time.
-Query count_of(const Rows& rows, const Query& condition) {
+Query counting(const Rows& rows, const Query& condition) {
   const std::string count = "count(" + rows.column("id") + ")";
   const Query too_small(rows.column("id") + "<1");
   const Query too_wide(rows.column("id") + ">4294967295");
@@ -69,7 +70,7 @@ Query count_of(const Rows& rows, const Query& condition) {
 }
 
 /// The same where an object may have several rows, which are looked at one by one anyway.
-Query count_of_distinct(const Rows& rows, const Query& condition) {
+Query counting_distinct(const Rows& rows, const Query& condition) {
   const Query possible(rows.column("id") + " BETWEEN 1 AND 4294967295");
   return select("count(DISTINCT " + rows.column("id") + ")", rows, condition && possible);
 }
@@ -111,10 +112,9 @@ void in_parts(const List& list, Part part) {
 
 // What the criteria of each kind say: a condition on its rows, and the names of tags.
 
-template <class Criteria>
-Query condition_of(const Criteria&, const Rows&) {
-  return no_condition();
-}
+Query condition_of(const MaterialTypeCriteria&, const Rows&) { return no_condition(); }
+Query condition_of(const LayerCriteria&, const Rows&) { return no_condition(); }
+Query condition_of(const TagCriteria&, const Rows&) { return no_condition(); }
 
 Query condition_of(const CustomPropertyCriteria& criteria, const Rows& rows) {
   if (criteria.object_type == ObjectType{}) return no_condition();
@@ -145,10 +145,10 @@ TagNames utf8(const std::set<String>& texts) {
   return names;
 }
 
-template <class Criteria>
-TagNames tags_of(const Criteria&) {
-  return {};
-}
+TagNames tags_of(const MaterialTypeCriteria&) { return {}; }
+TagNames tags_of(const LayerCriteria&) { return {}; }
+TagNames tags_of(const TagCriteria&) { return {}; }
+TagNames tags_of(const CustomPropertyCriteria&) { return {}; }
 
 TagNames tags_of(const MaterialCriteria& criteria) { return utf8(criteria.tags); }
 TagNames tags_of(const CompositionCriteria& criteria) { return utf8(criteria.tags); }
@@ -163,6 +163,7 @@ Query in_order(const Query& query) {
 
 /// Appends those ids that an object can have.
 void append_ids(Database& database, const Query& query, std::vector<unsigned>& ids) {
+  assert(database.is_current());
   for (const QueriedNumber& row : database.query<QueriedNumber>(odb::query<QueriedNumber>(query))) {
     if (row.value != 0 && row.value <= std::numeric_limits<unsigned>::max()) {
       ids.push_back(static_cast<unsigned>(row.value));
@@ -190,7 +191,7 @@ std::vector<unsigned> ids_of_tagged(Database& database, const Rows& rows, const 
   std::vector<unsigned> ids;
   in_parts(tags, [&](auto begin, auto end) {
     std::vector<unsigned> part;
-    append_ids(database, ids_of(rows, condition && in_list(tag_name, begin, end)), part);
+    append_ids(database, selecting_ids(rows, condition && in_list(tag_name, begin, end)), part);
     append_new(ids, part);
   });
   return ids;
@@ -206,11 +207,12 @@ std::vector<unsigned> ids_of(Database& database, const typename CriteriaOf<T>::t
   if (!tags.empty()) return ids_of_tagged(database, rows, tags, condition);
 
   std::vector<unsigned> ids;
-  append_ids(database, in_order<T>(ids_of(rows, condition)), ids);
+  append_ids(database, in_order<T>(selecting_ids(rows, condition)), ids);
   return ids;
 }
 
 unsigned long long number(Database& database, const Query& query) {
+  assert(database.is_current());
   return database.query_value<QueriedNumber>(odb::query<QueriedNumber>(query)).value;
 }
 
@@ -226,6 +228,7 @@ struct Parameters {
 template <class Make>
 odb::prepared_query<QueriedNumber> prepared(Database& database, const std::string& name,
                                             Parameters*& parameters, Make make_query) {
+  assert(database.is_current());
   auto& connection = database.only_connection();
   auto query = connection.lookup_query<QueriedNumber>(name.c_str(), parameters);
   if (query) return query;
@@ -263,7 +266,7 @@ std::vector<unsigned> existing_ids(Database& database, const std::set<unsigned>&
   }
   const Rows rows = objects<T>();
   in_parts(ids, [&](auto begin, auto end) {
-    append_ids(database, in_order<T>(ids_of(rows, in_list(rows.column("id"), begin, end))),
+    append_ids(database, in_order<T>(selecting_ids(rows, in_list(rows.column("id"), begin, end))),
                existing);
   });
   return existing;
@@ -287,7 +290,7 @@ unsigned id_of_name(Database& database, const String& name) {
   Parameters* parameters = nullptr;
   const auto query = prepared(database, own_name, parameters, [](const Parameters& values) {
     const Rows rows = objects<T>();
-    return ids_of(rows, Query(rows.column("name") + "=") + Query::_ref(values.name));
+    return selecting_ids(rows, Query(rows.column("name") + "=") + Query::_ref(values.name));
   });
   parameters->name = name.utf8();
   return first_id(query);
@@ -298,8 +301,8 @@ unsigned id_of_property(Database& database, const String& name, ObjectType type)
   Parameters* parameters = nullptr;
   const auto query = prepared(database, own_name, parameters, [](const Parameters& values) {
     const Rows rows = objects<CustomProperty>();
-    return ids_of(rows, Query(rows.column("object_type") + "=") + Query::_ref(values.type) +
-                            ("AND " + rows.column("name") + "=") + Query::_ref(values.name));
+    return selecting_ids(rows, Query(rows.column("object_type") + "=") + Query::_ref(values.type) +
+                                   ("AND " + rows.column("name") + "=") + Query::_ref(values.name));
   });
   parameters->name = name.utf8();
   parameters->type = static_cast<int>(type);
@@ -325,7 +328,7 @@ unsigned long long count_all(Database& database) {
   static const std::string own_name = std::string("count: ") + Kind<T>::table;
   Parameters* none = nullptr;
   auto query = prepared(database, own_name, none,
-                        [](const Parameters&) { return count_of(objects<T>(), no_condition()); });
+                        [](const Parameters&) { return counting(objects<T>(), no_condition()); });
   return query.execute_value().value;
 }
 
@@ -335,10 +338,10 @@ unsigned long long count_selected(Database& database,
   const TagNames tags = tags_of(criteria);
   const Rows rows = tags.empty() ? objects<T>() : tagged_objects<T>();
   const Query condition = condition_of(criteria, rows);
-  if (tags.empty()) return number(database, count_of(rows, condition));
+  if (tags.empty()) return number(database, counting(rows, condition));
   // In parts, an object could be counted with several of them.
   if (tags.size() > list_limit) return ids_of_tagged(database, rows, tags, condition).size();
-  return number(database, count_of_distinct(rows, condition && in_list(tag_name, tags)));
+  return number(database, counting_distinct(rows, condition && in_list(tag_name, tags)));
 }
 
 #define VELDRA_INSTANTIATE(T)                                                            \

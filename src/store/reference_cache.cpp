@@ -4,19 +4,20 @@
 
 namespace veldra {
 
-CacheScope::CacheScope(ReferenceCache& references, ReplicaCache& cache) : references_(references) {
-  assert(!references.is_used());
-  references.replicas_ = &cache;
+void ReferenceCache::use(ReplicaCache& cache) noexcept {
+  assert(!is_used());
+  replicas_ = &cache;
 }
 
-CacheScope::CacheScope(ReferenceCache& references, SharingCache& cache) : references_(references) {
-  assert(!references.is_used());
-  references.shared_ = &cache;
+void ReferenceCache::use(SharingCache& cache) noexcept {
+  assert(!is_used());
+  shared_ = &cache;
 }
 
-CacheScope::~CacheScope() {
-  references_.replicas_ = nullptr;
-  references_.shared_ = nullptr;
+void ReferenceCache::stop() noexcept {
+  assert(is_used());
+  replicas_ = nullptr;
+  shared_ = nullptr;
 }
 
 }  // namespace veldra

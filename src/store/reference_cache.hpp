@@ -31,6 +31,10 @@ class ReferenceCache {
  private:
   friend class CacheScope;
 
+  void use(ReplicaCache& cache) noexcept;
+  void use(SharingCache& cache) noexcept;
+  void stop() noexcept;
+
   ReplicaCache* replicas_ = nullptr;
   SharingCache* shared_ = nullptr;
 };
@@ -38,11 +42,13 @@ class ReferenceCache {
 /// Lets what is read use a cache, for as long as it lives. Lists are not read within one another.
 class CacheScope {
  public:
-  CacheScope(ReferenceCache& references, ReplicaCache& cache);
-  CacheScope(ReferenceCache& references, SharingCache& cache);
+  template <class Cache>
+  CacheScope(ReferenceCache& references, Cache& cache) : references_(references) {
+    references.use(cache);
+  }
   CacheScope(const CacheScope&) = delete;
   CacheScope& operator=(const CacheScope&) = delete;
-  ~CacheScope();
+  ~CacheScope() { references_.stop(); }
 
  private:
   ReferenceCache& references_;

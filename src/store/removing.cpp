@@ -6,6 +6,7 @@
 #include "store/transactions.hpp"
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 // The removing operations of a library.
@@ -44,6 +45,7 @@ Outcome remove_object(Library& library, unsigned id, UndoLogs& logs) {
   translating_errors([&] { transaction.reset(new WriteTransaction(*impl.database)); });
   if (impl.reactor->mayRemove(library, key) != 0) return Outcome::Refused;
   translating_errors([&] { transaction->require_running(); });
+  assert(impl.database->is_current());
   if (stays_referred_to([&] { impl.database->erase<T>(id); })) return Outcome::InUse;
   impl.reactor->objectRemoved(library, key);
   impl.changed.insert(key.type);

@@ -52,14 +52,19 @@ IdMapping::Status RowWriter::write_row(T& object) {
 }
 
 /// The largest id is given to nobody, so that the end of the ids is noticed before a wider one is
-/// given. SQLite says of the end of its own, larger range what it says of a full disk.
+/// given, also by what an object has in other tables, which fails then. SQLite says of the end of
+/// its own, larger range what it says of a full disk.
 template <class T>
 void RowWriter::insert(T& object) {
+  const auto got_none = [&object] { return object.id() == std::numeric_limits<unsigned>::max(); };
   try {
     database_.persist(object);
-    if (object.id() != std::numeric_limits<unsigned>::max()) return;
+    if (!got_none()) return;
+  } catch (const odb::object_already_persistent&) {
+    if (!got_none()) throw;
   } catch (const odb::sqlite::database_exception& error) {
-    if (error.error() != SQLITE_FULL || ids_are_left(database_, Kind<T>::table)) throw;
+    const bool full = error.error() == SQLITE_FULL && !ids_are_left(database_, Kind<T>::table);
+    if (!got_none() && !full) throw;
   }
   throw odb::sqlite::database_exception(SQLITE_FULL, SQLITE_FULL, "no id is left");
 }

@@ -10,7 +10,7 @@
 
 #include <algorithm>
 
-// The way of one object to its row, from top to bottom. `RowWriter` writes the row, `TakenNames`
+// The way of one object to its row, from top to bottom. `RowWriter` writes the row, `TakenValues`
 // decides when it cannot be written, and the policies say what differs between saving for a host
 // and within a copy.
 
@@ -24,7 +24,7 @@ Saver<Policy>::Saver(Library& library, IdMapping& mapping)
       policy_(library),
       transaction_(*impl_.database),
       rows_(*impl_.database),
-      taken_names_(library, transaction_) {}
+      taken_values_(library, transaction_) {}
 
 template <class Policy>
 void Saver<Policy>::commit() {
@@ -51,7 +51,7 @@ std::shared_ptr<T> Saver<Policy>::save(const std::shared_ptr<T>& object) {
   }
   const ObjectKey stored(ObjectTraits<T>::type, saved->id());
   mapping_.assign(key, {stored.id, status});
-  policy_.template is_stored<T>(stored.id);
+  policy_.template note_stored<T>(stored.id);
   if (status != IdMapping::Existing) {
     impl_.reactor->objectSaved(library_, stored);
     transaction_.require_running();
@@ -157,8 +157,8 @@ class Saver<Policy>::ReferenceSaving {
   Record& record_;
 };
 
-/// The id of an asset of another library means nothing in this file, so that it is dropped, behind
-/// all that is saved.
+/// The id of an asset of another library means nothing in this file, so that it is dropped. Behind
+/// all that is saved: until then the reactor sees the object with it.
 template <class Policy, class Record>
 class DroppingForeignAssets {
  public:
@@ -166,7 +166,9 @@ class DroppingForeignAssets {
       : policy_(policy), library_(library), record_(record) {}
 
   template <class Role, class How, class Values, class Field>
-  void operator()(Member<Role, How, Values, Field>) {}
+  auto operator()(Member<Role, How, Values, Field>)
+      -> IfOneOf<Role, Plain, Length, Number, Reference, NeededReference, References,
+                 ValuesByProperty, LayersOfMaterials> {}
 
   template <class How, class Values, class T>
   void operator()(Member<UnsavedReference, How, Values, std::shared_ptr<T>> member) {
@@ -202,7 +204,7 @@ IdMapping::Status Saver<Policy>::write(T& object) {
   for (bool settled = false; !settled;) {
     const RowWriter::Attempt attempt = rows_.write(object);
     status = attempt.status;
-    settled = !attempt.taken || carry_out(taken_names_.judge(object, attempt.message), object);
+    settled = !attempt.taken || carry_out(taken_values_.judge(object, attempt.message), object);
   }
   ObjectRecord& record = ObjectAccess::impl(object);
   record.library = impl_.self;

@@ -3,7 +3,7 @@
 
 #include "store/library_impl.hpp"
 #include "store/row_writer.hpp"
-#include "store/taken_names.hpp"
+#include "store/taken_values.hpp"
 #include "store/transactions.hpp"
 
 #include <veldra/library.hpp>
@@ -46,7 +46,7 @@ class Saver {
   Policy policy_;  // before the transaction: objects are undone after the file
   WriteTransaction transaction_;
   RowWriter rows_;
-  TakenNames taken_names_;
+  TakenValues taken_values_;
 };
 
 }  // namespace veldra

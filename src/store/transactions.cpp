@@ -109,7 +109,7 @@ HeldTransaction::HeldTransaction(Database& database) : database_(database) {
   database.transactions().require_holdable();
   const SetAsideTransaction aside;
   begin_writing(database, transaction_);
-  database.transactions().hold(*this);
+  database.transactions().began_holding(*this);
 }
 
 HeldTransaction::~HeldTransaction() {
@@ -157,7 +157,7 @@ SnapshotTransaction::SnapshotTransaction(Database& database)
     roll_back(database, transaction_);
     throw;
   }
-  database.transactions().show(*this);
+  database.transactions().began_snapshot(*this);
 }
 
 SnapshotTransaction::~SnapshotTransaction() {
@@ -189,7 +189,7 @@ class WriteTransaction::OwnTransaction : public Part {
  public:
   explicit OwnTransaction(Database& database) : database_(database) {
     begin_writing(database, transaction_);
-    database.transactions().write(transaction_);
+    database.transactions().began_writing(transaction_);
   }
 
   ~OwnTransaction() override {
@@ -210,7 +210,7 @@ class WriteTransaction::NestedTransaction : public Part {
   NestedTransaction(Database& database, HeldTransaction& held) : database_(database), held_(held) {
     odb::transaction::current(held.running());
     held.set_savepoint();
-    database.transactions().write(held.running());
+    database.transactions().began_writing(held.running());
   }
 
   ~NestedTransaction() override {

@@ -210,5 +210,31 @@ TEST_F(LibraryCheckTable, rows_are_examined_beside_a_view) {
               Contains("composition 1 \"Wall\": the thickness of layer 1 is negative: -1"));
 }
 
+class LibraryCheckSeveralTables : public CheckFixture {
+ protected:
+  LibraryCheckSeveralTables() { library_->save(full_composition("Wall")); }
+
+  /// Why objects of a kind cannot be read.
+  std::string reason_of(ObjectType kind) const {
+    std::vector<Library::Finding> found;
+    library_->check(found);
+    for (const auto& finding : found) {
+      if (finding.object.type == kind && finding.object.id == 0) return finding.sentence.utf8();
+    }
+    return "";
+  }
+
+  const std::shared_ptr<Library> library_ = create();
+};
+
+TEST_F(LibraryCheckSeveralTables, of_several_causes_the_nearest_is_told) {
+  tamper("DROP TABLE Layer; DROP TABLE CustomProperty; DROP TABLE Asset_tags");
+  EXPECT_THAT(reason_of(ObjectType::Material), HasSubstr("\"CustomProperty\""));
+  EXPECT_THAT(reason_of(ObjectType::Composition), HasSubstr("\"CustomProperty\""));
+  tamper("DROP TABLE Tag; DROP TABLE Material_tags");
+  EXPECT_THAT(reason_of(ObjectType::Material), HasSubstr("\"Material_tags\""));
+  EXPECT_THAT(reason_of(ObjectType::Composition), HasSubstr("\"Material_tags\""));
+}
+
 }  // namespace
 }  // namespace veldra_tests

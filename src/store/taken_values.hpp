@@ -1,5 +1,5 @@
-#ifndef VELDRA_STORE_TAKEN_NAMES_HPP
-#define VELDRA_STORE_TAKEN_NAMES_HPP
+#ifndef VELDRA_STORE_TAKEN_VALUES_HPP
+#define VELDRA_STORE_TAKEN_VALUES_HPP
 
 #include "store/library_impl.hpp"
 #include "store/transactions.hpp"
@@ -12,7 +12,7 @@ namespace veldra {
 struct Verdict {
   enum Kind {
     IsStored,      ///< the stored object with that id is this one
-    BecomeStored,  ///< the stored object with that id takes its place
+    BecomeStored,  ///< this object gets the values of the stored one with that id
     Overwrite,     ///< this object takes the place of the stored one with that id
     Rename,        ///< it gets another name
     TryAgain       ///< nothing; the host has had its say and is asked anew
@@ -25,9 +25,9 @@ struct Verdict {
 
 /// Who decides about taken values: a kind that is nothing but its unique values by itself,
 /// materials and compositions by the reactor. Changes nothing.
-class TakenNames {
+class TakenValues {
  public:
-  TakenNames(Library& library, const WriteTransaction& transaction)
+  TakenValues(Library& library, const WriteTransaction& transaction)
       : library_(library), transaction_(transaction) {}
 
   /// `message` tells which value is taken. Throws `ObjectNotUnique` when nobody can decide, and
@@ -36,10 +36,6 @@ class TakenNames {
   Verdict judge(const T& object, const std::string& message) const;
 
  private:
-  template <class T>
-  Verdict decide(const T& object, const std::string& message) const;
-  Verdict decide(const Material& material, const std::string& message) const;
-  Verdict decide(const Composition& composition, const std::string& message) const;
   template <class T>
   Verdict same_object(const T& object) const;
   template <class T>

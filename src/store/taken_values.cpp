@@ -1,4 +1,4 @@
-#include "store/taken_names.hpp"
+#include "store/taken_values.hpp"
 
 #include "store/kinds.hpp"
 #include "store/queries.hpp"
@@ -22,25 +22,12 @@ String last_word(const std::string& text) {
 }  // namespace
 
 template <class T>
-Verdict TakenNames::judge(const T& object, const std::string& message) const {
-  return decide(object, message);
+Verdict TakenValues::judge(const T& object, const std::string& message) const {
+  return Kind<T>::is_asked_about ? ask(object, message) : same_object(object);
 }
 
 template <class T>
-Verdict TakenNames::decide(const T& object, const std::string&) const {
-  return same_object(object);
-}
-
-Verdict TakenNames::decide(const Material& material, const std::string& message) const {
-  return ask(material, message);
-}
-
-Verdict TakenNames::decide(const Composition& composition, const std::string& message) const {
-  return ask(composition, message);
-}
-
-template <class T>
-Verdict TakenNames::same_object(const T& object) const {
+Verdict TakenValues::same_object(const T& object) const {
   const unsigned id = object.id() == 0 ? stored_id(object) : 0;
   if (id == 0) throw ObjectNotUnique();
   return {Verdict::IsStored, id, {}};
@@ -48,7 +35,7 @@ Verdict TakenNames::same_object(const T& object) const {
 
 /// Only about names: a taken code is told by the database, and asked about by nobody.
 template <class T>
-Verdict TakenNames::ask(const T& object, const std::string& message) const {
+Verdict TakenValues::ask(const T& object, const std::string& message) const {
   if (!ends_with(message, ".name")) throw ObjectNotUnique(last_word(message));
 
   String name = object.name();
@@ -65,16 +52,16 @@ Verdict TakenNames::ask(const T& object, const std::string& message) const {
 }
 
 template <class T>
-unsigned TakenNames::stored_id(const T& object) const {
+unsigned TakenValues::stored_id(const T& object) const {
   return id_of_name<T>(LibraryAccess::database(library_), object.name());
 }
 
-unsigned TakenNames::stored_id(const CustomProperty& property) const {
+unsigned TakenValues::stored_id(const CustomProperty& property) const {
   return id_of_property(LibraryAccess::database(library_), property.name(), property.object_type());
 }
 
 #define VELDRA_INSTANTIATE(T) \
-  template Verdict TakenNames::judge<T>(const T&, const std::string&) const;
+  template Verdict TakenValues::judge<T>(const T&, const std::string&) const;
 
 VELDRA_FOR_EACH_KIND(VELDRA_INSTANTIATE)
 
