@@ -259,6 +259,25 @@ TEST_F(Process, that_is_done_says_so_when_it_is_asked_to_stop) {
   EXPECT_THAT(outcome.err, HasSubstr("what was asked for is done, but"));
 }
 
+TEST_F(Process, that_would_make_a_file_larger_than_is_allowed_says_so) {
+  write("n.idf", "Material:AirGap, New, 0.1;");
+  for (const std::string command :
+       {"create b.lib", "import b.lib n.idf", "import a.lib n.idf", "copy a.lib c.lib --all",
+        "remove a.lib materials Free", "purge a.lib materials"}) {
+    must({"create", "c.lib"});
+    // The shell counts in half kilobytes, and no file may grow beyond that.
+    const auto run = shell("ulimit -f 1; veldra " + command);
+    EXPECT_EQ(run.status, 1) << command;
+    EXPECT_THAT(run.err, AllOf(is_one_sentence(),
+                               HasSubstr("': the file would get larger than is allowed\n")))
+        << command;
+    EXPECT_TRUE(is_as_before()) << command;
+    EXPECT_EQ(count("c.lib", "materials"), 0U);
+    ASSERT_EQ(::unlink(path("c.lib").c_str()), 0);
+  }
+  EXPECT_FALSE(exists("b.lib"));
+}
+
 TEST_F(Process, goes_on_where_its_starter_has_signals_ignored) {
   const LockingProcess other(path("a.lib"), "BEGIN EXCLUSIVE", 1500);
   const auto run = start_shell("trap '' HUP INT; exec \"$p0\" list a.lib materials");
