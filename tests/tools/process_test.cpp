@@ -191,6 +191,16 @@ TEST_P(Interrupted, while_a_commit_waits_for_a_reader) {
   expect_stop(*run, GetParam(), "'a.lib' is as it was");
 }
 
+TEST_P(Interrupted, while_a_library_of_a_copy_is_opened_that_others_hold) {
+  must({"create", "b.lib"});
+  for (const char* library : {"a.lib", "b.lib"}) {
+    const LockingProcess other(path(library), "BEGIN EXCLUSIVE", 4500);
+    const auto run = start({"copy", "a.lib", "b.lib", "--all"});
+    let_begin(*run);
+    expect_stop(*run, GetParam(), "'a.lib' and 'b.lib' are as they were");
+  }
+}
+
 TEST_P(Interrupted, while_a_pipe_waits_for_a_reader) {
   ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
   const auto run = start({"export", "a.lib", "-o", "pipe"});

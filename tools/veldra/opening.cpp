@@ -180,4 +180,8 @@ void tell_as_it_was(const std::string& file) {
   tell_when_stopped(fmt::format("{} is as it was", in_quotes(file)));
 }
 
+void tell_as_they_were(const std::string& file, const std::string& other) {
+  tell_when_stopped(fmt::format("{} and {} are as they were", in_quotes(file), in_quotes(other)));
+}
+
 }  // namespace veldra_tool
