@@ -185,6 +185,8 @@ void rethrow_for(const std::string& file) {
     throw;
   } catch (const Failure&) {
     throw;
+  } catch (const LibraryFailure& failure) {
+    throw failure_of(file, failure.what());
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const veldra::Interrupted&) {

@@ -149,6 +149,7 @@ void ImportSet::settle(const Incoming<T>& first, const std::shared_ptr<T>& secon
       ++outcomes_of(*second, report)[Outcome::Changed];
       return;
     case OnConflict::Rename: {
+      require_free_code(*second, line, report);
       second->name(library_text(free_name(objects, name)));
       Incoming<T> renamed = incoming;
       renamed.renamed = true;
