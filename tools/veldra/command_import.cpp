@@ -97,6 +97,7 @@ class Import {
   /// is made for it.
   void run() {
     while (!file_exists(arguments_.file)) {
+      require_place_for_library(arguments_.file);
       if (arguments_.dry_run || !any_objects()) return pretend_with_new();
       if (into_new()) return;
     }
