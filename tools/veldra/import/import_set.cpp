@@ -4,6 +4,7 @@
 #include "import/mapping.hpp"
 #include "import/place.hpp"
 #include "kinds.hpp"
+#include "numbers.hpp"
 #include "text.hpp"
 #include "units.hpp"
 
@@ -110,6 +111,10 @@ void ImportSet::enter(IncomingObjects<T>& objects, const std::shared_ptr<T>& obj
                       SourceReport& report) {
   using Names = NamesOf<T>;
   const std::string name = object->name().utf8();
+  for (const auto& sentence : wrong_numbers(*object)) {
+    report.problems.push_back(fmt::format("{}: {} {}: {}", place(report.file, line),
+                                          kind_of(*object), in_quotes(name), sentence));
+  }
   give_tags(*object, from_simulation, report);
   const Incoming<T> incoming{object, source, from_simulation && tags_.empty()};
   const auto* first = objects.taken(name, from_simulation ? Names::Folded : Names::Exact);
