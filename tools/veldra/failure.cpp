@@ -204,8 +204,6 @@ Failure failure_of(const std::string& file, const std::string& sentence) {
   return Failure(fmt::format("{}: {}", in_quotes(file), sentence));
 }
 
-std::string in_quotes(const std::string& text) {
-  return fmt::format("'{}'", is_utf8(text) ? printable(text) : printable(from_latin1(text)));
-}
+std::string in_quotes(const std::string& text) { return fmt::format("'{}'", printable(text)); }
 
 }  // namespace veldra_tool

@@ -88,9 +88,11 @@ void IncomingObjects<T>::add(const Incoming<T>& incoming, const std::string& nam
   const std::size_t index = all_.size();
   const std::string own_name = incoming.object->name().utf8();
   all_.push_back(incoming);
+  const std::string own_folded = folded(own_name);
   exact_.emplace(own_name, index);
-  folded_.emplace(folded(own_name), index);
-  own_.emplace(std::make_pair(incoming.source, folded(name)), index);
+  folded_.emplace(own_folded, index);
+  own_.emplace(std::make_pair(incoming.source, name == own_name ? own_folded : folded(name)),
+               index);
 }
 
 ImportSet::ImportSet(veldra::Unit unit, OnConflict policy, const std::vector<std::string>& tags)
