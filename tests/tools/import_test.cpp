@@ -323,6 +323,57 @@ TEST_F(Import, ten_thousand_materials_come_in_whole_and_then_change_nothing) {
   }
 }
 
+/// Libraries that have given the last id that an object of a kind can have.
+class LastId : public Import, public testing::WithParamInterface<const char*> {
+ protected:
+  void SetUp() override {
+    write("a.json", R"({"format": "veldra", "tags": ["t"], "layers": ["l"],
+      "material_types": ["Straw"], "custom_properties": [{"name": "p", "object_type": "material"}],
+      "materials": [{"name": "A", "type": "Straw"}],
+      "compositions": [{"name": "W", "layers": [{"material": "A", "thickness": 1}]}]})");
+    must({"create", "a.lib"});
+    must({"import", "b.lib", "a.json"});
+  }
+
+  void set_last_id(const std::string& id) {
+    const std::string table = GetParam();
+    PlainDatabase(path("a.lib"))
+        .execute("DELETE FROM sqlite_sequence WHERE name = '" + table +
+                 "'; INSERT INTO sqlite_sequence VALUES ('" + table + "', " + id + ")");
+  }
+};
+
+TEST_P(LastId, was_given_is_told_and_nothing_is_done) {
+  // That of an object, and that of a row.
+  for (const char* last : {"4294967294", "9223372036854775807"}) {
+    set_last_id(last);
+    const auto before = dump(path("a.lib"));
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"import", "a.lib", "a.json"},
+          std::vector<std::string>{"copy", "b.lib", "a.lib", "--all"}}) {
+      const auto run = veldra(arguments);
+      EXPECT_EQ(run.status, 1);
+      EXPECT_EQ(run.out, "");
+      EXPECT_EQ(run.err,
+                "veldra: 'a.lib': the library has no id left for another object of a kind\n");
+      EXPECT_EQ(dump(path("a.lib")), before);
+    }
+  }
+}
+
+TEST_P(LastId, can_be_given) {
+  set_last_id("4294967293");
+  must({"copy", "b.lib", "a.lib", "--all"});
+  EXPECT_EQ(veldra({"copy", "a.lib", "b.lib", "--all", "--json"}).status, 0);
+  const std::string table = GetParam();
+  EXPECT_EQ(PlainDatabase(path("a.lib")).value("SELECT max(id) FROM " + table), "4294967294");
+  must({"show", "a.lib", "composition", "W"});
+}
+
+INSTANTIATE_TEST_SUITE_P(OfEachKind, LastId,
+                         testing::Values("Tag", "MaterialType", "Layer", "CustomProperty",
+                                         "Material", "Composition"));
+
 struct WrongNumber {
   const char* source;
   const char* object;
