@@ -247,6 +247,24 @@ TEST_F(StoppingImport, into_a_library_leaves_it_as_it_was) {
   EXPECT_TRUE(is_as_before());
 }
 
+TEST_F(Stopping, of_an_import_does_not_wait_for_large_objects) {
+  write("large.json", R"({"format": "veldra", "materials": [{"name": ")" +
+                          std::string(20'000'000, 'x') + "\"}]}");
+  const auto library_before = read("a.lib");
+  for (const int wait : {500, 1000, 1500}) {
+    // What comes before the library is changed takes a while; and it is not changed meanwhile.
+    const LockingProcess other(path("a.lib"), "BEGIN IMMEDIATE", 9000);
+    const auto run = start({"import", "a.lib", "large.json"});
+    if (run->ends_within(milliseconds(wait))) break;
+    run->signal(SIGINT);
+    EXPECT_TRUE(run->ends_within(a_second)) << "after " << wait << " ms";
+    const auto outcome = run->outcome();
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("interrupted; "));
+  }
+  EXPECT_TRUE(read("a.lib") == library_before);
+}
+
 TEST_F(Process, that_is_done_says_so_when_it_is_asked_to_stop) {
   ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
   write("many.json", [] {

@@ -113,7 +113,6 @@ class Import {
   void into_existing() {
     tell_as_it_was(arguments_.file);
     const auto library = open_library(arguments_.file, Access::Write);
-    forbid_sudden_end();  // the library has no second name that could go
     into(library);
     host_.done = !arguments_.dry_run;
   }
@@ -133,10 +132,11 @@ class Import {
   void into(const std::shared_ptr<veldra::Library>& library) {
     ImportReport report(sources_.size());
     const ImportSet set = read_set(library->unit(), report);
+    const auto staging = staged(set, library->unit(), progress_);
     veldra::Library::Transaction transaction(*library);
-    forbid_sudden_end();
+    forbid_sudden_end();  // from here on the file may be written
     const bool was_empty = is_empty(*library);
-    transfer_set(set, library, arguments_.on_conflict, report, progress_);
+    transfer_set(set, staging, library, arguments_.on_conflict, report, progress_);
     if (was_empty) adopt_settings(*library, set);
     print(report, arguments_, host_.output);
     stop_if_asked();
