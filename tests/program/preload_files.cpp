@@ -1,5 +1,6 @@
 #include "program/preload.hpp"
 #include "program/preload_calls.hpp"
+#include "program/preload_deeds.hpp"
 #include "program/preload_system.hpp"
 
 #include <fcntl.h>
@@ -13,19 +14,13 @@
 #include <atomic>
 #include <cerrno>
 #include <cstring>
-#include <initializer_list>
 
 namespace veldra_tests {
 
 namespace {
 
-constexpr int most_descriptors = 256;
-
 /// Whether each descriptor is of a file in the folder.
 bool in_folder[most_descriptors] = {};
-
-/// What each of them is called.
-char descriptor_names[most_descriptors][128] = {"standard input", "standard output"};
 
 /// How much the files in the folder have grown, less what was removed.
 long grown = 0;
@@ -34,8 +29,6 @@ template <class... Arguments>
 long system_call(long number, Arguments... arguments) {
   return perform({number, {(long)arguments...}});
 }
-
-bool is_known(long descriptor) { return descriptor >= 0 && descriptor < most_descriptors; }
 
 bool is_in_folder(const char* path, const SystemCall& call, int folder) {
   if (path == nullptr || *path == '\0') return false;
@@ -262,70 +255,6 @@ long trouble(FaultPlan& plan, const CallForm& form, const SystemCall& call) {
   }
 }
 
-// What was done, in its order.
-
-/// A path in the folder, as it is called below that.
-const char* name_below(const FaultPlan& plan, const char* path) {
-  const std::size_t length = std::strlen(plan.folder);
-  if (std::strncmp(path, plan.folder, length) != 0) return path;
-  return path[length] == '/' ? path + length + 1 : ".";
-}
-
-const char* name_of_file(const FaultPlan& plan, const CallForm& form, const SystemCall& call) {
-  const int descriptor = descriptor_of(form, call);
-  if (is_known(descriptor)) return descriptor_names[descriptor];
-  const char* const path = path_of(form, call);
-  return path != nullptr ? name_below(plan, path) : "";
-}
-
-const char* deed_of(const CallForm& form, const SystemCall& call) {
-  switch (form.group) {
-    case Group::Open:
-      return makes_file(call) ? "make" : empties_file(call) ? "cut" : nullptr;
-    case Group::Write:
-      return "write";
-    case Group::Sync:
-      return "sync";
-    case Group::Truncate:
-      return "cut";
-    case Group::Remove:
-      return "remove";
-    case Group::Rename:
-      return call.number == SYS_link || call.number == SYS_linkat ? "link" : "rename";
-    default:
-      return nullptr;
-  }
-}
-
-std::size_t append(char* line, std::size_t length, std::size_t room, const char* text) {
-  while (*text != '\0' && length != room) line[length++] = *text++;
-  return length;
-}
-
-void note_deed(FaultPlan& plan, const CallForm& form, const SystemCall& call) {
-  const char* const deed = deed_of(form, call);
-  if (deed == nullptr) return;
-  char line[600];
-  std::size_t length = append(line, 0, sizeof line, deed);
-  for (const char* name : {name_of_file(plan, form, call), second_path_of(form, call)}) {
-    if (name == nullptr) continue;
-    length = append(line, length, sizeof line, " ");
-    length = append(line, length, sizeof line, name_below(plan, name));
-  }
-  length = append(line, length, sizeof line, "\n");
-  char* const end = plan.deeds + plan.deeds_length;
-  if (plan.deeds_length >= length && std::memcmp(end - length, line, length) == 0) return;
-  if (plan.deeds_length + length >= sizeof plan.deeds) return;
-  std::memcpy(end, line, length);
-  plan.deeds_length += static_cast<unsigned>(length);
-}
-
-/// Descriptors keep the name that their file was opened by.
-void keep_name(const FaultPlan& plan, long descriptor, const char* path) {
-  char(&name)[128] = descriptor_names[descriptor];
-  name[append(name, 0, sizeof name - 1, name_below(plan, path))] = '\0';
-}
-
 // Which descriptors are of files in the folder.
 
 bool duplicates(const CallForm& form, const SystemCall& call) {
@@ -338,14 +267,14 @@ void follow(const FaultPlan& plan, const CallForm& form, const SystemCall& call,
             long result) {
   if (form.group == Group::Open && is_known(result)) {
     in_folder[result] = ours;
-    keep_name(plan, result, path_of(form, call));
+    name_descriptor(plan, result, path_of(form, call));
   }
   if (form.group == Group::Close && is_known(call.arguments[0])) {
     in_folder[call.arguments[0]] = false;
   }
   if (duplicates(form, call) && is_known(result)) {
     in_folder[result] = ours;
-    if (is_known(call.arguments[0])) keep_name(plan, result, descriptor_names[call.arguments[0]]);
+    name_as(result, call.arguments[0]);
   }
 }
 
