@@ -341,7 +341,7 @@ class WithLog : public ProgramTest {
       const auto run = veldra({command, "shelf/a.lib"});
       EXPECT_EQ(run.status, 1);
       EXPECT_EQ(run.err,
-                "veldra: 'shelf/a.lib': the library has a write-ahead log, which can only be used "
+                "veldra: 'shelf/a.lib': it has a write-ahead log, which can only be used "
                 "where its folder may be written\n");
     }
   }

@@ -65,8 +65,8 @@ void require_no_library_beside(const std::string& file, const std::string& path)
 void require_no_log(const std::string& file, const std::string& path, Kind kind) {
   if (kind != Kind::NeedsRecovery || !begins_as_database_with_log(path)) return;
   throw failure_of(file,
-                   "the library has a write-ahead log, which can only be used where its folder "
-                   "may be written");
+                   "it has a write-ahead log, which can only be used where its folder may be "
+                   "written");
 }
 
 /// What opening has refused. That it is a library is left to what opening said.
