@@ -76,7 +76,8 @@ void name_descriptor(const FaultPlan& plan, long descriptor, const char* path) {
 }
 
 void name_as(long descriptor, long other) {
-  if (is_known(other)) std::strcpy(descriptor_names[descriptor], descriptor_names[other]);
+  if (!is_known(other)) return;
+  std::memmove(descriptor_names[descriptor], descriptor_names[other], sizeof descriptor_names[0]);
 }
 
 }  // namespace veldra_tests
