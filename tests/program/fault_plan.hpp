@@ -12,6 +12,7 @@ enum class Trouble : int {
   FullDisk,    ///< there is no room for the byte `point` that the files grow by
   Kill,        ///< SIGKILL before a call; a write is done by half before it
   Interrupt,   ///< SIGINT before a call
+  Pause,       ///< SIGSTOP before a call
   NoMemory     ///< an allocation fails
 };
 
@@ -24,7 +25,7 @@ struct FaultPlan {
   Trouble trouble = Trouble::Error;
   int error = 0;
   unsigned long point = 0;  ///< which call, or byte of a full disk, from 1 on; 0 is none
-  long only = -1;           ///< of the errors, those of this call, by its number; -1 is all calls
+  long only = -1;           ///< of errors and pauses, those of this call, by number; -1 is all
   bool lasting = false;     ///< all calls from there on, not just one
   char folder[256] = {};    ///< calls on files anywhere else are neither counted nor failed
 
@@ -35,6 +36,12 @@ struct FaultPlan {
   int descriptor = -1;    ///< that it was given, if any
   char path[256] = {};    ///< that it was given, if any
   char second[256] = {};  ///< the new name, of a renaming or linking
+
+  /// What was done to files, a line each: "make", "write", "cut", "sync" or "remove" with a name
+  /// below the folder, which is "." itself, and "rename" or "link" with two. Of the same again and
+  /// again only the first is there.
+  char deeds[1 << 16] = {};
+  unsigned deeds_length = 0;
 };
 
 }  // namespace veldra_tests

@@ -24,6 +24,8 @@ const char* name_of(Trouble trouble) {
       return "SIGKILL";
     case Trouble::Interrupt:
       return "SIGINT";
+    case Trouble::Pause:
+      return "SIGSTOP";
     default:
       return "no memory";
   }

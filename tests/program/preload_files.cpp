@@ -1,5 +1,6 @@
 #include "program/preload.hpp"
 #include "program/preload_calls.hpp"
+#include "program/preload_deeds.hpp"
 #include "program/preload_system.hpp"
 
 #include <fcntl.h>
@@ -18,8 +19,6 @@ namespace veldra_tests {
 
 namespace {
 
-constexpr int most_descriptors = 256;
-
 /// Whether each descriptor is of a file in the folder.
 bool in_folder[most_descriptors] = {};
 
@@ -30,8 +29,6 @@ template <class... Arguments>
 long system_call(long number, Arguments... arguments) {
   return perform({number, {(long)arguments...}});
 }
-
-bool is_known(long descriptor) { return descriptor >= 0 && descriptor < most_descriptors; }
 
 bool is_in_folder(const char* path, const SystemCall& call, int folder) {
   if (path == nullptr || *path == '\0') return false;
@@ -246,6 +243,11 @@ long trouble(FaultPlan& plan, const CallForm& form, const SystemCall& call) {
       note_fault(plan, form, call);
       raise_here(SIGINT);
       return perform(call);
+    case Trouble::Pause:
+      if (!has_error || !meant || !is_due(plan)) return perform(call);
+      note_fault(plan, form, call);
+      raise_here(SIGSTOP);
+      return perform(call);
     case Trouble::FullDisk:
       return on_full_disk(plan, form, call);
     default:
@@ -261,12 +263,19 @@ bool duplicates(const CallForm& form, const SystemCall& call) {
          (call.arguments[1] == F_DUPFD || call.arguments[1] == F_DUPFD_CLOEXEC);
 }
 
-void follow(const CallForm& form, const SystemCall& call, bool ours, long result) {
-  if (form.group == Group::Open && is_known(result)) in_folder[result] = ours;
+void follow(const FaultPlan& plan, const CallForm& form, const SystemCall& call, bool ours,
+            long result) {
+  if (form.group == Group::Open && is_known(result)) {
+    in_folder[result] = ours;
+    name_descriptor(plan, result, path_of(form, call));
+  }
   if (form.group == Group::Close && is_known(call.arguments[0])) {
     in_folder[call.arguments[0]] = false;
   }
-  if (duplicates(form, call) && is_known(result)) in_folder[result] = ours;
+  if (duplicates(form, call) && is_known(result)) {
+    in_folder[result] = ours;
+    name_as(result, call.arguments[0]);
+  }
 }
 
 // Who waits for a lock that will never be given need not be waited for: time itself goes on.
@@ -291,7 +300,8 @@ long on_file_call(const SystemCall& call) {
   if (is_in_vain(*current, *form)) return skip(call);
   const bool ours = is_ours(*form, call);
   const long result = ours ? trouble(*current, *form, call) : perform(call);
-  follow(*form, call, ours, result);
+  if (ours && result >= 0) note_deed(*current, *form, call);
+  follow(*current, *form, call, ours, result);
   return result;
 }
 

@@ -75,6 +75,12 @@ bool Process::has_ended() const {
   return info.si_pid != 0;
 }
 
+bool Process::is_stopped() const {
+  siginfo_t info{};
+  ::waitid(P_PID, static_cast<id_t>(process_), &info, WEXITED | WSTOPPED | WNOWAIT);
+  return info.si_code == CLD_STOPPED;
+}
+
 Ending Process::wait() {
   const int handle = static_cast<int>(::syscall(SYS_pidfd_open, process_, 0));
   pollfd end{handle, POLLIN, 0};

@@ -32,6 +32,9 @@ class Process {
   /// Whether it has come to its end.
   bool has_ended() const;
 
+  /// Waits until it has been stopped; returns false when it has come to its end instead.
+  bool is_stopped() const;
+
   /// Waits for its end. After a minute, SIGKILL makes that, and the test has failed.
   Ending wait();
 

@@ -230,5 +230,55 @@ TEST_F(CodeConflict, a_code_of_another_material_is_named_and_nothing_changes) {
   EXPECT_EQ(dump(path("a.lib")), before);
 }
 
+/// Materials of one name and one code that differ.
+class ClashOfCodes : public ProgramTest {
+ protected:
+  void SetUp() override {
+    write("one.json", source("first"));
+    write("two.json", source("second"));
+    write("three.json", source("third"));
+  }
+
+  static std::string source(const std::string& description) {
+    return R"({"format": "veldra", "materials": [
+                {"name": "A", "code": "X", "description": ")" +
+           description + "\"}]}";
+  }
+
+  void expect_sentence(const std::vector<std::string>& arguments, const std::string& sentence) {
+    const auto run = veldra(arguments);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "veldra: " + sentence + "\n");
+  }
+};
+
+TEST_F(ClashOfCodes, between_sources_names_file_and_code_though_names_are_changed) {
+  expect_sentence(
+      {"import", "b.lib", "one.json", "two.json", "three.json", "--on-conflict", "rename"},
+      "'two.json', line 2: material 'A' has the code 'X', which 'A' of the sources has "
+      "already");
+  EXPECT_FALSE(exists("b.lib"));
+}
+
+TEST_F(ClashOfCodes, with_the_library_names_file_and_code_though_names_are_changed) {
+  must({"import", "a.lib", "one.json"});
+  must({"import", "b.lib", "two.json"});
+  const auto before = dump(path("a.lib"));
+  const std::string sentence =
+      "'a.lib': material 'A' has the code 'X', which 'A' of the library has already";
+  expect_sentence({"import", "a.lib", "two.json", "--on-conflict", "rename"}, sentence);
+  expect_sentence({"copy", "b.lib", "a.lib", "--all", "--on-conflict", "rename"}, sentence);
+  EXPECT_EQ(dump(path("a.lib")), before);
+}
+
+TEST_F(Conflict, that_ends_a_command_names_the_library) {
+  must({"import", "b.lib", "new.idf"});
+  const std::string sentence =
+      "veldra: 'a.lib': the library has a material 'Gap' already, which differs; --on-conflict "
+      "says what to do\n";
+  EXPECT_EQ(veldra({"import", "a.lib", "new.idf"}).err, sentence);
+  EXPECT_EQ(veldra({"copy", "b.lib", "a.lib", "--all"}).err, sentence);
+}
+
 }  // namespace
 }  // namespace veldra_tests

@@ -104,6 +104,34 @@ TEST_F(Creating, is_refused_beside_a_journal_that_would_be_played_back) {
   }
 }
 
+TEST_F(Creating, refuses_names_that_only_folders_have) {
+  write_source("a.idf", "Gap", 1);
+  must({"create", "a.lib"});
+  for (const std::string file : {"x/", "a.lib/", "x/.", "."}) {
+    for (const std::vector<std::string>& command :
+         {std::vector<std::string>{"create", file}, std::vector<std::string>{"info", file},
+          std::vector<std::string>{"import", file, "a.idf"},
+          std::vector<std::string>{"import", file, "a.idf", "--dry-run"}}) {
+      const auto run = veldra(command);
+      EXPECT_EQ(run.status, 1);
+      EXPECT_EQ(run.err, "veldra: '" + file + "': this is the name of a folder\n");
+      EXPECT_EQ(run.out, "");
+    }
+  }
+  EXPECT_THAT(names(), ElementsAre("a.idf", "a.lib"));
+}
+
+TEST_F(Creating, pretended_refuses_the_same_names) {
+  write_source("a.idf", "Gap", 1);
+  for (const char* file : {"a.lib-journal", "b.lib-wal"}) {
+    const auto run = veldra({"import", file, "a.idf"});
+    EXPECT_EQ(run.status, 1);
+    const auto pretended = veldra({"import", file, "a.idf", "--dry-run"});
+    EXPECT_EQ(pretended.status, 1);
+    EXPECT_EQ(pretended.err, run.err);
+  }
+}
+
 TEST_F(Creating, refuses_a_link_even_if_it_leads_nowhere) {
   ASSERT_EQ(::symlink("nowhere", path("a.lib").c_str()), 0);
   EXPECT_EQ(veldra({"create", "a.lib"}).status, 1);

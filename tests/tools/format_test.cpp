@@ -41,6 +41,14 @@ CONSTRUCTION, Wall,
   Brick;
 End Lead Input;)";
 
+/// The first page of a database says how large its pages are and how many there are.
+std::string database_of_one_page() {
+  std::string page = "SQLite format 3\0\2\0"s;
+  page.resize(512);
+  page[31] = 1;
+  return page;
+}
+
 class ForeignSource : public ProgramTest, public testing::WithParamInterface<Foreign> {
  protected:
   void SetUp() override {
@@ -134,7 +142,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Foreign{"%PDF-1.7\n%\xE2\xE3\xCF\xD3\n", "a PDF document"},
                     Foreign{"\x89PNG\r\n\x1a\n\0\0"s, "a picture (PNG)"},
                     Foreign{"\xFF\xD8\xFF\xE0\0\x10JFIF"s, "a picture (JPEG)"},
-                    Foreign{"SQLite format 3\0 and so on"s, "the database of another program"},
+                    Foreign{database_of_one_page(), "the database of another program"},
                     Foreign{"\x7f"
                             "ELF\0\1\2"s,
                             "a binary file"},
@@ -164,6 +172,20 @@ TEST_F(SourceFormat, of_a_library_is_told_with_the_command_for_it) {
   const auto run = veldra({"import", "new.lib", "a.lib"});
   EXPECT_EQ(run.status, 1);
   EXPECT_THAT(run.err, AllOf(HasSubstr("this is a library"), HasSubstr("veldra copy")));
+}
+
+TEST_F(SourceFormat, of_a_part_of_a_library_is_not_that_of_another_database) {
+  must({"create", "a.lib"});
+  const std::string whole = read("a.lib");
+  for (const std::size_t size : {std::size_t{20}, std::size_t{4096}, std::size_t{5000}}) {
+    write("cut.lib", whole.substr(0, size));
+    const auto run = veldra({"import", "new.lib", "cut.lib"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err,
+              "veldra: 'cut.lib': this is a part of a library or of another database, of which the "
+              "rest is missing\n");
+  }
+  EXPECT_FALSE(exists("new.lib"));
 }
 
 TEST_F(SourceFormat, of_tables_that_the_program_wrote_is_known) {

@@ -150,12 +150,12 @@ class BadThickness : public Import, public testing::WithParamInterface<const cha
 
 TEST_P(BadThickness, is_an_error_of_its_object) {
   write("a.idf", std::string("\nMaterial, Bad, Rough, ") + GetParam() +
-                     ", 1, 1, 1;\nMaterial, Good, Rough, 0, 1, 1, 1;");
+                     ", 1, 1, 1;\nMaterial, Good, Rough, 0.2, 1, 1, 1;");
   const auto report = imported({"a.idf"})[0];
   ASSERT_EQ(report["problems"].size(), 1U);
   EXPECT_THAT(report["problems"][0].get<std::string>(), HasSubstr("'a.idf', line 2"));
   EXPECT_EQ(count("a.lib", "materials"), 1U);
-  EXPECT_EQ(shown("material", "Good")["thicknesses"], nlohmann::json({0.0}));
+  EXPECT_EQ(shown("material", "Good")["thicknesses"], nlohmann::json({200.0}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, BadThickness,
@@ -322,6 +322,142 @@ TEST_F(Import, ten_thousand_materials_come_in_whole_and_then_change_nothing) {
     EXPECT_EQ(report["compositions"][outcome], 2000);
   }
 }
+
+/// Libraries that have given the last id that an object of a kind can have.
+class LastId : public Import, public testing::WithParamInterface<const char*> {
+ protected:
+  void SetUp() override {
+    write("a.json", R"({"format": "veldra", "tags": ["t"], "layers": ["l"],
+      "material_types": ["Straw"], "custom_properties": [{"name": "p", "object_type": "material"}],
+      "materials": [{"name": "A", "type": "Straw"}],
+      "compositions": [{"name": "W", "layers": [{"material": "A", "thickness": 1}]}]})");
+    must({"create", "a.lib"});
+    must({"import", "b.lib", "a.json"});
+  }
+
+  void set_last_id(const std::string& id) {
+    const std::string table = GetParam();
+    PlainDatabase(path("a.lib"))
+        .execute("DELETE FROM sqlite_sequence WHERE name = '" + table +
+                 "'; INSERT INTO sqlite_sequence VALUES ('" + table + "', " + id + ")");
+  }
+};
+
+TEST_P(LastId, was_given_is_told_and_nothing_is_done) {
+  // That of an object, and that of a row.
+  for (const char* last : {"4294967294", "9223372036854775807"}) {
+    set_last_id(last);
+    const auto before = dump(path("a.lib"));
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"import", "a.lib", "a.json"},
+          std::vector<std::string>{"copy", "b.lib", "a.lib", "--all"}}) {
+      const auto run = veldra(arguments);
+      EXPECT_EQ(run.status, 1);
+      EXPECT_EQ(run.out, "");
+      EXPECT_EQ(run.err,
+                "veldra: 'a.lib': the library has no id left for another object of a kind\n");
+      EXPECT_EQ(dump(path("a.lib")), before);
+    }
+  }
+}
+
+TEST_P(LastId, can_be_given) {
+  set_last_id("4294967293");
+  must({"copy", "b.lib", "a.lib", "--all"});
+  EXPECT_EQ(veldra({"copy", "a.lib", "b.lib", "--all", "--json"}).status, 0);
+  const std::string table = GetParam();
+  EXPECT_EQ(PlainDatabase(path("a.lib")).value("SELECT max(id) FROM " + table), "4294967294");
+  must({"show", "a.lib", "composition", "W"});
+}
+
+INSTANTIATE_TEST_SUITE_P(OfEachKind, LastId,
+                         testing::Values("Tag", "MaterialType", "Layer", "CustomProperty",
+                                         "Material", "Composition"));
+
+struct WrongNumber {
+  const char* source;
+  const char* object;
+  const char* sentence;
+};
+
+void PrintTo(const WrongNumber& wrong, std::ostream* out) {
+  *out << wrong.object << ": " << wrong.sentence;
+}
+
+/// Numbers that `check` finds fault with when they are in a library.
+class WrongNumbers : public Import, public testing::WithParamInterface<WrongNumber> {
+ protected:
+  void SetUp() override { write("a.txt", GetParam().source); }
+
+  std::string sentence() const {
+    return "veldra: 'a.txt', line 2: " + std::string(GetParam().object) + ": " +
+           GetParam().sentence + "\n";
+  }
+};
+
+TEST_P(WrongNumbers, are_told_with_source_and_object) {
+  const auto run = veldra({"import", "a.lib", "a.txt"});
+  EXPECT_EQ(run.status, 3);
+  EXPECT_EQ(run.err, sentence());
+  EXPECT_THAT(veldra({"check", "a.lib"}).out, HasSubstr(std::string(GetParam().object) + ": "));
+}
+
+TEST_P(WrongNumbers, are_not_imported_by_a_strict_import) {
+  for (const char* dry : {"--json", "--dry-run"}) {
+    const auto run = veldra({"import", "a.lib", "a.txt", "--strict", dry});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, sentence() + "veldra: nothing is imported, because there is a problem\n");
+  }
+  EXPECT_FALSE(exists("a.lib"));
+}
+
+#define IN_CATALOGUE(objects) \
+  R"({"format": "veldra", )"  \
+  "\n" objects "}"
+
+INSTANTIATE_TEST_SUITE_P(
+    OfMaterials, WrongNumbers,
+    testing::Values(
+        WrongNumber{IN_CATALOGUE(R"("materials": [{"name": "A", "thicknesses": [-5, 3]}])"),
+                    "material 'A'", "a thickness is negative"},
+        WrongNumber{IN_CATALOGUE(R"("materials": [{"name": "A", "thicknesses": [0]}])"),
+                    "material 'A'", "the thickness 0 is not greater than 0"},
+        WrongNumber{IN_CATALOGUE(R"("materials": [{"name": "A", "custom_values":
+                                    {"Thermal conductivity [W/(m K)]": -1}}])"),
+                    "material 'A'", "its thermal conductivity is not greater than 0: '-1'"},
+        WrongNumber{IN_CATALOGUE(R"("materials": [{"name": "A", "custom_values":
+                                    {"Thermal conductivity [W/(m K)]": "good"}}])"),
+                    "material 'A'",
+                    "its thermal conductivity is no number that can be used: 'good'"},
+        WrongNumber{"\nMaterial, A, Rough, 0, 1, 1, 1;", "material 'A'",
+                    "the thickness 0 is not greater than 0"},
+        WrongNumber{"\nMaterial, A, Rough, 0.1, -1, 1, 1;", "material 'A'",
+                    "its thermal conductivity is not greater than 0: '-1'"}));
+
+#define IN_COMPOSITION(rest)                             \
+  IN_CATALOGUE(R"("compositions": [{"name": "W", )" rest \
+               R"(}], "materials": [{"name": "A", "type": "Stone"}])")
+
+INSTANTIATE_TEST_SUITE_P(
+    OfCompositions, WrongNumbers,
+    testing::Values(
+        WrongNumber{IN_COMPOSITION(R"("layers": [{"material": "A", "thickness": 1},
+                                                 {"material": "A", "thickness": -1}])"),
+                    "composition 'W'", "the thickness of layer 2 is negative"},
+        WrongNumber{IN_COMPOSITION(R"("layers": [{"material": "A", "thickness": 0}])"),
+                    "composition 'W'", "the thickness 0 of layer 1 is not greater than 0"},
+        WrongNumber{IN_COMPOSITION(R"("variable_layer": 0, "variable_layer_min_thickness": -2,
+                                      "layers": [{"material": "A", "thickness": 1}])"),
+                    "composition 'W'", "the least thickness of the variable layer is negative"},
+        WrongNumber{IN_COMPOSITION(R"("variable_layer": 0, "variable_layer_max_thickness": 2,
+                                      "variable_layer_min_thickness": 3,
+                                      "layers": [{"material": "A", "thickness": 1}])"),
+                    "composition 'W'",
+                    "the greatest thickness of the variable layer is less than the least"},
+        WrongNumber{IN_COMPOSITION(R"("variable_layer": 7,
+                                      "layers": [{"material": "A", "thickness": 1}])"),
+                    "composition 'W'", "the variable layer 8 is none of its 1 layers"}));
 
 }  // namespace
 }  // namespace veldra_tests

@@ -132,5 +132,21 @@ TEST_F(Naming, is_told_in_the_help_of_every_command_that_takes_objects) {
   }
 }
 
+TEST_F(Naming, of_what_is_not_there_names_the_library) {
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"show", "a.lib", "material", "x"},
+        std::vector<std::string>{"where-used", "a.lib", "material", "x"},
+        std::vector<std::string>{"remove", "a.lib", "material", "x"},
+        std::vector<std::string>{"copy", "a.lib", "b.lib", "material:x"}}) {
+    const auto run = veldra(arguments);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "veldra: 'a.lib': there is no material 'x' in the library\n");
+  }
+  EXPECT_EQ(veldra({"draw", "a.lib", "x"}).err,
+            "veldra: 'a.lib': there is no composition 'x' in the library\n");
+  EXPECT_EQ(veldra({"list", "a.lib", "materials", "--type", "x"}).err,
+            "veldra: 'a.lib': there is no type 'x' in the library\n");
+}
+
 }  // namespace
 }  // namespace veldra_tests

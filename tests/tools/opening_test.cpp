@@ -178,6 +178,19 @@ TEST_P(NotOpened, what_is_no_file_is_not_waited_for) {
   }
 }
 
+TEST_P(NotOpened, what_the_system_makes_up_when_it_is_read_is_not_empty) {
+  for (const char* file : {"/proc/self/mem", "/proc/version"}) {
+    const auto run = veldra(arguments(file));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "veldra: '" + std::string(file) + "': this is not a veldra library\n");
+  }
+}
+
+TEST_P(NotOpened, an_empty_file_says_that_it_is_empty) {
+  write("nothing", "");
+  expect_refusal("nothing", "the file is empty");
+}
+
 TEST_P(NotOpened, a_file_that_may_not_be_read_says_so) {
   library("secret");
   ASSERT_EQ(::chmod(path("secret").c_str(), 0200), 0);
@@ -304,6 +317,43 @@ TEST_F(Unfinished, work_in_a_folder_that_can_only_be_read_gives_a_sentence) {
   EXPECT_EQ(run.status, 1);
   EXPECT_THAT(run.err, AllOf(is_one_sentence(), HasSubstr("a program did not finish its work")));
   ASSERT_EQ(::chmod(path("shelf").c_str(), 0755), 0);
+}
+
+/// A library that somebody has given a write-ahead log, in a folder that can only be read.
+class WithLog : public ProgramTest {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(::mkdir(path("shelf").c_str(), 0755), 0);
+    library("other.lib");
+    PlainDatabase writer(path("other.lib"));
+    writer.execute("PRAGMA journal_mode = WAL; INSERT INTO Tag (name) VALUES ('logged')");
+    write("shelf/a.lib", read("other.lib"));
+    log_ = read("other.lib-wal");
+  }
+
+  void TearDown() override { ::chmod(path("shelf").c_str(), 0755); }
+
+  void expect_sentence() {
+    ASSERT_EQ(::chmod(path("shelf/a.lib").c_str(), 0444), 0);
+    ASSERT_EQ(::chmod(path("shelf").c_str(), 0555), 0);
+    if (!lose_privileges()) GTEST_SKIP() << "the superuser may write every file";
+    for (const char* command : {"info", "check", "export"}) {
+      const auto run = veldra({command, "shelf/a.lib"});
+      EXPECT_EQ(run.status, 1);
+      EXPECT_EQ(run.err,
+                "veldra: 'shelf/a.lib': it has a write-ahead log, which can only be used "
+                "where its folder may be written\n");
+    }
+  }
+
+  std::string log_;
+};
+
+TEST_F(WithLog, that_is_not_there_it_says_that_this_needs_a_folder) { expect_sentence(); }
+
+TEST_F(WithLog, that_is_not_in_use_it_says_that_this_needs_a_folder) {
+  write("shelf/a.lib-wal", log_);
+  expect_sentence();
 }
 
 TEST_F(Opening, tells_read_only_libraries_from_others) {

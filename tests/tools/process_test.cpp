@@ -237,6 +237,34 @@ TEST_F(StoppingImport, into_a_library_leaves_it_as_it_was) {
   EXPECT_TRUE(is_as_before());
 }
 
+TEST_F(Stopping, of_a_copy_names_both_libraries_whichever_is_being_opened) {
+  must({"create", "b.lib"});
+  for (const char* library : {"a.lib", "b.lib"}) {
+    const LockingProcess other(path(library), "BEGIN EXCLUSIVE", 4500);
+    const auto run = start({"copy", "a.lib", "b.lib", "--all"});
+    let_begin(*run);
+    expect_stop(*run, SIGINT, "'a.lib' and 'b.lib' are as they were");
+  }
+}
+
+TEST_F(Stopping, of_an_import_does_not_wait_for_large_objects) {
+  write("large.json", R"({"format": "veldra", "materials": [{"name": ")" +
+                          std::string(20'000'000, 'x') + "\"}]}");
+  const auto library_before = read("a.lib");
+  for (const int wait : {500, 1000, 1500}) {
+    // What comes before the library is changed takes a while; and it is not changed meanwhile.
+    const LockingProcess other(path("a.lib"), "BEGIN IMMEDIATE", 9000);
+    const auto run = start({"import", "a.lib", "large.json"});
+    if (run->ends_within(milliseconds(wait))) break;
+    run->signal(SIGINT);
+    EXPECT_TRUE(run->ends_within(a_second)) << "after " << wait << " ms";
+    const auto outcome = run->outcome();
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("interrupted; "));
+  }
+  EXPECT_TRUE(read("a.lib") == library_before);
+}
+
 TEST_F(Process, that_is_done_says_so_when_it_is_asked_to_stop) {
   ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
   write("many.json", [] {
@@ -257,6 +285,25 @@ TEST_F(Process, that_is_done_says_so_when_it_is_asked_to_stop) {
   const auto outcome = run->outcome();
   EXPECT_EQ(outcome.status, 3);
   EXPECT_THAT(outcome.err, HasSubstr("what was asked for is done, but"));
+}
+
+TEST_F(Process, that_would_make_a_file_larger_than_is_allowed_says_so) {
+  write("n.idf", "Material:AirGap, New, 0.1;");
+  for (const std::string command :
+       {"create b.lib", "import b.lib n.idf", "import a.lib n.idf", "copy a.lib c.lib --all",
+        "remove a.lib materials Free", "purge a.lib materials"}) {
+    must({"create", "c.lib"});
+    // The shell counts in half kilobytes, and no file may grow beyond that.
+    const auto run = shell("ulimit -f 1; veldra " + command);
+    EXPECT_EQ(run.status, 1) << command;
+    EXPECT_THAT(run.err, AllOf(is_one_sentence(),
+                               HasSubstr("': the file would get larger than is allowed\n")))
+        << command;
+    EXPECT_TRUE(is_as_before()) << command;
+    EXPECT_EQ(count("c.lib", "materials"), 0U);
+    ASSERT_EQ(::unlink(path("c.lib").c_str()), 0);
+  }
+  EXPECT_FALSE(exists("b.lib"));
 }
 
 TEST_F(Process, goes_on_where_its_starter_has_signals_ignored) {

@@ -3,6 +3,8 @@
 
 #include "support/database.hpp"
 
+#include <cstdio>
+
 namespace veldra_tests {
 namespace {
 
@@ -179,6 +181,54 @@ TEST_F(RemovalQuestion, holds_nothing_of_the_library_while_it_waits) {
   EXPECT_THAT(run.seen(), AllOf(HasSubstr("nothing is removed, because by now it would be 34"),
                                 HasSubstr("and not 29 objects")));
   EXPECT_EQ(dump(path("a.lib")), library_after);
+}
+
+TEST_F(RemovalQuestion, is_not_answered_for_other_objects_of_the_same_number) {
+  const auto arguments_of_both = {purge_, removal_of_tags(22)};
+  for (const auto& arguments : arguments_of_both) {
+    TerminalRun run(path(""), arguments);
+    ASSERT_TRUE(run.wait_for("[y/N]"));
+    must({"remove", "a.lib", "tags", tag(1)});
+    library("a.lib")->save(veldra::Tag::create(tag(1).c_str()));
+    const auto library_after = dump(path("a.lib"));
+    run.type("y\n");
+    EXPECT_EQ(run.finish(), 1);
+    EXPECT_THAT(run.seen(), HasSubstr("'a.lib': nothing is removed, because by now it would be "
+                                      "other objects"));
+    EXPECT_EQ(dump(path("a.lib")), library_after);
+  }
+}
+
+TEST_F(RemovalQuestion, is_not_answered_for_an_object_that_has_another_name_by_now) {
+  TerminalRun run(path(""), purge_);
+  ASSERT_TRUE(run.wait_for("[y/N]"));
+  const auto office = library("a.lib");
+  const auto wall = office->get<veldra::Composition>("W");
+  wall->name("The best one");
+  office->save(wall);
+  const auto library_after = dump(path("a.lib"));
+  run.type("y\n");
+  EXPECT_EQ(run.finish(), 1);
+  EXPECT_THAT(run.seen(), HasSubstr("by now it would be other objects"));
+  EXPECT_EQ(dump(path("a.lib")), library_after);
+}
+
+TEST_F(RemovalQuestion, is_not_answered_for_another_library) {
+  const auto arguments_of_both = {purge_, removal_of_tags(22)};
+  for (const auto& arguments : arguments_of_both) {
+    TerminalRun run(path(""), arguments);
+    ASSERT_TRUE(run.wait_for("[y/N]"));
+    // Put in the place of the one that was looked at, with the very same objects.
+    write("b.lib", read("a.lib"));
+    PlainDatabase(path("b.lib")).execute("UPDATE Meta SET guid = upper(guid) || '-'");
+    ASSERT_EQ(::rename(path("b.lib").c_str(), path("a.lib").c_str()), 0);
+    const auto library_after = dump(path("a.lib"));
+    run.type("y\n");
+    EXPECT_EQ(run.finish(), 1);
+    EXPECT_THAT(run.seen(), HasSubstr("'a.lib': nothing is removed, because another library is "
+                                      "there by now"));
+    EXPECT_EQ(dump(path("a.lib")), library_after);
+  }
 }
 
 TEST_F(RemovalQuestion, can_be_interrupted) {

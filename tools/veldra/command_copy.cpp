@@ -162,8 +162,7 @@ struct Staged {
 Staged staged(const Arguments& arguments, const std::vector<Wanted>& wanted, veldra::Unit unit) {
   Staged result;
   result.library = create_staging_library(unit);
-  reading(arguments.source, [&](const veldra::Library& source) {
-    tell_as_it_was(arguments.destination);
+  reading_one_state(arguments.source, [&](const veldra::Library& source) {
     if (arguments.all) {
       result.library->copyAll(source.shared_from_this());
     } else {
@@ -215,11 +214,10 @@ void copy(const Arguments& arguments, Host& host) {
   if (same_file(arguments.source, arguments.destination)) {
     throw Failure("the source and the destination are the same file");
   }
-  tell_as_it_was(arguments.destination);
+  tell_as_they_were(arguments.source, arguments.destination);
   working_on(arguments.destination, [&] {
     const auto destination = open_library(arguments.destination, Access::Write);
     const auto staging = staged(arguments, wanted, destination->unit());
-    tell_as_it_was(arguments.destination);
     copy_objects(staging, destination, arguments, host);
   });
 }

@@ -36,6 +36,7 @@ void print(Spool& output, const veldra::Library& library, bool json) {
 void create(const Arguments& arguments, Host& host) {
   const auto locale = library_text(arguments.locale);
   const auto region = library_text(arguments.region);
+  require_place_for_library(arguments.file);
   if (file_exists(arguments.file)) refuse(arguments.file);
   NewLibrary made(arguments.file, arguments.unit, arguments.guid);
   working_on(arguments.file, [&] {

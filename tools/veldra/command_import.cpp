@@ -97,6 +97,7 @@ class Import {
   /// is made for it.
   void run() {
     while (!file_exists(arguments_.file)) {
+      require_place_for_library(arguments_.file);
       if (arguments_.dry_run || !any_objects()) return pretend_with_new();
       if (into_new()) return;
     }
@@ -112,7 +113,6 @@ class Import {
   void into_existing() {
     tell_as_it_was(arguments_.file);
     const auto library = open_library(arguments_.file, Access::Write);
-    forbid_sudden_end();  // the library has no second name that could go
     into(library);
     host_.done = !arguments_.dry_run;
   }
@@ -132,10 +132,11 @@ class Import {
   void into(const std::shared_ptr<veldra::Library>& library) {
     ImportReport report(sources_.size());
     const ImportSet set = read_set(library->unit(), report);
+    const auto staging = staged(set, library->unit(), progress_);
     veldra::Library::Transaction transaction(*library);
-    forbid_sudden_end();
+    forbid_sudden_end();  // from here on the file may be written
     const bool was_empty = is_empty(*library);
-    transfer_set(set, library, arguments_.on_conflict, report, progress_);
+    transfer_set(set, staging, library, arguments_.on_conflict, report, progress_);
     if (was_empty) adopt_settings(*library, set);
     print(report, arguments_, host_.output);
     stop_if_asked();
@@ -197,8 +198,9 @@ void add_import(Host& host) {
   add_json(command, arguments->json);
   add_example(command, "veldra import office.lib walls.idf glass.epJSON --on-conflict use",
               "anything of the sources has not come in: an object with a problem, a field or asset "
-              "that no library has a place for, or all of a source that has no objects. With "
-              "--strict that is 1, and nothing is imported");
+              "that no library has a place for, or all of a source that has no objects; or when "
+              "'check' finds fault with a number that has. With --strict that is 1, and nothing is "
+              "imported");
   command.callback([arguments, &command, &host] {
     arguments->unit_given = command.count("--unit") > 0;
     working_on(arguments->file, [&] { Import(*arguments, host).run(); });

@@ -11,6 +11,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <utility>
+
 namespace veldra_tool {
 
 namespace {
@@ -71,42 +74,71 @@ void remove_all(veldra::Library& library, std::vector<Candidate>& objects, Remov
   enter_results(objects, results);
 }
 
-/// Asks before much goes, and sees to it that not more goes than was told.
+/// What goes when nothing changes: which objects of which library.
+struct Removal {
+  veldra::String library;
+  std::vector<Candidate> objects;
+};
+
+/// Asks before much goes, and sees to it that nothing else goes than what was told.
 class Consent {
  public:
   explicit Consent(const std::string& file) : file_(file) {}
 
-  /// Throws `Failure` when nobody agrees that this is removed.
-  void obtain(const RemovalCounts& counts) {
-    told_ = counts;
+  /// Throws `Failure` when nobody agrees that this is removed; nobody is asked about nothing.
+  void obtain(Removal removal) {
+    told_ = std::move(removal);
+    if (told_.objects.empty()) return;
+    const auto counts = text_of(counts_of(told_.objects));
     if (!somebody_can_be_asked()) {
-      throw failure(fmt::format("this would remove {}; --yes says that it shall", text_of(counts)));
+      throw failure(fmt::format("this would remove {}; --yes says that it shall", counts));
     }
-    if (!confirmed(fmt::format("veldra: {}: this removes {}. Go on?", in_quotes(file_),
-                               text_of(counts)))) {
+    if (!confirmed(fmt::format("veldra: {}: this removes {}. Go on?", in_quotes(file_), counts))) {
       throw failure("nothing is removed");
     }
   }
 
-  /// Throws `Failure` when it is another number by now.
-  void require_still(const RemovalCounts& counts) const {
-    if (counts == told_) return;
-    throw failure(fmt::format("nothing is removed, because by now it would be {}, and not {}",
-                              text_of(counts), text_of(told_)));
+  /// Throws `Failure` when it is something else by now.
+  void require_still(const Removal& removal) const {
+    const auto because = [this](const std::string& sentence) {
+      return failure("nothing is removed, because " + sentence);
+    };
+    if (removal.library != told_.library) throw because("another library is there by now");
+    const auto now = counts_of(removal.objects);
+    const auto told = counts_of(told_.objects);
+    if (now != told) {
+      throw because(fmt::format("by now it would be {}, and not {}", text_of(now), text_of(told)));
+    }
+    if (!same_objects(removal.objects, told_.objects)) {
+      throw because("by now it would be other objects");
+    }
   }
 
  private:
+  /// Both lists are made in the same way, and so have the same order.
+  static bool same_objects(const std::vector<Candidate>& left,
+                           const std::vector<Candidate>& right) {
+    const auto same = [](const Candidate& one, const Candidate& other) {
+      return one.key == other.key && one.name == other.name;
+    };
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(), same);
+  }
+
   Failure failure(const std::string& sentence) const {
     return Failure(fmt::format("{}: {}", in_quotes(file_), sentence));
   }
 
   const std::string& file_;
-  RemovalCounts told_;
+  Removal told_;
 };
 
-RemovalCounts predicted_counts(std::vector<Candidate> objects, const veldra::Library& library) {
+/// Those of some objects that nothing keeps from going.
+Removal predicted(const veldra::Library& library, std::vector<Candidate> objects) {
   predict_removal(objects, library);
-  return counts_of(objects);
+  objects.erase(std::remove_if(objects.begin(), objects.end(),
+                               [](const Candidate& object) { return !object.removed; }),
+                objects.end());
+  return {library.guid(), std::move(objects)};
 }
 
 std::size_t count_of_removed(const std::vector<Candidate>& candidates) {
@@ -118,17 +150,14 @@ std::size_t count_of_removed(const std::vector<Candidate>& candidates) {
 void remove(const RemoveArguments& arguments, Host& host) {
   Consent consent(arguments.file);
   const bool many = arguments.objects.size() > most_without_asking && !arguments.yes;
-  const auto counts = [&](const veldra::Library& library) {
-    const auto objects = named_candidates(library, arguments);
-    return objects.size() > most_without_asking ? predicted_counts(objects, library)
-                                                : RemovalCounts();
+  const auto removal = [&](const veldra::Library& library) {
+    auto objects = named_candidates(library, arguments);
+    if (objects.size() <= most_without_asking) objects.clear();
+    return predicted(library, std::move(objects));
   };
-  if (many) {
-    const auto told = reading(arguments.file, counts);
-    if (!told.empty()) consent.obtain(told);
-  }
+  if (many) consent.obtain(reading(arguments.file, removal));
   changing(host, arguments.file, [&](veldra::Library& library) {
-    if (many) consent.require_still(counts(library));
+    if (many) consent.require_still(removal(library));
     auto objects = named_candidates(library, arguments);
     std::set<veldra::ObjectKey> keys;
     for (const auto& object : objects) keys.insert(object.key);
@@ -161,16 +190,13 @@ void purge(const PurgeArguments& arguments, Host& host) {
   Consent consent(arguments.file);
   const bool much = kinds.count(veldra::ObjectType::Composition) > 0 && !arguments.yes;
   // Without a composition there is nothing to ask for, nor to compare.
-  const auto counts = [&](const veldra::Library& library) {
-    if (library.count<veldra::Composition>() == 0) return RemovalCounts();
-    return predicted_counts(candidates(library, kinds), library);
+  const auto removal = [&](const veldra::Library& library) {
+    if (library.count<veldra::Composition>() == 0) return predicted(library, {});
+    return predicted(library, candidates(library, kinds));
   };
-  if (much) {
-    const auto told = reading(arguments.file, counts);
-    if (!told.empty()) consent.obtain(told);
-  }
+  if (much) consent.obtain(reading(arguments.file, removal));
   changing(host, arguments.file, [&](veldra::Library& library) {
-    if (much) consent.require_still(counts(library));
+    if (much) consent.require_still(removal(library));
     auto objects = candidates(library, kinds);
     remove_all(library, objects, [&](auto& results) { library.purge(kinds, results); });
     print_purged(host.output, objects, arguments.json, "removed");

@@ -30,9 +30,10 @@ void drop_layer_materials(veldra::Composition& composition) {
 bool has_code(const std::shared_ptr<veldra::Material>& material) { return material->has_code(); }
 
 [[noreturn]] void fail_code(const veldra::Material& incoming, const veldra::String& owner) {
-  throw Failure(fmt::format("material {} has the code {}, which {} of the library has already",
-                            in_quotes(incoming.name().utf8()), in_quotes(incoming.code().utf8()),
-                            in_quotes(owner.utf8())));
+  throw LibraryFailure(
+      fmt::format("material {} has the code {}, which {} of the library has already",
+                  in_quotes(incoming.name().utf8()), in_quotes(incoming.code().utf8()),
+                  in_quotes(owner.utf8())));
 }
 
 bool has(const veldra::Library& library, ObjectType type, const veldra::String& name) {
@@ -77,7 +78,7 @@ int ConflictReactor::resolveNameConflict(veldra::Library& library, ObjectType ty
 }
 
 void ConflictReactor::fail(const Name& original) {
-  throw Failure(
+  throw LibraryFailure(
       fmt::format("the library has a {} {} already, which differs; --on-conflict says what to do",
                   singular_of(original.first), in_quotes(original.second.utf8())));
 }

@@ -27,7 +27,7 @@ class ConflictReactor : public veldra::Library::Reactor {
   /// Decides about codes before anything is copied: a code that is taken is no question but an
   /// error of the copy. A material that is to be overwritten gives its code up, so that a failure
   /// afterwards must take that back; one that is taken as it is stands for the incoming one.
-  /// Throws `Failure` when a code stays taken.
+  /// Throws `LibraryFailure` when a code stays taken.
   void settle_codes(const veldra::Library& library);
 
   /// The tags of this object say where it came from and not what it is; they do not count when it

@@ -1,6 +1,7 @@
 #include "failure.hpp"
 
 #include "process/interruption.hpp"
+#include "process/size_limit.hpp"
 #include "text.hpp"
 
 #include <fmt/format.h>
@@ -75,6 +76,10 @@ constexpr Cause database_causes[] = {
     {23, "the file may not be used"},
     {26, "this is not a veldra library"}};
 
+/// A file that may not grow counts as a disk that has failed.
+constexpr int failed_disk = 10;
+constexpr const char* too_large = "the file would get larger than is allowed";
+
 /// The runtime uses the code of a full disk for ids that have run out as well.
 constexpr int full = 13;
 constexpr const char* ids_have_run_out = "no id is left";
@@ -124,6 +129,7 @@ std::string sentence_of_unique(const veldra::ObjectNotUnique& error) {
 }  // namespace
 
 std::string sentence_of_database(int code) {
+  if (code == failed_disk && size_limit_was_met()) return too_large;
   const auto* const cause =
       std::find_if(std::begin(database_causes), std::end(database_causes),
                    [&](const Cause& candidate) { return candidate.code == code; });
@@ -132,6 +138,7 @@ std::string sentence_of_database(int code) {
 
 std::string sentence_of(const std::exception& error) {
   for (const auto& name : classes_of(error)) {
+    if (name == "odb::transaction_already_finalized" && size_limit_was_met()) return too_large;
     if (name == "odb::sqlite::database_exception") return database_sentence(error);
     const auto found = causes_by_class().find(name);
     if (found != causes_by_class().end()) return found->second;
@@ -178,6 +185,8 @@ void rethrow_for(const std::string& file) {
     throw;
   } catch (const Failure&) {
     throw;
+  } catch (const LibraryFailure& failure) {
+    throw failure_of(file, failure.what());
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const veldra::Interrupted&) {
@@ -195,8 +204,6 @@ Failure failure_of(const std::string& file, const std::string& sentence) {
   return Failure(fmt::format("{}: {}", in_quotes(file), sentence));
 }
 
-std::string in_quotes(const std::string& text) {
-  return fmt::format("'{}'", is_utf8(text) ? printable(text) : printable(from_latin1(text)));
-}
+std::string in_quotes(const std::string& text) { return fmt::format("'{}'", printable(text)); }
 
 }  // namespace veldra_tool

@@ -15,6 +15,13 @@ class Failure : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// Why a command did not work that is about the library that it works on, whose name the thrower
+/// need not know: `working_on` makes a `Failure` of it.
+class LibraryFailure : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 /// A failure that is about a file.
 Failure failure_of(const std::string& file, const std::string& sentence);
 

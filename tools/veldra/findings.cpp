@@ -1,12 +1,10 @@
 #include "findings.hpp"
 
 #include "failure.hpp"
-#include "import/source_model.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
+#include "numbers.hpp"
 #include "progress.hpp"
-#include "text.hpp"
-#include "thermal.hpp"
 
 #include <fmt/format.h>
 
@@ -16,14 +14,6 @@
 namespace veldra_tool {
 
 namespace {
-
-/// A material that is known by its resistance or by what it lets through has no thickness, and its
-/// layers have none either.
-bool has_no_thickness(const veldra::Composition::Layer& layer) {
-  const auto& material = layer.material();
-  return layer.thickness() == 0 && material && material->thicknesses().empty() &&
-         material->type() && may_lack_thickness(material->type()->name().utf8());
-}
 
 class Examination {
  public:
@@ -185,23 +175,8 @@ class Examination {
   void examine(const veldra::Material& material) {
     examine_name(material);
     examine_values(material, veldra::ObjectType::Material);
-    examine_conductivity(material);
-    if (material.thicknesses().count(0) != 0) {
-      add(material, "the thickness 0 is not greater than 0");
-    }
+    add_all(material, doubtful_numbers(material));
     if (!material.type()) add(material, "it has no type");
-  }
-
-  /// An empty text says that it is not known.
-  void examine_conductivity(const veldra::Material& material) {
-    const auto value = material.custom_value(veldra::String(property::conductivity));
-    if (value.null()) return;
-    const std::string text = trimmed(value.get().utf8());
-    const auto number = number_value(material, property::conductivity);
-    if (text.empty() || (number && *number > 0)) return;
-    add(material,
-        fmt::format("its thermal conductivity is {}: {}",
-                    number ? "not greater than 0" : "no number that can be used", in_quotes(text)));
   }
 
   void examine(const veldra::Composition& composition) {
@@ -209,17 +184,14 @@ class Examination {
     examine_values(composition, veldra::ObjectType::Composition);
     examine_layers(composition);
     examine_core(composition);
-    examine_variable_layer(composition);
+    add_all(composition, doubtful_numbers(composition));
   }
 
   void examine_layers(const veldra::Composition& composition) {
     if (composition.layers().empty()) add(composition, "it has no layers");
     for (std::size_t i = 0; i < composition.layers().size(); ++i) {
-      const auto& layer = composition.layers()[i];
-      if (!layer.material()) add(composition, fmt::format("layer {} has no material", i + 1));
-      if (layer.thickness() == 0 && !has_no_thickness(layer)) {
-        add(composition, fmt::format("the thickness 0 of layer {} is not greater than 0", i + 1));
-      }
+      if (composition.layers()[i].material()) continue;
+      add(composition, fmt::format("layer {} has no material", i + 1));
     }
   }
 
@@ -241,20 +213,6 @@ class Examination {
     }
   }
 
-  void examine_variable_layer(const veldra::Composition& composition) {
-    if (composition.has_variable_layer() &&
-        composition.variable_layer() >= composition.layers().size()) {
-      add(composition,
-          fmt::format("the variable layer {} is none of its {} layers",
-                      composition.variable_layer() + 1ULL, composition.layers().size()));
-    }
-    const double least = composition.variable_layer_min_thickness();
-    const double greatest = composition.variable_layer_max_thickness();
-    if (composition.has_variable_layer_max_thickness() && greatest < least) {
-      add(composition, "the greatest thickness of the variable layer is less than the least");
-    }
-  }
-
   template <class Owner>
   void examine_values(const Owner& owner, veldra::ObjectType kind) {
     for (const auto& value : owner.custom_values()) {
@@ -270,6 +228,10 @@ class Examination {
     if (object.name().empty()) add(object, "it has no name");
   }
 
+  template <class T>
+  void add_all(const T& object, const std::vector<std::string>& sentences) {
+    for (const auto& sentence : sentences) add(object, sentence);
+  }
   template <class T>
   void add(const T& object, const std::string& sentence) {
     add(subject(veldra::ObjectTraits<T>::type, object.id(), object.name()), sentence);

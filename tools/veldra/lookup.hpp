@@ -39,8 +39,8 @@ template <>
 std::vector<std::shared_ptr<veldra::CustomProperty>> objects_named(const veldra::Library& library,
                                                                    const std::string& name);
 
-/// The object that a text names (`naming_of`). Throws `Failure` when there is none, and when there
-/// are several.
+/// The object that a text names (`naming_of`). Throws `LibraryFailure` when there is none, and when
+/// there are several.
 template <class T>
 std::shared_ptr<T> find_object(const veldra::Library& library, const std::string& text) {
   const std::string kind = singular_of(veldra::ObjectTraits<T>::type);
@@ -50,15 +50,15 @@ std::shared_ptr<T> find_object(const veldra::Library& library, const std::string
   if (naming.may_be_name) named = objects_named<T>(library, naming.text);
   if (naming.may_be_id) numbered = library.get<T>(id_in(naming.text));
   if (named.size() > 1) {
-    throw Failure(fmt::format("there are several {} {}; give the id of one ({} or {})",
-                              plural_of(veldra::ObjectTraits<T>::type), in_quotes(naming.text),
-                              named[0]->id(), named[1]->id()));
+    throw LibraryFailure(fmt::format("there are several {} {}; give the id of one ({} or {})",
+                                     plural_of(veldra::ObjectTraits<T>::type),
+                                     in_quotes(naming.text), named[0]->id(), named[1]->id()));
   }
   if (named.empty() && !numbered) {
-    throw Failure(fmt::format("there is no {} {} in the library", kind, in_quotes(text)));
+    throw LibraryFailure(fmt::format("there is no {} {} in the library", kind, in_quotes(text)));
   }
   if (!named.empty() && numbered && named[0]->id() != numbered->id()) {
-    throw Failure(
+    throw LibraryFailure(
         fmt::format("{0} is the name of the {1} with the id {2} and the id of the {1} {3}; say "
                     "name:{4} or id:{4}",
                     in_quotes(text), kind, named[0]->id(), in_quotes(numbered->name().utf8()),

@@ -3,6 +3,7 @@
 #include "host.hpp"
 #include "process/interruption.hpp"
 #include "process/last_resort.hpp"
+#include "process/size_limit.hpp"
 #include "process/standard_streams.hpp"
 #include "process/writing.hpp"
 #include "text.hpp"
@@ -141,5 +142,6 @@ Status run_safely(int count, char** values) noexcept {
 int main(int count, char** values) {
   veldra_tool::occupy_standard_streams();
   veldra_tool::catch_signals();
+  veldra_tool::notice_size_limit();
   return static_cast<int>(veldra_tool::run_safely(count, values));
 }

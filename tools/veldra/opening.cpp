@@ -1,6 +1,7 @@
 #include "opening.hpp"
 
 #include "files/library_marks.hpp"
+#include "files/opened.hpp"
 #include "files/path.hpp"
 #include "process/writing.hpp"
 #include "text.hpp"
@@ -21,6 +22,16 @@ namespace {
 
 using Kind = veldra::Library::Recognition::Kind;
 
+/// Whether a file without size is one of those whose content the system makes up when it is read.
+/// One that somebody has filled meanwhile has a size.
+bool has_content_without_size(const std::string& path) {
+  const Opened opened(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  char byte = 0;
+  struct stat status {};
+  return opened.get() >= 0 && ::read(opened.get(), &byte, 1) != 0 &&
+         ::fstat(opened.get(), &status) == 0 && status.st_size == 0;
+}
+
 /// What the library need not be asked for.
 void require_readable_file(const std::string& file, const std::string& path) {
   struct stat status {};
@@ -32,6 +43,9 @@ void require_readable_file(const std::string& file, const std::string& path) {
   if (!S_ISREG(status.st_mode)) throw failure_of(file, "this is not a file");
   if (::faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0) {
     throw failure_of(file, fmt::format("it cannot be read: {}", text_of_error(errno)));
+  }
+  if (status.st_size == 0 && has_content_without_size(path)) {
+    throw failure_of(file, "this is not a veldra library");
   }
 }
 
@@ -46,9 +60,19 @@ void require_no_library_beside(const std::string& file, const std::string& path)
   }
 }
 
+/// What keeps a file that needs to be put in order from that. A journal is only left behind by what
+/// went wrong; a log is in order, and still cannot be used where nothing can be written.
+void require_no_log(const std::string& file, const std::string& path, Kind kind) {
+  if (kind != Kind::NeedsRecovery || !begins_as_database_with_log(path)) return;
+  throw failure_of(file,
+                   "it has a write-ahead log, which can only be used where its folder may be "
+                   "written");
+}
+
 /// What opening has refused. That it is a library is left to what opening said.
 void require_library(const std::string& file, const std::string& path) {
   const auto kind = veldra::Library::recognise(library_text(path)).kind;
+  require_no_log(file, path, kind);
   const std::string sentence = why_not_a_library(kind);
   if (!sentence.empty()) throw failure_of(file, sentence);
 }
@@ -154,6 +178,10 @@ bool file_exists(const std::string& file) {
 
 void tell_as_it_was(const std::string& file) {
   tell_when_stopped(fmt::format("{} is as it was", in_quotes(file)));
+}
+
+void tell_as_they_were(const std::string& file, const std::string& other) {
+  tell_when_stopped(fmt::format("{} and {} are as they were", in_quotes(file), in_quotes(other)));
 }
 
 }  // namespace veldra_tool

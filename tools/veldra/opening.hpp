@@ -40,19 +40,26 @@ bool same_file(const std::string& left, const std::string& right);
 /// Whether there is anything of that name, be it a link that leads nowhere.
 bool file_exists(const std::string& file);
 
-/// Tells from now on, when the program stops, that a library is as it was.
+/// Tells from now on, when the program stops, that a library is as it was, or that both are.
 void tell_as_it_was(const std::string& file);
+void tell_as_they_were(const std::string& file, const std::string& other);
 
 /// Runs `read` on one state of a library that is closed afterwards, so that nobody who writes waits
 /// longer than reading takes.
 template <class Read>
-auto reading(const std::string& file, Read read, Access access = Access::Read) {
-  tell_as_it_was(file);
+auto reading_one_state(const std::string& file, Read read, Access access = Access::Read) {
   return working_on(file, [&] {
     const auto library = open_library(file, access);
     const veldra::Library::Snapshot snapshot(*library);
     return read(*library);
   });
+}
+
+/// The same for a command that works on nothing else.
+template <class Read>
+auto reading(const std::string& file, Read read, Access access = Access::Read) {
+  tell_as_it_was(file);
+  return reading_one_state(file, read, access);
 }
 
 /// Runs `change`, which changes a library, so that all of it is done or nothing. It also says what

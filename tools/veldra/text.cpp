@@ -35,7 +35,13 @@ bool for_each_character(std::string_view text, Visit visit) {
   return true;
 }
 
+constexpr wchar_t first_beyond_ascii = 0x80;
+
 void append_character(std::string& text, wchar_t character) {
+  if (character < first_beyond_ascii) {
+    text += static_cast<char>(character);
+    return;
+  }
   char bytes[MB_LEN_MAX];
   std::mbstate_t state{};
   const std::size_t written = std::wcrtomb(bytes, character, &state);
@@ -114,6 +120,7 @@ std::string from_latin1(std::string_view text) {
 
 std::string folded(std::string_view text) {
   std::string result;
+  result.reserve(text.size());
   for_each_character(text, [&](wchar_t character, std::string_view) {
     append_character(result, static_cast<wchar_t>(std::towlower(static_cast<wint_t>(character))));
   });

@@ -1,5 +1,7 @@
 #include "files/library_marks.hpp"
 
+#include "files/opened.hpp"
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -19,6 +21,10 @@ bool ends_with(std::string_view text, std::string_view end) {
   return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
+int open_to_look(const std::string& path) noexcept {
+  return ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+}
+
 }  // namespace
 
 bool is_companion_name(const std::string& name) {
@@ -34,13 +40,22 @@ int begins_as_database(int descriptor) noexcept {
 }
 
 int begins_as_database(const std::string& path) noexcept {
-  const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  const int descriptor = open_to_look(path);
   if (descriptor < 0) return -1;
   const int begins = begins_as_database(descriptor);
   const int error = errno;
   ::close(descriptor);
   errno = error;
   return begins;
+}
+
+bool begins_as_database_with_log(const std::string& path) noexcept {
+  constexpr off_t place_of_format = 18;  // how the file is written, and how it is read
+  constexpr char with_log = 2;
+  const Opened file(open_to_look(path));
+  char format = 0;
+  return file.get() >= 0 && begins_as_database(file.get()) == 1 &&
+         ::pread(file.get(), &format, 1, place_of_format) == 1 && format == with_log;
 }
 
 }  // namespace veldra_tool

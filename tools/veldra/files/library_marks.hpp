@@ -15,6 +15,9 @@ bool is_companion_name(const std::string& name);
 int begins_as_database(int descriptor) noexcept;
 int begins_as_database(const std::string& path) noexcept;
 
+/// Whether a file begins as a database that keeps a write-ahead log. No library may be open in it.
+bool begins_as_database_with_log(const std::string& path) noexcept;
+
 }  // namespace veldra_tool
 
 #endif

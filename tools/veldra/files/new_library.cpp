@@ -33,10 +33,15 @@ void require_no_companions(const std::string& file, const std::string& path) {
 
 }  // namespace
 
+void require_place_for_library(const std::string& file) {
+  const auto path = library_path(file);
+  require_name_of_its_own(file, path);
+  require_no_companions(file, path);
+}
+
 NewLibrary::NewLibrary(const std::string& file, veldra::Unit unit, const std::string& guid)
     : file_(file), path_(library_path(file)), temporary_(file, folder_of(path_)) {
-  require_name_of_its_own(file_, path_);
-  require_no_companions(file_, path_);
+  require_place_for_library(file_);
   require_short_path(file_, temporary_.path());
   tell_when_stopped("no library was made");
   // As SQLite makes its files. The library's journal gets the rights of the library.

@@ -11,6 +11,9 @@
 
 namespace veldra_tool {
 
+/// Throws `Failure` where no new library can be, because of its name or of what lies beside it.
+void require_place_for_library(const std::string& file);
+
 /// A library that is made, and filled, before anybody sees it: it lies under a name of its own
 /// until it is whole. Unless it gets its place it goes.
 class NewLibrary {

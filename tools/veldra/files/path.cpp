@@ -42,6 +42,10 @@ std::string absolute_path(const std::string& file) {
 
 std::string library_path(const std::string& file) {
   auto path = absolute_path(file);
+  const std::string name = name_in_folder(path);
+  if (name.empty() || name == "." || name == "..") {
+    throw failure_of(file, "this is the name of a folder");
+  }
   require_short_path(file, path);
   return path;
 }

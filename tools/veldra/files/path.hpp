@@ -11,7 +11,8 @@ namespace veldra_tool {
 /// Throws `Failure` for an empty name and one that is not UTF-8.
 std::string absolute_path(const std::string& file);
 
-/// The same for a library, whose path must not be as long as those of other files.
+/// The same for a library, whose path must not be as long as those of other files. Throws `Failure`
+/// for names that only folders have, too.
 std::string library_path(const std::string& file);
 
 /// Throws `Failure`, which names `file`, when a path is too long for a library.

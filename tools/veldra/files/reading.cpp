@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -31,21 +32,32 @@ int open_for_reading(const std::string& file) {
   }
 }
 
-/// Such as a device that never ends.
-constexpr std::size_t most_bytes = std::size_t{1} << 30;
+[[noreturn]] void fail_for_size(const std::string& file, std::size_t most) {
+  throw failure_of(file, most == most_bytes_of_source
+                             ? "it is larger than 1 GiB"
+                             : fmt::format("it is larger than {} bytes", most));
+}
+
+/// What need not be read to be known.
+bool is_larger(int descriptor, std::size_t most) {
+  struct stat status {};
+  return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
+         static_cast<std::size_t>(status.st_size) > most;
+}
 
 }  // namespace
 
-std::string content_of(const std::string& file) {
+std::string content_of(const std::string& file, std::size_t most) {
   const Opened opened(open_for_reading(file));
   if (opened.get() < 0) fail(file, errno);
+  if (is_larger(opened.get(), most)) fail_for_size(file, most);
   std::string content;
   std::vector<char> block(1 << 16);
   for (;;) {
     const auto size = ::read(opened.get(), block.data(), block.size());
     if (size == 0) return content;
     if (size > 0) content.append(block.data(), static_cast<std::size_t>(size));
-    if (content.size() > most_bytes) throw failure_of(file, "it is larger than 1 GiB");
+    if (content.size() > most) fail_for_size(file, most);
     if (size < 0 && errno != EINTR) fail(file, errno);
     stop_if_asked();
   }

@@ -1,13 +1,17 @@
 #ifndef VELDRA_TOOL_FILES_READING_HPP
 #define VELDRA_TOOL_FILES_READING_HPP
 
+#include <cstddef>
 #include <string>
 
 namespace veldra_tool {
 
-/// All bytes of a file, a pipe or whatever else can be read. Throws `Failure`, and `Stopped` where
-/// the program is asked to stop while it waits for them.
-std::string content_of(const std::string& file);
+/// More than this is read of no source, as a device may never end.
+constexpr std::size_t most_bytes_of_source = std::size_t{1} << 30;
+
+/// All bytes of a file, a pipe or whatever else can be read. Throws `Failure`, also when there are
+/// more than so many, and `Stopped` where the program is asked to stop while it waits for them.
+std::string content_of(const std::string& file, std::size_t most = most_bytes_of_source);
 
 }  // namespace veldra_tool
 

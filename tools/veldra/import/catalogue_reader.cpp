@@ -139,8 +139,7 @@ class CatalogueReader {
   }
 
   void read_material(const JsonNode& node) {
-    const JsonNode* name = node.member("name");
-    ObjectReader reader(node, what_of("material", name), file_);
+    auto reader = ObjectReader::of_kind(node, "material", file_);
     auto material = veldra::Material::create(reader.required_text("name"));
     if (const JsonNode* code = reader.find("code")) material->code(reader.text_of(*code));
     if (reader.find("type")) material->type(shared_.type(reader.required_text("type")));
@@ -182,7 +181,7 @@ class CatalogueReader {
   }
 
   void read_composition(const JsonNode& node) {
-    ObjectReader reader(node, what_of("composition", node.member("name")), file_);
+    auto reader = ObjectReader::of_kind(node, "composition", file_);
     CatalogueComposition result;
     result.line = node.line;
     result.object = veldra::Composition::create(reader.required_text("name"));
@@ -243,11 +242,6 @@ class CatalogueReader {
     if (const JsonNode* node = reader.find("variable_layer_max_thickness")) {
       composition.variable_layer_max_thickness(length(reader.number_of(*node)));
     }
-  }
-
-  static std::string what_of(const std::string& kind, const JsonNode* name) {
-    const bool named = name != nullptr && name->kind == JsonNode::Kind::Text;
-    return named ? fmt::format("{} {}", kind, in_quotes(name->text)) : "a " + kind;
   }
 
   const std::string& file_;

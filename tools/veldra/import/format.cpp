@@ -102,7 +102,29 @@ bool is_utf16(std::string_view content) {
   return (zeros[0] > most && zeros[1] == 0) || (zeros[1] > most && zeros[0] == 0);
 }
 
+/// The number that some bytes of the head of a database stand for.
+std::size_t number_in_head(std::string_view content, std::size_t place, std::size_t size) {
+  std::size_t number = 0;
+  for (const char byte : content.substr(place, size)) {
+    number = number << 8 | static_cast<unsigned char>(byte);
+  }
+  return number;
+}
+
+/// Whether the file has less pages than its head says. A size of 65536 stands there as 1.
+bool is_cut_off(std::string_view content) {
+  constexpr std::size_t size_of_head = 100;
+  if (content.size() < size_of_head) return true;
+  const auto size = number_in_head(content, 16, 2);
+  const auto pages = number_in_head(content, 28, 4);
+  return content.size() < pages * (size == 1 ? 65536 : size);
+}
+
 void refuse_database(std::string_view content, const std::string& file) {
+  if (is_cut_off(content)) {
+    refuse(file,
+           "this is a part of a library or of another database, of which the rest is missing");
+  }
   if (!contains(content, "Composition_layers"))
     refuse_format(file, "the database of another program");
   refuse(file, "this is a library; 'veldra copy' takes objects from libraries");

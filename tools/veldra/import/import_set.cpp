@@ -4,6 +4,7 @@
 #include "import/mapping.hpp"
 #include "import/place.hpp"
 #include "kinds.hpp"
+#include "numbers.hpp"
 #include "text.hpp"
 #include "units.hpp"
 
@@ -87,9 +88,11 @@ void IncomingObjects<T>::add(const Incoming<T>& incoming, const std::string& nam
   const std::size_t index = all_.size();
   const std::string own_name = incoming.object->name().utf8();
   all_.push_back(incoming);
+  const std::string own_folded = folded(own_name);
   exact_.emplace(own_name, index);
-  folded_.emplace(folded(own_name), index);
-  own_.emplace(std::make_pair(incoming.source, folded(name)), index);
+  folded_.emplace(own_folded, index);
+  own_.emplace(std::make_pair(incoming.source, name == own_name ? own_folded : folded(name)),
+               index);
 }
 
 ImportSet::ImportSet(veldra::Unit unit, OnConflict policy, const std::vector<std::string>& tags)
@@ -110,6 +113,10 @@ void ImportSet::enter(IncomingObjects<T>& objects, const std::shared_ptr<T>& obj
                       SourceReport& report) {
   using Names = NamesOf<T>;
   const std::string name = object->name().utf8();
+  for (const auto& sentence : wrong_numbers(*object)) {
+    report.problems.push_back(fmt::format("{}: {} {}: {}", place(report.file, line),
+                                          kind_of(*object), in_quotes(name), sentence));
+  }
   give_tags(*object, from_simulation, report);
   const Incoming<T> incoming{object, source, from_simulation && tags_.empty()};
   const auto* first = objects.taken(name, from_simulation ? Names::Folded : Names::Exact);
@@ -149,6 +156,7 @@ void ImportSet::settle(const Incoming<T>& first, const std::shared_ptr<T>& secon
       ++outcomes_of(*second, report)[Outcome::Changed];
       return;
     case OnConflict::Rename: {
+      require_free_code(*second, line, report);
       second->name(library_text(free_name(objects, name)));
       Incoming<T> renamed = incoming;
       renamed.renamed = true;

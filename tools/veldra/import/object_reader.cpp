@@ -12,7 +12,16 @@
 namespace veldra_tool {
 
 ObjectReader::ObjectReader(const JsonNode& node, const std::string& what, const std::string& file)
-    : node_(node), what_(what), file_(file) {
+    : ObjectReader(node, what, false, file) {}
+
+ObjectReader ObjectReader::of_kind(const JsonNode& node, const std::string& kind,
+                                   const std::string& file) {
+  return {node, kind, true, file};
+}
+
+ObjectReader::ObjectReader(const JsonNode& node, const std::string& what, bool by_name,
+                           const std::string& file)
+    : node_(node), what_(what), by_name_(by_name), file_(file) {
   if (node.kind != JsonNode::Kind::Object) fail(node, "it must be a JSON object");
   std::set<std::string> seen;
   for (const auto& [key, value] : node.members) {
@@ -21,7 +30,14 @@ ObjectReader::ObjectReader(const JsonNode& node, const std::string& what, const 
 }
 
 void ObjectReader::fail(const JsonNode& node, const std::string& sentence) const {
-  throw Failure(fmt::format("{}: {}: {}", place(file_, node.line), what_, sentence));
+  throw Failure(fmt::format("{}: {}: {}", place(file_, node.line), what(), sentence));
+}
+
+std::string ObjectReader::what() const {
+  if (!by_name_) return what_;
+  const JsonNode* name = node_.member("name");
+  const bool named = name != nullptr && name->kind == JsonNode::Kind::Text;
+  return named ? fmt::format("{} {}", what_, in_quotes(name->text)) : "a " + what_;
 }
 
 const JsonNode* ObjectReader::find(const std::string& key) {

@@ -15,7 +15,10 @@ namespace veldra_tool {
 /// the reading is `finish`ed.
 class ObjectReader {
  public:
+  /// What messages call the object: `what`, or as one of a kind by the name that it has.
   ObjectReader(const JsonNode& node, const std::string& what, const std::string& file);
+  static ObjectReader of_kind(const JsonNode& node, const std::string& kind,
+                              const std::string& file);
 
   /// The member of that name; null when there is none.
   const JsonNode* find(const std::string& key);
@@ -41,11 +44,16 @@ class ObjectReader {
   [[noreturn]] void fail(const JsonNode& node, const std::string& sentence) const;
 
  private:
+  ObjectReader(const JsonNode& node, const std::string& what, bool by_name,
+               const std::string& file);
+
+  std::string what() const;
   const JsonNode& required(const std::string& key);
   long long integer_of(const JsonNode& node, long long least, long long greatest) const;
 
   const JsonNode& node_;
   std::string what_;
+  bool by_name_;
   const std::string& file_;
   std::set<std::string> known_;
 };

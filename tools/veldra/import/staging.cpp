@@ -1,31 +1,16 @@
 #include "import/staging.hpp"
 
-#include "failure.hpp"
-#include "kinds.hpp"
 #include "opening.hpp"
 #include "progress.hpp"
-
-#include <fmt/format.h>
 
 namespace veldra_tool {
 
 namespace {
 
 template <class T>
-void save(const std::shared_ptr<T>& object, veldra::Library& staging) {
-  try {
-    staging.save(object);
-  } catch (const veldra::ObjectNotUnique&) {
-    throw Failure(fmt::format("{} {} has a code that another one of the sources has already",
-                              singular_of(veldra::ObjectTraits<T>::type),
-                              in_quotes(object->name().utf8())));
-  }
-}
-
-template <class T>
 void save_all(const IncomingObjects<T>& objects, veldra::Library& staging, Progress& progress) {
   for (const auto& incoming : objects.all()) {
-    save(incoming.object, staging);
+    staging.save(incoming.object);
     progress.step();
   }
 }
@@ -56,12 +41,18 @@ void count_outcomes(const IncomingObjects<T>& objects, const veldra::Library& st
 
 }  // namespace
 
-void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& library,
-                  OnConflict policy, ImportReport& report, Progress& progress) {
-  const auto staging = create_staging_library(library->unit());
+std::shared_ptr<veldra::Library> staged(const ImportSet& set, veldra::Unit unit,
+                                        Progress& progress) {
+  auto staging = create_staging_library(unit);
   set.shared().save_all(*staging);
   save_all(set.materials(), *staging, progress);
   save_all(set.compositions(), *staging, progress);
+  return staging;
+}
+
+void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& staging,
+                  const std::shared_ptr<veldra::Library>& library, OnConflict policy,
+                  ImportReport& report, Progress& progress) {
   veldra::IdMapping mapping(library.get());
   ConflictReactor reactor(policy, *staging, mapping);
   ignore_tags_of_origin(set.materials(), reactor);

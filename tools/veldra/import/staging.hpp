@@ -12,10 +12,15 @@
 
 namespace veldra_tool {
 
-/// Brings all objects of a set into a library, of which the caller holds a transaction, and enters
-/// into the report what became of each.
-void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& library,
-                  OnConflict policy, ImportReport& report, Progress& progress);
+/// All objects of a set in a library in memory.
+std::shared_ptr<veldra::Library> staged(const ImportSet& set, veldra::Unit unit,
+                                        Progress& progress);
+
+/// Brings them from there into a library of the same unit, of which the caller holds a transaction,
+/// and enters into the report what became of each.
+void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& staging,
+                  const std::shared_ptr<veldra::Library>& library, OnConflict policy,
+                  ImportReport& report, Progress& progress);
 
 }  // namespace veldra_tool
 

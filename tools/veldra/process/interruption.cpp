@@ -116,7 +116,6 @@ bool is_ignored(int signal) noexcept {
 
 void catch_signals() {
   std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
   struct sigaction action {};
   action.sa_handler = stop_on_signal;
   action.sa_mask = ending_signals();

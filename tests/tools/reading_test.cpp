@@ -1,0 +1,65 @@
+#include "files/reading.hpp"
+#include "tools/program.hpp"
+
+#include "failure.hpp"
+
+#include <unistd.h>
+
+#include <chrono>
+
+namespace veldra_tests {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+constexpr off_t gibibyte = off_t{1} << 30;
+
+/// What is read of sources.
+class Reading : public ProgramTest {
+ protected:
+  /// A file that takes no room on the disk.
+  void make_sparse(const std::string& file, off_t size) const {
+    write(file, "");
+    ASSERT_EQ(::truncate(path(file).c_str(), size), 0);
+  }
+
+  static std::string failure_of_reading(const std::string& file, std::size_t most) {
+    try {
+      veldra_tool::content_of(file, most);
+    } catch (const veldra_tool::Failure& failure) {
+      return failure.what();
+    }
+    return "";
+  }
+};
+
+TEST_F(Reading, of_more_than_a_gibibyte_is_refused_at_once) {
+  make_sparse("large.idf", gibibyte + 1);
+  const auto begin = std::chrono::steady_clock::now();
+  const auto run = veldra({"import", "new.lib", "large.idf"});
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.err, "veldra: 'large.idf': it is larger than 1 GiB\n");
+  EXPECT_FALSE(exists("new.lib"));
+}
+
+TEST_F(Reading, of_a_gibibyte_is_not_refused_for_its_size) {
+  EXPECT_EQ(veldra_tool::most_bytes_of_source, static_cast<std::size_t>(gibibyte));
+  make_sparse("zeros", 1000);
+  EXPECT_EQ(veldra_tool::content_of(path("zeros"), 1000), std::string(1000, '\0'));
+  EXPECT_EQ(failure_of_reading(path("zeros"), 999),
+            "'" + path("zeros") + "': it is larger than 999 bytes");
+}
+
+TEST_F(Reading, of_what_has_no_end_ends_at_the_same_size) {
+  EXPECT_EQ(failure_of_reading("/dev/zero", 1 << 20),
+            "'/dev/zero': it is larger than 1048576 bytes");
+}
+
+TEST_F(Reading, of_what_says_no_size_is_of_all_of_it) {
+  EXPECT_THAT(veldra_tool::content_of("/proc/self/status"), HasSubstr("Name:"));
+}
+
+}  // namespace
+}  // namespace veldra_tests
