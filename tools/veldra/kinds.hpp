@@ -4,6 +4,7 @@
 #include <veldra/veldra.hpp>
 
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -29,9 +30,12 @@ auto with_class_of(veldra::ObjectType kind, Work work) {
       return work(ClassOf<veldra::Layer>{});
     case veldra::ObjectType::CustomProperty:
       return work(ClassOf<veldra::CustomProperty>{});
-    default:
+    case veldra::ObjectType::Tag:
       return work(ClassOf<veldra::Tag>{});
+    case veldra::ObjectType::Asset:
+      break;
   }
+  throw std::invalid_argument("assets are no kind of their own");
 }
 
 /// The kinds in the order in which people look for them.
