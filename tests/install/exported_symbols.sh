@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# Compares what the shared library exports with the committed list, and shows what differs.
+#
+#   exported_symbols.sh <libveldra.so> [--update]
+#
+# --update writes the list anew, for a change of the interface that is meant: lines that go break
+# hosts that were built before.
+set -euo pipefail
+
+library=$1
+list=$(dirname -- "$(readlink -f -- "$0")")/exported_symbols.txt
+
+exported() {
+  nm --dynamic --defined-only --format=posix "$library" | cut -d' ' -f1 | c++filt | LC_ALL=C sort -u
+}
+
+if [ "${2:-}" = --update ]; then
+  exported >"$list"
+elif ! diff -u --label "expected ($list)" --label "exported ($library)" "$list" <(exported); then
+  echo "The exported symbols have changed. If that is meant: $0 $library --update" >&2
+  exit 1
+fi
