@@ -10,10 +10,6 @@ namespace veldra_tests {
 
 namespace {
 
-using testing::AnyOf;
-using testing::HasSubstr;
-using testing::StartsWith;
-
 /// Sentences for people: the program's name first, one line each, nothing of what it is built from.
 bool are_sentences(const std::string& text) {
   static const std::regex sentence("(veldra: [^\n]+\n)+");

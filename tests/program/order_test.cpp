@@ -12,10 +12,6 @@ namespace veldra_tests {
 
 namespace {
 
-using testing::Contains;
-using testing::HasSubstr;
-using testing::Not;
-
 using Deeds = std::vector<std::string>;
 
 /// What a run did to files, in its order. The random name is T, and the folder is ".".

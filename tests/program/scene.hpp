@@ -3,6 +3,7 @@
 
 #include "program/faults.hpp"
 #include "program/process.hpp"
+#include "support/names.hpp"
 #include "support/temporary.hpp"
 
 #include <map>

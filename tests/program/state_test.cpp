@@ -12,8 +12,6 @@ namespace veldra_tests {
 
 namespace {
 
-using testing::AnyOf;
-
 /// What is wrong at first: the program finds it in the materials, which come first.
 constexpr const char* first_state =
     "INSERT INTO Material_thicknesses (object_id, value)"

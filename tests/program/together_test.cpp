@@ -14,10 +14,6 @@ namespace veldra_tests {
 
 namespace {
 
-using testing::AnyOf;
-using testing::Each;
-using testing::MatchesRegex;
-
 constexpr unsigned objects_of_one = 4;  // three materials and a composition
 
 const Arguments creating{"create", "new.lib", "--locale", "de_AT", "--region", "AT"};

@@ -8,10 +8,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
-
 /// The lines of a text.
 std::vector<std::string> lines_of(const std::string& text) {
   std::vector<std::string> lines;

@@ -5,8 +5,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::HasSubstr;
-
 /// A library with a gap of 0.1, and a source with one of 0.2 and a wall of it.
 class Conflict : public ProgramTest {
  protected:

@@ -5,9 +5,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::HasSubstr;
-using testing::Not;
-
 /// One of each kind of character that must not reach a terminal.
 const std::vector<std::string>& unwelcome() {
   static const std::vector<std::string> characters{

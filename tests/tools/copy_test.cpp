@@ -5,8 +5,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::HasSubstr;
-
 class Copy : public ProgramTest {
  protected:
   void SetUp() override {

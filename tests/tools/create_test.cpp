@@ -7,10 +7,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ContainsRegex;
-using testing::HasSubstr;
-using testing::IsEmpty;
-
 class Create : public ProgramTest {};
 
 TEST_F(Create, a_new_library_has_what_it_was_given) {

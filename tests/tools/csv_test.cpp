@@ -7,9 +7,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::HasSubstr;
-using testing::Not;
-
 using Cells = std::vector<std::string>;
 
 /// Reads a table as RFC 4180 describes it.

@@ -6,9 +6,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::HasSubstr;
-using testing::Not;
-
 class Draw : public ProgramTest {
  protected:
   void save(const char* name, veldra::Composition::Type type,

@@ -7,10 +7,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::Not;
-
 constexpr std::size_t longest = 1'000'000;
 
 const std::vector<const char*>& hatches() {

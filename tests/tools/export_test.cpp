@@ -6,8 +6,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::HasSubstr;
-
 const std::vector<const char*>& difficult_names() {
   static const std::vector<const char*> names{"it's \"quoted\" `twice` „so“ «and so»",
                                               "back\\slash / slash",

@@ -6,8 +6,6 @@ namespace veldra_tests {
 namespace {
 
 using namespace std::string_literals;
-using testing::AllOf;
-using testing::HasSubstr;
 
 struct Foreign {
   std::string content;

@@ -5,9 +5,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-
 class Import : public ProgramTest {
  protected:
   nlohmann::json imported(std::vector<std::string> sources) {

@@ -3,10 +3,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
-
 class List : public ProgramTest {
  protected:
   void SetUp() override {

@@ -3,9 +3,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-
 /// Materials whose names are the ids of others: "2" has the id 1, "Brick" 2, "3" 3, "id:2" 4 and
 /// "name:2" 5.
 class Naming : public ProgramTest {

@@ -10,10 +10,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::IsEmpty;
-
 /// Which file a name means.
 class FileName : public ProgramTest {
  protected:

@@ -13,10 +13,6 @@ namespace veldra_tests {
 namespace {
 
 using std::chrono::milliseconds;
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 
 constexpr milliseconds a_second(1000);
 

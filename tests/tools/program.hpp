@@ -1,11 +1,9 @@
 #ifndef VELDRA_TESTS_TOOLS_PROGRAM_HPP
 #define VELDRA_TESTS_TOOLS_PROGRAM_HPP
 
+#include "support/names.hpp"
 #include "support/temporary.hpp"
 
-#include <veldra/veldra.hpp>
-
-#include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
 #include <sys/types.h>

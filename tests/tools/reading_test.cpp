@@ -10,9 +10,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-
 constexpr off_t gibibyte = off_t{1} << 30;
 
 /// What is read of sources.

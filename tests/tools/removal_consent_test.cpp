@@ -8,10 +8,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::AllOf;
-using testing::ContainsRegex;
-using testing::HasSubstr;
-
 /// A library with two build-ups of two materials, and twenty-five tags, one of them in use.
 class RemovalConsent : public ProgramTest {
  protected:

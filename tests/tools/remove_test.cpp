@@ -7,8 +7,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::HasSubstr;
-
 class Remove : public ProgramTest {
  protected:
   void SetUp() override {

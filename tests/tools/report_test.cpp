@@ -5,8 +5,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::HasSubstr;
-
 /// What an import says that it did.
 class Report : public ProgramTest {
  protected:

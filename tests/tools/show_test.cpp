@@ -3,9 +3,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::ContainsRegex;
-using testing::HasSubstr;
-
 class Show : public ProgramTest {
  protected:
   static std::shared_ptr<veldra::Material> material(const char* name, const char* property,

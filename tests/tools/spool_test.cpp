@@ -1,6 +1,7 @@
 #include "process/spool.hpp"
 #include "failure.hpp"
 
+#include "support/names.hpp"
 #include "support/processes.hpp"
 #include "support/temporary.hpp"
 
@@ -15,7 +16,6 @@
 namespace veldra_tests {
 namespace {
 
-using testing::HasSubstr;
 using veldra_tool::Spool;
 
 class SpoolTest : public testing::Test {
