@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // Measures the library beside a plain SQLite program that does the same work (plain_sqlite.h).
 // Each line of the table that it prints is one of these works:
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #ifndef VELDRA_BENCH_PLAIN_INTERNAL_H
 #define VELDRA_BENCH_PLAIN_INTERNAL_H
 

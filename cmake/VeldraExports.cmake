@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 # What the shared library exports: the symbols that VELDRA_EXPORT names, and nothing of what the
 # runtime's and the standard library's templates leave in it on their way.
 set(exports ${PROJECT_SOURCE_DIR}/cmake/veldra.map)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 # What `cmake --install` gives: headers, library, CMake package and pkg-config file. Both can be
 # moved together with the library, and installed under another prefix than the configured one.
 include(CMakePackageConfigHelpers)

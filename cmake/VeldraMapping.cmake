@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 # Generates the object-relational mapping from the headers that describe it.
 #
 #   veldra_generate_mapping(<variable for the sources> <header>...)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 # What can be chosen, and what holds for everything that is built here.
 
 option(VELDRA_BUILD_TOOLS "Build the programs that use the library" ${PROJECT_IS_TOP_LEVEL})

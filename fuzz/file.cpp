@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // The input is a file. Whatever it holds, opening and reading it throws nothing but what is
 // documented, and reading a library does not change its file.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // The input is a file that the program imports: IDF, epJSON or the program's own JSON, told by its
 // content. Whatever it holds, the import works or ends with a sentence for people, and then the
 // library is as it was. What was imported can be exported and imported again, with the same text.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // The input is a sequence of operations on two libraries, which are compared with a plain model in
 // memory after each step: tags, layers, materials and compositions by their names, with comments
 // and references, also within a transaction that is kept or rolled back.

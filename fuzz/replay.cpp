@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // Runs a fuzz harness on all files of a folder, in place of libFuzzer. A file that fails ends the
 // program, as it does there.
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-2.0-or-later
 # What a librarian of an architect's office does, from a new library to pictures on the wall.
 #
 #   examples/catalogue/demo.sh PROGRAM [FOLDER]

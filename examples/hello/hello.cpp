@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // Creates a library with two materials and a wall, opens it again and prints what it holds.
 #include <veldra/veldra.hpp>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #ifndef VELDRA_CRITERIA_HPP
 #define VELDRA_CRITERIA_HPP
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #ifndef VELDRA_OBJECT_HPP
 #define VELDRA_OBJECT_HPP
 

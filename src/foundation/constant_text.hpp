@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #ifndef VELDRA_FOUNDATION_CONSTANT_TEXT_HPP
 #define VELDRA_FOUNDATION_CONSTANT_TEXT_HPP
 

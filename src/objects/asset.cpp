@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "objects/asset_impl.hpp"
 #include "objects/handle_members.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "objects/custom_property_impl.hpp"
 #include "objects/handle_members.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #ifndef VELDRA_OBJECTS_DESCRIPTION_HPP
 #define VELDRA_OBJECTS_DESCRIPTION_HPP
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "objects/handle_members.hpp"
 #include "objects/layer_impl.hpp"
 

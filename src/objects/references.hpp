@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #ifndef VELDRA_OBJECTS_REFERENCES_HPP
 #define VELDRA_OBJECTS_REFERENCES_HPP
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #ifndef VELDRA_OBJECTS_TAG_IMPL_HPP
 #define VELDRA_OBJECTS_TAG_IMPL_HPP
 

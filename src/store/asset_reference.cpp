@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/asset_reference.hpp"
 
 #include "store/mapping-odb.hpp"

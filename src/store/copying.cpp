@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/copy_saving.hpp"
 #include "store/kinds.hpp"
 #include "store/queries.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/errors.hpp"
 #include "store/file_check.hpp"
 #include "store/library_impl.hpp"

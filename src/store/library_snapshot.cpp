@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/running_operation.hpp"
 #include "store/transactions.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/library_impl.hpp"
 #include "store/reported_operation.hpp"
 #include "store/transactions.hpp"

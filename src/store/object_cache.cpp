@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/object_cache.hpp"
 
 #include "objects/material_impl.hpp"

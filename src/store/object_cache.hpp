@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #ifndef VELDRA_STORE_OBJECT_CACHE_HPP
 #define VELDRA_STORE_OBJECT_CACHE_HPP
 

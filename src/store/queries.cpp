@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/queries.hpp"
 
 #include "store/kinds.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/host_saving.hpp"
 #include "store/kinds.hpp"
 #include "store/reported_operation.hpp"

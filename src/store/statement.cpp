@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/statement.hpp"
 
 #include <odb/sqlite/error.hxx>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "foundation/type_names.hpp"
 #include "foundation/utf16.hpp"
 #include "foundation/virtual_slots.hpp"

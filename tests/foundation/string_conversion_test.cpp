@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // Conversions are compared with those of the UTF-8 library, over all characters, over all short
 // sequences of bytes and of units at the borders of the encodings, and over random ones.
 

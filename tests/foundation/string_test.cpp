@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "foundation/utf16.hpp"
 #include "support/names.hpp"
 

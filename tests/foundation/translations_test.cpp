@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "foundation/virtual_slots.hpp"
 #include "support/names.hpp"
 #include "support/temporary.hpp"

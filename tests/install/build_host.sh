@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-2.0-or-later
 # Installs the library from a build folder, moves the copy to another place, builds the host there
 # and runs it. Everything happens in a temporary folder outside the source and build trees.
 #

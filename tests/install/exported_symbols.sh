@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-2.0-or-later
 # Compares what the shared library exports with the committed list, and shows what differs.
 #
 #   exported_symbols.sh <libveldra.so> [--update]

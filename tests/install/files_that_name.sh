@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-2.0-or-later
 # Prints the text files in a folder that name one of the places, which are absolute paths, or
 # something that lies in one.
 #

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-2.0-or-later
 # Whether files_that_name.sh finds a place of any name, and takes nothing else for it.
 set -euo pipefail
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 # Includes run one way: foundation <- objects <- store <- tools. Public headers know public headers
 # only, and tools are hosts like any other.
 cmake_minimum_required(VERSION 3.25)

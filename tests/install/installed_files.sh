@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-2.0-or-later
 # Installs the library and looks for what a package of it needs: every public header, the library
 # under its three names, the CMake package with its version, the pkg-config file.
 #

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-2.0-or-later
 # Builds a project that has veldra as a sub-project, and runs its program.
 #
 #   subproject.sh <source tree> <project> <compiler>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // What new objects cost. A program of its own, because it counts every allocation.
 
 #include "support/names.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "foundation/virtual_slots.hpp"
 #include "objects/field_test.hpp"
 #include "objects/stored_objects.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // What setting one of the indices of layers does to the others, example by example.
 
 #include "objects/lettered_layers.hpp"

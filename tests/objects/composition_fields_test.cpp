@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // Every field of a composition.
 
 #include "objects/field_test.hpp"

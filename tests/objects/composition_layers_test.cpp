@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // What adding, removing and moving layers does to their indices, example by example.
 
 #include "objects/lettered_layers.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // Compares the layers and indices of compositions with those of a plain model after every step.
 //
 // Small compositions are tried in every state with every operation. The rest are random steps from

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // The values of a composition. What all fields have in common is in composition_fields_test.cpp,
 // what its operations do to the layer indices in composition_core_test.cpp,
 // composition_layers_test.cpp and composition_model_test.cpp.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // The custom values of both kinds of objects that have them.
 
 #include "foundation/type_names.hpp"

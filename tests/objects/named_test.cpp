@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // What the kinds share that consist of a name, asked of each of them; and what all kinds share
 // about their names.
 

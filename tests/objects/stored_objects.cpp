@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "objects/stored_objects.hpp"
 
 #include "support/database.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // The tag list of all kinds that have one.
 
 #include "foundation/type_names.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // What the save members say of objects that belong to no library. Saving itself is tested with
 // the library.
 

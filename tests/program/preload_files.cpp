@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "program/preload.hpp"
 #include "program/preload_calls.hpp"
 #include "program/preload_deeds.hpp"

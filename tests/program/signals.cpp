@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "program/signals.hpp"
 
 #include "program/judgement.hpp"

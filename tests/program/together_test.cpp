@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "program/scene.hpp"
 #include "reliability/soak.hpp"
 #include "support/database.hpp"

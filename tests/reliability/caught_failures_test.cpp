@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // A host does several things in one transaction, catches what each of them throws, goes on with the
 // others and commits. What failed has left nothing behind, and what worked is there.
 

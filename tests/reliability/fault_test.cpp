@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "reliability/files_that_fail.hpp"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // A transaction that a host holds while its disk is full.
 
 #include "reliability/fault_vfs.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "reliability/all_reads.hpp"
 #include "reliability/fault_vfs.hpp"
 #include "reliability/scene.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // What has been committed stays, also when the lock cannot be given back then.
 
 #include "reliability/fault_vfs.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // Where SQLite or the library stops, or changes the way it works: a little less, as much, and a
 // little more.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // What must hold of every library, whatever it has: random ones, each of which comes again with its
 // number in VELDRA_SEED.
 

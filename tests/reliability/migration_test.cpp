@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // Files of both older versions with many rows: brought to the current version in full or not at
 // all, with every row.
 

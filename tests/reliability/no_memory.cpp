@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "reliability/no_memory.hpp"
 
 #include "reliability/fault_vfs.hpp"

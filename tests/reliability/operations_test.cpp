@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // That the operations which the sweeps run do what is said of them; one that does nothing would
 // pass every sweep.
 

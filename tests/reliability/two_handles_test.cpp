@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // Two handles of one file in one process, under the same name and under another spelling of it. For
 // each pair of operations the second handle does what the first one would have done next.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // The types of the interface, looked at while this is compiled. The list of exported symbols knows
 // names and parameters, but not what comes back.
 

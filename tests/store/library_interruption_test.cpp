@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "support/library_test.hpp"
 #include "support/processes.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/transaction_calls.hpp"
 #include "support/library_test.hpp"
 

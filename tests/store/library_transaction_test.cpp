@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/copying_fixture.hpp"
 #include "store/transaction_calls.hpp"
 #include "support/host_transaction.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "support/builders.hpp"
 #include "support/library_fixture.hpp"
 #include "support/recording_reactor.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/model_walk.hpp"
 
 #include "store/model_kinds.hpp"

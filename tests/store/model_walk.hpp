@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #ifndef VELDRA_TESTS_STORE_MODEL_WALK_HPP
 #define VELDRA_TESTS_STORE_MODEL_WALK_HPP
 

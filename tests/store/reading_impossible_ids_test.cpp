@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // Ids in a file are wider than those of objects: 0, negative ones and those beyond 32 bits are no
 // object's. Neither a list nor a count has them, and a reference to one leads nowhere.
 

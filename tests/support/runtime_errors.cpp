@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "support/runtime_errors.hpp"
 
 #include <utf8.h>

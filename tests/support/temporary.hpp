@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #ifndef VELDRA_TESTS_SUPPORT_TEMPORARY_HPP
 #define VELDRA_TESTS_SUPPORT_TEMPORARY_HPP
 

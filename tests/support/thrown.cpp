@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "support/thrown.hpp"
 
 #include <veldra/veldra.hpp>

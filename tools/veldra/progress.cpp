@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "progress.hpp"
 
 #include "process/interruption.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /* What the sanitizers end the program with: none of its own exit statuses, so that nobody who waits
    for an error takes one for the other. The sanitizers ask for it by these names. */
 const char* __asan_default_options(void);

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
 // A host over an installed library: data, calls from the library into the host, and exceptions of
 // all families cross the boundary both ways.
 #include <veldra/veldra.hpp>

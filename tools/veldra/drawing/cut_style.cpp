@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "drawing/hatch.hpp"
 #include "text.hpp"
 #include "thermal.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #ifndef VELDRA_TOOL_DRAWING_SECTION_HPP
 #define VELDRA_TOOL_DRAWING_SECTION_HPP
 

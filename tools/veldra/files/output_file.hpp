@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #ifndef VELDRA_TOOL_FILES_OUTPUT_FILE_HPP
 #define VELDRA_TOOL_FILES_OUTPUT_FILE_HPP
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "files/output_place.hpp"
 
 #include "failure.hpp"

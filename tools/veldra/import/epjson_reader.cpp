@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "failure.hpp"
 #include "import/place.hpp"
 #include "import/readers.hpp"

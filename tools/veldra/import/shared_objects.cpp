@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "import/shared_objects.hpp"
 
 namespace veldra_tool {
