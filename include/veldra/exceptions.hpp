@@ -47,21 +47,46 @@ class VELDRA_EXPORT DatabaseError : public UnknownError {
   int code_;
 };
 
-/// An existing library was asked for, and the file holds none: it is empty, another database, or
-/// does not say its version or which library it is.
-class VELDRA_EXPORT NotALibrary : public Exception {
+/// The root of the exceptions about a file.
+class VELDRA_EXPORT FileError : public Exception {
  public:
-  explicit NotALibrary(const String& filename);
-  NotALibrary(const NotALibrary& other);
-  NotALibrary& operator=(const NotALibrary& other);
-  ~NotALibrary() override;
-  const unsigned short* what() const override;
+  FileError(const FileError& other);
+  FileError& operator=(const FileError& other);
+  ~FileError() override;
 
   /// The name of the file as it was given. Lives as long as the exception.
   const String& filename() const noexcept;
 
+ protected:
+  explicit FileError(const String& filename);
+
  private:
   String filename_;
+};
+
+/// An existing library was asked for, and the file holds none: it is empty, another database, or
+/// does not say its version or which library it is.
+class VELDRA_EXPORT NotALibrary : public FileError {
+ public:
+  explicit NotALibrary(const String& filename);
+  ~NotALibrary() override;
+  const unsigned short* what() const override;
+};
+
+/// A new file was to be written, and there is one of that name.
+class VELDRA_EXPORT FileExists : public FileError {
+ public:
+  explicit FileExists(const String& filename);
+  ~FileExists() override;
+  const unsigned short* what() const override;
+};
+
+/// The file is not one of the same library: its GUID is another one.
+class VELDRA_EXPORT OtherLibrary : public FileError {
+ public:
+  explicit OtherLibrary(const String& filename);
+  ~OtherLibrary() override;
+  const unsigned short* what() const override;
 };
 
 /// The running operation was ended by `Library::interrupt` and taken back.

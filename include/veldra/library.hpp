@@ -7,6 +7,7 @@
 #include <veldra/exceptions.hpp>
 #include <veldra/id_mapping.hpp>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -269,14 +270,46 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// `composition 3 "Wall": the thickness of layer 2 is negative: -1`.
   void check(std::vector<String>& findings) const;
 
+  /// Writes a copy of the library into the new file `filename`, which is a name as for `create`. It
+  /// is a library of the same contents and GUID, with the same rights of access.
+  ///
+  /// The copy is one state, also while others write; those who want to commit wait for its end. It
+  /// is synced to the disk when the function returns. A program that is killed meanwhile leaves an
+  /// empty file, perhaps with its journal. Pages are copied as they are, damaged ones too.
+  ///
+  /// Throws `FileExists` when there is a file of that name, which stays as it is;
+  /// `odb::already_in_transaction` while this handle writes or has a `Transaction`;
+  /// `odb::sqlite::database_exception` when the file cannot be made or the disk is full, and
+  /// `odb::exception` for all else. No file is left then.
+  void backup(const String& filename) const;
+
+  /// Replaces all contents of the library by those of the library in the file `filename`, in one
+  /// transaction: a file that `backup` has written, or any other of the same GUID. One of an older
+  /// version is brought to the current one on the way. The file `filename` is only read; what a
+  /// crash left behind there is taken back (`recognise`).
+  ///
+  /// With `otherLibrary` the GUID may be another one. The library has the GUID, unit, locale and
+  /// region of that file then.
+  ///
+  /// Objects in memory stay as they are and keep their ids, which may belong to others now: read
+  /// them anew. The reactor is told that all kinds have changed.
+  ///
+  /// Throws `NotALibrary` as `openExisting` does; `OtherLibrary` when the GUID is another one;
+  /// `LibraryReadOnly`; `odb::already_in_transaction` while this handle reads or writes
+  /// (`Snapshot`, `Transaction`, a call of the reactor); `odb::timeout` when one of the files is
+  /// held by others for over 5 seconds; and what `open` throws for all else. The library is then as
+  /// it was.
+  void restoreFrom(const String& filename, bool otherLibrary = false);
+
   /// Ends the operation that is running on this handle: it throws `Interrupted` and is taken back.
   /// Does nothing while none is running. May be called from another thread and from a signal
   /// handler, for as long as the handle lives.
   ///
   /// It reaches reading, saving, removing, purging, copying (called on the source or the
-  /// destination), `check`, the end of a `Transaction`, and waiting for a file that others hold. Of
-  /// several objects that are removed without a `Transaction`, those that went before stay removed.
-  /// Within a `Transaction` the other operations stay, unless it has ended by itself
+  /// destination), `check`, `backup`, `restoreFrom`, the end of a `Transaction`, and waiting for a
+  /// file that others hold. Of several objects that are removed without a `Transaction`, those that
+  /// went before stay removed. Within a `Transaction` the other operations stay, unless it has
+  /// ended by itself
   /// (`Transaction::commit`). An operation that is as good as done may still return.
   void interrupt() noexcept;
 
@@ -319,6 +352,51 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   unsigned long long count() const;
   template <class T>
   unsigned long long count(const typename CriteriaOf<T>::type& criteria) const;
+
+  /// The ids of the objects of the kind, or of those that the criteria select. An object that
+  /// cannot be read whole is among them.
+  template <class T>
+  std::set<unsigned> ids() const;
+  template <class T>
+  std::set<unsigned> ids(const typename CriteriaOf<T>::type& criteria) const;
+
+  /// The ids of the objects of the kind that are there and cannot be read: something that they
+  /// refer to is missing, a text is not UTF-8, or an asset is of an unknown kind. Reads all objects
+  /// of the kind.
+  template <class T>
+  std::set<unsigned> unreadable() const;
+
+  /// Calls `visit` with each object of the kind, or with those that the criteria select, in the
+  /// order of a list, until it returns false. Objects that cannot be read whole are left out.
+  /// Returns whether it went through to the end.
+  ///
+  ///     library->for_each<veldra::Material>([&](const std::shared_ptr<veldra::Material>& each) {
+  ///       sheet.add(each->name());
+  ///       return !sheet.full();
+  ///     });
+  ///
+  /// All of it is one state of the library, as in a `Snapshot`; others that want to commit wait.
+  /// No more than 64 objects are in memory at once, besides those that `visit` keeps, and 4 bytes
+  /// for each object that is selected.
+  ///
+  /// `visit` may read from the library, `for_each` included. A write to the library, the beginning
+  /// of a `Snapshot` or `Transaction`, and the `commit` of one throw
+  /// `odb::already_in_transaction` there and change nothing. It may let the library go. What it
+  /// throws passes.
+  template <class T>
+  bool for_each(const std::function<bool(const std::shared_ptr<T>&)>& visit) const;
+  template <class T>
+  bool for_each(const typename CriteriaOf<T>::type& criteria,
+                const std::function<bool(const std::shared_ptr<T>&)>& visit) const;
+
+  /// The objects that refer to an object, assets among them, as the file says; the object itself
+  /// need not be there. Reads no object.
+  std::set<ObjectKey> referrers(const ObjectKey& key) const;
+
+  /// The ids of the objects of the kind that nothing refers to: those that `purge` would remove,
+  /// if the reactor let it. Reads no object.
+  template <class T>
+  std::set<unsigned> unreferenced() const;
 
   // Saving.
 

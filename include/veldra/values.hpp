@@ -78,6 +78,14 @@ struct Pattern {
 /// The unit of the thicknesses in a library. Stored in files, never renumber.
 enum class Unit : int { Inches = 0, Millimetres = 1 };
 
+/// What a length in the unit `from` is multiplied by to be one in the unit `to`: 25.4 from inches
+/// to millimetres, and 0.03937007874015748 back. 1 where a unit is none of the two. Copying between
+/// libraries uses the same numbers.
+VELDRA_EXPORT double length_factor(Unit from, Unit to) noexcept;
+
+/// The length `length` of the unit `from` in the unit `to`.
+VELDRA_EXPORT double converted_length(double length, Unit from, Unit to) noexcept;
+
 /// The kinds of objects. Stored in files, never renumber.
 enum class ObjectType : int {
   Tag = 1,

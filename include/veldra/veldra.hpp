@@ -8,6 +8,7 @@
 #include <veldra/composition.hpp>
 #include <veldra/criteria.hpp>
 #include <veldra/custom_property.hpp>
+#include <veldra/errors.hpp>
 #include <veldra/exceptions.hpp>
 #include <veldra/id_mapping.hpp>
 #include <veldra/layer.hpp>
@@ -20,5 +21,6 @@
 #include <veldra/tag.hpp>
 #include <veldra/translations.hpp>
 #include <veldra/values.hpp>
+#include <veldra/version.hpp>
 
 #endif

@@ -8,7 +8,10 @@ namespace veldra {
 Exception::~Exception() = default;
 UnknownError::~UnknownError() = default;
 DatabaseError::~DatabaseError() = default;
+FileError::~FileError() = default;
 NotALibrary::~NotALibrary() = default;
+FileExists::~FileExists() = default;
+OtherLibrary::~OtherLibrary() = default;
 Interrupted::~Interrupted() = default;
 LibraryReadOnly::~LibraryReadOnly() = default;
 ObjectNotFound::~ObjectNotFound() = default;
@@ -26,16 +29,32 @@ DatabaseError::DatabaseError(int code) : code_(code) {}
 
 int DatabaseError::code() const noexcept { return code_; }
 
-NotALibrary::NotALibrary(const String& filename) : filename_(filename) {}
-NotALibrary::NotALibrary(const NotALibrary& other) = default;
-NotALibrary& NotALibrary::operator=(const NotALibrary& other) = default;
+FileError::FileError(const String& filename) : filename_(filename) {}
+FileError::FileError(const FileError& other) = default;
+FileError& FileError::operator=(const FileError& other) = default;
+
+const String& FileError::filename() const noexcept { return filename_; }
+
+NotALibrary::NotALibrary(const String& filename) : FileError(filename) {}
 
 const unsigned short* NotALibrary::what() const {
   static constexpr auto text = constant_text("The file is not a library");
   return text.units;
 }
 
-const String& NotALibrary::filename() const noexcept { return filename_; }
+FileExists::FileExists(const String& filename) : FileError(filename) {}
+
+const unsigned short* FileExists::what() const {
+  static constexpr auto text = constant_text("The file exists already");
+  return text.units;
+}
+
+OtherLibrary::OtherLibrary(const String& filename) : FileError(filename) {}
+
+const unsigned short* OtherLibrary::what() const {
+  static constexpr auto text = constant_text("The file is another library");
+  return text.units;
+}
 
 const unsigned short* Interrupted::what() const {
   static constexpr auto text = constant_text("The operation was interrupted");

@@ -9,7 +9,20 @@
 
 #include <sqlite3.h>
 
+#include <string>
+
 namespace veldra {
+
+/// Runs `work`, and puts the name of the file in front of what the database says.
+template <class Work>
+auto naming_file(const std::string& name, Work work) {
+  try {
+    return work();
+  } catch (const odb::sqlite::database_exception& error) {
+    throw odb::sqlite::database_exception(error.error(), error.extended_error(),
+                                          name + ": " + error.message());
+  }
+}
 
 /// Runs `work`, and throws what fails in the database as the library's own exceptions. A write that
 /// was started within another one of the same library is no failure of the database and passes; so

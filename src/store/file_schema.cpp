@@ -161,11 +161,17 @@ FileSchema FileSchema::of(odb::sqlite::connection& connection) {
   return schema;
 }
 
-FileSchema FileSchema::expected() {
+void in_expected_schema(const std::function<void(odb::sqlite::connection&)>& use) {
   Database empty({"", ":memory:"}, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
   WriteTransaction transaction(empty);
   odb::schema_catalog::create_schema(empty, "", false);
-  return of(empty.only_connection());
+  use(empty.only_connection());
+}
+
+FileSchema FileSchema::expected() {
+  FileSchema schema;
+  in_expected_schema([&schema](auto& connection) { schema = of(connection); });
+  return schema;
 }
 
 const FileSchema::Table* FileSchema::find(const std::string& name) const {

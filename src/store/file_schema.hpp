@@ -4,6 +4,7 @@
 
 #include <odb/sqlite/connection.hxx>
 
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -35,6 +36,9 @@ struct FileSchema {
   std::set<Part> parts;
   std::map<std::string, Table> tables;  ///< by their names in lower case
 };
+
+/// Calls `use` with a connection to an empty database that has that schema.
+void in_expected_schema(const std::function<void(odb::sqlite::connection&)>& use);
 
 /// Why the table must not be read, such as `"Tag" is a view`; empty when it may.
 std::string obstacle(const FileSchema& actual, const FileSchema& expected,

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/library_file.hpp"
 
+#include "store/errors.hpp"
 #include "store/mapping-odb.hpp"
+#include "store/page_copy.hpp"
 #include "store/recognition.hpp"
 #include "store/transactions.hpp"
 
@@ -135,6 +137,12 @@ Meta load_meta(Database& database) {
   return meta;
 }
 
+/// On the disk, and gone with its connection.
+std::unique_ptr<Database> temporary_database() {
+  constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+  return std::unique_ptr<Database>(new Database({"", ""}, flags));
+}
+
 LibraryFile open(const std::string& filename, FileAccess access, const Requirement& require,
                  const NewLibrary& contents) {
   const FileName name = parse_file_name(filename);
@@ -154,18 +162,21 @@ LibraryFile open(const std::string& filename, FileAccess access, const Requireme
   return file;
 }
 
-/// Puts the name of the file in front of what the database says.
-LibraryFile open_named(const String& filename, FileAccess access, const Requirement& require,
-                       const NewLibrary& contents) {
-  const std::string name = filename.utf8();
+/// Puts the name of the file in front of what the database says in `work`, and of what the runtime
+/// says of the version.
+template <class Work>
+auto naming_opened_file(const std::string& name, Work work) {
   try {
-    return open(name, access, require, contents);
-  } catch (const odb::sqlite::database_exception& error) {
-    throw odb::sqlite::database_exception(error.error(), error.extended_error(),
-                                          name + ": " + error.message());
+    return naming_file(name, work);
   } catch (const odb::unknown_schema_version& error) {
     throw UnknownVersion(name, error);
   }
+}
+
+LibraryFile open_named(const String& filename, FileAccess access, const Requirement& require,
+                       const NewLibrary& contents) {
+  const std::string name = filename.utf8();
+  return naming_opened_file(name, [&] { return open(name, access, require, contents); });
 }
 
 }  // namespace
@@ -177,6 +188,24 @@ LibraryFile open_library_file(const String& filename, FileAccess access,
 
 LibraryFile open_existing_file(const String& filename, FileAccess access) {
   return open_named(filename, access, require_library(filename), NewLibrary());
+}
+
+LibraryState::LibraryState(const String& filename) {
+  const std::string name = filename.utf8();
+  const Requirement require = require_library(filename);
+  naming_opened_file(name, [&] {
+    // Not for reading only, since what a crash left behind could not be taken back then.
+    database_.reset(new Database(parse_file_name(name), SQLITE_OPEN_READWRITE));
+    state_.reset(new OneState(*database_));
+    if (look_at(*database_, require) != Step::None) {
+      std::unique_ptr<Database> copy = temporary_database();
+      copy_pages(*database_, *copy, *database_);
+      state_.reset();
+      database_ = std::move(copy);
+      take_step(*database_, require, NewLibrary());
+    }
+    meta_ = load_meta(*database_);
+  });
 }
 
 }  // namespace veldra

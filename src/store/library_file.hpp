@@ -5,6 +5,7 @@
 #include "store/database.hpp"
 #include "store/meta.hpp"
 #include "store/new_library.hpp"
+#include "store/transactions.hpp"
 
 #include <memory>
 
@@ -27,6 +28,22 @@ LibraryFile open_library_file(const String& filename, FileAccess access,
 /// The same for a file that holds a library already. Throws `NotALibrary` for any other, on the
 /// connection that opens it and under the same lock.
 LibraryFile open_existing_file(const String& filename, FileAccess access);
+
+/// One state of the library in a file, which is only read. That of an older version is a copy, in a
+/// temporary database, that was brought to the current one.
+class LibraryState {
+ public:
+  /// Throws as `open_existing_file` does.
+  explicit LibraryState(const String& filename);
+
+  Database& database() noexcept { return *database_; }
+  Meta& meta() noexcept { return meta_; }
+
+ private:
+  std::unique_ptr<Database> database_;
+  std::unique_ptr<OneState> state_;
+  Meta meta_;
+};
 
 }  // namespace veldra
 

@@ -18,8 +18,7 @@ class Library::Transaction::Impl {
   Impl& operator=(const Impl&) = delete;
   ~Impl();
 
-  /// An operation that runs would go on in a transaction that is gone.
-  void require_no_operation() const;
+  void require_endable() const { library_->impl_->database->transactions().require_endable(); }
 
   void commit();
 
@@ -43,10 +42,6 @@ Library::Transaction::Impl::~Impl() {
   if (!committed_) std::swap(library_->impl_->meta, former_meta_);
 }
 
-void Library::Transaction::Impl::require_no_operation() const {
-  if (library_->impl_->database->transactions().is_writing()) throw odb::already_in_transaction();
-}
-
 void Library::Transaction::Impl::commit() {
   interruptibly(*library_->impl_->database, [&] { held_->commit(); });
   committed_ = true;
@@ -63,7 +58,7 @@ Library::Transaction::~Transaction() = default;
 
 void Library::Transaction::commit() {
   if (impl_ == nullptr) throw odb::transaction_already_finalized();
-  impl_->require_no_operation();
+  impl_->require_endable();
   const auto ending = std::move(impl_);  // rolled back at the end of this call if it fails
   ending->commit();
 }

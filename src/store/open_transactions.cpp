@@ -17,11 +17,17 @@ void require(bool may_begin) {
 
 }  // namespace
 
-void OpenTransactions::require_holdable() const { require(!is_changing() && snapshot_ == nullptr); }
+void OpenTransactions::require_holdable() const {
+  require(!is_changing() && snapshot_ == nullptr && visits_ == 0);
+}
 
-void OpenTransactions::require_writable() const { require(!is_writing() && snapshot_ == nullptr); }
+void OpenTransactions::require_writable() const {
+  require(!is_writing() && snapshot_ == nullptr && visits_ == 0);
+}
 
-void OpenTransactions::require_snapshot() const { require(snapshot_ == nullptr); }
+void OpenTransactions::require_snapshot() const { require(snapshot_ == nullptr && visits_ == 0); }
+
+void OpenTransactions::require_endable() const { require(!is_writing() && visits_ == 0); }
 
 void OpenTransactions::began_holding(HeldTransaction& transaction) noexcept {
   assert(!is_changing() && snapshot_ == nullptr);

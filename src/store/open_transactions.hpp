@@ -34,12 +34,20 @@ class OpenTransactions {
   void require_writable() const;
   void require_snapshot() const;
 
+  /// The same when the one that the host holds must not end now: an operation would go on in a
+  /// transaction that is gone.
+  void require_endable() const;
+
   void began_holding(HeldTransaction& transaction) noexcept;
   void end_holding() noexcept;
   void began_writing(odb::sqlite::transaction& transaction) noexcept;
   void end_writing() noexcept;
   void began_snapshot(SnapshotTransaction& transaction) noexcept;
   void end_snapshot() noexcept;
+
+  // While the host is shown one object after another, it only reads.
+  void began_visit() noexcept { ++visits_; }
+  void end_visit() noexcept { --visits_; }
 
   /// The one that what reads is a part of; null when it takes one of its own. Throws
   /// `odb::transaction_already_finalized` when a failure has ended it.
@@ -49,6 +57,7 @@ class OpenTransactions {
   std::atomic<odb::sqlite::transaction*> writing_{nullptr};
   HeldTransaction* held_ = nullptr;
   SnapshotTransaction* snapshot_ = nullptr;
+  unsigned visits_ = 0;  // each within the one before
 };
 
 }  // namespace veldra

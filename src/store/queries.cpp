@@ -30,7 +30,9 @@ struct Rows {
   std::string name;      ///< by which the table of the objects is known in them
   std::string distinct;  ///< where an object may have several of them
 
-  std::string column(const char* of_object) const { return quoted(name) + "." + quoted(of_object); }
+  std::string column(const std::string& of_object) const {
+    return quoted(name) + "." + quoted(of_object);
+  }
 };
 
 /// One for each object of a kind.
@@ -324,6 +326,34 @@ std::vector<unsigned> layer_material_ids(Database& database, const std::vector<u
   return materials;
 }
 
+std::vector<unsigned> referring_ids(Database& database, const ReferenceColumn& column,
+                                    unsigned id) {
+  const Rows rows{quoted(column.table), column.table, "DISTINCT "};
+  const std::string key = rows.column(column.key);
+  const Query refers(rows.column(column.column) + "=" + std::to_string(id));
+  const Query is_of_an_object(key + " IN (SELECT \"id\" FROM " + quoted(column.owners) + ")");
+  std::vector<unsigned> ids;
+  append_ids(database, select(rows.distinct + key, rows, refers && is_of_an_object), ids);
+  return ids;
+}
+
+template <class T>
+std::vector<unsigned> unreferenced_ids(Database& database) {
+  std::string referred;
+  for (const ReferenceColumn& column : reference_columns()) {
+    if (column.to != ObjectTraits<T>::type) continue;
+    const std::string name = quoted(column.column);
+    referred += (referred.empty() ? "SELECT " : " UNION ALL SELECT ") + name + " FROM " +
+                quoted(column.table) + " WHERE " + name + " IS NOT NULL";
+  }
+  if (referred.empty()) return all_ids<T>(database);
+  const Rows rows = objects<T>();
+  std::vector<unsigned> ids;
+  append_ids(database, selecting_ids(rows, Query(rows.column("id") + " NOT IN (" + referred + ")")),
+             ids);
+  return ids;
+}
+
 template <class T>
 unsigned long long count_all(Database& database) {
   static const std::string own_name = std::string("count: ") + Kind<T>::table;
@@ -352,6 +382,7 @@ unsigned long long count_selected(Database& database,
   template std::vector<unsigned> matching_ids<T>(Database&, const String&,               \
                                                  const CriteriaOf<T>::type&);            \
   template unsigned id_of_name<T>(Database&, const String&);                             \
+  template std::vector<unsigned> unreferenced_ids<T>(Database&);                         \
   template unsigned long long count_all<T>(Database&);                                   \
   template unsigned long long count_selected<T>(Database&, const CriteriaOf<T>::type&);
 

@@ -3,6 +3,7 @@
 #define VELDRA_STORE_QUERIES_HPP
 
 #include "store/database.hpp"
+#include "store/reference_columns.hpp"
 
 #include <veldra/criteria.hpp>
 
@@ -40,6 +41,13 @@ unsigned id_of_property(Database& database, const String& name, ObjectType type)
 
 /// The ids of the materials that the layers of those compositions refer to, ascending, each once.
 std::vector<unsigned> layer_material_ids(Database& database, const std::vector<unsigned>& ids);
+
+/// The ids of the objects that refer to the one with that id by that column.
+std::vector<unsigned> referring_ids(Database& database, const ReferenceColumn& column, unsigned id);
+
+/// The ids of the objects that no row refers to.
+template <class T>
+std::vector<unsigned> unreferenced_ids(Database& database);
 
 /// How many there are.
 template <class T>

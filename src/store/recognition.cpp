@@ -2,6 +2,7 @@
 #include "store/recognition.hpp"
 
 #include "store/database.hpp"
+#include "store/errors.hpp"
 #include "store/statement.hpp"
 #include "store/transactions.hpp"
 
@@ -211,12 +212,7 @@ void require_whole_pages(odb::sqlite::connection& connection) {
 
 Recognition recognise_file(const String& filename) {
   const std::string name = filename.utf8();
-  try {
-    return recognise_file(parse_file_name(name));
-  } catch (const odb::sqlite::database_exception& error) {
-    throw odb::sqlite::database_exception(error.error(), error.extended_error(),
-                                          name + ": " + error.message());
-  }
+  return naming_file(name, [&name] { return recognise_file(parse_file_name(name)); });
 }
 
 }  // namespace veldra

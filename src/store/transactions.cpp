@@ -11,6 +11,12 @@
 
 namespace veldra {
 
+// The lock that keeps readers away is given back first, and then what is left of it.
+bool is_of_a_lock_given_back(const odb::sqlite::database_exception& error) {
+  return error.extended_error() == SQLITE_IOERR_RDLOCK ||
+         error.extended_error() == SQLITE_IOERR_UNLOCK;
+}
+
 SetAsideTransaction::SetAsideTransaction()
     : former_(odb::transaction::has_current() ? &odb::transaction::current() : nullptr) {
   odb::transaction::reset_current();
@@ -75,13 +81,6 @@ void begin_reading(Database& database, odb::sqlite::transaction& transaction) {
   begin(database, transaction, [&database] { return database.begin(); });
 }
 
-/// The lock that keeps readers away is given back first, and then what is left of it.
-bool is_of_a_lock_given_back(const odb::sqlite::database_exception& error) {
-  return error.extended_error() == SQLITE_IOERR_RDLOCK ||
-         error.extended_error() == SQLITE_IOERR_UNLOCK;
-}
-
-/// The changes are in the file before the lock is given back, so that they stay when that fails.
 void commit_changes(odb::sqlite::transaction& transaction) {
   try {
     transaction.commit();
@@ -147,8 +146,8 @@ void HeldTransaction::keep(UndoLogs& logs) noexcept { logs_.splice(logs_.begin()
 
 SnapshotTransaction::SnapshotTransaction(Database& database)
     : database_(database), is_part_of_another_(database.transactions().is_changing()) {
-  if (is_part_of_another_) return;
   database.transactions().require_snapshot();
+  if (is_part_of_another_) return;
   const SetAsideTransaction aside;
   begin_reading(database, transaction_);
   try {
@@ -170,6 +169,11 @@ SnapshotTransaction::~SnapshotTransaction() {
 odb::sqlite::transaction& SnapshotTransaction::running() {
   if (!is_running(database_)) throw odb::transaction_already_finalized();
   return transaction_;
+}
+
+OneState::OneState(Database& database) {
+  if (database.transactions().shared_with_readers() != nullptr) return;
+  own_.reset(new SnapshotTransaction(database));
 }
 
 /// What a transaction that writes is, alone or within another one.

@@ -5,11 +5,16 @@
 #include "store/database.hpp"
 #include "store/undo_log.hpp"
 
+#include <odb/sqlite/exceptions.hxx>
 #include <odb/sqlite/transaction.hxx>
 
 #include <memory>
 
 namespace veldra {
+
+/// Whether the changes of a transaction are in the file, although its end has failed: they are
+/// before the lock on the file is given back.
+bool is_of_a_lock_given_back(const odb::sqlite::database_exception& error);
 
 /// Sets the current transaction of the thread aside, be it of another library or of the host, and
 /// puts it back at the end. The runtime does all its work on the connection of the current one.
@@ -80,6 +85,15 @@ class SnapshotTransaction {
   Database& database_;
   bool is_part_of_another_;
   odb::sqlite::transaction transaction_;
+};
+
+/// Lets all reads see one state: that of the transaction which the host holds, or one of its own.
+class OneState {
+ public:
+  explicit OneState(Database& database);
+
+ private:
+  std::unique_ptr<SnapshotTransaction> own_;
 };
 
 /// A transaction that writes. Rolled back at the end unless committed.

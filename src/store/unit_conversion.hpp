@@ -6,10 +6,6 @@
 
 namespace veldra {
 
-/// What a length in one unit is multiplied by for the other; 1 where they are not the two that are
-/// known.
-double length_factor(Unit from, Unit to);
-
 /// Multiplies all lengths of a record.
 template <class Record>
 class LengthConversion {

@@ -12,7 +12,7 @@ set(knowing_the_database store tools)
 
 # Of the public headers, each layer knows its own: texts, errors and values lie at the bottom.
 set(foundation_headers export exceptions string translations values)
-set(library_headers criteria id_mapping library library_manager veldra)
+set(library_headers criteria errors id_mapping library library_manager veldra version)
 
 set(wrong)
 
