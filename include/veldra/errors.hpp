@@ -41,7 +41,7 @@ enum class ErrorKind : int {
 VELDRA_EXPORT ErrorKind error_kind(std::exception_ptr error = std::current_exception()) noexcept;
 
 /// The result code of SQLite behind an error, extended where it is known, such as 2067 for a
-/// violated unique index; 0 where there is none.
+/// violated unique index, or 516 for a transaction that has ended by itself; 0 where there is none.
 VELDRA_EXPORT int error_code(std::exception_ptr error = std::current_exception()) noexcept;
 
 /// What the error says of itself, in UTF-8: for logs, not for users. Empty for none, and for errors

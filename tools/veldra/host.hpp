@@ -40,6 +40,7 @@ void add_remove(Host& host);
 void add_purge(Host& host);
 void add_check(Host& host);
 void add_draw(Host& host);
+void add_help(Host& host);
 
 }  // namespace veldra_tool
 
