@@ -21,7 +21,7 @@ void add_help(Host& host) {
   auto& command = *host.arguments.add_subcommand("help", "Tell more about a command");
   const auto name = std::make_shared<std::string>();
   const auto known = [&host](const std::string& text) {
-    if (host.arguments.get_subcommand_no_throw(text) != nullptr) return std::string();
+    if (host.has_command(text)) return std::string();
     return fmt::format("there is no command {}", in_quotes(text));
   };
   std::string names;

@@ -8,6 +8,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace veldra_tool {
 
 namespace {
@@ -39,6 +41,12 @@ Host::Host() : arguments("Catalogues of building materials and build-ups in libr
         add_remove, add_purge, add_draw, add_check, add_help})
     add(*this);
   for (CLI::App* command : arguments.get_subcommands({})) command->group("Commands");
+}
+
+bool Host::has_command(const std::string& name) const {
+  const auto commands = arguments.get_subcommands({});
+  return std::any_of(commands.begin(), commands.end(),
+                     [&](const CLI::App* command) { return command->get_name() == name; });
 }
 
 void Host::doubt(const std::string& file, int error) {

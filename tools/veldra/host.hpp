@@ -15,6 +15,8 @@ namespace veldra_tool {
 struct Host {
   Host();
 
+  bool has_command(const std::string& name) const;
+
   CLI::App arguments;
   Status status = Status::Done;
   Spool output;       ///< for standard output
