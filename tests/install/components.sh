@@ -15,6 +15,7 @@ status=0
 install_part() {
   cmake --install "$build" --prefix "$folder/tree" ${2:+--component "$2"} >/dev/null
   (cd "$folder/tree" && find . -type f -o -type l) | LC_ALL=C sort >"$folder/$1"
+  (cd "$folder/tree" && find . -type f -name '*.sh' ! -executable) >>"$folder/not-executable"
   rm -r "$folder/tree"
 }
 
@@ -46,6 +47,11 @@ done
 (cd "$folder" && cat "${components[@]}") | LC_ALL=C sort >"$folder/together"
 if ! diff -u --label "without naming a component" --label "by component" \
   "$folder/everything" "$folder/together"; then
+  status=1
+fi
+if [ -s "$folder/not-executable" ]; then
+  echo "these scripts cannot be run:"
+  sort -u "$folder/not-executable"
   status=1
 fi
 exit "$status"
