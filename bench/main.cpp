@@ -43,8 +43,6 @@
 #include "table.hpp"
 #include "work.hpp"
 
-#include <benchmark/benchmark.h>
-
 #include <stdlib.h>
 #include <time.h>
 
@@ -53,8 +51,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <regex>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace veldra_bench {
 namespace {
@@ -63,17 +64,25 @@ struct Options {
   unsigned materials = 10000;
   int rounds = 9;
   std::string folder;
+  std::string filter;
   bool help = false;
+  bool list = false;
   bool copy_memory = false;
 };
 
 const char usage[] =
-    "\nveldra_bench [options] [options of Google Benchmark]\n"
-    "  --materials=N    size of the libraries (10000)\n"
-    "  --rounds=N       rounds of each work (9; fewer for what takes long)\n"
-    "  --folder=PATH    where the files are made (the folder for temporary files)\n"
-    "  --copy-memory    measures only how much memory copying a library takes\n"
-    "  --benchmark_filter=EXPRESSION, --benchmark_list_tests, ...\n";
+    "\nveldra_bench [options]\n"
+    "  --filter=EXPRESSION  only the works in whose names it is found, a regular expression\n"
+    "  --list               prints the names of the works that would be measured\n"
+    "  --materials=N        size of the libraries (10000)\n"
+    "  --rounds=N           rounds of each work (9; fewer for what takes long)\n"
+    "  --folder=PATH        where the files are made (the folder for temporary files)\n"
+    "  --copy-memory        measures only how much memory copying a library takes\n";
+
+/// The arguments are wrong, or nothing is to be measured.
+struct UsageError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
 
 bool value_of(std::string_view argument, std::string_view option, std::string& value) {
   if (argument.substr(0, option.size()) != option) return false;
@@ -81,28 +90,42 @@ bool value_of(std::string_view argument, std::string_view option, std::string& v
   return true;
 }
 
-/// Takes our options out of the arguments.
-Options parse(int& count, char** arguments) {
+unsigned number_of(std::string_view option, const std::string& value) {
+  std::size_t end = 0;
+  unsigned long number = 0;
+  try {
+    number = std::stoul(value, &end);
+  } catch (const std::logic_error&) {
+  }
+  if (end == 0 || end != value.size() || number == 0 || number > 100'000'000) {
+    throw UsageError(std::string(option) + " takes a number above 0, not '" + value + "'");
+  }
+  return static_cast<unsigned>(number);
+}
+
+Options parse(int count, char** arguments) {
   Options options;
-  int kept = 1;
   for (int i = 1; i != count; ++i) {
     const std::string_view argument = arguments[i];
     std::string value;
     if (value_of(argument, "--materials=", value)) {
-      options.materials = static_cast<unsigned>(std::stoul(value));
+      options.materials = number_of("--materials", value);
     } else if (value_of(argument, "--rounds=", value)) {
-      options.rounds = std::stoi(value);
+      options.rounds = static_cast<int>(number_of("--rounds", value));
     } else if (value_of(argument, "--folder=", value)) {
       options.folder = value;
+    } else if (value_of(argument, "--filter=", value)) {
+      options.filter = value;
     } else if (argument == "--copy-memory") {
       options.copy_memory = true;
+    } else if (argument == "--list") {
+      options.list = true;
     } else if (argument == "--help") {
       options.help = true;
     } else {
-      arguments[kept++] = arguments[i];
+      throw UsageError("no option " + std::string(argument));
     }
   }
-  count = kept;
   return options;
 }
 
@@ -148,7 +171,7 @@ struct Rounds {
   std::vector<double> processor_seconds;
   std::vector<double> syncs;
 
-  double measure(const Work::Side& side) {
+  void measure(const Work::Side& side) {
     settle_heap();
     const unsigned long syncs_before = veldra_bench::syncs();
     const double processor_start = processor_time();
@@ -158,7 +181,6 @@ struct Rounds {
     seconds.push_back(taken.count());
     processor_seconds.push_back(processor_time() - processor_start);
     syncs.push_back(static_cast<double>(veldra_bench::syncs() - syncs_before));
-    return taken.count();
   }
 };
 
@@ -171,46 +193,34 @@ bool both_do_the_same(const Work& work) {
   return veldra.value() == plain.value();
 }
 
-void run(benchmark::State& state, const TimedWork& timed, Workshop& workshop) {
+Figures measure(const TimedWork& timed, const Options& options, Workshop& workshop) {
   const Work work = timed.make(workshop);
-  if (!both_do_the_same(work)) {
-    state.SkipWithError("the two sides did not do the same");
-    return;
-  }
+  if (!both_do_the_same(work)) throw std::runtime_error("the two sides did not do the same");
   Rounds veldra;
   Rounds plain;
   bool plain_first = false;
-  for (auto round : state) {
-    (void)round;
+  for (int rounds = std::max(options.rounds / timed.rounds_divisor, 1); rounds != 0; --rounds) {
     work.prepare();
     if (plain_first) plain.measure(work.plain);
-    state.SetIterationTime(veldra.measure(work.veldra));
+    veldra.measure(work.veldra);
     if (!plain_first) plain.measure(work.plain);
     plain_first = !plain_first;
   }
   const double items = timed.items(workshop);
   const double microseconds = 1e6 / items;
-  state.counters["veldra"] = median(veldra.seconds) * microseconds;
-  state.counters["plain"] = median(plain.seconds) * microseconds;
-  state.counters["ratio"] = median(veldra.seconds) / median(plain.seconds);
-  state.counters["processor_ratio"] =
-      median(veldra.processor_seconds) / median(plain.processor_seconds);
-  state.counters["target"] = timed.target;
-  state.counters["veldra_syncs"] = median(veldra.syncs) / items;
-  state.counters["plain_syncs"] = median(plain.syncs) / items;
+  return {"us",
+          median(veldra.seconds) * microseconds,
+          median(plain.seconds) * microseconds,
+          median(veldra.seconds) / median(plain.seconds),
+          timed.target,
+          median(veldra.processor_seconds) / median(plain.processor_seconds),
+          median(veldra.syncs) / items,
+          median(plain.syncs) / items};
 }
 
-void run(benchmark::State& state, const MemoryWork& work, Workshop& workshop) {
-  Bytes bytes{};
-  for (auto round : state) {
-    (void)round;
-    bytes = work.measure(workshop);
-  }
-  state.counters["memory"] = 1;
-  state.counters["veldra"] = bytes.bytes;
-  state.counters["plain"] = bytes.reference;
-  state.counters["ratio"] = bytes.bytes / bytes.reference;
-  state.counters["target"] = work.target;
+Figures measure(const MemoryWork& work, const Options&, Workshop& workshop) {
+  const Bytes bytes = work.measure(workshop);
+  return {"bytes", bytes.bytes, bytes.reference, bytes.bytes / bytes.reference, work.target};
 }
 
 std::vector<TimedWork> timed_works() {
@@ -222,28 +232,46 @@ std::vector<TimedWork> timed_works() {
   return works;
 }
 
-/// A failure of one work is told in its line, and the others run.
+/// The works in whose names the expression is found.
 template <class AnyWork>
-auto guarded(const AnyWork& work, Workshop& workshop) {
-  return [work, &workshop](benchmark::State& state) {
-    try {
-      run(state, work, workshop);
-    } catch (const std::exception& error) {
-      state.SkipWithError(error.what());
-    } catch (const veldra::Exception& error) {
-      state.SkipWithError(veldra::String(error.what()).utf8().c_str());
-    }
+std::vector<AnyWork> chosen(std::vector<AnyWork> works, const std::regex& expression) {
+  const auto left_out = [&expression](const AnyWork& work) {
+    return !std::regex_search(work.name, expression);
   };
+  works.erase(std::remove_if(works.begin(), works.end(), left_out), works.end());
+  return works;
 }
 
-void register_works(const Options& options, Workshop& workshop) {
-  for (const TimedWork& work : timed_works()) {
-    benchmark::RegisterBenchmark(work.name, guarded(work, workshop))
-        ->UseManualTime()
-        ->Iterations(std::max(options.rounds / work.rounds_divisor, 1));
+struct Works {
+  std::vector<TimedWork> timed;
+  std::vector<MemoryWork> memory;
+};
+
+Works chosen_works(const std::string& filter) {
+  try {
+    const std::regex expression(filter, std::regex::extended);
+    Works works{chosen(timed_works(), expression), chosen(memory_works(), expression)};
+    if (works.timed.empty() && works.memory.empty()) {
+      throw UsageError("no work has '" + filter + "' in its name");
+    }
+    return works;
+  } catch (const std::regex_error&) {
+    throw UsageError("'" + filter + "' is no regular expression");
   }
-  for (const MemoryWork& work : memory_works()) {
-    benchmark::RegisterBenchmark(work.name, guarded(work, workshop))->Iterations(1);
+}
+
+/// A failure of one work is told in its line, and the others run.
+template <class AnyWork>
+void measure_all(const std::vector<AnyWork>& works, const Options& options, Workshop& workshop,
+                 Table& table) {
+  for (const AnyWork& work : works) {
+    try {
+      table.add(work.name, measure(work, options, workshop));
+    } catch (const std::exception& error) {
+      table.add_failure(work.name, error.what());
+    } catch (const veldra::Exception& error) {
+      table.add_failure(work.name, veldra::String(error.what()).utf8());
+    }
   }
 }
 
@@ -260,17 +288,22 @@ void print_legend() {
   for (const MemoryWork& work : memory_works()) print_line(work);
 }
 
-int measure(const Options& options) {
+int measure(const Options& options, const Works& works) {
   const WorkFolder folder(options.folder);
   Workshop workshop(folder.path(), options.materials);
   if (options.copy_memory) return copy_within_memory(workshop) ? 0 : 1;
 
   print_legend();
   std::printf("\n%u materials, %d rounds\n\n", options.materials, options.rounds);
-  register_works(options, workshop);
   Table table;
-  benchmark::RunSpecifiedBenchmarks(&table);
+  measure_all(works.timed, options, workshop, table);
+  measure_all(works.memory, options, workshop, table);
   return table.all_sound() ? 0 : 1;
+}
+
+void print_names(const Works& works) {
+  for (const TimedWork& work : works.timed) std::puts(work.name);
+  for (const MemoryWork& work : works.memory) std::puts(work.name);
 }
 
 int main(int count, char** arguments) {
@@ -280,9 +313,12 @@ int main(int count, char** arguments) {
     std::fputs(usage, stdout);
     return 0;
   }
-  benchmark::Initialize(&count, arguments);
-  if (benchmark::ReportUnrecognizedArguments(count, arguments)) return 2;
-  return measure(options);
+  const Works works = chosen_works(options.filter);
+  if (options.list) {
+    print_names(works);
+    return 0;
+  }
+  return measure(options, works);
 }
 
 }  // namespace

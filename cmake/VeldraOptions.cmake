@@ -1,9 +1,7 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 # What can be chosen, and what holds for everything that is built here.
 
-option(VELDRA_BUILD_TOOLS "Build the programs that use the library" ${PROJECT_IS_TOP_LEVEL})
 option(VELDRA_BUILD_EXAMPLES "Build the example hosts" ${PROJECT_IS_TOP_LEVEL})
-option(VELDRA_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
 option(VELDRA_BUILD_BENCHMARKS "Build the benchmarks" OFF)
 option(VELDRA_WARNINGS_AS_ERRORS "Stop at warnings" ${PROJECT_IS_TOP_LEVEL})
 set(VELDRA_TEST_FOLDERS foundation install objects reliability store tools program fuzz

@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-2.0-or-later
+# Whether the benchmarks run the works that are asked for, and refuse what they do not know.
+#
+#   choosing_test.sh <veldra_bench>
+set -euo pipefail
+
+program=$1
+status=0
+
+# expect <what> <expected> <actual>
+expect() {
+  [ "$2" = "$3" ] && return
+  printf '%s:\nexpected %s\nhad      %s\n' "$1" "$2" "$3"
+  status=1
+}
+
+# refused <option>: with one line, and 2.
+refused() {
+  local text code=0
+  text=$("$program" "$1" 2>&1) || code=$?
+  expect "the status of $1" 2 "$code"
+  expect "the lines of $1" 1 "$(grep -c '^veldra_bench: ' <<<"$text")"
+}
+
+expect "a choice by its beginning" "all_materials
+all_materials_freed" "$("$program" --list '--filter=^all_mat')"
+expect "a choice by either of two words" "purge
+size_of_material" "$("$program" --list '--filter=purge|size_of_mat')"
+expect "the lines of a table" "purge" \
+  "$("$program" --filter=purge --materials=50 --rounds=1 | sed '1,/^work .*unit/d' | cut -d' ' -f1)"
+[ "$("$program" --list | wc -l)" -gt 20 ] || { echo "not all works are listed"; status=1; }
+
+refused --filter='('
+refused --filter=no_such_work
+refused --rounds=0
+refused --materials=many
+refused --no-such-option
+exit "$status"

@@ -1,0 +1,59 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-2.0-or-later
+# Configures the project on machines that lack packages, or have old ones: what can be built is, what
+# cannot be is told, and what was asked for by name stops with a sentence.
+#
+#   parts.sh <source tree> <compiler>
+set -euo pipefail
+
+source=$1 compiler=$2
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+status=0
+
+wrong() {
+  printf '%s\n' "$*"
+  sed 's/^/  | /' "$folder/log"
+  status=1
+}
+
+configure() {
+  cmake -G Ninja -S "$source" -B "$folder/build" -DCMAKE_CXX_COMPILER="$compiler" "$@" \
+    >"$folder/log" 2>&1
+}
+# Lines are broken where they are long.
+tells() { tr -s ' \n' ' ' <"$folder/log" | grep -qF -- "$1" || wrong "not told: $1"; }
+has() { ninja -C "$folder/build" -t targets all | grep "^$1:" >/dev/null; }
+
+# refused <sentence> <option>...
+refused() {
+  local sentence=$1
+  shift
+  ! configure "$@" || wrong "configured with $*"
+  tells "$sentence"
+}
+
+absent=()
+for package in CLI11 nlohmann_json fmt GTest; do
+  absent+=("-DCMAKE_DISABLE_FIND_PACKAGE_$package=ON")
+done
+configure "${absent[@]}" || wrong "not configured without the program's libraries"
+tells "Leaving out the program, which cannot be built without: CLI11, nlohmann_json, fmt"
+tells "Leaving out the tests, which cannot be built without: GTest"
+has veldra || wrong "the library is not built"
+! has veldra_tool || wrong "the program is built without its libraries"
+
+refused "VELDRA_BUILD_TOOLS is ON, and the program cannot be built without: CLI11, nlohmann_json, fmt" \
+  -DVELDRA_BUILD_TOOLS=ON
+refused "VELDRA_BUILD_TESTS is ON, and the tests cannot be built without: GTest" \
+  -DVELDRA_BUILD_TOOLS=OFF -DVELDRA_BUILD_TESTS=ON
+configure -DVELDRA_BUILD_TESTS=OFF || wrong "not configured without program and tests"
+! grep -q 'Leaving out' "$folder/log" || wrong "told of what is not wanted"
+
+mkdir -p "$folder/old/odb"
+printf '#define SQLITE_VERSION "3.31.1"\n' >"$folder/old/sqlite3.h"
+printf '#define LIBODB_VERSION_STR "2.3.0"\n' >"$folder/old/odb/version.hxx"
+refused "libodb is 2.3.0, and the library needs 2.4 or later" -DVELDRA_ODB_INCLUDE="$folder/old"
+refused 'Found unsuitable version "3.31.1", but required is at least "3.32"' \
+  -DSQLite3_INCLUDE_DIR="$folder/old"
+exit "$status"
