@@ -54,8 +54,8 @@ VELDRA_EXPORT ErrorKind error_kind(std::exception_ptr error = std::current_excep
 /// The result code of SQLite behind an error: of the exception that is being handled, or of the one
 /// that is given. 0 if there is none.
 ///
-/// The code is the extended one where it is known, such as 2067 for a violated unique index;
-/// `code & 0xFF` is the primary one.
+/// The code is the extended one where it is known, such as 2067 for a violated unique index, or 516
+/// for a transaction that has ended by itself; `code & 0xFF` is the primary one.
 VELDRA_EXPORT int error_code(std::exception_ptr error = std::current_exception()) noexcept;
 
 /// The text of an error in UTF-8: of the exception that is being handled, or of the one that is

@@ -42,7 +42,9 @@ namespace veldra {
 /// it pass. `error_kind` tells all of them apart without the headers of those layers. In the lists
 /// below "a database error" stands for:
 ///
-/// - `odb::timeout` (`ErrorKind::Busy`): the file was held by others for more than 5 seconds.
+/// - `odb::timeout` (`ErrorKind::Busy`): the file was held by others for more than 5 seconds. A
+/// host
+///   may try again; nothing has happened. `interrupt` ends the wait sooner.
 /// - `odb::sqlite::database_exception`: SQLite failed, by lack of space (`ErrorKind::Full`), in a
 ///   file that can only be read (`ErrorKind::ReadOnly`) or is damaged (`ErrorKind::Damaged`), or
 ///   for another reason (`error_code`).
@@ -64,7 +66,8 @@ namespace veldra {
 /// Thread rule:
 /// - One thread at a time uses a library and its objects. `interrupt` alone may be called from any
 ///   thread.
-/// - Different threads may use different libraries at the same time.
+/// - Different threads may use different handles at the same time, also on the same file. While one
+///   of them writes, the others wait.
 /// - One thread at a time calls `create`, `open` or `openExisting`, whatever the file.
 /// - To copy from a library, or to save one of its objects elsewhere, is to use that library too.
 ///
@@ -395,6 +398,8 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   ///
   ///     library->backup("walls-2026-11-22.lib");
   ///
+  /// To replace an older backup, write the new one under another name and rename it.
+  ///
   /// - The copy is one state of the library, also while others write. Others that want to commit
   ///   wait for its end.
   /// - The copy is on the disk when the function returns.
@@ -580,6 +585,11 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// The keys of the objects that refer to an object, as the file has them: compositions of a
   /// material, materials of a tag, and so on, assets too. The object itself need not exist. Reads
   /// no object.
+  ///
+  ///     for (const auto& key : library->referrers({veldra::ObjectType::Material, brick->id()})) {
+  ///       const auto user = library->get<veldra::Composition>(key.id);  // all are compositions
+  ///       if (user) print(user->name());                                // unless it is unreadable
+  ///     }
   ///
   /// Throws: a database error (`Library`).
   std::set<ObjectKey> referrers(const ObjectKey& key) const;

@@ -16,6 +16,7 @@ namespace veldra {
 ///
 ///     veldra::String name("Gl\xC3\xA4tteputz");   // from UTF-8
 ///     std::string text = name.utf8();             // and back
+///     veldra::String longer((text + " 2").c_str());
 ///     if (name == other_name) { ... }
 ///
 /// Throws: conversions are checked. Malformed text raises an exception of the utf8-cpp library,

@@ -30,6 +30,8 @@ std::map<std::string, ObjectType> kinds_by_table() {
     using T = typename decltype(kind)::type;
     kinds[Kind<T>::table] = ObjectTraits<T>::type;
   });
+  // Materials refer to the tables that hold the rest of an asset.
+  for (const char* half : {"StructuralAsset", "ThermalAsset"}) kinds[half] = ObjectType::Asset;
   return kinds;
 }
 
