@@ -111,6 +111,9 @@ class VELDRA_EXPORT Composition : public Object<Composition>,
   /// The container of the layers.
   using Layers = std::vector<Layer>;
 
+  /// @name Making and comparing
+  /// @{
+
   /// Makes a new composition without name and layers: id 0, no library. It is clean, so that `save`
   /// writes nothing until something is set.
   static std::shared_ptr<Composition> create();
@@ -136,6 +139,8 @@ class VELDRA_EXPORT Composition : public Object<Composition>,
 
   /// The opposite of `==`.
   bool operator!=(const Composition& other) const;
+
+  /// @}
 
   /// @name Texts and type
   /// @{

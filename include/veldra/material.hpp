@@ -47,6 +47,9 @@ class VELDRA_EXPORT Material : public Object<Material>,
     Structure = 1  ///< carries loads: brickwork, concrete, studs
   };
 
+  /// @name Making and comparing
+  /// @{
+
   /// Makes a new material of defaults: id 0, no library, an empty name. The material is clean, so
   /// that `save` writes nothing until something is set.
   ///
@@ -81,6 +84,8 @@ class VELDRA_EXPORT Material : public Object<Material>,
 
   /// The opposite of `==`.
   bool operator!=(const Material& other) const;
+
+  /// @}
 
   /// @name Texts and type
   /// Texts for people. The library stores them, compares them and copies them, and interprets none
