@@ -25,7 +25,7 @@ namespace veldra {
 ///                 variable_layer = 1, from 80 to 240 thick
 ///
 /// - The core, from `first_core_layer` to `last_core_layer`, is the part that remains when the
-///   finishes are taken away. Hosts join walls by their cores.
+///   finishes are taken away.
 /// - The structural layer carries the loads. It lies in the core. Where the core moves away from
 ///   it, a core layer with `Material::Function::Structure` takes its role.
 /// - The variable layer, if any, may differ in thickness from place to place, such as insulation
@@ -58,9 +58,9 @@ class VELDRA_EXPORT Composition : public Object<Composition>,
   /// The kind of building part. The numbers are stored in files and never change. Each is one bit,
   /// so that `CompositionCriteria` can join them.
   enum class Type : unsigned {
-    Wall = 1,    ///< upright; heat flows through it horizontally
-    Floor = 2,   ///< level; the outside is the lower side
-    Roof = 4,    ///< the top of the building
+    Wall = 1,    ///< a wall; `veldra` takes the heat to flow through it horizontally
+    Floor = 2,   ///< a floor; `veldra` takes the heat to flow downward
+    Roof = 4,    ///< a roof; `veldra` takes the heat to flow upward
     Other = 128  ///< all else
   };
 

@@ -40,8 +40,8 @@ struct Color {
 
 /// A point of the plane, in the host's unit. Never converted.
 struct Point2d {
-  double x = 0.0;  ///< to the right
-  double y = 0.0;  ///< upwards
+  double x = 0.0;  ///< the first coordinate
+  double y = 0.0;  ///< the second coordinate
 
   /// Makes the origin.
   Point2d() = default;
@@ -70,7 +70,7 @@ struct Pattern {
 
   Type type = Type::None;  ///< the kind of hatch
   String name;             ///< the name of a hatch that the host knows; empty for plain lines
-  double scale = 1.0;      ///< the distance of the lines, in the host's unit; never converted
+  double scale = 1.0;      ///< the size of the hatch, in the host's unit; never converted
   double angle = 0.0;      ///< in the host's unit; degrees in the program `veldra`
   bool cross = false;      ///< whether a second set of lines crosses the first one
 
