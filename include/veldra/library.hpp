@@ -188,7 +188,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// version is migrated to the current one.
   ///
   /// Caution: a database that does not say its version counts as empty. Its tables are lost where
-  /// they have the names of those of a library. `openExisting` makes a library of nothing.
+  /// they have the names of those of a library. `openExisting` never makes a new library.
   ///
   /// Names of files:
   /// - "memdb:///walls" opens the path "/walls" through the SQLite VFS "memdb".
