@@ -674,6 +674,11 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// @name Removing
   /// An object is removed only if no object in the library refers to it and the reactor allows it.
   /// Each object is removed in a transaction of its own, unless the host has a `Transaction`.
+  ///
+  /// Within a `Transaction`, several objects are removed in a time that grows with their number.
+  /// Without one, the database searches the file for each object. Within one, `objectRemoved`
+  /// usually notifies of removed objects only, and not of those that then turn out to be referred
+  /// to.
   /// @{
 
   /// Removes one object. Returns whether it was removed: false if the reactor has refused, or
