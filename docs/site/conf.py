@@ -55,7 +55,7 @@ def name_files_outside(app, docname, source):
 
 
 # The pages that an index page lists are its part of the table of contents.
-LISTED = re.compile(r"^(?:- |\d+\. )\[[^\]]+\]\(([^)#]+)\.md\)", re.M)
+LISTED = re.compile(r"^(?:- |\d+\. |\| )\[[^\]]+\]\(([^)#]+)\.md\)", re.M)
 
 
 def add_contents(app, docname, source):

@@ -134,13 +134,20 @@ TEST_F(Manual, the_other_shells_know_every_command_and_option) {
   }
 }
 
+TEST_F(Manual, the_first_page_of_the_site_leads_to_all_others) {
+  const std::string page = veldra_manual::markdown_page(program);
+  for (const auto& each : program.commands) {
+    EXPECT_THAT(page, HasSubstr("[" + each.name + "](" + each.name + ".md)"));
+  }
+}
+
 TEST_F(Manual, each_page_of_the_site_has_all_that_the_help_has) {
   for (const auto& each : program.commands) {
     const std::string page = veldra_manual::markdown_page(program, each);
     for (const auto& argument : each.arguments) {
       EXPECT_THAT(page, HasSubstr(argument.text)) << each.name;
     }
-    EXPECT_THAT(page, HasSubstr("```\n" + each.example + "\n```")) << each.name;
+    EXPECT_THAT(page, HasSubstr("```text\n" + each.example + "\n```")) << each.name;
   }
 }
 

@@ -31,10 +31,11 @@ void write_all(const std::filesystem::path& folder) {
   const Description program = describe(host.arguments, veldra::version_text());
   const std::string& name = program.name;
   write(folder / "man" / (name + ".1"), man_page(program));
+  write(folder / "markdown" / "index.md", markdown_page(program));
   for (const auto& command : program.commands) {
     const std::string page = name + "-" + command.name;
     write(folder / "man" / (page + ".1"), man_page(program, command));
-    write(folder / "markdown" / (page + ".md"), markdown_page(program, command));
+    write(folder / "markdown" / (command.name + ".md"), markdown_page(program, command));
   }
   write(folder / "completions" / "bash" / name, bash_completion(program));
   write(folder / "completions" / "zsh" / ("_" + name), zsh_completion(program));

@@ -12,7 +12,8 @@ namespace veldra_manual {
 std::string man_page(const Description& program);
 std::string man_page(const Description& program, const Command& command);
 
-/// The page of one command in Markdown, for the site.
+/// The same in Markdown, for the site.
+std::string markdown_page(const Description& program);
 std::string markdown_page(const Description& program, const Command& command);
 
 // Completion of what is typed in shells.
