@@ -9,53 +9,80 @@
 
 namespace veldra {
 
-// What a list or a count selects. All that is set must hold; a record of defaults selects all.
-
+/// The materials that a list, a search or a count selects. A material must meet all conditions that
+/// are set; a record of defaults selects every material.
+///
+///     veldra::MaterialCriteria criteria;
+///     criteria.type = library->get<veldra::MaterialType>("Wood");
+///     criteria.tags = {"exterior", "facade"};  // with one of the two, or both
+///     library->get(found, criteria);
 struct MaterialCriteria {
-  std::shared_ptr<const MaterialType> type;  ///< of this type, told by its id
-  std::set<String> tags;                     ///< with at least one tag of these names
+  std::shared_ptr<const MaterialType> type;  ///< if set: of this type, which its id names
+  std::set<String> tags;                     ///< if not empty: with at least one tag of these names
 };
 
+/// The compositions that a list, a search or a count selects. A composition must meet all
+/// conditions that are set; a record of defaults selects every composition.
 struct CompositionCriteria {
-  unsigned types = 0;     ///< of one of these types, the values of `Composition::Type` joined
-  std::set<String> tags;  ///< with at least one tag of these names
+  /// If not 0: of one of these types. The values of `Composition::Type` are joined by `|`:
+  /// `unsigned(Composition::Type::Wall) | unsigned(Composition::Type::Roof)`.
+  unsigned types = 0;
+
+  std::set<String> tags;  ///< if not empty: with at least one tag of these names
 };
 
+/// The custom properties that a list, a search or a count selects.
 struct CustomPropertyCriteria {
-  ObjectType object_type{};  ///< for this kind of object
+  ObjectType object_type{};  ///< if not 0: for this kind of object
 };
 
+/// Selects every material type.
 struct MaterialTypeCriteria {};
+
+/// Selects every drawing layer.
 struct LayerCriteria {};
+
+/// Selects every tag.
 struct TagCriteria {};
 
 /// The criteria of a kind: `CriteriaOf<Material>::type` is `MaterialCriteria`.
 template <class T>
 struct CriteriaOf;
 
+/// The criteria of tags.
 template <>
 struct CriteriaOf<Tag> {
-  using type = TagCriteria;
+  using type = TagCriteria;  ///< the record to fill
 };
+
+/// The criteria of material types.
 template <>
 struct CriteriaOf<MaterialType> {
-  using type = MaterialTypeCriteria;
+  using type = MaterialTypeCriteria;  ///< the record to fill
 };
+
+/// The criteria of drawing layers.
 template <>
 struct CriteriaOf<Layer> {
-  using type = LayerCriteria;
+  using type = LayerCriteria;  ///< the record to fill
 };
+
+/// The criteria of custom properties.
 template <>
 struct CriteriaOf<CustomProperty> {
-  using type = CustomPropertyCriteria;
+  using type = CustomPropertyCriteria;  ///< the record to fill
 };
+
+/// The criteria of materials.
 template <>
 struct CriteriaOf<Material> {
-  using type = MaterialCriteria;
+  using type = MaterialCriteria;  ///< the record to fill
 };
+
+/// The criteria of compositions.
 template <>
 struct CriteriaOf<Composition> {
-  using type = CompositionCriteria;
+  using type = CompositionCriteria;  ///< the record to fill
 };
 
 }  // namespace veldra

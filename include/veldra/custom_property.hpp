@@ -6,40 +6,68 @@
 
 namespace veldra {
 
-/// The definition of a property that the users of a library made up: a name, and the kind of
-/// object that it is for (`ObjectType::Material` or `ObjectType::Composition`). Values are texts
-/// and stand at the objects. Names are unique per kind within a library.
+/// The definition of a property that the users of a library have made up, such as "Fire class":
+///
+/// - a name,
+/// - the kind of object that can have a value: `ObjectType::Material` or `ObjectType::Composition`.
+///
+/// The values are texts, and objects hold them (`CustomValued`). Two properties may have the same
+/// name if they are for different kinds of object.
+///
+/// A property for the kind 0, `ObjectType{}`, is for objects of both kinds.
 class VELDRA_EXPORT CustomProperty : public Object<CustomProperty>,
                                      public Saveable<CustomProperty> {
  public:
-  /// A new property: id 0, no library, dirty. The kind of object never changes afterwards.
+  /// Makes a new property: id 0, no library, dirty. The kind of object never changes afterwards.
+  ///
+  /// A property of that name and kind in the library takes its place when it is saved.
+  ///
+  /// Throws: `std::bad_alloc`.
   static std::shared_ptr<CustomProperty> create(const String& name, ObjectType type);
 
-  /// A new property of the same name and kind of object: id 0, no library, dirty.
+  /// Makes a new property of the same name and kind of object: id 0, no library, dirty.
+  ///
+  /// Throws: `std::bad_alloc`.
   std::shared_ptr<CustomProperty> clone() const;
 
+  /// Destroys the handle. The property in the library stays.
   ~CustomProperty();
 
   using Object<CustomProperty>::name;
 
-  /// Renames it; marks it dirty when the name differs. Not while an object in memory has a value of
-  /// it by this very pointer: values are ordered by the names. Read another handle to rename it.
+  /// Renames the property; every object with a value shows the new name once the property is saved.
+  /// Marks the property dirty if the name differs.
+  ///
+  /// An object in memory orders its values by the names of their properties. So a property must not
+  /// be renamed through a pointer that such an object holds: read the property anew from the
+  /// library, rename that one and save it.
+  ///
+  /// Throws: `std::bad_alloc`.
   void name(const String& name);
 
-  /// The kind of object that the property is for.
+  /// The kind of object that can have a value of the property.
   ObjectType object_type() const noexcept;
 
-  /// Equality of name and kind of object; ids and libraries do not count.
+  /// Whether names and kinds of object are equal. Ids and libraries do not count.
   bool operator==(const CustomProperty& other) const noexcept;
+
+  /// The opposite of `==`.
   bool operator!=(const CustomProperty& other) const noexcept;
 
  protected:
+  /// The values of the property.
   struct Impl;
 
+  /// A clean property of defaults, which the library fills with a row of the file.
   CustomProperty();
+
+  /// A property that takes over `impl`.
   explicit CustomProperty(Impl* impl);
 
+  /// The values, for the library to write.
   Impl& impl() noexcept;
+
+  /// The values, for the library to read.
   const Impl& impl() const noexcept;
 
  private:
@@ -49,20 +77,31 @@ class VELDRA_EXPORT CustomProperty : public Object<CustomProperty>,
   std::unique_ptr<Impl> impl_;
 };
 
-/// The key of a custom value: a pointer to its property.
+/// The key of a custom value: a pointer to its property, which is never null.
 ///
-/// The order looks at the name alone, so that an object has at most one value per property name;
-/// equality looks at the kind of object as well. The difference is deliberate.
+/// - Keys are ordered by the names alone, so that an object has at most one value per name.
+/// - Keys are equal when names and kinds of object are equal. The difference is deliberate.
 class VELDRA_EXPORT CustomPropertyKey {
  public:
-  /// `property` must not be null.
+  /// Makes the key of a property, which must not be null.
   CustomPropertyKey(const std::shared_ptr<const CustomProperty>& property);
+
+  /// Copies the pointer.
   CustomPropertyKey(const CustomPropertyKey& other);
+
+  /// Copies the pointer.
   CustomPropertyKey& operator=(const CustomPropertyKey& other);
+
+  /// Releases the pointer.
   ~CustomPropertyKey();
 
+  /// The property.
   const CustomProperty& operator*() const noexcept;
+
+  /// Access to the property: `key->name()`.
   const std::shared_ptr<const CustomProperty>& operator->() const noexcept;
+
+  /// The pointer to the property.
   operator const std::shared_ptr<const CustomProperty>&() const noexcept;
 
  private:
@@ -75,57 +114,86 @@ class VELDRA_EXPORT CustomPropertyKey {
   mutable std::shared_ptr<const CustomProperty> property_;
 };
 
-/// By name only, code unit by code unit.
+/// Orders keys by the names of the properties alone, code unit by code unit.
 VELDRA_EXPORT bool operator<(const CustomPropertyKey& left, const CustomPropertyKey& right);
 
-/// The same property object, or equal names and kinds of object.
+/// Whether two keys have the same property object, or properties with equal names and kinds of
+/// object.
 VELDRA_EXPORT bool operator==(const CustomPropertyKey& left, const CustomPropertyKey& right);
 
 /// The values of custom properties that a material or a composition has, at most one per name.
+///
+///     oak->custom_value("Fire class", "D-s2,d0");
+///     const auto value = oak->custom_value("Fire class");
+///     if (!value.null()) print(value.get().utf8());
+///
+/// A value is a text. The program `veldra` reads some values as numbers, by the names of their
+/// properties, such as "Density [kg/m3]".
 template <class T>
 class VELDRA_EXPORT CustomValued {
  public:
+  /// The container of the values.
   using Values = std::map<CustomPropertyKey, String>;
 
-  /// All values, in the order of the property names.
+  /// All values, in the order of the names of their properties. Valid until the object is changed,
+  /// saved or destroyed.
   const Values& custom_values() const noexcept;
 
-  /// The values for changing; each call marks the owner dirty.
+  /// The first value, to be changed through the iterator. Every call marks the owner dirty.
   Values::iterator custom_values_begin(const ToModify&);
+
+  /// The end of the values, to go with `custom_values_begin`. Every call marks the owner dirty.
   Values::iterator custom_values_end(const ToModify&);
 
-  /// The value of a property; null when there is none, also when the value of that name belongs
-  /// to a property for another kind of object, and for an empty pointer.
+  /// The value of a property. Null if:
+  ///
+  /// - there is no value under the name of the property,
+  /// - the value under that name is one of a property for another kind of object,
+  /// - `property` is empty.
+  ///
+  /// Throws: `std::bad_alloc`.
   odb::nullable<String> custom_value(const std::shared_ptr<const CustomProperty>& property) const;
 
-  /// The value under a property name, whatever kind of object the property is for; null when
-  /// there is none. No library is consulted.
+  /// The value under the name of a property, for whichever kind of object the property is. Null if
+  /// there is none. Looks into the object alone, not into a library.
+  ///
+  /// Throws: `std::bad_alloc`.
   odb::nullable<String> custom_value(const String& name) const;
 
-  /// Sets a value and marks the owner dirty, also when the value is the same. A value under the
-  /// same name keeps the property object that it has.
+  /// Sets the value of a property. Marks the owner dirty, also if the value is the same. A value
+  /// that is there under that name is replaced, and keeps its property object.
   ///
-  /// Throws `InappropriateCustomProperty`, and changes nothing, when the property is for another
-  /// kind of object than the owner (a property for kind 0 is for all), or the pointer is empty.
+  /// Throws, and changes nothing:
+  /// - `InappropriateCustomProperty`: `property` is for another kind of object, or is empty.
+  /// - `std::bad_alloc`.
   void custom_value(const std::shared_ptr<const CustomProperty>& property, const String& value);
 
-  /// Sets a value under a property name and marks the owner dirty. A name without a value gets a
-  /// new, unsaved property; when the owner is saved, a stored property of that name and kind of
-  /// object takes its place.
+  /// Sets the value under the name of a property. Marks the owner dirty, also if the value is the
+  /// same.
+  ///
+  /// If there is no value under that name, the object gets a new property for its own kind. When
+  /// the owner is saved, the property of that name and kind in the library takes the place of the
+  /// new one; if there is none, the new one is saved.
+  ///
+  /// Throws: `std::bad_alloc`.
   void custom_value(const String& name, const String& value);
 
-  /// Removes the value that `custom_value(property)` gives, if any; only then the owner becomes
-  /// dirty.
+  /// Removes the value that `custom_value(property)` returns. Marks the owner dirty if there is
+  /// one, and does nothing otherwise. The property stays in the library.
   void clear_custom_value(const std::shared_ptr<const CustomProperty>& property);
 
-  /// Removes the value that `custom_value(name)` gives, if any; only then the owner becomes dirty.
+  /// Removes the value that `custom_value(name)` returns. Marks the owner dirty if there is one,
+  /// and does nothing otherwise. The property stays in the library.
   void clear_custom_value(const String& name);
 
-  /// Removes all values; marks the owner dirty when there were any.
+  /// Removes all values. Marks the owner dirty if there is one. The properties stay in the library.
   void clear_custom_values();
 
  protected:
+  /// A part of an object, not an object.
   CustomValued() = default;
+
+  /// A part of an object, not an object.
   ~CustomValued() = default;
 };
 

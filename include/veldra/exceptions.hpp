@@ -16,27 +16,38 @@ namespace veldra {
 ///     } catch (const veldra::Exception& error) {
 ///       report(veldra::String(error.what()).utf8());
 ///     }
+///
+/// Errors of the database come as exceptions of other families too. A host that does not want to
+/// know the families catches everything and asks `error_kind` and `error_text`.
 class VELDRA_EXPORT Exception {
  public:
+  /// Destroys the exception.
   virtual ~Exception();
 
-  /// What happened, as a UTF-16 text that ends with 0 and lives as long as the program.
-  /// Never translated.
+  /// A fixed English sentence about the error, as a UTF-16 text that ends with 0. Never null and
+  /// never translated. Valid as long as the program runs.
   virtual const unsigned short* what() const = 0;
 };
 
-/// A failure of the database or of its runtime that no other exception names.
+/// A failure of the database, or of the runtime below the library, for which there is no other
+/// exception.
 class VELDRA_EXPORT UnknownError : public Exception {
  public:
+  /// Destroys the exception.
   ~UnknownError() override;
+
+  /// "Unkown error", spelled so for all time: hosts may compare it.
   const unsigned short* what() const override;
 };
 
-/// A failure of the database whose cause is known. Thrown where `UnknownError` is documented.
+/// A failure of the database with a result code of SQLite. Thrown where `UnknownError` is
+/// documented.
 class VELDRA_EXPORT DatabaseError : public UnknownError {
  public:
-  /// `code` is a result code of SQLite.
+  /// Makes an exception with a result code of SQLite.
   explicit DatabaseError(int code);
+
+  /// Destroys the exception.
   ~DatabaseError() override;
 
   /// The primary result code of SQLite, such as 13 for a full disk or 5 for a file that another
@@ -50,99 +61,149 @@ class VELDRA_EXPORT DatabaseError : public UnknownError {
 /// The root of the exceptions about a file.
 class VELDRA_EXPORT FileError : public Exception {
  public:
+  /// Copies the exception with the name of the file.
   FileError(const FileError& other);
+
+  /// Takes over the name of the file.
   FileError& operator=(const FileError& other);
+
+  /// Destroys the exception.
   ~FileError() override;
 
-  /// The name of the file as it was given. Lives as long as the exception.
+  /// The name of the file as it was passed to the function that has thrown. Valid as long as the
+  /// exception.
   const String& filename() const noexcept;
 
  protected:
+  /// Makes an exception about a file.
   explicit FileError(const String& filename);
 
  private:
   String filename_;
 };
 
-/// An existing library was asked for, and the file holds none: it is empty, another database, or
-/// does not say its version or which library it is.
+/// The file is no library where an existing one is asked for: it is empty, it is another database,
+/// or it does not say its version or its identity.
 class VELDRA_EXPORT NotALibrary : public FileError {
  public:
+  /// Makes an exception about a file.
   explicit NotALibrary(const String& filename);
+
+  /// Destroys the exception.
   ~NotALibrary() override;
+
+  /// A sentence without the name of the file.
   const unsigned short* what() const override;
 };
 
-/// A new file was to be written, and there is one of that name.
+/// There is a file of the name under which a new one was to be written.
 class VELDRA_EXPORT FileExists : public FileError {
  public:
+  /// Makes an exception about a file.
   explicit FileExists(const String& filename);
+
+  /// Destroys the exception.
   ~FileExists() override;
+
+  /// A sentence without the name of the file.
   const unsigned short* what() const override;
 };
 
-/// The file is not one of the same library: its GUID is another one.
+/// The file is a library with another GUID than the one that is to be restored from it.
 class VELDRA_EXPORT OtherLibrary : public FileError {
  public:
+  /// Makes an exception about a file.
   explicit OtherLibrary(const String& filename);
+
+  /// Destroys the exception.
   ~OtherLibrary() override;
+
+  /// A sentence without the name of the file.
   const unsigned short* what() const override;
 };
 
-/// The running operation was ended by `Library::interrupt` and taken back.
+/// `Library::interrupt` has ended the running operation, whose changes were taken back.
 class VELDRA_EXPORT Interrupted : public Exception {
  public:
+  /// Destroys the exception.
   ~Interrupted() override;
+
+  /// A fixed sentence.
   const unsigned short* what() const override;
 };
 
-/// A change was asked of a library that is open for reading only.
+/// The library was opened for reading only, or its file can only be read, and a change was asked
+/// for.
 class VELDRA_EXPORT LibraryReadOnly : public Exception {
  public:
+  /// Destroys the exception.
   ~LibraryReadOnly() override;
+
+  /// "Library is read only"
   const unsigned short* what() const override;
 };
 
-/// An object that was named by its id is not in the library.
+/// The library has no object of that id.
 class VELDRA_EXPORT ObjectNotFound : public Exception {
  public:
+  /// Destroys the exception.
   ~ObjectNotFound() override;
+
+  /// "Object not found"
   const unsigned short* what() const override;
 };
 
-/// A value was set through a custom property that is meant for another kind of object.
+/// A custom value was set through a property that is for another kind of object.
 class VELDRA_EXPORT InappropriateCustomProperty : public Exception {
  public:
+  /// Destroys the exception.
   ~InappropriateCustomProperty() override;
+
+  /// "Inappropriate custom property"
   const unsigned short* what() const override;
 };
 
 /// The root of the exceptions about objects that would contradict each other.
 class VELDRA_EXPORT ConsistencyError : public Exception {
  public:
+  /// Destroys the exception.
   ~ConsistencyError() override;
 };
 
-/// An object cannot be removed, because another one refers to it.
+/// The object cannot be removed, because another object refers to it. `Library::referrers` names
+/// those objects.
 class VELDRA_EXPORT ObjectInUse : public ConsistencyError {
  public:
+  /// Destroys the exception.
   ~ObjectInUse() override;
+
+  /// "Object is still referenced by other object"
   const unsigned short* what() const override;
 };
 
-/// An object cannot be saved, because another one has the same value where values are unique.
+/// The object cannot be saved, because another object has the same name, or the same code.
 class VELDRA_EXPORT ObjectNotUnique : public ConsistencyError {
  public:
+  /// Makes an exception without a text, as for a name that is taken.
   ObjectNotUnique();
+
+  /// Makes an exception with a text.
   explicit ObjectNotUnique(const String& text);
+
+  /// Copies the exception with its text.
   ObjectNotUnique(const ObjectNotUnique& other);
+
+  /// Takes over the text.
   ObjectNotUnique& operator=(const ObjectNotUnique& other);
+
+  /// Destroys the exception.
   ~ObjectNotUnique() override;
 
+  /// "An other object with the same values exists"
   const unsigned short* what() const override;
 
-  /// What clashes, such as "Material.code"; empty where nothing more is known. Lives as long as
-  /// the exception.
+  /// The column with the value that is taken: "Material.code" for a code, empty for a name. Valid
+  /// as long as the exception.
   const String& text() const noexcept;
 
  private:

@@ -12,9 +12,13 @@ namespace veldra {
 
 class Library;
 
-/// Which objects of a library stand for which objects of other libraries, and how they came to be
-/// there. Saving and copying fill it; passing the same mapping again makes later calls use the
-/// objects that earlier ones made.
+/// A record of copying: for each object of a source library, the object of the destination library
+/// that stands for it, and how that object was found or made.
+///
+/// Saving and copying add entries. A host that passes the same mapping to several calls gets:
+///
+/// - no object twice: a later call uses the objects that an earlier one has made;
+/// - the ids of the copies.
 ///
 ///     veldra::IdMapping mapping(office.get());
 ///     office->copyAll(supplier, mapping);
@@ -23,61 +27,86 @@ class Library;
 ///       // material 17 of the supplier is material oak.id of the office now
 ///     }
 ///
-/// It keeps no library alive; use it no longer than the libraries whose pointers it holds.
+/// Lifetime: a mapping keeps no library open and compares libraries by their addresses. Do not use
+/// it after one of its libraries was closed.
+///
+/// Entries of a call that has thrown, or whose transaction was rolled back, stay. Their ids may be
+/// given to other objects later. Go on with a copy of the mapping that was made before the call.
+///
+/// Thread rule: as for a standard container.
 class VELDRA_EXPORT IdMapping {
  public:
-  /// How an object came to stand for another.
+  /// How an object of the destination was found or made.
   enum Status : int {
-    Inserted = 0,  ///< as a new object
-    Existing = 1,  ///< it was there already and was taken as it is; nothing was written
-    Updated = 2    ///< it was there already and was overwritten
+    Inserted = 0,  ///< the object is new
+    Existing = 1,  ///< the object was there and has not been changed
+    Updated = 2    ///< the object was there and has been overwritten
   };
 
-  /// An object of a source library. Ordered by the library, then by kind, then by id.
+  /// An object of a source library.
   struct VELDRA_EXPORT Key {
-    ObjectKey key;
-    const Library* source;
+    ObjectKey key;          ///< the kind of the object and its id in the source
+    const Library* source;  ///< the source; null for an object that belonged to no library
 
+    /// Makes the key of an object. Keeps the pointer alone.
     Key(const ObjectKey& key, const Library* source);
 
+    /// Whether library, kind and id are equal.
     bool operator==(const Key& other) const;
+
+    /// The opposite of `==`.
     bool operator!=(const Key& other) const;
+
+    /// Orders keys by library, then by kind, then by id.
     bool operator<(const Key& other) const;
   };
 
-  /// The object of the destination that stands for it.
+  /// The object of the destination that stands for an object of a source.
   struct VELDRA_EXPORT Value {
-    unsigned id;
-    Status status;
+    unsigned id;    ///< the id of the object in the destination; its kind is that of the key
+    Status status;  ///< how the object was found or made
 
-    Value();  ///< id 0, inserted
+    /// Makes a value with the id 0 and the status `Inserted`.
+    Value();
+
+    /// Makes a value.
     Value(unsigned id, Status status);
   };
 
+  /// The container of the entries.
   using Entries = std::map<Key, Value>;
+
+  /// An iterator over the entries.
   using const_iterator = Entries::const_iterator;
 
-  /// An empty mapping into `destination`, of which only the pointer is kept.
+  /// Makes an empty mapping into `destination`. Keeps the pointer alone.
   explicit IdMapping(const Library* destination);
 
-  /// The library that the ids of the values belong to.
+  /// The library to which the ids of the values belong.
   const Library* destination() const noexcept;
 
-  /// Sets the value of a key, whether it has one or not.
+  /// Sets the value of a key: adds an entry, or replaces the value of the entry that is there.
+  ///
+  /// Throws: `std::bad_alloc`.
   void assign(const Key& key, const Value& value);
 
+  /// Whether the mapping has an entry for `key`.
   bool has(const Key& key) const;
 
-  /// Writes the value of a key to `value` and returns true; leaves `value` alone and returns false
-  /// when it has none.
+  /// Looks an entry up. If there is one, writes its value to `value` and returns true. If there is
+  /// none, leaves `value` as it is and returns false.
   bool compute(const Key& key, Value& value) const;
 
-  /// Removes a key and returns whether it was there.
+  /// Removes the entry of a key. Returns whether there was one.
   bool remove(const Key& key);
 
-  /// The entries in the order of the keys.
+  /// The first entry in the order of the keys. Valid until the entry is removed.
   const_iterator begin() const noexcept;
+
+  /// The end of the entries.
   const_iterator end() const noexcept;
+
+  /// The number of entries.
   std::size_t size() const noexcept;
 
  private:

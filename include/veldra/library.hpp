@@ -15,7 +15,7 @@
 
 namespace veldra {
 
-/// An open library file.
+/// An open library file: a catalogue of materials and compositions in one SQLite database.
 ///
 ///     auto library = veldra::Library::create("walls.lib", veldra::Unit::Millimetres, "");
 ///
@@ -25,131 +25,211 @@ namespace veldra {
 ///     std::vector<std::shared_ptr<veldra::Material>> found;
 ///     library->search(found, "%brick%");
 ///
-/// The file is open until the last `std::shared_ptr` to the handle goes; objects do not keep it
-/// open. Every operation that writes is one transaction: it is done in full, or not at all;
-/// `Transaction` makes one of several. What is read is a snapshot in memory: two reads give two
-/// objects.
+/// In the functions below `T` stands for `Tag`, `MaterialType`, `Layer`, `CustomProperty`,
+/// `Material` or `Composition`.
 ///
-/// `T` stands for `Tag`, `MaterialType`, `Layer`, `CustomProperty`, `Material` and `Composition`.
+/// Lifetime:
+/// - The file is open until the last `std::shared_ptr` to the handle is released. Objects do not
+///   keep it open; a `Snapshot` and a `Transaction` do.
+/// - Objects that are read are copies in memory: to read one twice gives two objects, and neither
+///   shows what is written later.
 ///
-/// Errors. What the library itself has to say is thrown as `veldra::Exception`. Errors of the
-/// database pass as the exceptions of the persistence runtime (`odb::exception`, derived from
-/// `std::exception`) out of opening, reading, saving and copying, and translated into
-/// `veldra::Exception` out of removal, purging and the setters of `Library`. A file that another
-/// process holds is waited for up to 5 seconds; then reading, saving and copying throw
-/// `odb::timeout`. Text that is not UTF-8 in the file, or not UTF-16 in an object or in the name of
-/// a file, raises the exceptions of utf8-cpp. An operation that `interrupt` has ended throws
-/// `Interrupted`. After a throw the file is as it was, and so is every object in memory, unless the
-/// reactor threw when all was done (`Reactor`) or the function says otherwise.
+/// Transactions: every function that writes does all of its work or none. Exceptions to that are
+/// the removal of several objects, which takes them one by one, and the failures that a function
+/// names. A `Transaction` joins several calls into one.
 ///
-/// Thread rule: but for `interrupt`, a library and its objects are used from one thread at a time.
-/// Different libraries may be used in different threads, but `create`, `open` and `openExisting`
-/// are called from one thread at a time, whatever the file. Copying, and saving an object of
-/// another library, use that library as well.
+/// Errors: the library has exceptions of its own (`Exception`) and lets those of the layers below
+/// it pass. `error_kind` tells all of them apart without the headers of those layers. In the lists
+/// below "a database error" stands for:
+///
+/// - `odb::timeout` (`ErrorKind::Busy`): the file was held by others for more than 5 seconds. A
+/// host
+///   may try again; nothing has happened. `interrupt` ends the wait sooner.
+/// - `odb::sqlite::database_exception`: SQLite failed, by lack of space (`ErrorKind::Full`), in a
+///   file that can only be read (`ErrorKind::ReadOnly`) or is damaged (`ErrorKind::Damaged`), or
+///   for another reason (`error_code`).
+/// - `odb::transaction_already_finalized` (`ErrorKind::Transaction`): the `Transaction` or
+/// `Snapshot`
+///   of this handle has ended by itself.
+/// - `odb::no_type_info` (`ErrorKind::Damaged`): the file has an asset of an unknown kind.
+/// - `odb::exception`: the base of these, for all other failures of the runtime.
+/// - `utf8::exception` (`ErrorKind::MalformedText`): a text in the file is not UTF-8, or a text of
+/// an
+///   object or a file name is not UTF-16.
+/// - `std::bad_alloc` (`ErrorKind::OutOfMemory`): memory ran out.
+/// - `Interrupted` (`ErrorKind::Interrupted`): `interrupt` was called meanwhile.
+///
+/// After an exception the file is as it was before the call, and so is every object in memory. A
+/// function that differs says so. `typeChanged` and `libraryChanged` of the `Reactor` differ too:
+/// an exception that comes from them leaves everything done.
+///
+/// Thread rule:
+/// - One thread at a time uses a library and its objects. `interrupt` alone may be called from any
+///   thread.
+/// - Different threads may use different handles at the same time, also on the same file. While one
+///   of them writes, the others wait.
+/// - One thread at a time calls `create`, `open` or `openExisting`, whatever the file.
+/// - To copy from a library, or to save one of its objects elsewhere, is to use that library too.
+///
+/// Limits:
+/// - The library runs on Linux on amd64.
+/// - Network file systems: a file is safe only where locks (`fcntl`) work across machines. Where
+///   they do not, two programs can write at once and damage the file. Then one machine at a time
+///   may have the file open.
+/// - A handle belongs to the process that opened it. After `fork` the child neither uses the handle
+///   nor destroys it; it opens the file anew.
+/// - The file of an open library must not be deleted, renamed or replaced.
+/// - A name or a text has up to about a billion bytes, a pattern of `search` 50,000.
 class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
  public:
-  /// What a library tells its host, and asks it. Override what is of interest.
+  /// The way in which a library notifies its host of changes, and lets it decide about clashes of
+  /// names and about removals. Derive from it, override the functions of interest, and install an
+  /// object by `setReactor`.
+  ///
+  ///     class Renaming : public veldra::Library::Reactor {
+  ///      public:
+  ///       int resolveNameConflict(veldra::Library&, veldra::ObjectType,
+  ///                               veldra::String& name) override {
+  ///         name = veldra::String((name.utf8() + " (supplier)").c_str());
+  ///         return Rename;
+  ///       }
+  ///     };
   ///
   /// `resolveNameConflict`, `objectSaved`, `mayRemove` and `objectRemoved` are called within the
-  /// transaction of the operation. Reading from the same library is allowed there and sees what
-  /// the operation has done so far, and so is anything on other libraries; starting a write on the
-  /// same library throws `odb::already_in_transaction`. The host may let go there what it passed to
-  /// the operation, but must not change an object that is being saved. What one of the four throws
-  /// ends the operation and reaches its caller.
+  /// transaction of the operation. There:
   ///
-  /// `typeChanged` and `libraryChanged` are called when the operation has ended, also when the
-  /// changes were taken back; there everything is allowed. What they throw reaches the caller too,
-  /// but what was done stays, and the calls still to come are left out. It is dropped when the
-  /// operation had failed, or the transaction was rolled back.
+  /// - Reading from the same library is allowed, and sees the changes of the operation so far.
+  /// - Everything is allowed on other libraries.
+  /// - A write on the same library throws `odb::already_in_transaction`. The operation goes on if
+  ///   the reactor catches it.
+  /// - The host may release the objects that it passed to the operation.
+  /// - The host must not change an object that is being saved.
+  /// - An exception ends the operation, takes its changes back, and reaches its caller.
+  ///
+  /// `typeChanged` and `libraryChanged` are called after the operation has ended, also if its
+  /// changes were taken back. There:
+  ///
+  /// - Everything is allowed on every library.
+  /// - An exception reaches the caller of the operation, but its changes stay, and the remaining
+  ///   notifications are left out. The exception is dropped if the operation itself has failed, or
+  ///   its transaction was rolled back.
+  ///
+  /// All calls come from the thread that has called the library.
   class VELDRA_EXPORT Reactor {
    public:
     /// The answers to a name that is taken.
     enum Decision : int {
-      /// The object takes the id and the values of the stored one; its own values are lost.
+      /// The object takes the id and the values of the stored one. Its own values are lost.
       UseExisting = 1,
-      /// The object takes the id of the stored one and overwrites it. If it had an id, what is
-      /// stored under that stays as it is.
+      /// The object takes the id of the stored one and overwrites it. If it had an id, the object
+      /// that is stored under that one stays as it is.
       Overwrite = 2,
-      /// The object is saved under the name as it was changed.
+      /// The object is saved under the changed name.
       Rename = 3
     };
 
+    /// Destroys the reactor. The library never does.
     virtual ~Reactor() = 0;
 
-    /// Asked when the name of a material or composition that is being saved is taken. Returns one
-    /// of the decisions; for `Rename` it has changed `name`. Any other number asks again, without
-    /// end. By default throws `ObjectNotUnique`.
+    /// Decides about a material or composition that is being saved under a name that is taken.
+    /// Returns one of the decisions. For `Rename`, the function has changed `name`. After any other
+    /// number, and for a new name that is taken as well, it is called again, without end.
     ///
-    /// Nobody is asked about a code that is taken: saving throws `ObjectNotUnique` with the text
-    /// "Material.code". Where a name and a code are both taken, the database tells of the code
-    /// first. A host looks before it saves whether another material has the code
-    /// (`Material::clear_code`).
+    /// The default throws `ObjectNotUnique`.
+    ///
+    /// A code that is taken is not decided here: saving throws `ObjectNotUnique` with the text
+    /// "Material.code", also if the name is taken as well. A host that wants to save nevertheless
+    /// looks before whether another material has the code, and calls `Material::clear_code`.
     virtual int resolveNameConflict(Library& library, ObjectType type, String& name);
 
-    /// Told of each object that was inserted or updated; taken back if the operation fails later.
+    /// Notifies of an object that was inserted or updated. The change is taken back if the
+    /// operation fails later. The default does nothing.
     virtual void objectSaved(Library& library, const ObjectKey& key);
 
-    /// Asked before each removal, also of an object that is in use or not there; anything but 0
-    /// refuses it. By default returns 0.
+    /// Decides about the removal of an object: 0 allows it, any other number refuses it. Called
+    /// before each removal, also of an object that is in use or does not exist. The default returns
+    /// 0.
     virtual int mayRemove(Library& library, const ObjectKey& key);
 
-    /// Told of each object that was deleted, before that is committed. Then it may still turn out
-    /// that something refers to the object: it stays, as the operation's result or exception says.
+    /// Notifies of an object that was deleted, before the deletion is committed. If the commit
+    /// finds a reference to the object, the object stays, and the operation reports so by its
+    /// result or by an exception. The default does nothing.
     virtual void objectRemoved(Library& library, const ObjectKey& key);
 
-    /// Told once at the end of an operation that changed something, after `typeChanged`. Also when
-    /// the removal of an object was refused at its commit, of which `objectRemoved` had told.
+    /// Notifies of an operation that has changed something, once at its end, after `typeChanged`.
+    /// Comes also if a commit has refused a removal of which `objectRemoved` had notified. The
+    /// default does nothing.
     virtual void libraryChanged(Library& library);
 
-    /// Told at the end of an operation, once for each kind that it changed, in ascending order.
+    /// Notifies of a kind of objects that an operation has changed: at its end, once for each kind,
+    /// in ascending order. The default does nothing.
     virtual void typeChanged(Library& library, ObjectType type);
 
-    /// Not called.
+    /// Is never called.
     virtual void reserved();
   };
 
-  /// Opens the library in the file `filename`; a missing or empty file becomes a new library. A
-  /// database that does not say its version counts as empty, and loses tables of the same names.
+  /// @name Opening
+  /// @{
+
+  /// Opens the library in the file `filename`, or makes a new one in a file that is missing or
+  /// empty.
   ///
-  /// A new library has the unit, no locale, no region, and thirteen material types, whose names
-  /// the host may translate (`Translations`). Its GUID is `guid` if that is the text of one; a
-  /// random one if `guid` is empty; and else one that is derived from the text, always the same
-  /// for the same text. An existing library stays what it is, and `unit` and `guid` are ignored; a
-  /// file of an older version is brought to the current one.
+  /// A new library has:
   ///
-  /// A name such as "memdb:///walls" opens "/walls" through the SQLite VFS "memdb". ":memory:" is a
-  /// library in memory, which goes with its handle.
+  /// - the unit `unit`, which never changes;
+  /// - the GUID `guid`, if that is the text of a GUID; a random one, if `guid` is empty; and else
+  /// one
+  ///   that is derived from the text, always the same for the same text;
+  /// - thirteen material types, whose names the host may translate (`Translations`);
+  /// - no locale and no region.
   ///
-  /// A handle belongs to the process that opened it: after `fork` the child must neither use it nor
-  /// let it go, and opens the file anew. Random GUIDs come from a generator of the process, which
-  /// takes its seed from the operating system when the first one is made; processes that were
-  /// forked after that make the same ones.
+  /// An existing library keeps its contents, and `unit` and `guid` are ignored. A file of an older
+  /// version is migrated to the current one.
   ///
-  /// Throws what the persistence runtime throws: with the file in its text, when the file cannot
-  /// be opened or is no database (`odb::sqlite::database_exception`) or has an unknown version
-  /// (`odb::unknown_schema_version`); when it is held by others (`odb::timeout`); when it does not
-  /// say what library it is (`odb::object_not_persistent`). An empty name, or an empty path behind
-  /// "://", cannot be opened. The file is then as it was, and a new
-  /// one remains empty, unless only the reading at the end failed, as for a file that does not say
-  /// what library it is: then it is new, or of the current version, already.
+  /// Caution: a database that does not say its version counts as empty. Its tables are lost where
+  /// they have the names of those of a library. `openExisting` makes a library of nothing.
+  ///
+  /// Names of files:
+  /// - "memdb:///walls" opens the path "/walls" through the SQLite VFS "memdb".
+  /// - ":memory:" is a library in memory that ends with its handle.
+  ///
+  /// Random GUIDs come from a generator of the process, which takes its seed from the operating
+  /// system when the first one is made. Processes that are forked after that make the same GUIDs.
+  ///
+  /// Throws; the texts of the first two begin with the name of the file:
+  /// - `odb::sqlite::database_exception`: the file cannot be opened or made, its name is empty, or
+  /// it
+  ///   is no database (`ErrorKind::NotALibrary`).
+  /// - `odb::unknown_schema_version` (`ErrorKind::UnknownVersion`): the version is not known.
+  /// - `odb::object_not_persistent` (`ErrorKind::NotFound`): the file does not say its identity.
+  /// - any other database error (`Library`).
+  ///
+  /// The file is then as it was, and a new one is empty. If only the last step has failed, which
+  /// reads the identity, the file may be a new library, or be migrated, already.
   static std::shared_ptr<Library> create(const String& filename, Unit unit, const String& guid);
 
-  /// Opens the library in the existing file `filename`; an empty file becomes a new library in
-  /// millimetres with a random GUID. Throws as `create` does, also when there is no such file.
+  /// Opens the library in the existing file `filename`. An empty file becomes a new library in
+  /// millimetres with a random GUID. A file of an older version is migrated.
   ///
-  /// With `readOnly` the library refuses all changes. An empty file becomes a new library and one
-  /// of an older version is brought to the current one all the same, so these must be writable.
+  /// With `readOnly` the library refuses all changes. The file must be writable nevertheless if it
+  /// is empty or of an older version.
+  ///
+  /// Throws:
+  /// - `odb::sqlite::database_exception`: also if there is no such file.
+  /// - all else as `create`.
   static std::shared_ptr<Library> open(const String& filename, bool readOnly);
 
-  /// What `recognise` says of a file.
+  /// The answer of `recognise`.
   struct Recognition {
+    /// The kinds of files.
     enum class Kind : int {
       Missing = 0,          ///< There is no such file.
       Empty = 1,            ///< It has no tables: `create` and `open` make a library of it.
       Library = 2,          ///< It is a library of the current version.
       OlderLibrary = 3,     ///< It is a library that opening brings to the current version.
       NewerLibrary = 4,     ///< It is a library of a version to come.
-      UnknownVersion = 5,   ///< It is a library, and what it says of its version means nothing.
+      UnknownVersion = 5,   ///< It is a library, and its statement of its version means nothing.
       WithoutVersion = 6,   ///< It has the tables of a library and does not say its version.
       OtherDatabase = 7,    ///< It is a database of another program.
       Damaged = 8,          ///< It is a database that cannot be read.
@@ -158,361 +238,599 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
       WithoutIdentity = 11  ///< It has the tables of a library and does not say which one it is.
     };
 
+    /// The kind of the file.
     Kind kind;
 
-    /// The version of its schema where it says one, else 0.
+    /// The version of the file's schema; 0 if it says none.
     unsigned long long version;
   };
 
-  /// Says what a file is, and makes no library of it. `filename` is one as for `create`.
+  /// Says of which kind a file is, and makes no library of it. `filename` is one as for `create`.
   ///
-  /// The file is opened for reading. If it needs what only a connection that writes can do, as
-  /// after a crash, SQLite is let do that: it takes back what was not committed, or brings into the
-  /// file what is in its log. Where that cannot be done, as in a folder that can only be read, the
-  /// answer is `NeedsRecovery`. Nothing else is written.
+  /// The file is opened for reading. After a crash of another program, SQLite may have to finish
+  /// that program's work first: it takes back a transaction that was not committed, or brings the
+  /// contents of a log into the file. Where that cannot be done, as in a folder that can only be
+  /// read, the answer is `NeedsRecovery`. Nothing else is written.
   ///
-  /// Not all of the file is read: one that is damaged further on counts as a library.
+  /// The file is not read to its end: a library with damage further on is recognised as a library.
   ///
-  /// Throws `odb::timeout` when the file is held by others for over 5 seconds, and
-  /// `odb::sqlite::database_exception` when the name is empty, or the file is there and cannot be
-  /// read.
+  /// Throws:
+  /// - `odb::sqlite::database_exception`: the name is empty, or the file exists and cannot be read.
+  /// - any other database error (`Library`).
   static Recognition recognise(const String& filename);
 
-  /// Opens the library in the existing file `filename`, as `open` does, and makes no library of
-  /// what is none. That is decided on the connection that opens it, under the same lock.
+  /// Opens the library in the existing file `filename`, as `open` does, but never makes a new
+  /// library. The file is examined on the connection that opens it, under the same lock.
   ///
-  /// Throws `NotALibrary` for a file that is empty, that does not say its version or which library
-  /// it is, or that is a database of another program; these stay as they are. Throws as `open` does
-  /// for all else.
+  /// Throws:
+  /// - `NotALibrary`: the file is empty, does not say its version or its identity, or is a database
+  /// of
+  ///   another program. It stays as it is.
+  /// - all else as `open`.
   static std::shared_ptr<Library> openExisting(const String& filename, bool readOnly);
 
+  /// Handles do not copy: they are shared by `std::shared_ptr`.
   Library(const Library&) = delete;
+
+  /// Handles are not assigned.
   Library& operator=(const Library&) = delete;
+
+  /// Closes the file.
   ~Library();
 
-  /// The name that was given to `create` or `open`.
+  /// @}
+
+  /// @name The library itself
+  /// @{
+
+  /// The name that was passed to `create`, `open` or `openExisting`. Valid as long as the handle.
   const String& filename() const noexcept;
 
-  /// The identity of the library: 36 characters, hexadecimal in lower case with hyphens.
+  /// The identity of the library: 36 characters, hexadecimal in lower case with hyphens. It stays
+  /// the same in copies of the file.
   const String& guid() const noexcept;
 
-  /// The unit of all thicknesses in the library. It never changes.
+  /// The unit of all thicknesses in the library. It never changes, but by `restoreFrom`.
   Unit unit() const noexcept;
 
-  /// The locale of the texts in the library, and the region that it is meant for. As read when the
-  /// library was opened; what other handles set since does not show.
+  /// The locale of the texts in the library, such as "de_CH": a note for hosts, empty at first. As
+  /// it was when the library was opened, or set by this handle; values that other handles have set
+  /// since do not show.
   const String& locale() const noexcept;
+
+  /// The region for which the library is meant, such as "Ostschweiz": a note for hosts, empty at
+  /// first. As it was when the library was opened, or set by this handle.
   const String& region() const noexcept;
 
-  /// Sets the value and writes both to the file at once, as this handle knows them: what another
-  /// handle has set since is overwritten. The reactor is not told.
+  /// Sets the locale and writes locale and region to the file at once. A region that another handle
+  /// has set since this one was opened is overwritten. The reactor is not notified.
   ///
-  /// Throws `LibraryReadOnly`, `ObjectInUse` when a constraint of the file forbids it,
-  /// `ObjectNotFound` when the file does not say any more what library it is,
-  /// `odb::already_in_transaction` within an operation's call of the reactor, `utf8::invalid_utf16`
-  /// for text that is not UTF-16, and `UnknownError` for any other failure of the database. The
-  /// file is then as it was, while this handle keeps the new value.
+  /// Throws; the file is then as it was, while this handle keeps the new value:
+  /// - `LibraryReadOnly`: the library can only be read.
+  /// - `ObjectInUse`: a constraint of the file forbids it.
+  /// - `ObjectNotFound`: the file does not say its identity any more.
+  /// - `odb::already_in_transaction`: within a call of the reactor, a `Snapshot` or a `for_each`.
+  /// - `utf8::invalid_utf16`: the text is not UTF-16.
+  /// - `UnknownError` (`DatabaseError` with a result code): any other failure of the database, such
+  ///   as a file that others hold for more than 5 seconds.
+  /// - `Interrupted`, `std::bad_alloc`.
   void locale(const String& locale);
+
+  /// Sets the region and writes locale and region to the file at once. A locale that another handle
+  /// has set since this one was opened is overwritten. The reactor is not notified.
+  ///
+  /// Throws: as `locale(locale)`.
   void region(const String& region);
 
   /// The version of the file's schema: 150302.
   unsigned long long version() const noexcept;
 
-  /// Whether changes are refused: the library was opened so, or the file can only be read.
+  /// Whether changes are refused: the library was opened so, or its file can only be read.
   bool readOnly() const;
 
-  /// Installs the reactor that is asked and told from now on; null installs the default one. It
-  /// stays the host's and must live until it is replaced or the library closes.
+  /// Installs a reactor; null installs the default one, which refuses names that are taken and
+  /// allows every removal.
+  ///
+  /// Lifetime: the reactor stays the host's. It must live until it is replaced or the library is
+  /// closed.
   void setReactor(Reactor* reactor);
 
-  /// Something that is wrong with the file of a library.
+  /// @}
+
+  /// @name Checking and keeping
+  /// @{
+
+  /// A defect in the file of a library.
   struct VELDRA_EXPORT Finding {
-    /// What it is about. Kind 0, `ObjectType{}`: the file as a whole. Id 0: all objects of the
-    /// kind, which must not be read, because a table that they lie in, or what they refer to, is
-    /// missing, lacks a column, or is something else than a table: reading throws, or never ends.
+    /// The object with the defect.
+    ///
+    /// - Kind 0, `ObjectType{}`: the file as a whole.
+    /// - Id 0: all objects of the kind. They must not be read, since reading throws or never ends:
+    /// a
+    ///   table of theirs, or of an object to which they refer, is missing, lacks a column, or is no
+    ///   table.
     ObjectKey object;
 
     /// The name of the object; empty if it has none, and where no single object is meant.
     String name;
 
-    /// What is wrong. On an object it begins in lower case, to follow the object's name.
+    /// The defect, as a sentence in English. For an object it begins in lower case, so that it can
+    /// follow the name of the object.
     String sentence;
   };
 
-  /// Examines the file and appends what is wrong with it; nothing for a sound one, whichever
-  /// version it was made by. Reads all of the file.
-  ///
-  /// The schema is looked at first. Found are tables, columns, keys, indexes, triggers and views
-  /// that are missing or do not belong there. What stands in the place of a table and is none, such
-  /// as a view, is told and not read. Then, of what can be read:
-  ///
-  /// - damage, as SQLite's check of integrity tells of it, and references to what is not there;
-  /// - an identity or a version of the file that is missing or there twice;
-  /// - ids that no object can have, and sequences of ids that are used up or no whole numbers;
-  /// - texts with a zero byte inside, and values in their places that are no texts;
-  /// - positions in lists of tags and of layers that are doubled, negative or leave gaps;
-  /// - thicknesses that are negative, infinite or NaN, but for the least thickness of a variable
-  ///   layer that is not there; conductivities of assets that are so;
-  /// - types of compositions other than those of `Composition::Type`.
-  ///
-  /// Of damage, of references and of each sort of rows the first 100 are told. Whether values fit
-  /// each other is not looked at.
+  /// Examines the whole file and appends its defects to `findings`. A sound file, of whichever
+  /// version it was made, has none.
   ///
   ///     std::vector<veldra::Library::Finding> findings;
   ///     library->check(findings);
   ///     for (const auto& finding : findings) std::cerr << finding.sentence.utf8() << "\n";
   ///
-  /// What cannot be read of the file is told of as damage, or `odb::exception` is thrown; then
-  /// `findings` is as it was.
+  /// Defects of the schema are tables, columns, keys, indexes, triggers and views that are missing
+  /// or do not belong there. A view or the like in the place of a table is a defect and is not
+  /// read. Other defects are:
+  ///
+  /// - damage that SQLite's check of integrity finds, and references to rows that are missing;
+  /// - an identity or a version of the file that is missing or is there twice;
+  /// - ids that no object can have, and sequences of ids that are used up or are no whole numbers;
+  /// - texts with a zero byte inside, and values of other types in the place of texts;
+  /// - positions in lists of tags and of layers that are doubled, negative or leave gaps;
+  /// - thicknesses that are negative, infinite or NaN. NaN is sound as the least thickness of a
+  ///   variable layer that is not set;
+  /// - conductivities of assets that are negative, infinite or NaN;
+  /// - types of compositions other than those of `Composition::Type`.
+  ///
+  /// Of damage, of references and of each other defect of rows the first 100 are appended. Whether
+  /// the values of an object fit each other is not examined.
+  ///
+  /// Throws, and leaves `findings` as it is: a database error (`Library`). A page that cannot be
+  /// read gives such an error or a finding.
   void check(std::vector<Finding>& findings) const;
 
-  /// The same as sentences that name the objects, such as
+  /// Examines the whole file, and appends its defects as sentences that name the objects, such as
   /// `composition 3 "Wall": the thickness of layer 2 is negative: -1`.
+  ///
+  /// Throws: as the other `check`.
   void check(std::vector<String>& findings) const;
 
-  /// Writes a copy of the library into the new file `filename`, which is a name as for `create`. It
-  /// is a library of the same contents and GUID, with the same rights of access.
+  /// Writes a copy of the library into the new file `filename`, a name as for `create`. The copy is
+  /// a library with the same contents, the same GUID and the same rights of access.
   ///
-  /// The copy is one state, also while others write; those who want to commit wait for its end. It
-  /// is synced to the disk when the function returns. A program that is killed meanwhile leaves an
-  /// empty file, perhaps with its journal. Pages are copied as they are, damaged ones too.
+  ///     library->backup("walls-2026-11-22.lib");
   ///
-  /// Throws `FileExists` when there is a file of that name, which stays as it is;
-  /// `odb::already_in_transaction` while this handle writes or has a `Transaction`;
-  /// `odb::sqlite::database_exception` when the file cannot be made or the disk is full, and
-  /// `odb::exception` for all else. No file is left then.
+  /// To replace an older backup, write the new one under another name and rename it.
+  ///
+  /// - The copy is one state of the library, also while others write. Others that want to commit
+  ///   wait for its end.
+  /// - The copy is on the disk when the function returns.
+  /// - Pages are copied as they are, damaged ones too.
+  /// - A program that is killed meanwhile leaves an empty file, and perhaps its journal.
+  ///
+  /// Throws; no new file is left then:
+  /// - `FileExists`: there is a file of that name. It stays as it is.
+  /// - `odb::already_in_transaction`: this handle is writing, or has a `Transaction`.
+  /// - `odb::sqlite::database_exception`: the file cannot be made, or the disk is full.
+  /// - any other database error (`Library`).
   void backup(const String& filename) const;
 
   /// Replaces all contents of the library by those of the library in the file `filename`, in one
-  /// transaction: a file that `backup` has written, or any other of the same GUID. One of an older
-  /// version is brought to the current one on the way. The file `filename` is only read; what a
-  /// crash left behind there is taken back (`recognise`).
+  /// transaction. The file is one that `backup` has written, or any other library.
   ///
-  /// With `otherLibrary` the GUID may be another one. The library has the GUID, unit, locale and
-  /// region of that file then.
+  /// - The file must have the GUID of this library. With `otherLibrary` it may have another one;
+  /// this
+  ///   library then takes over GUID, unit, locale and region of that file.
+  /// - The contents of an older version are migrated on the way.
+  /// - The file itself is only read. SQLite may have to finish the work of a program that has
+  /// crashed
+  ///   there, as for `recognise`.
+  /// - Objects in memory stay as they are, with ids that may now belong to other objects. Read them
+  ///   anew.
+  /// - The reactor is notified that all kinds have changed.
   ///
-  /// Objects in memory stay as they are and keep their ids, which may belong to others now: read
-  /// them anew. The reactor is told that all kinds have changed.
-  ///
-  /// Throws `NotALibrary` as `openExisting` does; `OtherLibrary` when the GUID is another one;
-  /// `LibraryReadOnly`; `odb::already_in_transaction` while this handle reads or writes
-  /// (`Snapshot`, `Transaction`, a call of the reactor); `odb::timeout` when one of the files is
-  /// held by others for over 5 seconds; and what `open` throws for all else. The library is then as
-  /// it was.
+  /// Throws; the library is then as it was:
+  /// - `NotALibrary`: the file is no library, as for `openExisting`.
+  /// - `OtherLibrary`: the file has another GUID.
+  /// - `LibraryReadOnly`: this library can only be read.
+  /// - `odb::already_in_transaction`: this handle is reading or writing: it has a `Snapshot` or a
+  ///   `Transaction`, or the call comes from a reactor or a `for_each`.
+  /// - all else as `open`, for either file.
   void restoreFrom(const String& filename, bool otherLibrary = false);
 
-  /// Ends the operation that is running on this handle: it throws `Interrupted` and is taken back.
-  /// Does nothing while none is running. May be called from another thread and from a signal
-  /// handler, for as long as the handle lives.
+  /// Ends the operation that is running on this handle, which then throws `Interrupted` and has its
+  /// changes taken back. Does nothing if none is running.
   ///
-  /// It reaches reading, saving, removing, purging, copying (called on the source or the
-  /// destination), `check`, `backup`, `restoreFrom`, the end of a `Transaction`, and waiting for a
-  /// file that others hold. Of several objects that are removed without a `Transaction`, those that
-  /// went before stay removed. Within a `Transaction` the other operations stay, unless it has
-  /// ended by itself
-  /// (`Transaction::commit`). An operation that is as good as done may still return.
+  /// May be called from another thread and from a signal handler, as long as the handle lives.
+  ///
+  /// - It ends: reading, saving, removing, purging, copying (on the source or the destination),
+  ///   `check`, `backup`, `restoreFrom`, `Transaction::commit`, and waiting for a file that others
+  ///   hold.
+  /// - Of several objects that are removed without a `Transaction`, those that were removed before
+  ///   stay removed.
+  /// - Within a `Transaction` the earlier operations stay, unless the transaction has ended by
+  /// itself
+  ///   (`Transaction::commit`).
+  /// - An operation that is nearly complete may return as usual.
   void interrupt() noexcept;
 
-  // Reading. Objects that are read belong to this library and are clean. Lists append to `out`,
-  // in the order in which the database gives the objects; custom properties come in the order of
-  // their names. An object that cannot be read whole, because something that it refers to is not
-  // in the file, counts as not there.
-  //
-  // Throw odb::exception and the exceptions of utf8-cpp, and then leave `out` as it was.
+  /// @}
 
-  /// The object with that id or name; empty when there is none, and for id 0 or an empty name. Of
-  /// several custom properties of one name, for different kinds, it gives any.
+  /// @name Reading
+  /// Objects that are read belong to this library and are clean.
+  ///
+  /// - Lists append to `out`, in the order in which the database gives the objects. Custom
+  /// properties
+  ///   come in the order of their names.
+  /// - An object that cannot be read whole, since an object to which it refers is not in the file,
+  ///   counts as not there. `ids` and `unreadable` have it.
+  /// @{
+
+  /// Reads the object with an id. Empty if there is none, and for id 0.
+  ///
+  /// Throws: a database error (`Library`).
   template <class T>
   std::shared_ptr<T> get(unsigned id) const;
+
+  /// Reads the object with a name, which must be equal code unit by code unit. Empty if there is
+  /// none, and for an empty name. Of several custom properties of one name, for different kinds of
+  /// object, it reads any.
+  ///
+  /// Throws: a database error (`Library`).
   template <class T>
   std::shared_ptr<T> get(const String& name) const;
 
-  /// The objects with those ids; an id that is not there is skipped, and no ids select nothing.
+  /// Reads the objects with the ids `ids`, and appends them to `out`. Ids that are not there are
+  /// skipped. No ids select nothing.
+  ///
+  /// Throws, and leaves `out` as it is: a database error (`Library`).
   template <class T>
   void get(std::vector<std::shared_ptr<T>>& out, const std::set<unsigned>& ids) const;
 
-  /// All objects of the kind, or those that the criteria select.
+  /// Reads all objects of the kind, and appends them to `out`. For large libraries see `for_each`.
+  ///
+  /// Throws, and leaves `out` as it is: a database error (`Library`).
   template <class T>
   void get(std::vector<std::shared_ptr<T>>& out) const;
+
+  /// Reads the objects that the criteria select, and appends them to `out`.
+  ///
+  /// Throws, and leaves `out` as it is: a database error (`Library`).
   template <class T>
   void get(std::vector<std::shared_ptr<T>>& out,
            const typename CriteriaOf<T>::type& criteria) const;
 
-  /// The objects whose names match `text`, a pattern of SQL's LIKE: "%" stands for any text, "_"
-  /// for any character; ASCII letters match in either case. An empty text matches nothing. Criteria
-  /// that ask for nothing select every object whose name matches.
+  /// Reads the objects whose names match `text`, and appends them to `out`.
+  ///
+  /// `text` is a pattern of SQL's LIKE for the whole name: "%" stands for any text, "_" for any
+  /// character. ASCII letters match in either case. An empty text matches nothing.
+  ///
+  /// Throws, and leaves `out` as it is: a database error (`Library`).
   template <class T>
   void search(std::vector<std::shared_ptr<T>>& out, const String& text) const;
+
+  /// Reads the objects whose names match `text` and that the criteria select, and appends them to
+  /// `out`. The pattern is that of the other `search`. Criteria of defaults select every object.
+  ///
+  /// Throws, and leaves `out` as it is: a database error (`Library`).
   template <class T>
   void search(std::vector<std::shared_ptr<T>>& out, const String& text,
               const typename CriteriaOf<T>::type& criteria) const;
 
-  /// How many objects of the kind there are, or the criteria select.
+  /// Counts the objects of the kind. Reads no object.
+  ///
+  /// Throws: a database error (`Library`).
   template <class T>
   unsigned long long count() const;
+
+  /// Counts the objects that the criteria select. Reads no object.
+  ///
+  /// Throws: a database error (`Library`).
   template <class T>
   unsigned long long count(const typename CriteriaOf<T>::type& criteria) const;
 
-  /// The ids of the objects of the kind, or of those that the criteria select. An object that
-  /// cannot be read whole is among them.
+  /// The ids of all objects of the kind, also of those that cannot be read whole. Reads no object.
+  ///
+  /// Throws: a database error (`Library`).
   template <class T>
   std::set<unsigned> ids() const;
+
+  /// The ids of the objects that the criteria select, also of those that cannot be read whole.
+  /// Reads no object.
+  ///
+  /// Throws: a database error (`Library`).
   template <class T>
   std::set<unsigned> ids(const typename CriteriaOf<T>::type& criteria) const;
 
-  /// The ids of the objects of the kind that are there and cannot be read: something that they
-  /// refer to is missing, a text is not UTF-8, or an asset is of an unknown kind. Reads all objects
-  /// of the kind.
+  /// The ids of the objects of the kind that cannot be read, for one of these reasons:
+  ///
+  /// - an object to which it refers is missing,
+  /// - a text is not UTF-8,
+  /// - an asset is of an unknown kind.
+  ///
+  /// Reads all objects of the kind, one after another.
+  ///
+  /// Throws: a database error (`Library`).
   template <class T>
   std::set<unsigned> unreadable() const;
 
-  /// Calls `visit` with each object of the kind, or with those that the criteria select, in the
-  /// order of a list, until it returns false. Objects that cannot be read whole are left out.
-  /// Returns whether it went through to the end.
+  /// Calls `visit` with each object of the kind, in the order of a list, until `visit` returns
+  /// false. Returns whether all objects were visited. Objects that cannot be read whole are left
+  /// out.
   ///
   ///     library->for_each<veldra::Material>([&](const std::shared_ptr<veldra::Material>& each) {
   ///       sheet.add(each->name());
   ///       return !sheet.full();
   ///     });
   ///
-  /// All of it is one state of the library, as in a `Snapshot`; others that want to commit wait.
-  /// No more than 64 objects are in memory at once, besides those that `visit` keeps, and 4 bytes
-  /// for each object that is selected.
+  /// - All objects are of one state of the library, as in a `Snapshot`. Others that want to commit
+  ///   wait for the end.
+  /// - Memory: at most 64 objects at once, besides those that `visit` keeps, and 4 bytes for each
+  ///   object that is selected.
+  /// - `visit` may read from the library, also by `for_each`, and may release its last pointer.
+  /// - In `visit`, a write to the library, the beginning of a `Snapshot` or `Transaction`, and the
+  ///   `commit` of one throw `odb::already_in_transaction` and change nothing. To change objects,
+  ///   collect their ids, and change them after the function has returned.
   ///
-  /// `visit` may read from the library, `for_each` included. A write to the library, the beginning
-  /// of a `Snapshot` or `Transaction`, and the `commit` of one throw
-  /// `odb::already_in_transaction` there and change nothing. It may let the library go. What it
-  /// throws passes.
+  /// Throws:
+  /// - the exceptions of `visit`.
+  /// - a database error (`Library`).
   template <class T>
   bool for_each(const std::function<bool(const std::shared_ptr<T>&)>& visit) const;
+
+  /// Calls `visit` with each object that the criteria select. All else is as in the other
+  /// `for_each`, the exceptions included.
   template <class T>
   bool for_each(const typename CriteriaOf<T>::type& criteria,
                 const std::function<bool(const std::shared_ptr<T>&)>& visit) const;
 
-  /// The objects that refer to an object, assets among them, as the file says; the object itself
-  /// need not be there. Reads no object.
+  /// The keys of the objects that refer to an object, as the file has them: compositions of a
+  /// material, materials of a tag, and so on, assets too. The object itself need not exist. Reads
+  /// no object.
+  ///
+  ///     for (const auto& key : library->referrers({veldra::ObjectType::Material, brick->id()})) {
+  ///       const auto user = library->get<veldra::Composition>(key.id);  // all are compositions
+  ///       if (user) print(user->name());                                // unless it is unreadable
+  ///     }
+  ///
+  /// Throws: a database error (`Library`).
   std::set<ObjectKey> referrers(const ObjectKey& key) const;
 
-  /// The ids of the objects of the kind that nothing refers to: those that `purge` would remove,
-  /// if the reactor let it. Reads no object.
+  /// The ids of the objects of the kind to which no object refers. `purge<T>` removes these, if the
+  /// reactor allows it. Reads no object.
+  ///
+  /// Throws: a database error (`Library`).
   template <class T>
   std::set<unsigned> unreferenced() const;
 
-  // Saving.
+  /// @}
 
-  /// Saves an object, and first what it refers to, in one transaction. One that belongs to no
-  /// library, or to this one, and is not dirty is left alone with all that it refers to; one of
-  /// another library is copied, dirty or not.
+  /// @name Saving
+  /// @{
+
+  /// Saves an object, after the objects to which it refers, in one transaction. Returns the object
+  /// that stands for it in this library.
   ///
-  /// An object that belongs to no library, or to this one, is saved itself: it is inserted when
-  /// its id is 0 and updated otherwise, belongs to this library and is clean afterwards, and is
-  /// returned. An object of another library stays as it is; a copy of it is saved, in the unit of
-  /// this library, and returned. So are the tags, material types, drawing layers, custom
-  /// properties and materials that it refers to; assets are not saved, and a reference to an asset
-  /// of another library is dropped.
+  /// The library of the object decides what happens:
   ///
-  /// A new tag, material type, drawing layer or custom property whose name is taken becomes the
-  /// stored object of that name; one that has an id is refused (`ObjectNotUnique`). For a material
-  /// or composition the reactor decides. A material without a type gets the type "Generic". A tag
-  /// that has an id is never written again.
+  /// - No library, or this one, and dirty: the object is inserted if its id is 0, and updated
+  ///   otherwise. It then belongs to this library, is clean, and is returned.
+  /// - No library, or this one, and clean: nothing happens, also not to the objects to which it
+  ///   refers. It is returned.
+  /// - Another library: the object stays as it is. A copy is saved, in the unit of this library,
+  /// and
+  ///   returned.
   ///
-  /// Returns empty for an empty pointer. That, and saving what is left alone, takes no lock: it
-  /// waits for nobody, and works also on a library that can only be read, within an operation's
-  /// call of the reactor and within a `Snapshot`.
+  /// Objects to which it refers (tags, material type, drawing layer, custom properties, materials
+  /// of layers) are saved by the same rules. Assets are never saved; a reference to an asset of
+  /// another library is dropped.
   ///
-  /// Throws `ObjectNotUnique` when a name (without text) or a code (with text) is taken and the
-  /// reactor did not decide otherwise, `ObjectNotFound` when an object with an id is not in the
-  /// file any more, what the reactor throws, and `odb::exception` for all else; among them
-  /// `odb::sqlite::database_exception` for a read-only library. After a throw the file and all
-  /// objects are as they were, unless it came from `typeChanged` or `libraryChanged`.
+  /// A name may be taken by another object of the kind:
+  ///
+  /// - A new tag, material type, drawing layer or custom property becomes the stored object of that
+  ///   name.
+  /// - A material type, drawing layer or custom property with an id throws `ObjectNotUnique`.
+  /// - For a material or a composition the `Reactor` decides.
+  ///
+  /// A material without a type gets the type "Generic" (`Translations`). A tag with an id is never
+  /// written.
+  ///
+  /// An empty pointer gives an empty one. That call, and one in which nothing happens, take no
+  /// lock: they wait for nobody, and are allowed on a library that can only be read, within a call
+  /// of the reactor and within a `Snapshot`.
+  ///
+  /// Throws:
+  /// - `ObjectNotUnique`: a name (without text) or a code (with text) is taken, and the reactor has
+  ///   not decided otherwise.
+  /// - `ObjectNotFound`: an object with an id is no longer in the file.
+  /// - the exceptions of the reactor.
+  /// - `odb::already_in_transaction`: within a call of the reactor, a `Snapshot` or a `for_each`.
+  /// - `odb::sqlite::database_exception` (`ErrorKind::ReadOnly`): the library can only be read.
+  /// - any other database error (`Library`).
+  ///
+  /// The file and all objects are then as they were, unless the exception came from `typeChanged`
+  /// or `libraryChanged`.
   template <class T>
   std::shared_ptr<T> save(const std::shared_ptr<T>& object);
 
-  /// The same with a mapping into this library, which is not checked. An object of another library
-  /// that is in the mapping is not saved again: the object that stands for it is read and returned,
-  /// empty when it is gone by now; a reference to one that is gone throws `ObjectNotFound`.
+  /// Saves an object as `save(object)` does, and enters each object that is saved into `mapping`,
+  /// which must be one into this library. This is not checked.
   ///
-  /// All that is saved is entered, what belongs to no library under a null library and its id, so
-  /// that all new objects of a kind share the key with id 0. Entries stay when the call throws, or
-  /// its transaction is rolled back, but their ids may be given to other objects then: go on with a
-  /// mapping as it was before.
+  /// An object of another library that has an entry already is not saved again:
+  ///
+  /// - The object of the entry is read and returned; the result is empty if it is gone by now.
+  /// - A reference to it becomes a reference to the object of the entry. If that is gone, the call
+  ///   throws `ObjectNotFound`.
+  ///
+  /// An object without a library is entered under a null library and its id, so that all new
+  /// objects of a kind share one key with the id 0.
+  ///
+  /// Throws: as `save(object)`. Entries stay then, and also when the transaction is rolled back
+  /// later
+  /// (`IdMapping`).
   template <class T>
   std::shared_ptr<T> save(const std::shared_ptr<T>& object, IdMapping& mapping);
 
-  // Removing. An object goes only if nothing in the library refers to it and the reactor does not
-  // refuse. Each object is a transaction of its own.
-  //
-  // Throw `LibraryReadOnly`, `ObjectNotFound` when there is no such object, `UnknownError` for any
-  // other failure of the database, and what the reactor throws. What was removed before stays
-  // removed.
+  /// @}
 
-  /// Removes one object. Returns false when the reactor refused, or `object` is empty. The object
-  /// in memory keeps its id and belongs to no library any more. To store it again, save its
-  /// `clone()`: saving the object itself writes nothing while it is clean, and throws
+  /// @name Removing
+  /// An object is removed only if no object in the library refers to it and the reactor allows it.
+  /// Each object is removed in a transaction of its own, unless the host has a `Transaction`.
+  /// @{
+
+  /// Removes one object. Returns whether it was removed: false if the reactor has refused, or
+  /// `object` is empty.
+  ///
+  /// The object in memory keeps its id and belongs to no library any more. To store it again, save
+  /// its `clone()`. To save the object itself does nothing while it is clean, and throws
   /// `ObjectNotFound` when it is dirty.
   ///
-  /// Throws `ObjectInUse` when another object refers to it; `ObjectNotFound` also when the object
-  /// belongs to another library. One whose library was closed goes by its id (`Object::id`).
+  /// An object whose library was closed is removed by its id (`Object::id`).
+  ///
+  /// Throws:
+  /// - `ObjectInUse`: another object refers to it.
+  /// - `ObjectNotFound`: the library has no such object, or the object belongs to another library.
+  /// - `LibraryReadOnly`: the library can only be read.
+  /// - the exceptions of the reactor.
+  /// - `odb::already_in_transaction`: within a call of the reactor, a `Snapshot` or a `for_each`.
+  /// - `UnknownError` (`DatabaseError` with a result code): any other failure of the database, such
+  ///   as a file that others hold for more than 5 seconds.
+  /// - `Interrupted`, `std::bad_alloc`.
   template <class T>
   bool remove(const std::shared_ptr<T>& object);
+
+  /// Removes the object with an id. Returns false if the reactor has refused.
+  ///
+  /// Throws: as `remove(object)`.
   template <class T>
   bool remove(unsigned id);
 
-  /// Removes the objects that can go, in ascending order of their ids. `result` gets an entry for
-  /// each, unless it has one: true, the object was removed; false, it is still there.
+  /// Removes those of the objects that can be removed, in ascending order of their ids, and enters
+  /// each into `result`: true if it was removed, false if it is still there. An entry that is there
+  /// already stays as it is.
+  ///
+  /// Throws: as `remove(object)`, but for `ObjectInUse`. Objects that were removed before stay
+  /// removed.
   template <class T>
   void remove(const std::set<unsigned>& ids, std::map<ObjectKey, bool>& result);
+
+  /// Removes those of the objects that can be removed, without a report.
+  ///
+  /// Throws: as `remove(ids, result)`.
   template <class T>
   void remove(const std::set<unsigned>& ids);
 
-  /// The same for objects of several kinds: compositions, materials, material types, drawing
-  /// layers, custom properties, tags, so that what refers goes before what it refers to.
+  /// Removes those of the objects of several kinds that can be removed, kind by kind, so that an
+  /// object is removed before those to which it refers: compositions, materials, material types,
+  /// drawing layers, custom properties, tags. `result` is that of `remove(ids, result)`. Keys of
+  /// assets are skipped.
+  ///
+  /// Throws: as `remove(ids, result)`.
   void remove(const std::set<ObjectKey>& keys, std::map<ObjectKey, bool>& result);
+
+  /// Removes those of the objects of several kinds that can be removed, without a report.
+  ///
+  /// Throws: as `remove(ids, result)`.
   void remove(const std::set<ObjectKey>& keys);
 
-  /// Removes every object of the kind, of the kinds, or of all six kinds that nothing refers to,
-  /// kind by kind in the order above. `result` gets an entry for each object of these kinds.
+  /// Removes every object of the kind to which no object refers, and enters each object of the kind
+  /// into `result`, as `remove(ids, result)` does.
   ///
-  /// Nothing ever refers to a composition, so purging compositions removes all of them, and
-  /// `purge()` with them all that only they used: of the six kinds it leaves nothing but what the
-  /// reactor keeps, what that refers to, and the tags of assets.
+  /// Caution: nothing ever refers to a composition. To purge compositions is to remove all of them.
+  ///
+  /// Throws: as `remove(ids, result)`.
   template <class T>
   void purge(std::map<ObjectKey, bool>& result);
+
+  /// Removes every object of the kind to which no object refers, without a report. Purging
+  /// compositions removes all of them.
+  ///
+  /// Throws: as `remove(ids, result)`.
   template <class T>
   void purge();
+
+  /// Purges several kinds, in the order of `remove(keys, result)`, so that an object to which only
+  /// purged objects refer is purged as well. Kinds that cannot be removed are skipped.
+  ///
+  /// Throws: as `remove(ids, result)`.
   void purge(const std::set<ObjectType>& kinds, std::map<ObjectKey, bool>& result);
+
+  /// Purges several kinds without a report.
+  ///
+  /// Throws: as `remove(ids, result)`.
   void purge(const std::set<ObjectType>& kinds);
+
+  /// Purges all six kinds. As no object refers to compositions, this leaves nothing of them but:
+  ///
+  /// - objects whose removal the reactor has refused, and those to which they refer;
+  /// - the tags of assets.
+  ///
+  /// Throws: as `remove(ids, result)`.
   void purge(std::map<ObjectKey, bool>& result);
+
+  /// Purges all six kinds without a report.
+  ///
+  /// Throws: as `remove(ids, result)`.
   void purge();
 
-  // Copying, called on the destination. Saves objects of `source` here by the rules of `save`, in
-  // one transaction: what they refer to comes along, thicknesses are converted to the unit of this
-  // library, and the reactor of this library decides about names that are taken. The source is
-  // only read. An empty source, and ids that it does not have, copy nothing.
-  //
-  // The source is read in parts, and not locked in between. What goes from it meanwhile is left
-  // out; what was read is copied, with all that it refers to. Hold a `Snapshot` of the source to
-  // copy one state of it. Memory grows by the mapping and one entry for each saved object, and not
-  // otherwise with the size of the source.
-  //
-  // Throw as `save` does; then nothing of the copy stays, but for the same exception, and the
-  // mapping is to be replaced as there.
+  /// @}
 
+  /// @name Copying
+  /// Called on the destination. Objects of `source` are saved here by the rules of `save`, in one
+  /// transaction:
+  ///
+  /// - The objects to which they refer are copied with them, but no assets.
+  /// - Thicknesses are converted to the unit of this library.
+  /// - The reactor of this library decides about names that are taken.
+  /// - The source is only read. An empty source copies nothing, and ids that the source does not
+  /// have
+  ///   are skipped.
+  ///
+  /// The source is read in parts and is not locked in between. An object that is removed from it
+  /// meanwhile is not copied; an object that was read is copied with everything to which it refers.
+  /// Hold a `Snapshot` of the source to copy one state of it.
+  ///
+  /// Memory grows by the entries of the mapping and by one entry for each object that is saved.
+  /// @{
+
+  /// Copies the objects with the ids `ids`, and enters each object that is saved into `mapping`.
+  /// Objects that have an entry already are not copied again. This library as the source copies and
+  /// enters nothing.
+  ///
+  /// Throws: as `save(object)`. Nothing of the copy stays then, unless the exception came from
+  /// `typeChanged` or `libraryChanged`. Entries of the mapping stay (`IdMapping`).
   template <class T>
   void copy(const std::shared_ptr<const Library>& source, const std::set<unsigned>& ids,
             IdMapping& mapping);
+
+  /// Copies the objects with the ids `ids`, with a mapping of its own.
+  ///
+  /// Throws: as `copy(source, ids, mapping)`.
   template <class T>
   void copy(const std::shared_ptr<const Library>& source, const std::set<unsigned>& ids);
 
-  /// The same for objects of several kinds. Copying from this very library writes nothing and
-  /// enters every key as standing for itself.
+  /// Copies objects of several kinds, and enters each object that is saved into `mapping`. This
+  /// library as the source copies nothing, and enters every key as one that stands for itself.
+  ///
+  /// Throws: as `copy(source, ids, mapping)`.
   void copy(const std::shared_ptr<const Library>& source, const std::set<ObjectKey>& keys,
             IdMapping& mapping);
+
+  /// Copies objects of several kinds, with a mapping of its own.
+  ///
+  /// Throws: as `copy(source, ids, mapping)`.
   void copy(const std::shared_ptr<const Library>& source, const std::set<ObjectKey>& keys);
 
-  /// Copies all objects of the six kinds.
+  /// Copies all objects of the six kinds, and enters each into `mapping`. This library as the
+  /// source copies and enters nothing.
+  ///
+  /// Throws: as `copy(source, ids, mapping)`.
   void copyAll(const std::shared_ptr<const Library>& source, IdMapping& mapping);
+
+  /// Copies all objects of the six kinds, with a mapping of its own.
+  ///
+  /// Throws: as `copy(source, ids, mapping)`.
   void copyAll(const std::shared_ptr<const Library>& source);
+
+  /// @}
 
   /// One state of a library for several reads.
   ///
@@ -520,29 +838,39 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   ///     office->get(materials);
   ///     office->get(compositions);  // refers to no material that is not among them
   ///
-  /// While it lives, all that is read through the handle is the state at its beginning, whatever
-  /// others write. It keeps the library open.
+  /// As long as it lives:
   ///
-  /// Others can begin to write and cannot commit: they wait for its end, and after 5 seconds they
-  /// get `odb::timeout`. So keep it short, and let it go before waiting for anybody.
+  /// - All reads through the handle see the state at its beginning, whatever others write.
+  /// - The library stays open.
+  /// - Others can begin to write, but cannot commit: they wait for its end, and after 5 seconds
+  /// they
+  ///   get `odb::timeout`. Keep it short, and destroy it before waiting for anybody.
+  /// - A write through the handle, a `Transaction` and a second snapshot throw
+  ///   `odb::already_in_transaction`. The snapshot goes on.
   ///
-  /// A write through the handle, a `Transaction` and a second snapshot throw
-  /// `odb::already_in_transaction` meanwhile, and leave the snapshot alone. Begun within a
-  /// `Transaction`, or within an operation's call of the reactor, it is a part of that and ends
-  /// with it: it sees what was done there, and writing is allowed as it is without the snapshot.
+  /// A snapshot that begins within a `Transaction`, or within a call of the reactor, is a part of
+  /// that and ends with it: it sees the changes so far, and writing is allowed as without it.
   ///
-  /// When the disk could not be read or memory ran out within a read, the snapshot has ended: what
-  /// is read throws `odb::transaction_already_finalized` until the object is destroyed.
+  /// A snapshot ends by itself when the disk cannot be read, or memory runs out, within a read.
+  /// Reads then throw `odb::transaction_already_finalized` until the object is destroyed.
   class VELDRA_EXPORT Snapshot {
    public:
-    /// Begins. Throws `odb::already_in_transaction` when the library has a snapshot already,
-    /// `odb::timeout` when the file is held by others for over 5 seconds, and `odb::exception` for
-    /// all else.
+    /// Begins a snapshot.
+    ///
+    /// Throws:
+    /// - `odb::already_in_transaction`: the library has a snapshot already, or the call comes from
+    /// a
+    ///   `for_each`.
+    /// - any other database error (`Library`).
     explicit Snapshot(const Library& library);
+
+    /// Snapshots do not copy.
     Snapshot(const Snapshot&) = delete;
+
+    /// Snapshots are not assigned.
     Snapshot& operator=(const Snapshot&) = delete;
 
-    /// Ends.
+    /// Ends the snapshot.
     ~Snapshot();
 
    private:
@@ -551,7 +879,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     std::unique_ptr<Impl> impl_;
   };
 
-  /// Several operations on one library that are done together or not at all.
+  /// Several operations on one library of which either all are done or none.
   ///
   ///     veldra::Library::Transaction transaction(*office);
   ///     office->purge<veldra::Tag>();
@@ -559,47 +887,82 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   ///     office->region("Ostschweiz");
   ///     transaction.commit();
   ///
-  /// Without the last line, or when something throws before it, nothing has happened.
+  /// Without the last line, or if an exception comes before it, nothing has happened.
   ///
-  /// While it lasts, every operation on the handle is a part of it. Each is still done in full or
-  /// not at all, so that a host may catch what an operation throws and go on with others, and sees
-  /// what the former ones have done. `typeChanged` and `libraryChanged` are called once, at its
-  /// end, also when it is rolled back. It keeps the library open.
+  /// As long as it lives, every operation on the handle is a part of it:
   ///
-  /// Others, also other handles on the same file, see the file as it was and wait when they want to
-  /// write. While it commits, and from when its changes outgrow SQLite's cache of 2 megabytes, they
-  /// wait for reading as well; after 5 seconds they get `odb::timeout`. So keep it short.
+  /// - Each operation is still done in full or not at all. A host may catch the exception of one
+  /// and
+  ///   go on with others.
+  /// - Each operation sees the changes of the earlier ones.
+  /// - `typeChanged` and `libraryChanged` are called once, at its end, also if it is rolled back.
+  /// - The library stays open.
   ///
-  /// Rolled back, the file is as it was before. So are the library's locale and region, and the
-  /// id, the library and the dirty flag of each object that was saved or removed within the
-  /// transaction, and what saving replaced in it; such an object is kept in memory until then. What
-  /// the host has changed in it since stays changed, and it is dirty then; but a list in which
-  /// foreign objects were replaced goes back as a whole, and so do all values of an object for
-  /// which the stored one was used. What was read within the transaction stays as it was read, and
-  /// entries of mappings stay: they may name ids that were taken back.
+  /// Other programs, and other handles on the same file:
+  ///
+  /// - They see the file as it was before, and wait when they want to write.
+  /// - They wait for reading too while it commits, and from the moment when its changes outgrow
+  ///   SQLite's cache of 2 megabytes.
+  /// - After 5 seconds of waiting they get `odb::timeout`. Keep it short.
+  ///
+  /// When it is rolled back, these are as they were before it:
+  ///
+  /// - the file, and the library's locale and region;
+  /// - the id, the library and the dirty mark of each object that was saved or removed in it;
+  /// - the references that saving has replaced in such an object. A list in which objects of
+  /// another
+  ///   library were replaced goes back as a whole;
+  /// - all values of an object that has taken those of a stored one.
+  ///
+  /// These are not taken back:
+  ///
+  /// - values that the host has set in an object after it was saved. The object is dirty then;
+  /// - objects that were read in it;
+  /// - entries of mappings, which may name ids that do not exist any more.
+  ///
+  /// It keeps the objects that were saved or removed in memory until its end.
   class VELDRA_EXPORT Transaction {
    public:
-    /// Begins. Throws `LibraryReadOnly`; `odb::timeout` when the file is held by others for over 5
-    /// seconds; `odb::already_in_transaction` when the library has a transaction already, or within
-    /// an operation's call of the reactor; and `odb::exception` for all else.
+    /// Begins a transaction.
+    ///
+    /// Throws:
+    /// - `LibraryReadOnly`: the library can only be read.
+    /// - `odb::already_in_transaction`: the library has a transaction or a `Snapshot` already, or
+    /// the
+    ///   call comes from a reactor within an operation, or from a `for_each`.
+    /// - any other database error (`Library`).
     explicit Transaction(Library& library);
+
+    /// Transactions do not copy.
     Transaction(const Transaction&) = delete;
+
+    /// Transactions are not assigned.
     Transaction& operator=(const Transaction&) = delete;
 
-    /// Rolls back, unless it was committed. Not to be called within an operation's call of the
-    /// reactor.
+    /// Ends the transaction, and rolls it back unless it was committed. Must not be called from a
+    /// reactor within an operation.
     ~Transaction();
 
-    /// Ends the transaction and keeps what was done in it.
+    /// Ends the transaction and keeps its changes.
     ///
-    /// Throws `odb::transaction_already_finalized` when it has ended before: by `commit`, or by
-    /// itself, when the disk was full or could not be read or memory ran out within an operation.
-    /// In the latter case reading and saving throw the same, and removal, purging and the setters
-    /// `UnknownError`, until the object is destroyed. Throws `odb::timeout` when others keep
-    /// reading for over 5 seconds, and `odb::exception` for all else. All is rolled back then.
+    /// A transaction may have ended by itself: when the disk was full or could not be read, or
+    /// memory ran out, within an operation. Then `commit`, reading and saving throw
+    /// `odb::transaction_already_finalized`, and removal, purging and the setters of `Library`
+    /// throw `UnknownError`, until the object is destroyed.
     ///
-    /// Within an operation's call of the reactor it throws `odb::already_in_transaction` and goes
-    /// on. What the reactor throws when it is told of the changes passes; they are kept.
+    /// Throws; all changes are rolled back then:
+    /// - `odb::transaction_already_finalized`: the transaction has ended before, by `commit` or by
+    ///   itself.
+    /// - `odb::timeout`: others were reading for more than 5 seconds.
+    /// - any other database error (`Library`).
+    ///
+    /// Throws, and the transaction goes on:
+    /// - `odb::already_in_transaction`: the call comes from a reactor within an operation, or from
+    /// a
+    ///   `for_each`.
+    ///
+    /// Throws, and all changes are kept:
+    /// - the exceptions of `typeChanged` and `libraryChanged`.
     void commit();
 
    private:

@@ -21,99 +21,146 @@ namespace veldra {
 class Library;
 class ObjectAccess;
 
-/// What an object of every kind has: an id, a name, a library and a dirty flag.
+/// The part that objects of every kind share: an id, a name, a library and a dirty mark.
 ///
-/// Objects are handles. They are held by `std::shared_ptr`, and are made by the `create` functions
-/// of their classes or read from a `Library`:
+/// Objects are handles that `std::shared_ptr` holds. They are made by the `create` functions of
+/// their classes, or read from a `Library`:
 ///
 ///     auto oak = veldra::Material::create("Oak");         // new: id 0, no library, dirty
 ///     oak->thicknesses(veldra::toModify).insert(22.0);
 ///     oak->save(library);                                 // now it has an id, and is clean
 ///     auto same = library->get<veldra::Material>("Oak");  // another handle on the same row
 ///
-/// `T` is the class itself (`class Tag : public Object<Tag>`). References that getters give are
-/// valid until the object is changed, saved or destroyed.
+/// `T` is the class itself (`class Tag : public Object<Tag>`).
+///
+/// Lifetime: an object may outlive its library and does not keep it open. References that getters
+/// return are valid until the object is changed, saved or destroyed.
 ///
 /// Thread rule: an object and its library are used from one thread at a time.
 template <class T>
 class VELDRA_EXPORT Object : public std::enable_shared_from_this<T> {
  public:
-  /// Handles do not copy: two of them would own one record. `clone()` makes another object.
+  /// Handles do not copy: two of them would own the same values. `clone()` makes another object.
   Object(const Object&) = delete;
+
+  /// Handles are not assigned. `Material` and `Composition` can take over the values of another
+  /// one by an operator of their own.
   Object& operator=(const Object&) = delete;
 
-  /// The key of the object within its library; 0 while it was never saved.
+  /// The key of the object within its library; 0 in an object that was never saved.
   ///
-  /// An object whose library was closed keeps its id, and so does all that it refers to; saving and
-  /// removing go by these ids. That is right for the same file opened again and wrong for any
-  /// other, where they are ids of other objects or of none. The way into another file is to save
-  /// the object there while its own library is open. Later it takes a `clone()` in which all that
-  /// it refers to, and shares with the object, is replaced by clones too, and assets are cleared;
-  /// thicknesses are not converted then.
+  /// An object whose library was closed keeps its id, and so do all objects to which it refers.
+  /// Saving and removing then go by these ids:
+  ///
+  /// - In the same file, opened again, the ids are right.
+  /// - In any other file the ids are wrong: they belong to other objects there, or to none.
+  ///
+  /// To bring an object into another file, save it there while its own library is open. Once that
+  /// library is closed, only clones can be saved:
+  ///
+  /// 1. Make a `clone()` of the object.
+  /// 2. Replace in the clone every object to which it refers by a clone as well, since the clone
+  ///    shares them with the object.
+  /// 3. Clear the references to assets.
+  ///
+  /// Thicknesses are not converted on this way.
   unsigned id() const noexcept;
 
+  /// The name by which users find the object. Unique per kind within a library, but for assets and
+  /// for custom properties (`CustomProperty`).
   const String& name() const noexcept;
 
-  /// The library that the object was read from or saved to. Empty for a new object, a clone, a
-  /// removed object, and when that library was closed.
+  /// The library from which the object was read, or to which it was saved. Empty for:
+  ///
+  /// - a new object or a clone,
+  /// - an object that `Library::remove` has removed,
+  /// - an object whose library was closed.
   std::shared_ptr<Library> library() const;
 
-  /// Whether the object differs from what its library holds. Saving writes dirty objects only.
+  /// Whether the object may differ from the contents of its library: it is new, or a function has
+  /// marked it dirty since it was read or saved. `save` writes dirty objects only.
   bool isDirty() const noexcept;
 
  protected:
+  /// Objects are made by their classes.
   Object() = default;
+
+  /// Objects are destroyed through their classes.
   ~Object() = default;
 };
 
-/// What makes an object storable: all kinds but the assets.
+/// The part that makes an object storable. All kinds have it, except assets.
 template <class T>
 class VELDRA_EXPORT Saveable {
  public:
-  /// Saves the object, and first what it refers to, into `library`, in one transaction. Returns
-  /// the object that stands for it there: this very object when it belongs to no library or to
-  /// that one, else a copy; empty when `library` is empty. See `Library::save`.
+  /// Saves the object into `library`, in one transaction, after the objects to which it refers. See
+  /// `Library::save`.
   ///
-  /// Throws what `Library::save` throws, and `std::bad_weak_ptr` when no `std::shared_ptr` holds
-  /// the object.
+  /// Returns the object that stands for it in `library`:
+  ///
+  /// - this object, if it belongs to no library or to `library`;
+  /// - a saved copy, if it belongs to another library;
+  /// - an empty pointer, if `library` is empty. Nothing is written then.
+  ///
+  /// Throws:
+  /// - the exceptions of `Library::save`.
+  /// - `std::bad_weak_ptr`: no `std::shared_ptr` holds the object.
   std::shared_ptr<T> save(const std::shared_ptr<Library>& library);
 
-  /// Saves the object into the library that it belongs to. Returns false and writes nothing when
-  /// it belongs to none; throws as `save(library)` does.
+  /// Saves the object into its own library, as `save(library)` does. Returns false and writes
+  /// nothing if it belongs to none.
+  ///
+  /// Throws: the exceptions of `save(library)`.
   bool save();
 
  protected:
+  /// A part of an object, not an object.
   Saveable() = default;
+
+  /// A part of an object, not an object.
   ~Saveable() = default;
 };
 
-/// A list of tags, in an order that is kept. The same tag may be in it more than once.
+/// A list of tags in an order that is kept. The same tag may stand in it more than once.
 ///
-/// Every operation that can change the list marks the owner dirty, also when nothing changes.
+/// Dirty mark: every function that can change the list marks the owner dirty, also when it changes
+/// nothing.
+///
+/// Throws: nothing but `std::bad_alloc`.
 template <class T>
 class VELDRA_EXPORT Tagged {
  public:
+  /// The tags of the object. Valid until the object is changed, saved or destroyed.
   const std::vector<std::shared_ptr<Tag>>& tags() const noexcept;
 
-  /// The list for changing; marks the owner dirty. Entries must not be null when it is saved.
+  /// The tags, to be changed through the reference. Marks the owner dirty. No entry may be null
+  /// when the owner is saved.
   std::vector<std::shared_ptr<Tag>>& tags(const ToModify&);
 
-  /// Appends a tag, of whichever library, without looking for duplicates.
+  /// Appends a tag of any library or of none, also if it is in the list already. Marks the owner
+  /// dirty.
   void addTag(const std::shared_ptr<Tag>& tag);
 
-  /// Appends a new, unsaved tag of that name (null: the empty name). When the owner is saved, a
-  /// stored tag of the same name takes its place. From UTF-8: `addTag(String("oak").c_str())`.
+  /// Appends a new tag of that name; null means the empty name. Marks the owner dirty. When the
+  /// owner is saved, the tag of that name in the library takes the place of the new one.
+  ///
+  /// From UTF-8: `addTag(String("oak").c_str())`.
   void addTag(const unsigned short* name);
 
-  /// Removes every entry that has the id of `tag`. Unsaved tags all have id 0, so removing one of
-  /// them removes them all. A null `tag` removes nothing.
+  /// Removes every entry with the id of `tag`. Marks the owner dirty, also when nothing is removed.
+  ///
+  /// All new tags have the id 0: to remove one of them removes them all. A null `tag` removes
+  /// nothing.
   void removeTag(const std::shared_ptr<Tag>& tag);
 
-  /// Removes every entry of that name.
+  /// Removes every entry of that name. Marks the owner dirty, also when nothing is removed.
   void removeTag(const unsigned short* name);
 
  protected:
+  /// A part of an object, not an object.
   Tagged() = default;
+
+  /// A part of an object, not an object.
   ~Tagged() = default;
 };
 

@@ -7,9 +7,13 @@
 
 namespace veldra {
 
-/// The host's translations of the texts that the library writes into files: the names of the
-/// material types of a new library, and the type "Generic" of a material that is saved without
-/// one. So with a provider of another language than the file's such a material adds a type to it.
+/// The host's translations of the few texts that the library itself writes into files:
+///
+/// - the names of the thirteen material types of a new library (`MaterialType`),
+/// - the name of the type "Generic", which a material gets that is saved without a type.
+///
+/// A host sets one provider for the whole process. If its language is not that of a file, saving a
+/// material without a type adds a type to the file.
 ///
 ///     class German : public veldra::Translations {
 ///      public:
@@ -23,23 +27,30 @@ namespace veldra {
 ///     veldra::Translations::set(&german);   // before libraries are used
 class VELDRA_EXPORT Translations {
  public:
+  /// Destroys the provider. The library never does.
   virtual ~Translations();
 
-  /// Writes the translation of `source` into `translation`, which is empty at the call, and
-  /// returns true; or returns false, and `source` is used as it is.
+  /// Translates one text. Called in each thread that uses a library.
   ///
-  /// The library passes a null `context` and a `count` of 0. What it throws ends the operation that
-  /// asked, and reaches its caller.
+  /// - `translation` is empty at the call and receives the translation.
+  /// - `source` is the English text.
+  /// - `context` is null and `count` is 0: the library uses neither.
+  ///
+  /// Returns true if there is a translation. With false, `source` itself is written into the file.
+  ///
+  /// An exception ends the operation that asked for the text, and reaches its caller.
   virtual bool translate(String& translation, const String& source, const char* context,
                          int count) = 0;
 
-  /// Makes `provider` the one that is asked from now on, in the whole process; null means that
-  /// texts stay as they are, which is so at the start. The provider stays the host's and must
-  /// live until it is replaced. Not synchronised: call it before libraries are used. The provider
-  /// is asked in each thread that uses a library.
+  /// Makes `provider` the one of the whole process. With null, as at the start, texts stay in
+  /// English.
+  ///
+  /// Lifetime: the provider stays the host's and must live until another one is set.
+  ///
+  /// Thread rule: not synchronised. Call it before any library is used.
   static void set(Translations* provider);
 
-  /// The provider that was set last; null for none.
+  /// The provider of the process; null for none.
   static Translations* get();
 };
 

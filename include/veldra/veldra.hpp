@@ -2,7 +2,13 @@
 #ifndef VELDRA_VELDRA_HPP
 #define VELDRA_VELDRA_HPP
 
-/// The whole interface of veldra, a library for catalogues of building materials and build-ups.
+/// @file
+/// The whole interface of veldra, a library for catalogues of building materials and of the
+/// build-ups of walls, floors and roofs that are made from them. Begin with `veldra::Library`.
+
+/// @namespace veldra
+/// The namespace of the library. A host needs no other one: `error_kind` tells the errors of the
+/// layers below apart.
 
 #include <veldra/asset.hpp>
 #include <veldra/composition.hpp>

@@ -99,7 +99,7 @@ Known other_error(const std::exception_ptr& error) {
   } catch (const odb::already_in_transaction&) {
     return of_kind(ErrorKind::Transaction);
   } catch (const odb::transaction_already_finalized&) {
-    return of_kind(ErrorKind::Transaction);
+    return {ErrorKind::Transaction, SQLITE_ABORT_ROLLBACK};
   } catch (const utf8::exception&) {
     return of_kind(ErrorKind::MalformedText);
   } catch (const std::bad_alloc&) {

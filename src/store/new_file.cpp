@@ -62,19 +62,24 @@ class NameForVfs {
   decltype(sqlite3_create_filename(nullptr, nullptr, nullptr, 0, nullptr)) name_;
 };
 
-/// Makes an empty file of a name that nobody has.
+/// Makes an empty file of a name that nobody has; SQLITE_CANTOPEN where that cannot be done.
 int make(sqlite3_vfs* vfs, const char* name) {
   const std::unique_ptr<char[]> memory(new char[static_cast<std::size_t>(vfs->szOsFile)]());
   auto* const file = reinterpret_cast<sqlite3_file*>(memory.get());
-  constexpr int flags =
-      SQLITE_OPEN_MAIN_DB | SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_EXCLUSIVE;
-  int unused = 0;
-  const int result = vfs->xOpen(vfs, name, file, flags, &unused);
+  // Parameters are only looked at with the flag of addresses.
+  constexpr int flags = SQLITE_OPEN_MAIN_DB | SQLITE_OPEN_URI | SQLITE_OPEN_READWRITE |
+                        SQLITE_OPEN_CREATE | SQLITE_OPEN_EXCLUSIVE;
+  int given = 0;
+  const int result = vfs->xOpen(vfs, name, file, flags, &given);
   if (file->pMethods != nullptr) file->pMethods->xClose(file);
-  return result;
+  // What cannot be made is opened for reading instead.
+  return (given & SQLITE_OPEN_READONLY) != 0 ? SQLITE_CANTOPEN : result;
 }
 
+/// Also of an empty file, which SQLite does not count.
 bool is_there(sqlite3_vfs* vfs, const std::string& path) {
+  struct stat status;
+  if (::lstat(path.c_str(), &status) == 0) return true;
   int there = 0;
   require(vfs->xAccess(vfs, path.c_str(), SQLITE_ACCESS_EXISTS, &there));
   return there != 0;

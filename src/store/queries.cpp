@@ -63,19 +63,17 @@ Query selecting_ids(const Rows& rows, const Query& condition) {
 
 /// All but those with impossible ids, which lie at both ends of the index: looking at each id on
 /// the way would take its time.
-Query counting(const Rows& rows, const Query& condition) {
-  const std::string count = "count(" + rows.column("id") + ")";
-  const Query too_small(rows.column("id") + "<1");
-  const Query too_wide(rows.column("id") + ">4294967295");
-  return "SELECT (" + select(count, rows, condition) + ")-(" +
-         select(count, rows, condition && too_small) + ")-(" +
-         select(count, rows, condition && too_wide) + ")";
+Query counting_all(const Rows& rows) {
+  const std::string count = "SELECT count(*) FROM " + rows.from;
+  const std::string id = rows.column("id");
+  return Query("SELECT (" + count + ")-(" + count + " WHERE " + id + "<1)-(" + count + " WHERE " +
+               id + ">4294967295)");
 }
 
-/// The same where an object may have several rows, which are looked at one by one anyway.
-Query counting_distinct(const Rows& rows, const Query& condition) {
+/// Those that meet a condition, for which each is looked at.
+Query counting(const Rows& rows, const Query& condition) {
   const Query possible(rows.column("id") + " BETWEEN 1 AND 4294967295");
-  return select("count(DISTINCT " + rows.column("id") + ")", rows, condition && possible);
+  return select("count(*)", rows, possible && condition);
 }
 
 template <class Value>
@@ -158,6 +156,15 @@ TagNames tags_of(const CompositionCriteria& criteria) { return utf8(criteria.tag
 
 const char* const tag_name = "\"Tag\".\"name\"";
 
+/// Holds for the objects that have one of the tags. The tags are looked up first: they are few.
+template <class T>
+Query has_tag(const Rows& rows, const TagNames& tags) {
+  const std::string table = quoted(std::string(Kind<T>::table) + "_tags");
+  return Query(rows.column("id") + " IN (SELECT \"object_id\" FROM " + table +
+               " WHERE \"tag_id\" IN (SELECT \"id\" FROM \"Tag\" WHERE ") +
+         in_list(tag_name, tags) + "))";
+}
+
 template <class T>
 Query in_order(const Query& query) {
   if (Kind<T>::listed_by == nullptr) return query;
@@ -179,6 +186,12 @@ void append_new(std::vector<unsigned>& ids, const std::vector<unsigned>& more) {
   std::unordered_set<unsigned> known(ids.begin(), ids.end());
   std::copy_if(more.begin(), more.end(), std::back_inserter(ids),
                [&known](unsigned id) { return known.insert(id).second; });
+}
+
+/// Brings the ids into ascending order, each once.
+void sort_out(std::vector<unsigned>& ids) {
+  std::sort(ids.begin(), ids.end());
+  ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
 }
 
 template <class T>
@@ -321,8 +334,7 @@ std::vector<unsigned> layer_material_ids(Database& database, const std::vector<u
                       in_list(layers.column("object_id"), begin, end)),
                materials);
   });
-  std::sort(materials.begin(), materials.end());
-  materials.erase(std::unique(materials.begin(), materials.end()), materials.end());
+  sort_out(materials);
   return materials;
 }
 
@@ -334,6 +346,19 @@ std::vector<unsigned> referring_ids(Database& database, const ReferenceColumn& c
   const Query is_of_an_object(key + " IN (SELECT \"id\" FROM " + quoted(column.owners) + ")");
   std::vector<unsigned> ids;
   append_ids(database, select(rows.distinct + key, rows, refers && is_of_an_object), ids);
+  return ids;
+}
+
+template <class T>
+std::vector<unsigned> referred_ids(Database& database) {
+  std::vector<unsigned> ids;
+  for (const ReferenceColumn& reference : reference_columns()) {
+    if (reference.to != ObjectTraits<T>::type) continue;
+    const Rows rows{quoted(reference.table), reference.table, ""};
+    const std::string column = rows.column(reference.column);
+    append_ids(database, select(column, rows, Query(column + " IS NOT NULL")), ids);
+  }
+  sort_out(ids);
   return ids;
 }
 
@@ -359,7 +384,7 @@ unsigned long long count_all(Database& database) {
   static const std::string own_name = std::string("count: ") + Kind<T>::table;
   Parameters* none = nullptr;
   auto query = prepared(database, own_name, none,
-                        [](const Parameters&) { return counting(objects<T>(), no_condition()); });
+                        [](const Parameters&) { return counting_all(objects<T>()); });
   return query.execute_value().value;
 }
 
@@ -367,12 +392,13 @@ template <class T>
 unsigned long long count_selected(Database& database,
                                   const typename CriteriaOf<T>::type& criteria) {
   const TagNames tags = tags_of(criteria);
-  const Rows rows = tags.empty() ? objects<T>() : tagged_objects<T>();
-  const Query condition = condition_of(criteria, rows);
-  if (tags.empty()) return number(database, counting(rows, condition));
   // In parts, an object could be counted with several of them.
-  if (tags.size() > list_limit) return ids_of_tagged(database, rows, tags, condition).size();
-  return number(database, counting_distinct(rows, condition && in_list(tag_name, tags)));
+  if (tags.size() > list_limit) return selected_ids<T>(database, criteria).size();
+  const Rows rows = objects<T>();
+  const Query condition = condition_of(criteria, rows);
+  if (!tags.empty()) return number(database, counting(rows, condition && has_tag<T>(rows, tags)));
+  return condition.const_true() ? count_all<T>(database)
+                                : number(database, counting(rows, condition));
 }
 
 #define VELDRA_INSTANTIATE(T)                                                            \
@@ -382,6 +408,7 @@ unsigned long long count_selected(Database& database,
   template std::vector<unsigned> matching_ids<T>(Database&, const String&,               \
                                                  const CriteriaOf<T>::type&);            \
   template unsigned id_of_name<T>(Database&, const String&);                             \
+  template std::vector<unsigned> referred_ids<T>(Database&);                             \
   template std::vector<unsigned> unreferenced_ids<T>(Database&);                         \
   template unsigned long long count_all<T>(Database&);                                   \
   template unsigned long long count_selected<T>(Database&, const CriteriaOf<T>::type&);

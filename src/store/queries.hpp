@@ -45,6 +45,10 @@ std::vector<unsigned> layer_material_ids(Database& database, const std::vector<u
 /// The ids of the objects that refer to the one with that id by that column.
 std::vector<unsigned> referring_ids(Database& database, const ReferenceColumn& column, unsigned id);
 
+/// The ids that rows refer to as those of objects of the kind, ascending, each once.
+template <class T>
+std::vector<unsigned> referred_ids(Database& database);
+
 /// The ids of the objects that no row refers to.
 template <class T>
 std::vector<unsigned> unreferenced_ids(Database& database);

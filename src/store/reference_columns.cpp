@@ -24,11 +24,13 @@ void for_each_kind_and_assets(Use use) {
   for_each_kind(use);
 }
 
+/// The kinds whose objects lie in the tables; those of assets lie in two.
 std::map<std::string, ObjectType> kinds_by_table() {
   std::map<std::string, ObjectType> kinds;
   for_each_kind_and_assets([&kinds](auto kind) {
     using T = typename decltype(kind)::type;
     kinds[Kind<T>::table] = ObjectTraits<T>::type;
+    for (const std::string& table : Kind<T>::lists()) kinds[table] = ObjectTraits<T>::type;
   });
   return kinds;
 }

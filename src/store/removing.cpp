@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/errors.hpp"
 #include "store/kinds.hpp"
+#include "store/known_references.hpp"
 #include "store/mapping-odb.hpp"
 #include "store/queries.hpp"
 #include "store/reported_operation.hpp"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <cassert>
 #include <utility>
+#include <vector>
 
 // The removing operations of a library.
 
@@ -38,7 +40,8 @@ bool stays_referred_to(Step step) {
 /// object then. That something refers to it is told at the statement or at the commit. What the
 /// reactor throws is none of the database's errors, so it is called outside of their translation.
 template <class T>
-Outcome remove_object(Library& library, unsigned id, UndoLogs& logs) {
+Outcome remove_object(Library& library, unsigned id, UndoLogs& logs,
+                      KnownReferences* known = nullptr) {
   auto& impl = LibraryAccess::impl(library);
   impl.database->stop_if_interrupted();
   const ObjectKey key(ObjectTraits<T>::type, id);
@@ -47,10 +50,12 @@ Outcome remove_object(Library& library, unsigned id, UndoLogs& logs) {
   if (impl.reactor->mayRemove(library, key) != 0) return Outcome::Refused;
   translating_errors([&] { transaction->require_running(); });
   assert(impl.database->is_current());
+  if (known != nullptr && known->is_referred_to(id)) return Outcome::InUse;
   if (stays_referred_to([&] { impl.database->erase<T>(id); })) return Outcome::InUse;
   impl.reactor->objectRemoved(library, key);
   impl.changed.insert(key.type);
   if (stays_referred_to([&] { transaction->commit(logs); })) return Outcome::InUse;
+  if (known != nullptr) known->removed(id);
   return Outcome::Removed;
 }
 
@@ -61,14 +66,31 @@ bool remove_or_throw(Library& library, unsigned id, UndoLogs& logs) {
   return outcome == Outcome::Removed;
 }
 
+/// What is taken back at the end has no result.
+void end(KnownReferences& known, const std::vector<ObjectKey>& entered, Result& result) {
+  try {
+    translating_errors([&known] { known.end(); });
+  } catch (...) {
+    for (const ObjectKey& key : entered) result.erase(key);
+    throw;
+  }
+}
+
 /// Takes the ids by value, since the reactor may change those of the host.
 template <class T, class Ids>
 void remove_objects(Library& library, const Ids ids, Result& result) {
   UndoLogs none;
+  Database& database = LibraryAccess::database(library);
+  const auto known =
+      translating_errors([&] { return KnownReferences::of<T>(database, ids.size()); });
+  std::vector<ObjectKey> entered;
   for (const unsigned id : ids) {
-    const bool removed = remove_object<T>(library, id, none) == Outcome::Removed;
-    result.emplace(ObjectKey(ObjectTraits<T>::type, id), removed);
+    const bool removed = remove_object<T>(library, id, none, known.get()) == Outcome::Removed;
+    const ObjectKey key(ObjectTraits<T>::type, id);
+    const bool is_new = result.emplace(key, removed).second;
+    if (known != nullptr && is_new) entered.push_back(key);
   }
+  if (known != nullptr) end(*known, entered, result);
 }
 
 template <class T>

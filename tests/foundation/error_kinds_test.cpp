@@ -48,6 +48,8 @@ TEST(ErrorKinds, of_the_librarys_own_exceptions) {
   EXPECT_EQ(kind_thrown_by([] { throw ObjectInUse(); }), ErrorKind::InUse);
   EXPECT_EQ(kind_thrown_by([] { throw ObjectNotUnique(); }), ErrorKind::NotUnique);
   EXPECT_EQ(kind_thrown_by([] { throw InappropriateCustomProperty(); }), ErrorKind::Other);
+  EXPECT_EQ(kind_thrown_by([] { throw FileExists("x"); }), ErrorKind::Other);
+  EXPECT_EQ(kind_thrown_by([] { throw OtherLibrary("x"); }), ErrorKind::Other);
 }
 
 TEST(ErrorKinds, of_the_runtimes_exceptions) {
@@ -97,6 +99,12 @@ TEST(ErrorKinds, of_codes_of_the_database) {
     EXPECT_EQ(error_kind(own), code.kind) << code.extended;
     EXPECT_EQ(error_code(own), code.extended);
   }
+}
+
+TEST(ErrorKinds, tell_a_transaction_that_has_ended_from_one_that_is_open) {
+  const auto& errors = runtime_errors();
+  EXPECT_EQ(error_code(thrown_error(errors.at("odb::transaction_already_finalized"))), 516);
+  EXPECT_EQ(error_code(thrown_error(errors.at("odb::already_in_transaction"))), 0);
 }
 
 TEST(ErrorKinds, of_what_is_none_of_the_librarys) {

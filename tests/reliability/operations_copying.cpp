@@ -53,6 +53,8 @@ void copy_all_with_mapping(Scene& scene) {
                [&scene](IdMapping& mapping) { scene.library->copyAll(scene.source, mapping); });
 }
 
+void restore(Scene& scene) { scene.library->restoreFrom(scene.source->filename(), true); }
+
 std::vector<Operation> copying_several() {
   return writing({
       {"copy ids with a mapping", choose_roof, copy_ids_with_mapping},
@@ -63,6 +65,7 @@ std::vector<Operation> copying_several() {
       {"copy all", nothing, copy_all},
       {"copy all under other names", decide_to_rename, copy_all},
       {"copy all with a mapping", nothing, copy_all_with_mapping},
+      {"restore another library", nothing, restore},
   });
 }
 

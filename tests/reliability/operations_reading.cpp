@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "reliability/operation_parts.hpp"
 
+#include <cstdio>
+
 namespace veldra_tests {
 
 namespace {
@@ -40,6 +42,30 @@ template <class T>
 Operation get_all(const Examples<T>& of) {
   return reading(std::string("get every ") + of.kind, nothing,
                  [](Scene& scene) { scene.library->get<T>(scene.found<T>().list); });
+}
+
+template <class T>
+Operation ids(const Examples<T>& of) {
+  return reading(std::string("ids of each ") + of.kind, nothing,
+                 [](Scene& scene) { scene.number = scene.library->ids<T>().size(); });
+}
+
+template <class T>
+Operation unreferenced(const Examples<T>& of) {
+  return reading(std::string("each unreferenced ") + of.kind, nothing,
+                 [](Scene& scene) { scene.number = scene.library->unreferenced<T>().size(); });
+}
+
+template <class T>
+Operation visit(const Examples<T>& of) {
+  return reading(std::string("visit each ") + of.kind, nothing, [](Scene& scene) {
+    std::vector<std::shared_ptr<T>> seen;
+    scene.library->for_each<T>([&seen](const std::shared_ptr<T>& object) {
+      seen.push_back(object);
+      return true;
+    });
+    scene.found<T>().list = std::move(seen);
+  });
 }
 
 void choose_pattern(Scene& scene) { scene.text = "Wall%"; }
@@ -154,12 +180,40 @@ void read_in_a_snapshot(Scene& scene) {
   scene.found<Material>().list = std::move(materials);
 }
 
+void choose_a_tag(Scene& scene) {
+  scene.keys = {{ObjectType::Tag, id_of<Tag>(*scene.library, of_tags.stored)}};
+}
+
+void find_referrers(Scene& scene) {
+  scene.number = scene.library->referrers(*scene.keys.begin()).size();
+}
+
+void find_unreadable(Scene& scene) {
+  scene.number = scene.library->unreadable<Composition>().size() + 1;
+}
+
+// Of another name each time, as two may be made at once.
+void choose_a_new_file(Scene& scene) {
+  static int number = 0;
+  scene.text = (scene.name().utf8() + std::to_string(++number)).c_str();
+}
+
+void back_up(Scene& scene) {
+  scene.library->backup(scene.text);
+  scene.number = 1;
+  const std::string number = scene.text.utf8().substr(scene.name().utf8().size());
+  std::remove((scene.path() + number).c_str());
+}
+
 std::vector<Operation> reading_otherwise() {
   return {reading("get many properties by their ids", choose_many_ids, get_many_properties),
           count_selected<Material>("materials with one of many tags", with_many_tags),
           reading("check", nothing, check),
           reading("several in a snapshot", nothing, read_in_a_snapshot),
-          reading("recognise", name_the_library, recognise)};
+          reading("recognise", name_the_library, recognise),
+          reading("referrers", choose_a_tag, find_referrers),
+          reading("unreadable", nothing, find_unreadable),
+          reading("back up", choose_a_new_file, back_up)};
 }
 
 }  // namespace
@@ -171,6 +225,9 @@ std::vector<Operation> reading_operations() {
                  for_each_kind([](const auto& of) { return get_all(of); }),
                  for_each_kind([](const auto& of) { return search(of); }),
                  for_each_kind([](const auto& of) { return count(of); }),
+                 for_each_kind([](const auto& of) { return ids(of); }),
+                 for_each_kind([](const auto& of) { return unreferenced(of); }),
+                 for_each_kind([](const auto& of) { return visit(of); }),
                  selecting<Material>("materials of a type", of_one_type),
                  selecting<Material>("materials of a type with tags", of_one_type_with_tags),
                  selecting<Composition>("compositions of types with tags", of_any_type_with_tags),

@@ -40,6 +40,10 @@ Thrown call_and_catch(const std::function<void()>& call) {
     return ours("veldra::InappropriateCustomProperty", error);
   } catch (const veldra::NotALibrary& error) {
     return ours("veldra::NotALibrary", error);
+  } catch (const veldra::FileExists& error) {
+    return ours("veldra::FileExists", error);
+  } catch (const veldra::OtherLibrary& error) {
+    return ours("veldra::OtherLibrary", error);
   } catch (const veldra::Interrupted& error) {
     return ours("veldra::Interrupted", error);
   } catch (const veldra::DatabaseError& error) {

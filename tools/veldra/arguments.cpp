@@ -14,7 +14,8 @@ namespace veldra_tool {
 
 namespace {
 
-/// Turns a name, in whatever case, into the number of its value. `choices` is for the message.
+/// Turns a name, in whatever case, into the number of its value. `choices` is for the message, and
+/// for those who describe the program.
 template <class Value>
 CLI::Validator named_value(std::map<std::string, Value> values, const std::string& choices) {
   return CLI::Validator(
@@ -29,7 +30,7 @@ CLI::Validator named_value(std::map<std::string, Value> values, const std::strin
         text = fmt::format("{}", static_cast<int>(found->second));
         return std::string();
       },
-      "");
+      "", choices);
 }
 
 }  // namespace
@@ -101,7 +102,7 @@ void add_format(CLI::App& command, std::string& format) {
       .add_option("--format", format,
                   "json (default): everything, for 'import' to read again; csv: a table of "
                   "materials, compositions and their layers")
-      ->check(CLI::Validator(known, ""))
+      ->check(CLI::Validator(known, "", "json, csv"))
       ->type_name("FORMAT");
 }
 

@@ -43,8 +43,8 @@ void where_used(const Arguments& arguments, Host& host) {
     const unsigned id = with_class_of(arguments.kind, [&](auto of) {
       return find_object<typename decltype(of)::type>(library, arguments.object)->id();
     });
-    auto references = references_in(library);
-    print(host.output, references[veldra::ObjectKey(arguments.kind, id)], arguments.json);
+    print(host.output, references_to(library, veldra::ObjectKey(arguments.kind, id)),
+          arguments.json);
   });
 }
 

@@ -6,47 +6,27 @@
 #include "text.hpp"
 
 #include <fmt/format.h>
-
-#include <cxxabi.h>
+#include <utf8.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 #include <iterator>
-#include <map>
-#include <memory>
 #include <new>
-#include <typeinfo>
-#include <vector>
 
 namespace veldra_tool {
 
 namespace {
-
-std::string name_of(const std::type_info& type) {
-  int status = 0;
-  const std::unique_ptr<char, decltype(&std::free)> name(
-      abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free);
-  return status == 0 ? name.get() : "";
-}
-
-/// The class of an exception and those that it derives from, the most derived first.
-std::vector<std::string> classes_of(const std::exception& error) {
-  std::vector<std::string> names;
-  const std::type_info* type = &typeid(error);
-  while (type != nullptr) {
-    names.push_back(name_of(*type));
-    const auto* derived = dynamic_cast<const abi::__si_class_type_info*>(type);
-    type = derived != nullptr ? derived->__base_type : nullptr;
-  }
-  return names;
-}
 
 /// A cause of failures, and what is said of it.
 struct Cause {
   int code;
   const char* sentence;
 };
+
+/// A result code without what extends it.
+int primary(int code) { return code & 0xFF; }
+
+constexpr int refused = 1;
+constexpr int value_of_another_kind = 20;
 
 constexpr const char* held = "another program holds the library";
 constexpr const char* no_memory = "there is not enough memory";
@@ -85,39 +65,32 @@ constexpr const char* too_large = "the file would get larger than is allowed";
 constexpr int full = 13;
 constexpr const char* ids_have_run_out = "no id is left";
 
-/// Of the failures of the disk one is a lack of memory.
-constexpr const char* disk_without_memory = "10 (3082)";
+/// What is said of a transaction that the database has ended by itself.
+constexpr int ended_by_itself = 516;
+constexpr const char* lost_transaction =
+    "the disk is full or has failed, or there is not enough memory";
 
-/// The exceptions of the persistence runtime and of utf8-cpp are told by the names of their
-/// classes: the runtime's headers are of an older C++ than this program, and the library's
-/// interface does not need them.
-const std::map<std::string, const char*>& causes_by_class() {
-  static const std::map<std::string, const char*> causes{
-      {"odb::timeout", held},
-      {"odb::deadlock", held},
-      {"odb::connection_lost", any_cause},
-      {"odb::unknown_schema_version", "the library was made by a version that is not known here"},
-      {"odb::no_type_info", "the library has an asset of a kind that is not known here"},
-      {"odb::object_not_persistent",
-       "the library does not say what library it is; 'veldra check' tells more"},
-      {"odb::transaction_already_finalized",
-       "the disk is full or has failed, or there is not enough memory"},
-      {"utf8::invalid_utf8", "the library has a text that is not UTF-8"},
-      {"utf8::invalid_utf16", "a text has half of a character"},
-      {"utf8::invalid_code_point", "a text has a character that does not exist"},
-      {"utf8::not_enough_room", "the library has a text that is not UTF-8"},
-      {"std::bad_alloc", no_memory}};
-  return causes;
-}
-
-std::string database_sentence(const std::exception& error) {
-  const std::string text = error.what();  // the code comes first
-  const int code = std::atoi(text.c_str());
-  if (code == full && text.find(ids_have_run_out) != std::string::npos) {
+/// What is said of the exception that is being handled, by its kind.
+std::string sentence_of_kind() {
+  const int code = veldra::error_code();
+  if (code == ended_by_itself) return size_limit_was_met() ? too_large : lost_transaction;
+  if (code == full && veldra::error_text().find(ids_have_run_out) != std::string::npos) {
     return "the library has no id left for another object of a kind";
   }
-  if (text.compare(0, std::strlen(disk_without_memory), disk_without_memory) == 0) return no_memory;
-  return sentence_of_database(code);
+  switch (veldra::error_kind()) {
+    case veldra::ErrorKind::OutOfMemory:
+      return no_memory;
+    case veldra::ErrorKind::UnknownVersion:
+      return "the library was made by a version that is not known here";
+    case veldra::ErrorKind::Damaged:
+      if (code == 0) return "the library has an asset of a kind that is not known here";
+      break;
+    case veldra::ErrorKind::NotFound:
+      return "the library does not say what library it is; 'veldra check' tells more";
+    default:
+      break;
+  }
+  return code == 0 ? any_cause : sentence_of_database(code);
 }
 
 std::string sentence_of_unique(const veldra::ObjectNotUnique& error) {
@@ -129,7 +102,8 @@ std::string sentence_of_unique(const veldra::ObjectNotUnique& error) {
 
 }  // namespace
 
-std::string sentence_of_database(int code) {
+std::string sentence_of_database(int result) {
+  const int code = primary(result);
   if (code == failed_disk && size_limit_was_met()) return too_large;
   const auto* const cause =
       std::find_if(std::begin(database_causes), std::end(database_causes),
@@ -137,49 +111,51 @@ std::string sentence_of_database(int code) {
   return cause != std::end(database_causes) ? cause->sentence : any_cause;
 }
 
-std::string sentence_of(const std::exception& error) {
-  for (const auto& name : classes_of(error)) {
-    if (name == "odb::transaction_already_finalized" && size_limit_was_met()) return too_large;
-    if (name == "odb::sqlite::database_exception") return database_sentence(error);
-    const auto found = causes_by_class().find(name);
-    if (found != causes_by_class().end()) return found->second;
-  }
-  return any_cause;
-}
-
-std::string sentence_of(const veldra::Exception& error) {
-  if (const auto* const failed = dynamic_cast<const veldra::DatabaseError*>(&error)) {
-    return sentence_of_database(failed->code());
-  }
-  if (const auto* const clash = dynamic_cast<const veldra::ObjectNotUnique*>(&error)) {
-    return sentence_of_unique(*clash);
-  }
-  if (dynamic_cast<const veldra::LibraryReadOnly*>(&error)) return "the library can only be read";
-  if (dynamic_cast<const veldra::ObjectInUse*>(&error)) return "the object is in use";
-  if (dynamic_cast<const veldra::ObjectNotFound*>(&error)) {
+std::string sentence_of_error() {
+  try {
+    throw;
+  } catch (const veldra::DatabaseError& error) {
+    return sentence_of_database(error.code());
+  } catch (const veldra::ObjectNotUnique& error) {
+    return sentence_of_unique(error);
+  } catch (const veldra::LibraryReadOnly&) {
+    return "the library can only be read";
+  } catch (const veldra::ObjectInUse&) {
+    return "the object is in use";
+  } catch (const veldra::ObjectNotFound&) {
     return "an object has gone while it was used";
-  }
-  if (dynamic_cast<const veldra::NotALibrary*>(&error)) return "this is not a veldra library";
-  if (dynamic_cast<const veldra::InappropriateCustomProperty*>(&error)) {
+  } catch (const veldra::NotALibrary&) {
+    return "this is not a veldra library";
+  } catch (const veldra::InappropriateCustomProperty&) {
     return "a custom property is for objects of another kind";
+  } catch (const veldra::Exception&) {
+    return "the library cannot be changed";
+  } catch (const utf8::invalid_utf16&) {
+    return "a text has half of a character";
+  } catch (const utf8::invalid_code_point&) {
+    return "a text has a character that does not exist";
+  } catch (const utf8::exception&) {
+    return "the library has a text that is not UTF-8";
+  } catch (...) {
+    return sentence_of_kind();
   }
-  return "the library cannot be changed";
 }
 
-bool lies_in_the_file(const std::exception& error) {
-  constexpr int codes[] = {1, 11, 20, 26};
-  for (const auto& name : classes_of(error)) {
-    if (name == "odb::sqlite::database_exception") {
-      const int code = std::atoi(error.what());
-      return std::find(std::begin(codes), std::end(codes), code) != std::end(codes);
-    }
-    if (name == "odb::no_type_info" || name == "odb::object_not_persistent") return true;
-    if (name == "utf8::exception") return true;
+bool lies_in_the_file() {
+  switch (veldra::error_kind()) {
+    case veldra::ErrorKind::Damaged:
+    case veldra::ErrorKind::NotALibrary:
+    case veldra::ErrorKind::NotFound:
+    case veldra::ErrorKind::MalformedText:
+      return true;
+    default:
+      break;
   }
-  return false;
+  const int code = primary(veldra::error_code());
+  return code == refused || code == value_of_another_kind;
 }
 
-bool is_held_by_others(const std::exception& error) { return sentence_of(error) == held; }
+bool is_held_by_others() { return veldra::error_kind() == veldra::ErrorKind::Busy; }
 
 void rethrow_for(const std::string& file) {
   try {
@@ -192,12 +168,9 @@ void rethrow_for(const std::string& file) {
     throw;
   } catch (const veldra::Interrupted&) {
     throw Stopped();
-  } catch (const veldra::Exception& error) {
+  } catch (...) {
     stop_if_asked();
-    throw failure_of(file, sentence_of(error));
-  } catch (const std::exception& error) {
-    stop_if_asked();
-    throw failure_of(file, sentence_of(error));
+    throw failure_of(file, sentence_of_error());
   }
 }
 

@@ -26,19 +26,19 @@ class LibraryFailure : public std::runtime_error {
 /// A failure that is about a file.
 Failure failure_of(const std::string& file, const std::string& sentence);
 
-// What is said of what went wrong with a library, without its name.
+// Of the exception that is being handled:
 
-std::string sentence_of(const std::exception& error);
-std::string sentence_of(const veldra::Exception& error);
-
-/// The same for a result code of SQLite.
-std::string sentence_of_database(int code);
+/// What is said of what went wrong with a library, without its name.
+std::string sentence_of_error();
 
 /// Whether the file is to blame, and not the disk, the memory or another program.
-bool lies_in_the_file(const std::exception& error);
+bool lies_in_the_file();
 
 /// Whether waiting for others was in vain.
-bool is_held_by_others(const std::exception& error);
+bool is_held_by_others();
+
+/// What is said of a result code of SQLite.
+std::string sentence_of_database(int result);
 
 /// Throws the exception that is being handled again as a `Failure` that names the file. A
 /// `Failure` passes as it is, and so do a lack of memory and what stops the program.

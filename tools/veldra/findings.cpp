@@ -59,9 +59,9 @@ class Examination {
   void try_to_examine() {
     try {
       examine_kind<T>();
-    } catch (const std::exception& error) {
-      if (!lies_in_the_file(error)) throw;
-      add(plural_of(veldra::ObjectTraits<T>::type), sentence_of(error));
+    } catch (const std::exception&) {
+      if (!lies_in_the_file()) throw;
+      add(plural_of(veldra::ObjectTraits<T>::type), sentence_of_error());
     }
   }
 
@@ -72,8 +72,8 @@ class Examination {
     bool all_at_once = true;
     try {
       library_.get(objects);
-    } catch (const std::exception& error) {
-      if (!lies_in_the_file(error)) throw;
+    } catch (const std::exception&) {
+      if (!lies_in_the_file()) throw;
       all_at_once = false;
       objects = readable_objects<T>();
     }
@@ -107,32 +107,28 @@ class Examination {
   }
 
   /// One object cannot be read: so they are read in parts, and where one fails each alone, to find
-  /// out which. Ids are given in ascending order and may have gaps.
+  /// out which.
   template <class T>
   std::vector<std::shared_ptr<T>> readable_objects() {
-    constexpr unsigned part = 500;
-    constexpr unsigned widest_gap = 100000;
-    constexpr unsigned largest = std::numeric_limits<unsigned>::max();
+    constexpr std::size_t size_of_a_part = 500;
     std::vector<std::shared_ptr<T>> objects;
-    const auto count = library_.count<T>();
-    unsigned last = 0;
-    for (unsigned first = 1; objects.size() + failed_ < count; first += part) {
-      if (first - last > widest_gap || first > largest - part) break;
-      const auto before = objects.size() + failed_;
-      read_part(first, first + part, objects);
-      if (objects.size() + failed_ > before) last = first;
+    std::set<unsigned> part;
+    for (const unsigned id : library_.ids<T>()) {
+      part.insert(part.end(), id);
+      if (part.size() != size_of_a_part) continue;
+      read_part(part, objects);
+      part.clear();
     }
+    read_part(part, objects);
     return objects;
   }
 
   template <class T>
-  void read_part(unsigned first, unsigned end, std::vector<std::shared_ptr<T>>& objects) {
-    std::set<unsigned> ids;
-    for (unsigned id = first; id != end; ++id) ids.insert(ids.end(), id);
+  void read_part(const std::set<unsigned>& ids, std::vector<std::shared_ptr<T>>& objects) {
     try {
       library_.get(objects, ids);
-    } catch (const std::exception& error) {
-      if (!lies_in_the_file(error)) throw;
+    } catch (const std::exception&) {
+      if (!lies_in_the_file()) throw;
       for (const unsigned id : ids) {
         if (const auto object = read<T>(id)) objects.push_back(object);
       }
@@ -143,10 +139,11 @@ class Examination {
   std::shared_ptr<T> read(unsigned id) {
     try {
       return library_.get<T>(id);
-    } catch (const std::exception& error) {
-      if (!lies_in_the_file(error)) throw;
+    } catch (const std::exception&) {
+      if (!lies_in_the_file()) throw;
       ++failed_;
-      add(fmt::format("{} {}", singular_of(veldra::ObjectTraits<T>::type), id), sentence_of(error));
+      add(fmt::format("{} {}", singular_of(veldra::ObjectTraits<T>::type), id),
+          sentence_of_error());
       return nullptr;
     }
   }

@@ -4,12 +4,26 @@
 #include "failure.hpp"
 #include "process/writing.hpp"
 
+#include <veldra/version.hpp>
+
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace veldra_tool {
 
+namespace {
+
+std::string versions() {
+  return fmt::format("veldra {} (SQLite {})", veldra::version_text(),
+                     veldra::sqlite_version_text());
+}
+
+}  // namespace
+
 Host::Host() : arguments("Catalogues of building materials and build-ups in library files") {
   arguments.name("veldra");
+  arguments.set_version_flag("--version", versions(), "Print the release of the program and exit");
   arguments.require_subcommand(1);
   arguments.get_formatter()->label("SUBCOMMAND", "COMMAND");
   arguments.get_formatter()->label("Positionals", "Arguments");
@@ -22,10 +36,17 @@ Host::Host() : arguments("Catalogues of building materials and build-ups in libr
       "  2  wrong use: nothing was done\n"
       "  3  done, with findings: 'check' has found something, objects stay because they are in\n"
       "     use, something did not come along, or the report could not be written");
-  for (const auto add : {add_create, add_info, add_list, add_show, add_where_used, add_import,
-                         add_export, add_copy, add_remove, add_purge, add_draw, add_check})
+  for (const auto add :
+       {add_create, add_info, add_list, add_show, add_where_used, add_import, add_export, add_copy,
+        add_remove, add_purge, add_draw, add_check, add_help})
     add(*this);
   for (CLI::App* command : arguments.get_subcommands({})) command->group("Commands");
+}
+
+bool Host::has_command(const std::string& name) const {
+  const auto commands = arguments.get_subcommands({});
+  return std::any_of(commands.begin(), commands.end(),
+                     [&](const CLI::App* command) { return command->get_name() == name; });
 }
 
 void Host::doubt(const std::string& file, int error) {

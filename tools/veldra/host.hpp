@@ -15,6 +15,8 @@ namespace veldra_tool {
 struct Host {
   Host();
 
+  bool has_command(const std::string& name) const;
+
   CLI::App arguments;
   Status status = Status::Done;
   Spool output;       ///< for standard output
@@ -40,6 +42,7 @@ void add_remove(Host& host);
 void add_purge(Host& host);
 void add_check(Host& host);
 void add_draw(Host& host);
+void add_help(Host& host);
 
 }  // namespace veldra_tool
 

@@ -13,7 +13,6 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <initializer_list>
 #include <new>
@@ -44,12 +43,6 @@ Status give_up(const Host& host, std::string_view sentence) noexcept {
 Status refuse(const std::string& sentence, const std::string& command) {
   say(fmt::format("veldra: {}\n'{} --help' tells more.\n", printable(sentence), command));
   return Status::WrongUse;
-}
-
-bool is_command(const Host& host, const std::string& name) {
-  const auto commands = host.arguments.get_subcommands({});
-  return std::any_of(commands.begin(), commands.end(),
-                     [&](const CLI::App* command) { return command->get_name() == name; });
 }
 
 /// What the arguments are wrong about, for the command that they begin with.
@@ -118,7 +111,7 @@ Status run(int count, char** values) {
   Host host;
   if (count < 2) return refuse("a command is missing", "veldra");
   const std::string first = values[1];
-  if (first.compare(0, 1, "-") != 0 && !is_command(host, first)) {
+  if (first.compare(0, 1, "-") != 0 && !host.has_command(first)) {
     return refuse(fmt::format("there is no command {}", in_quotes(first)), "veldra");
   }
   return run_command(host, count, values);

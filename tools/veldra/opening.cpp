@@ -89,8 +89,8 @@ std::shared_ptr<veldra::Library> open_existing(const std::string& file, bool rea
     throw;
   } catch (const std::bad_alloc&) {
     throw;
-  } catch (const std::exception& error) {
-    if (!is_held_by_others(error)) require_library(file, path);
+  } catch (const std::exception&) {
+    if (!is_held_by_others()) require_library(file, path);
     throw;
   }
 }

@@ -75,7 +75,43 @@ class Collector {
   std::set<ObjectKey> assets_;
 };
 
+/// The ids of the objects of a kind.
+std::set<unsigned> ids_of(const std::set<ObjectKey>& keys, ObjectType kind) {
+  std::set<unsigned> ids;
+  for (const auto& key : keys) {
+    if (key.type == kind) ids.insert(key.id);
+  }
+  return ids;
+}
+
+template <class T>
+void collect(const veldra::Library& library, const std::set<ObjectKey>& keys,
+             Collector& collector) {
+  std::vector<std::shared_ptr<T>> objects;
+  library.get(objects, ids_of(keys, veldra::ObjectTraits<T>::type));
+  sort_by_name(objects);
+  for (const auto& object : objects) collector.add(*object);
+}
+
+/// Assets are read with the materials that have them, so what refers to an asset stands for it.
+std::set<ObjectKey> readable_referrers(const veldra::Library& library, const ObjectKey& key) {
+  auto keys = library.referrers(key);
+  for (const unsigned id : ids_of(keys, ObjectType::Asset)) {
+    keys.merge(library.referrers(ObjectKey(ObjectType::Asset, id)));
+  }
+  return keys;
+}
+
 }  // namespace
+
+std::vector<Reference> references_to(const veldra::Library& library, const ObjectKey& key) {
+  const auto keys = readable_referrers(library, key);
+  References references;
+  Collector collector(references);
+  collect<veldra::Composition>(library, keys, collector);
+  collect<veldra::Material>(library, keys, collector);
+  return references[key];
+}
 
 References references_in(const veldra::Library& library) {
   Progress progress("looking for references");

@@ -23,6 +23,9 @@ using References = std::map<veldra::ObjectKey, std::vector<Reference>>;
 
 References references_in(const veldra::Library& library);
 
+/// The references to one object; reads only what refers to it.
+std::vector<Reference> references_to(const veldra::Library& library, const veldra::ObjectKey& key);
+
 }  // namespace veldra_tool
 
 #endif

@@ -2,6 +2,7 @@
 #include "thermal.hpp"
 
 #include "text.hpp"
+#include "units.hpp"
 
 #include <fmt/format.h>
 
@@ -32,10 +33,6 @@ Surface surface_of(veldra::Composition::Type type) {
   }
 }
 
-double metres(double length, veldra::Unit unit) {
-  return unit == veldra::Unit::Inches ? length * 0.0254 : length / 1000.0;
-}
-
 std::optional<double> resistance_of(const veldra::Composition::Layer& layer, veldra::Unit unit) {
   if (!layer.material()) return std::nullopt;
   if (const auto resistance = number_value(*layer.material(), property::resistance)) {
@@ -43,7 +40,7 @@ std::optional<double> resistance_of(const veldra::Composition::Layer& layer, vel
   }
   const auto conductivity = conductivity_of(*layer.material());
   if (!conductivity || !(*conductivity > 0) || !(layer.thickness() >= 0)) return std::nullopt;
-  return metres(layer.thickness(), unit) / *conductivity;
+  return in_metres(layer.thickness(), unit) / *conductivity;
 }
 
 bool is_well_ventilated(const veldra::Composition::Layer& layer) {

@@ -48,16 +48,12 @@ bool same_variable_layer(const veldra::Composition& left, const veldra::Composit
 
 }  // namespace
 
-double converted(double length, veldra::Unit from, veldra::Unit to) {
-  if (from == veldra::Unit::Inches && to == veldra::Unit::Millimetres) return length * 25.4;
-  if (from == veldra::Unit::Millimetres && to == veldra::Unit::Inches) {
-    return length * 0.03937007874015748;
-  }
-  return length;
+double from_metres(double length, veldra::Unit unit) {
+  return veldra::converted_length(length * 1000.0, veldra::Unit::Millimetres, unit);
 }
 
-double from_metres(double length, veldra::Unit unit) {
-  return unit == veldra::Unit::Inches ? length / 0.0254 : length * 1000.0;
+double in_metres(double length, veldra::Unit unit) {
+  return veldra::converted_length(length, unit, veldra::Unit::Millimetres) / 1000.0;
 }
 
 bool same_length(double left, double right) {

@@ -6,11 +6,9 @@
 
 namespace veldra_tool {
 
-/// A length in another unit, by the factors that the library uses.
-double converted(double length, veldra::Unit from, veldra::Unit to);
-
-/// A length in metres in a unit.
+/// A length in metres in a unit, and the other way round.
 double from_metres(double length, veldra::Unit unit);
+double in_metres(double length, veldra::Unit unit);
 
 /// Whether two lengths are the same. One of them may have come through other units and back.
 bool same_length(double left, double right);

@@ -35,7 +35,7 @@ constexpr double longest_bar = 40;
 constexpr std::size_t longest_hatches = 400'000;  ///< bytes of all hatches together
 
 double millimetres(double length, veldra::Unit unit) {
-  const double value = unit == veldra::Unit::Inches ? length * 25.4 : length;
+  const double value = veldra::converted_length(length, unit, veldra::Unit::Millimetres);
   return std::isfinite(value) && value > 0 ? std::min(value, 1e300) : 0;
 }
 

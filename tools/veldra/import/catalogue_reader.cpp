@@ -80,7 +80,7 @@ class CatalogueReader {
   }
 
  private:
-  double length(double value) const { return converted(value, from_, to_); }
+  double length(double value) const { return veldra::converted_length(value, from_, to_); }
 
   void read_settings(ObjectReader& reader) {
     const JsonNode* node = reader.find("library");

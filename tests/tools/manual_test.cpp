@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "host.hpp"
+#include "pages.hpp"
+#include "tools/program.hpp"
+
+#include <veldra/veldra.hpp>
+
+#include <sstream>
+#include <stdexcept>
+
+namespace veldra_tests {
+namespace {
+
+class Help : public ProgramTest {};
+
+TEST_F(Help, of_a_command_is_what_the_command_says_itself) {
+  for (const char* command : {"create", "import", "where-used", "help"}) {
+    EXPECT_EQ(must({"help", command}).out, must({command, "--help"}).out) << command;
+  }
+  EXPECT_EQ(must({"help"}).out, must({"--help"}).out);
+}
+
+TEST_F(Help, of_no_command_is_wrong_use) {
+  const auto run = veldra({"help", "destroy"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(run.out, "");
+  EXPECT_THAT(run.err, HasSubstr("there is no command 'destroy'"));
+}
+
+TEST_F(Help, the_release_is_that_of_the_library) {
+  EXPECT_EQ(must({"--version"}).out, std::string("veldra ") + veldra::version_text() + " (SQLite " +
+                                         veldra::sqlite_version_text() + ")\n");
+}
+
+class Manual : public ProgramTest {
+ protected:
+  const veldra_manual::Command& command(const std::string& name) const {
+    for (const auto& each : program.commands) {
+      if (each.name == name) return each;
+    }
+    throw std::runtime_error("no command " + name);
+  }
+
+  /// The words that bash offers for the last of some words.
+  std::vector<std::string> offered(const std::string& words, int last) {
+    write("completion", veldra_manual::bash_completion(program));
+    write("try", "source ./completion; COMP_WORDS=(" + words + "); COMP_CWORD=" +
+                     std::to_string(last) + "; _veldra; printf '%s\\n' \"${COMPREPLY[@]}\"");
+    const Outcome run = shell("bash try");
+    EXPECT_EQ(run.err, "");
+    std::istringstream lines(run.out);
+    std::vector<std::string> found;
+    for (std::string line; std::getline(lines, line);) {
+      if (!line.empty()) found.push_back(line);
+    }
+    return found;
+  }
+
+  const veldra_tool::Host host;
+  const veldra_manual::Description program = veldra_manual::describe(host.arguments, "1.2.3");
+};
+
+TEST_F(Manual, knows_all_commands_and_what_they_take) {
+  EXPECT_THAT(program.commands, SizeIs(host.arguments.get_subcommands({}).size()));
+  for (const auto& each : program.commands) {
+    EXPECT_NE(each.summary, "") << each.name;
+    EXPECT_NE(each.example, "") << each.name;
+    for (const auto& argument : each.arguments) EXPECT_NE(argument.text, "") << each.name;
+  }
+  EXPECT_THAT(program.statuses, SizeIs(4));
+  EXPECT_EQ(program.statuses[0].second, "done");
+}
+
+TEST_F(Manual, knows_the_words_that_an_argument_may_be) {
+  const auto& list = command("list");
+  ASSERT_EQ(list.arguments[1].names, std::vector<std::string>{"KIND"});
+  EXPECT_THAT(list.arguments[1].choices, IsSupersetOf({"materials", "compositions"}));
+  EXPECT_THAT(list.arguments[0].choices, IsEmpty());
+}
+
+TEST_F(Manual, the_synopsis_tells_what_is_required_and_what_is_repeated) {
+  EXPECT_EQ(synopsis(program, command("show")), "veldra show [OPTIONS] FILE KIND OBJECT");
+  EXPECT_EQ(synopsis(program, command("import")), "veldra import [OPTIONS] FILE SOURCE...");
+  EXPECT_EQ(synopsis(program, command("purge")), "veldra purge [OPTIONS] FILE [KIND...]");
+}
+
+TEST_F(Manual, each_man_page_has_all_that_the_help_has) {
+  for (const auto& each : program.commands) {
+    const std::string page = veldra_manual::man_page(program, each);
+    for (const auto& argument : each.arguments) {
+      for (const auto& name : argument.names) {
+        std::string in_page;
+        for (const char c : name) in_page += c == '-' ? "\\-" : std::string(1, c);
+        EXPECT_THAT(page, HasSubstr("\\fB" + in_page + "\\fR")) << each.name;
+      }
+    }
+    EXPECT_THAT(page, HasSubstr(".SH EXIT STATUS")) << each.name;
+  }
+}
+
+TEST_F(Manual, a_line_that_begins_like_a_request_is_text) {
+  veldra_manual::Command strange{"x", "is \\ strange", {}, ".SH it's - here", ""};
+  EXPECT_THAT(veldra_manual::man_page(program, strange), HasSubstr("\n\\&.SH it\\(aqs \\- here\n"));
+  EXPECT_THAT(veldra_manual::man_page(program, strange), HasSubstr("is \\e strange"));
+}
+
+TEST_F(Manual, bash_completes_commands_kinds_and_values) {
+  EXPECT_THAT(offered("veldra im", 1), ElementsAre("import"));
+  EXPECT_THAT(offered("veldra list a.lib comp", 3), ElementsAre("compositions"));
+  EXPECT_THAT(offered("veldra create a.lib --unit ''", 4), ElementsAre("mm", "in"));
+  EXPECT_THAT(offered("veldra import a.lib x.idf --on-conflict re", 5), ElementsAre("rename"));
+  EXPECT_THAT(offered("veldra list --js", 2), ElementsAre("--json"));
+  EXPECT_THAT(offered("veldra purge a.lib tags mat", 4), Contains("materials"));
+  EXPECT_THAT(offered("veldra help ch", 2), ElementsAre("check"));
+}
+
+TEST_F(Manual, bash_completes_files_elsewhere) {
+  write("office.lib", "");
+  EXPECT_THAT(offered("veldra info off", 2), ElementsAre("office.lib"));
+  EXPECT_THAT(offered("veldra export a.lib -o off", 4), ElementsAre("office.lib"));
+}
+
+TEST_F(Manual, the_other_shells_know_every_command_and_option) {
+  const std::string zsh = veldra_manual::zsh_completion(program);
+  const std::string fish = veldra_manual::fish_completion(program);
+  for (const auto& each : program.commands) {
+    EXPECT_THAT(zsh, HasSubstr("\n  " + each.name + ")\n")) << each.name;
+    EXPECT_THAT(fish, HasSubstr("-a " + each.name + " ")) << each.name;
+    for (const auto& argument : each.arguments) {
+      if (!argument.is_option()) continue;
+      EXPECT_THAT(zsh, HasSubstr("*" + argument.names.back() + "[")) << each.name;
+      EXPECT_THAT(fish, HasSubstr("-l " + argument.names.back().substr(2))) << each.name;
+    }
+  }
+}
+
+TEST_F(Manual, each_page_of_the_site_has_all_that_the_help_has) {
+  for (const auto& each : program.commands) {
+    const std::string page = veldra_manual::markdown_page(program, each);
+    for (const auto& argument : each.arguments) {
+      EXPECT_THAT(page, HasSubstr(argument.text)) << each.name;
+    }
+    EXPECT_THAT(page, HasSubstr("```\n" + each.example + "\n```")) << each.name;
+  }
+}
+
+}  // namespace
+}  // namespace veldra_tests
