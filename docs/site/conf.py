@@ -19,6 +19,7 @@ exclude_patterns = ["guide/programs"]
 breathe_projects = {"veldra": os.environ["VELDRA_DOXYGEN_XML"]}
 breathe_default_project = "veldra"
 breathe_show_include = False
+breathe_show_enumvalue_initializer = True
 primary_domain = "cpp"
 highlight_language = "cpp"
 cpp_id_attributes = ["VELDRA_EXPORT"]

@@ -188,7 +188,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// version is migrated to the current one.
   ///
   /// Caution: a database that does not say its version counts as empty. Its tables are lost where
-  /// they have the names of those of a library. `openExisting` makes a library of nothing.
+  /// they have the names of those of a library. `openExisting` never makes a new library.
   ///
   /// Names of files:
   /// - "memdb:///walls" opens the path "/walls" through the SQLite VFS "memdb".
@@ -674,6 +674,11 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// @name Removing
   /// An object is removed only if no object in the library refers to it and the reactor allows it.
   /// Each object is removed in a transaction of its own, unless the host has a `Transaction`.
+  ///
+  /// Within a `Transaction`, several objects are removed in a time that grows with their number.
+  /// Without one, the database searches the file for each object. Within one, `objectRemoved`
+  /// usually notifies of removed objects only, and not of those that then turn out to be referred
+  /// to.
   /// @{
 
   /// Removes one object. Returns whether it was removed: false if the reactor has refused, or

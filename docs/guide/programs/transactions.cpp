@@ -8,14 +8,14 @@ void renew(const std::shared_ptr<veldra::Library>& office,
            const std::shared_ptr<veldra::Library>& supplier) {
   veldra::Library::Transaction transaction(*office);
   office->purge<veldra::Material>();
-  std::cout << "  after the purge: " << office->count<veldra::Material>() << " materials\n";
+  std::cout << "  materials after the purge: " << office->count<veldra::Material>() << '\n';
   office->copyAll(supplier);
   office->region("Ostschweiz");
   transaction.commit();
 }
 
 void print(const veldra::Library& library) {
-  std::cout << "  " << library.count<veldra::Material>() << " materials, region '"
+  std::cout << "  materials: " << library.count<veldra::Material>() << ", region: '"
             << library.region().utf8() << "'\n";
 }
 
