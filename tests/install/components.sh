@@ -42,7 +42,12 @@ for page in README.md CHANGELOG.md LICENSE docs/file-format.md docs/images/cavit
   examples/hello/hello.cpp examples/catalogue/demo.sh; do
   expect documentation "/doc/.*/$page$"
 done
-[ "$has_tools" != ON ] || expect tools '/bin/veldra$'
+if [ "$has_tools" = ON ]; then
+  for file in /bin/veldra /man1/veldra.1 /bash-completion/completions/veldra \
+    /zsh/[a-z-]*/_veldra /fish/vendor_completions.d/veldra.fish; do
+    expect tools "$file$"
+  done
+fi
 
 (cd "$folder" && cat "${components[@]}") | LC_ALL=C sort >"$folder/together"
 if ! diff -u --label "without naming a component" --label "by component" \
