@@ -88,7 +88,7 @@ bool is_there(sqlite3_vfs* vfs, const std::string& path) {
 }  // namespace
 
 NewFile::NewFile(const String& given, const FileName& name, const Database& like)
-    : vfs_(vfs_of(name)), path_(full_path(vfs_, name.path)) {
+    : vfs_(vfs_of(name)), path_(full_path(vfs_, name.path)), journal_(path_ + "-journal") {
   // What is written there would go with its connection.
   if (name.path == ":memory:") fail(SQLITE_CANTOPEN);
   const NameForVfs vfs_name(path_, like);
@@ -100,7 +100,10 @@ NewFile::NewFile(const String& given, const FileName& name, const Database& like
 }
 
 NewFile::~NewFile() {
-  if (!kept_) vfs_->xDelete(vfs_, path_.c_str(), 0);
+  if (kept_) return;
+  vfs_->xDelete(vfs_, path_.c_str(), 0);
+  // What is left of it would be applied to a later file of that name.
+  vfs_->xDelete(vfs_, journal_.c_str(), 0);
 }
 
 }  // namespace veldra

@@ -25,6 +25,7 @@ class NewFile {
  private:
   sqlite3_vfs* vfs_;
   std::string path_;
+  std::string journal_;
   bool kept_ = false;
 };
 

@@ -22,6 +22,7 @@ class FilesThatFail : public Faults {
   unsigned points() const override { return FaultVfs::calls(); }
   std::string vfs() const override { return FaultVfs::name_of(""); }
   bool of_memory() const override { return false; }
+  bool keep_files() const override { return repetition_ == FaultVfs::Repetition::Persistent; }
 
  private:
   FaultVfs::Trouble trouble_;

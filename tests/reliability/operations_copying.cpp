@@ -65,7 +65,6 @@ std::vector<Operation> copying_several() {
       {"copy all", nothing, copy_all},
       {"copy all under other names", decide_to_rename, copy_all},
       {"copy all with a mapping", nothing, copy_all_with_mapping},
-      {"restore another library", nothing, restore},
   });
 }
 
@@ -74,7 +73,10 @@ std::vector<Operation> copying_several() {
 void choose_roof(Scene& scene) { scene.ids = {id_of<Composition>(*scene.source, "Roof")}; }
 
 std::vector<Operation> copying_operations() {
-  return joined({for_each_kind([](const auto& of) { return copy_ids(of); }), copying_several()});
+  return joined({for_each_kind([](const auto& of) { return copy_ids(of); }),
+                 copying_several(),
+                 {operation_on_current(Operation::Kind::Replacing, "restore another library",
+                                       nothing, restore)}});
 }
 
 }  // namespace veldra_tests

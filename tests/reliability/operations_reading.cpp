@@ -192,16 +192,12 @@ void find_unreadable(Scene& scene) {
   scene.number = scene.library->unreadable<Composition>().size() + 1;
 }
 
-// Of another name each time, as two may be made at once.
-void choose_a_new_file(Scene& scene) {
-  static int number = 0;
-  scene.text = (scene.name().utf8() + std::to_string(++number)).c_str();
-}
-
+// Of another name each time: while files cannot be deleted, one that was not finished stays.
 void back_up(Scene& scene) {
-  scene.library->backup(scene.text);
+  static int last = 0;
+  const std::string number = std::to_string(++last);
+  scene.library->backup((scene.name().utf8() + number).c_str());
   scene.number = 1;
-  const std::string number = scene.text.utf8().substr(scene.name().utf8().size());
   std::remove((scene.path() + number).c_str());
 }
 
@@ -213,7 +209,7 @@ std::vector<Operation> reading_otherwise() {
           reading("recognise", name_the_library, recognise),
           reading("referrers", choose_a_tag, find_referrers),
           reading("unreadable", nothing, find_unreadable),
-          reading("back up", choose_a_new_file, back_up)};
+          reading("back up", nothing, back_up)};
 }
 
 }  // namespace

@@ -134,6 +134,7 @@ struct Operation {
     Removing,  ///< in one transaction
     RemovingSeveral,  ///< in as many transactions as there are objects
     Purging,          ///< the same, of all objects that nothing refers to
+    Replacing,        ///< all contents, in one transaction; the reactor is told of no object
     Setting           ///< of the metadata, which the handle keeps also when writing them fails
   };
 

@@ -28,6 +28,9 @@ class Faults {
   /// Whether `std::bad_alloc` is an answer.
   virtual bool of_memory() const = 0;
 
+  /// Whether files cannot be deleted either, so that one that was not finished stays.
+  virtual bool keep_files() const { return false; }
+
   /// A number that is the same whenever the same memory is taken; 0 if nobody counts.
   virtual long long memory_taken() const { return 0; }
 };

@@ -11,7 +11,11 @@ namespace {
 
 /// What `--help` of the command prints; of the program when none is named.
 std::string help_of(const Host& host, const std::string& command) {
-  if (command.empty()) return host.arguments.help();
+  const auto& program = host.arguments;
+  if (command.empty()) {  // its own `help` would be that of the command that is being parsed
+    return program.get_formatter()->make_help(&program, program.get_name(),
+                                              CLI::AppFormatMode::Normal);
+  }
   return host.arguments.get_subcommand(command)->help(host.arguments.get_name());
 }
 

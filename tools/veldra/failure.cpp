@@ -166,6 +166,8 @@ void rethrow_for(const std::string& file) {
     throw failure_of(file, failure.what());
   } catch (const std::bad_alloc&) {
     throw;
+  } catch (const Stopped&) {
+    throw;
   } catch (const veldra::Interrupted&) {
     throw Stopped();
   } catch (...) {

@@ -49,7 +49,7 @@ bool same_variable_layer(const veldra::Composition& left, const veldra::Composit
 }  // namespace
 
 double from_metres(double length, veldra::Unit unit) {
-  return veldra::converted_length(length * 1000.0, veldra::Unit::Millimetres, unit);
+  return length * 1000.0 / veldra::length_factor(unit, veldra::Unit::Millimetres);
 }
 
 double in_metres(double length, veldra::Unit unit) {
