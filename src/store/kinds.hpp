@@ -33,8 +33,8 @@ using TableNames = std::vector<std::string>;
 
 /// What most kinds have in common.
 struct UsualKind {
-  static constexpr const char* listed_by = nullptr;  ///< the column by which lists are in order
-  static TableNames lists() { return {}; }           ///< the tables besides its own
+  static constexpr const char* listed_by = "";  ///< the column by which lists are in order
+  static TableNames lists() { return {}; }      ///< the tables besides its own
 };
 
 template <class T>

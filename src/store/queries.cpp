@@ -167,7 +167,7 @@ Query has_tag(const Rows& rows, const TagNames& tags) {
 
 template <class T>
 Query in_order(const Query& query) {
-  if (Kind<T>::listed_by == nullptr) return query;
+  if (*Kind<T>::listed_by == 0) return query;
   return query + ("ORDER BY " + objects<T>().column(Kind<T>::listed_by));
 }
 
@@ -274,7 +274,7 @@ template <class T>
 std::vector<unsigned> existing_ids(Database& database, const std::set<unsigned>& ids) {
   std::vector<unsigned> existing;
   // Every part would come in its order, but not the whole.
-  if (Kind<T>::listed_by != nullptr && ids.size() > list_limit) {
+  if (*Kind<T>::listed_by != 0 && ids.size() > list_limit) {
     existing = all_ids<T>(database);
     const auto other = [&ids](unsigned id) { return ids.count(id) == 0; };
     existing.erase(std::remove_if(existing.begin(), existing.end(), other), existing.end());
