@@ -43,19 +43,16 @@ namespace veldra {
 /// below "a database error" stands for:
 ///
 /// - `odb::timeout` (`ErrorKind::Busy`): the file was held by others for more than 5 seconds. A
-/// host
-///   may try again; nothing has happened. `interrupt` ends the wait sooner.
+///   host may try again; nothing has happened. `interrupt` ends the wait sooner.
 /// - `odb::sqlite::database_exception`: SQLite failed, by lack of space (`ErrorKind::Full`), in a
 ///   file that can only be read (`ErrorKind::ReadOnly`) or is damaged (`ErrorKind::Damaged`), or
 ///   for another reason (`error_code`).
 /// - `odb::transaction_already_finalized` (`ErrorKind::Transaction`): the `Transaction` or
-/// `Snapshot`
-///   of this handle has ended by itself.
+///   `Snapshot` of this handle has ended by itself.
 /// - `odb::no_type_info` (`ErrorKind::Damaged`): the file has an asset of an unknown kind.
 /// - `odb::exception`: the base of these, for all other failures of the runtime.
 /// - `utf8::exception` (`ErrorKind::MalformedText`): a text in the file is not UTF-8, or a text of
-/// an
-///   object or a file name is not UTF-16.
+///   an object or a file name is not UTF-16.
 /// - `std::bad_alloc` (`ErrorKind::OutOfMemory`): memory ran out.
 /// - `Interrupted` (`ErrorKind::Interrupted`): `interrupt` was called meanwhile.
 ///
@@ -68,7 +65,8 @@ namespace veldra {
 ///   thread.
 /// - Different threads may use different handles at the same time, also on the same file. While one
 ///   of them writes, the others wait.
-/// - One thread at a time calls `create`, `open` or `openExisting`, whatever the file.
+/// - One thread at a time opens files, whatever these are: by `create`, `open`, `openExisting`,
+///   `recognise`, `backup` or `restoreFrom`. Closing a handle is free.
 /// - To copy from a library, or to save one of its objects elsewhere, is to use that library too.
 ///
 /// Limits:
@@ -132,8 +130,9 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     virtual ~Reactor() = 0;
 
     /// Decides about a material or composition that is being saved under a name that is taken.
-    /// Returns one of the decisions. For `Rename`, the function has changed `name`. After any other
-    /// number, and for a new name that is taken as well, it is called again, without end.
+    /// Returns one of the decisions. For `Rename`, the function has changed `name`; it may look for
+    /// a free one in `library`. For a new name that is taken as well it is called again, with that
+    /// name. After any other number it is called again too, without end.
     ///
     /// The default throws `ObjectNotUnique`.
     ///
@@ -179,8 +178,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   ///
   /// - the unit `unit`, which never changes;
   /// - the GUID `guid`, if that is the text of a GUID; a random one, if `guid` is empty; and else
-  /// one
-  ///   that is derived from the text, always the same for the same text;
+  ///   one that is derived from the text, always the same for the same text;
   /// - thirteen material types, whose names the host may translate (`Translations`);
   /// - no locale and no region.
   ///
@@ -199,8 +197,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   ///
   /// Throws; the texts of the first two begin with the name of the file:
   /// - `odb::sqlite::database_exception`: the file cannot be opened or made, its name is empty, or
-  /// it
-  ///   is no database (`ErrorKind::NotALibrary`).
+  ///   it is no database (`ErrorKind::NotALibrary`).
   /// - `odb::unknown_schema_version` (`ErrorKind::UnknownVersion`): the version is not known.
   /// - `odb::object_not_persistent` (`ErrorKind::NotFound`): the file does not say its identity.
   /// - any other database error (`Library`).
@@ -213,7 +210,8 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// millimetres with a random GUID. A file of an older version is migrated.
   ///
   /// With `readOnly` the library refuses all changes. The file must be writable nevertheless if it
-  /// is empty or of an older version.
+  /// is empty or of an older version. Without `readOnly`, a file that can only be read is opened as
+  /// well: `Library::readOnly()` tells.
   ///
   /// Throws:
   /// - `odb::sqlite::database_exception`: also if there is no such file.
@@ -264,8 +262,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   ///
   /// Throws:
   /// - `NotALibrary`: the file is empty, does not say its version or its identity, or is a database
-  /// of
-  ///   another program. It stays as it is.
+  ///   of another program. It stays as it is.
   /// - all else as `open`.
   static std::shared_ptr<Library> openExisting(const String& filename, bool readOnly);
 
@@ -290,7 +287,8 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// the same in copies of the file.
   const String& guid() const noexcept;
 
-  /// The unit of all thicknesses in the library. It never changes, but by `restoreFrom`.
+  /// The unit of all thicknesses in the library. It never changes, but by `restoreFrom` from
+  /// another library.
   Unit unit() const noexcept;
 
   /// The locale of the texts in the library, such as "de_CH": a note for hosts, empty at first. As
@@ -346,9 +344,8 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     ///
     /// - Kind 0, `ObjectType{}`: the file as a whole.
     /// - Id 0: all objects of the kind. They must not be read, since reading throws or never ends:
-    /// a
-    ///   table of theirs, or of an object to which they refer, is missing, lacks a column, or is no
-    ///   table.
+    ///   a table of theirs, or of an object to which they refer, is missing, lacks a column, or is
+    ///   no table.
     ObjectKey object;
 
     /// The name of the object; empty if it has none, and where no single object is meant.
@@ -404,7 +401,10 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   ///   wait for its end.
   /// - The copy is on the disk when the function returns.
   /// - Pages are copied as they are, damaged ones too.
-  /// - A program that is killed meanwhile leaves an empty file, and perhaps its journal.
+  /// - A library with a log (WAL) gives a copy with a log, which needs a folder that can be
+  ///   written.
+  /// - A program that is killed meanwhile leaves an unfinished file with its journal, `filename`
+  ///   with "-journal" behind it. Opened, it is an empty file. Remove both together.
   ///
   /// Throws; no new file is left then:
   /// - `FileExists`: there is a file of that name. It stays as it is.
@@ -414,22 +414,29 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   void backup(const String& filename) const;
 
   /// Replaces all contents of the library by those of the library in the file `filename`, in one
-  /// transaction. The file is one that `backup` has written, or any other library.
+  /// transaction, its unit, locale and region included. The file is one that `backup` has written,
+  /// or any other library.
   ///
-  /// - The file must have the GUID of this library. With `otherLibrary` it may have another one;
-  /// this
-  ///   library then takes over GUID, unit, locale and region of that file.
+  /// - The file must have the GUID that the library has. With `otherLibrary` it may have another
+  ///   one, which the library has then.
+  /// - The file is looked through before: a damaged one is refused, and one that lacks a table.
   /// - The contents of an older version are migrated on the way.
   /// - The file itself is only read. SQLite may have to finish the work of a program that has
-  /// crashed
-  ///   there, as for `recognise`.
+  ///   crashed there, as for `recognise`.
   /// - Objects in memory stay as they are, with ids that may now belong to other objects. Read them
   ///   anew.
+  /// - Other handles on the file of the library read the new contents, but keep the GUID and the
+  ///   unit that they have read when they were opened. After a restoration from another library,
+  ///   close them and open the file anew.
+  /// - What other programs keep in the file of the library goes.
   /// - The reactor is notified that all kinds have changed.
   ///
   /// Throws; the library is then as it was:
   /// - `NotALibrary`: the file is no library, as for `openExisting`.
   /// - `OtherLibrary`: the file has another GUID.
+  /// - `odb::sqlite::database_exception`: also if the file is damaged (`ErrorKind::Damaged`), keeps
+  ///   its texts in another encoding than the library, or has pages of another size than a library
+  ///   with a log or in memory.
   /// - `LibraryReadOnly`: this library can only be read.
   /// - `odb::already_in_transaction`: this handle is reading or writing: it has a `Snapshot` or a
   ///   `Transaction`, or the call comes from a reactor or a `for_each`.
@@ -444,11 +451,10 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// - It ends: reading, saving, removing, purging, copying (on the source or the destination),
   ///   `check`, `backup`, `restoreFrom`, `Transaction::commit`, and waiting for a file that others
   ///   hold.
-  /// - Of several objects that are removed without a `Transaction`, those that were removed before
-  ///   stay removed.
+  /// - Of several objects that are removed by one call, those that were removed before stay
+  /// removed.
   /// - Within a `Transaction` the earlier operations stay, unless the transaction has ended by
-  /// itself
-  ///   (`Transaction::commit`).
+  ///   itself (`Transaction::commit`).
   /// - An operation that is nearly complete may return as usual.
   void interrupt() noexcept;
 
@@ -458,8 +464,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// Objects that are read belong to this library and are clean.
   ///
   /// - Lists append to `out`, in the order in which the database gives the objects. Custom
-  /// properties
-  ///   come in the order of their names.
+  ///   properties come in the order of their names.
   /// - An object that cannot be read whole, since an object to which it refers is not in the file,
   ///   counts as not there. `ids` and `unreadable` have it.
   /// @{
@@ -553,8 +558,10 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   std::set<unsigned> unreadable() const;
 
   /// Calls `visit` with each object of the kind, in the order of a list, until `visit` returns
-  /// false. Returns whether all objects were visited. Objects that cannot be read whole are left
-  /// out.
+  /// false. Returns whether all objects were visited.
+  ///
+  /// Objects that refer to something missing are left out. One with a text that is not UTF-8, or
+  /// with an asset of an unknown kind, ends it with an exception, as for a list (`unreadable`).
   ///
   ///     library->for_each<veldra::Material>([&](const std::shared_ptr<veldra::Material>& each) {
   ///       sheet.add(each->name());
@@ -591,6 +598,9 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   ///       if (user) print(user->name());                                // unless it is unreadable
   ///     }
   ///
+  /// Searches whole tables, each time: for many objects ask `unreferenced`. Rows that belong to no
+  /// object are not asked, although they keep what they refer to from being removed.
+  ///
   /// Throws: a database error (`Library`).
   std::set<ObjectKey> referrers(const ObjectKey& key) const;
 
@@ -616,8 +626,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// - No library, or this one, and clean: nothing happens, also not to the objects to which it
   ///   refers. It is returned.
   /// - Another library: the object stays as it is. A copy is saved, in the unit of this library,
-  /// and
-  ///   returned.
+  ///   and returned.
   ///
   /// Objects to which it refers (tags, material type, drawing layer, custom properties, materials
   /// of layers) are saved by the same rules. Assets are never saved; a reference to an asset of
@@ -664,8 +673,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// objects of a kind share one key with the id 0.
   ///
   /// Throws: as `save(object)`. Entries stay then, and also when the transaction is rolled back
-  /// later
-  /// (`IdMapping`).
+  /// later (`IdMapping`).
   template <class T>
   std::shared_ptr<T> save(const std::shared_ptr<T>& object, IdMapping& mapping);
 
@@ -786,8 +794,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// - Thicknesses are converted to the unit of this library.
   /// - The reactor of this library decides about names that are taken.
   /// - The source is only read. An empty source copies nothing, and ids that the source does not
-  /// have
-  ///   are skipped.
+  ///   have are skipped.
   ///
   /// The source is read in parts and is not locked in between. An object that is removed from it
   /// meanwhile is not copied; an object that was read is copied with everything to which it refers.
@@ -848,8 +855,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// - All reads through the handle see the state at its beginning, whatever others write.
   /// - The library stays open.
   /// - Others can begin to write, but cannot commit: they wait for its end, and after 5 seconds
-  /// they
-  ///   get `odb::timeout`. Keep it short, and destroy it before waiting for anybody.
+  ///   they get `odb::timeout`. Keep it short, and destroy it before waiting for anybody.
   /// - A write through the handle, a `Transaction` and a second snapshot throw
   ///   `odb::already_in_transaction`. The snapshot goes on.
   ///
@@ -864,8 +870,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     ///
     /// Throws:
     /// - `odb::already_in_transaction`: the library has a snapshot already, or the call comes from
-    /// a
-    ///   `for_each`.
+    ///   a `for_each`.
     /// - any other database error (`Library`).
     explicit Snapshot(const Library& library);
 
@@ -896,9 +901,9 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   ///
   /// As long as it lives, every operation on the handle is a part of it:
   ///
-  /// - Each operation is still done in full or not at all. A host may catch the exception of one
-  /// and
-  ///   go on with others.
+  /// - Each operation is still done in full or not at all, but for the removal of several objects,
+  ///   of which those before a failure stay removed. A host may catch the exception of one
+  ///   and go on with others.
   /// - Each operation sees the changes of the earlier ones.
   /// - `typeChanged` and `libraryChanged` are called once, at its end, also if it is rolled back.
   /// - The library stays open.
@@ -915,8 +920,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// - the file, and the library's locale and region;
   /// - the id, the library and the dirty mark of each object that was saved or removed in it;
   /// - the references that saving has replaced in such an object. A list in which objects of
-  /// another
-  ///   library were replaced goes back as a whole;
+  ///   another library were replaced goes back as a whole;
   /// - all values of an object that has taken those of a stored one.
   ///
   /// These are not taken back:
@@ -933,8 +937,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     /// Throws:
     /// - `LibraryReadOnly`: the library can only be read.
     /// - `odb::already_in_transaction`: the library has a transaction or a `Snapshot` already, or
-    /// the
-    ///   call comes from a reactor within an operation, or from a `for_each`.
+    ///   the call comes from a reactor within an operation, or from a `for_each`.
     /// - any other database error (`Library`).
     explicit Transaction(Library& library);
 
@@ -963,8 +966,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
     ///
     /// Throws, and the transaction goes on:
     /// - `odb::already_in_transaction`: the call comes from a reactor within an operation, or from
-    /// a
-    ///   `for_each`.
+    ///   a `for_each`.
     ///
     /// Throws, and all changes are kept:
     /// - the exceptions of `typeChanged` and `libraryChanged`.

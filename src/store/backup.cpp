@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/errors.hpp"
+#include "store/file_schema.hpp"
 #include "store/kinds.hpp"
 #include "store/library_impl.hpp"
+#include "store/mapping-odb.hpp"
 #include "store/new_file.hpp"
 #include "store/page_copy.hpp"
 #include "store/reported_operation.hpp"
+#include "store/statement.hpp"
 #include "store/transactions.hpp"
+
+#include <sqlite3.h>
 
 #include <utility>
 
@@ -29,6 +34,59 @@ void write_backup(Database& database, const String& filename) {
   });
 }
 
+std::string setting(Database& database, const char* pragma) {
+  Statement row(database.only_connection(), pragma);
+  return row.next() ? row.text(0) : "";
+}
+
+[[noreturn]] void refuse(int code, const std::string& reason) {
+  throw odb::sqlite::database_exception(code, code, reason);
+}
+
+/// What the pages of a database cannot be exchanged for: SQLite would do it, or say something else.
+void require_fitting(Database& from, Database& to) {
+  if (setting(from, "PRAGMA encoding") != setting(to, "PRAGMA encoding")) {
+    refuse(SQLITE_ERROR, "the texts in the file are encoded otherwise than in the library");
+  }
+  const std::string mode = setting(to, "PRAGMA journal_mode");
+  const bool keeps_its_page_size = mode == "wal" || mode == "memory" || mode == "off";
+  if (keeps_its_page_size && setting(from, "PRAGMA page_size") != setting(to, "PRAGMA page_size")) {
+    refuse(SQLITE_ERROR, "the pages of the file are of another size than those of the library");
+  }
+}
+
+/// A sound library is not exchanged for a damaged one.
+void require_sound(Database& database) {
+  if (setting(database, "PRAGMA quick_check(1)") != "ok") {
+    refuse(SQLITE_CORRUPT, sqlite3_errstr(SQLITE_CORRUPT));
+  }
+  const FileSchema expected = FileSchema::expected();
+  const FileSchema actual = FileSchema::of(database.only_connection());
+  for (const auto& table : expected.tables) {
+    const std::string reason = obstacle(actual, expected, table.first);
+    if (!reason.empty()) refuse(SQLITE_CORRUPT, reason);
+  }
+}
+
+/// The GUID as it stands in the file: another handle may have restored another library.
+String stored_guid(Database& database) {
+  ReadTransaction transaction(database);
+  Meta meta;
+  database.load(0ULL, meta);
+  return meta.guid;
+}
+
+Meta replace_contents(Database& database, const String& filename, bool any_library) {
+  LibraryState source(filename);
+  naming_file(filename.utf8(), [&] {
+    require_fitting(source.database(), database);
+    require_sound(source.database());
+  });
+  if (!any_library && source.meta().guid != stored_guid(database)) throw OtherLibrary(filename);
+  copy_pages(source.database(), database, database);
+  return std::move(source.meta());
+}
+
 }  // namespace
 
 void Library::backup(const String& filename) const {
@@ -43,10 +101,7 @@ void Library::restoreFrom(const String& filename, bool otherLibrary) {
   database.transactions().require_holdable();
   run_operation(*this, [&] {
     auto kinds = all_kinds();
-    LibraryState source(filename);
-    if (!otherLibrary && source.meta().guid != impl_->meta.guid) throw OtherLibrary(filename);
-    copy_pages(source.database(), database, database);
-    impl_->meta = std::move(source.meta());
+    impl_->meta = replace_contents(database, filename, otherLibrary);
     impl_->changed.swap(kinds);
   });
 }

@@ -90,7 +90,12 @@ void change_metadata(Database& database, Meta& meta, String& field, const String
   interruptibly(database, [&] {
     translating_errors([&] {
       WriteTransaction transaction(database);
-      database.update(meta);
+      // Another handle may have restored another library since this one was opened.
+      Meta stored;
+      database.load(meta.id, stored);
+      stored.locale = meta.locale;
+      stored.region = meta.region;
+      database.update(stored);
       transaction.commit();
     });
   });

@@ -30,6 +30,8 @@ void require(int result) {
 sqlite3_vfs* vfs_of(const FileName& name) {
   sqlite3_vfs* const vfs = sqlite3_vfs_find(name.vfs.empty() ? nullptr : name.vfs.c_str());
   if (vfs == nullptr) fail(SQLITE_ERROR);
+  // One in memory cannot keep others from using the name meanwhile.
+  if (vfs->xDelete == nullptr) fail(SQLITE_CANTOPEN);
   return vfs;
 }
 

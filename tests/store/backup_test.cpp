@@ -119,6 +119,15 @@ TEST_F(Backup, may_go_through_a_vfs) {
   EXPECT_EQ(thrown_by([&] { library->backup(("unix://" + copy).c_str()); }), "veldra::FileExists");
 }
 
+TEST_F(Backup, into_memory_is_refused) {
+  const auto other = Library::create("memdb:///precious", Unit::Millimetres, "");
+  other->save(Tag::create("precious"));
+  for (const char* name : {"memdb:///precious", "memdb:///another"}) {
+    EXPECT_EQ(thrown_by([&] { library->backup(name); }), database_exception) << name;
+  }
+  EXPECT_TRUE(other->get<Tag>("precious"));
+}
+
 TEST_F(Backup, of_a_library_in_memory) {
   const auto memory = Library::create(":memory:", Unit::Inches, "");
   memory->save(Tag::create("dry"));
@@ -189,7 +198,7 @@ TEST_F(Backup, that_does_not_fit_leaves_nothing) {
     return thrown_by([&] { open_read_only()->backup(copy.c_str()); }).type;
   });
   EXPECT_EQ(told, database_exception);
-  EXPECT_THAT(files(), ElementsAre("walls.lib"));
+  EXPECT_THAT(files(), ElementsAre("walls.lib")) << "a journal would be applied to a later file";
 }
 
 TEST_F(Backup, can_be_interrupted) {

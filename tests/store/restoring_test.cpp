@@ -145,6 +145,52 @@ TEST_F(Restoring, a_file_that_was_cut_is_refused) {
   expect_refused(copy, "odb::sqlite::database_exception");
 }
 
+TEST_F(Restoring, a_damaged_file_is_refused) {
+  PlainDatabase(copy).execute(
+      "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n LIMIT 20000)"
+      " INSERT INTO Tag (name) SELECT 'a tag of a long name ' || i FROM n");
+  std::string bytes = read_file(copy);
+  bytes.replace(bytes.size() / 2, 20000, 20000, '\0');
+  write_file(copy, bytes);
+  expect_refused(copy, "odb::sqlite::database_exception");
+}
+
+TEST_F(Restoring, a_file_without_a_table_is_refused) {
+  PlainDatabase(copy).execute("DROP TABLE Composition_layers");
+  expect_refused(copy, "odb::sqlite::database_exception");
+}
+
+TEST_F(Restoring, texts_of_another_encoding_are_refused) {
+  const std::string other = folder / "utf16.lib";
+  PlainDatabase made(other);
+  made.execute("PRAGMA encoding = 'UTF-16le'");
+  made.execute(current_file_statements());
+  const Thrown thrown = thrown_by([&] { library->restoreFrom(other.c_str(), true); });
+  EXPECT_EQ(thrown, "odb::sqlite::database_exception");
+  EXPECT_THAT(thrown.text, HasSubstr("encoded otherwise"));
+  EXPECT_TRUE(library->get<Composition>("Floor"));
+}
+
+TEST_F(Restoring, pages_of_another_size_do_not_fit_into_a_library_with_a_log) {
+  PlainDatabase(copy).execute("PRAGMA page_size = 1024; VACUUM");
+  execute("PRAGMA journal_mode = WAL");
+  const Thrown thrown = thrown_by([&] { restore(); });
+  EXPECT_EQ(thrown, "odb::sqlite::database_exception");
+  EXPECT_THAT(thrown.text, HasSubstr("another size"));
+  EXPECT_TRUE(library->get<Composition>("Floor"));
+}
+
+TEST_F(Restoring, another_handle_does_not_write_back_what_the_library_was) {
+  const auto other_handle = open();
+  const std::string other = folder / "other.lib";
+  const String guid = Library::create(other.c_str(), Unit::Inches, "")->guid();
+  library->restoreFrom(other.c_str(), true);
+  other_handle->region("Ostschweiz");
+  EXPECT_EQ(value("SELECT guid || ' ' || unit || ' ' || region FROM Meta"),
+            "'" + guid.utf8() + " 0 Ostschweiz'");
+  EXPECT_EQ(thrown_by([&] { other_handle->restoreFrom(copy.c_str()); }), "veldra::OtherLibrary");
+}
+
 TEST_F(Restoring, an_older_version_becomes_the_current_one_and_its_file_stays) {
   for (const int version : {150201, 150301}) {
     const std::string old = folder / ("old" + std::to_string(version));
