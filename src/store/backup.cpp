@@ -78,11 +78,12 @@ String stored_guid(Database& database) {
 
 Meta replace_contents(Database& database, const String& filename, bool any_library) {
   LibraryState source(filename);
+  const String guid = stored_guid(database);  // by which SQLite notices what others have set, too
   naming_file(filename.utf8(), [&] {
     require_fitting(source.database(), database);
     require_sound(source.database());
   });
-  if (!any_library && source.meta().guid != stored_guid(database)) throw OtherLibrary(filename);
+  if (!any_library && source.meta().guid != guid) throw OtherLibrary(filename);
   copy_pages(source.database(), database, database);
   return std::move(source.meta());
 }

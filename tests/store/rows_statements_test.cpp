@@ -184,7 +184,8 @@ TEST_F(RowsStatements, metadata_are_inserted_read_and_updated) {
   const auto of_types = [](const std::string& text) { return text == material_type.insert(); };
   statements.erase(std::remove_if(statements.begin(), statements.end(), of_types),
                    statements.end());
-  EXPECT_THAT(statements, ElementsAre(meta.insert(), meta.find(), meta.update()));
+  // Read once more before it is written: another handle may have restored another library.
+  EXPECT_THAT(statements, ElementsAre(meta.insert(), meta.find(), meta.find(), meta.update()));
 }
 
 TEST_F(RowsStatements, new_objects_are_inserted) {
