@@ -135,7 +135,7 @@ class VELDRA_EXPORT Material : public Object<Material>,
   void cost(const String& cost);
 
   /// A key into the host's table of notes: a drawing shows the key beside the material, and the
-  /// table explains it. Usually a number of a specification, such as "04.21".
+  /// table explains it. Usually a number in a bill of works, such as "04.21".
   const String& keynote() const noexcept;
 
   /// Sets the keynote. Marks the material dirty if it differs.

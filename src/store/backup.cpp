@@ -3,7 +3,6 @@
 #include "store/file_schema.hpp"
 #include "store/kinds.hpp"
 #include "store/library_impl.hpp"
-#include "store/mapping-odb.hpp"
 #include "store/new_file.hpp"
 #include "store/page_copy.hpp"
 #include "store/reported_operation.hpp"
@@ -68,17 +67,11 @@ void require_sound(Database& database) {
   }
 }
 
-/// The GUID as it stands in the file: another handle may have restored another library.
-String stored_guid(Database& database) {
-  ReadTransaction transaction(database);
-  Meta meta;
-  database.load(0ULL, meta);
-  return meta.guid;
-}
-
 Meta replace_contents(Database& database, const String& filename, bool any_library) {
   LibraryState source(filename);
-  const String guid = stored_guid(database);  // by which SQLite notices what others have set, too
+  // As it stands in the file: another handle may have restored another library. By reading, SQLite
+  // notices what others have set, too.
+  const String guid = load_meta(database).guid;
   naming_file(filename.utf8(), [&] {
     require_fitting(source.database(), database);
     require_sound(source.database());

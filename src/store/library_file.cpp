@@ -18,6 +18,13 @@
 
 namespace veldra {
 
+Meta load_meta(Database& database) {
+  ReadTransaction transaction(database);
+  Meta meta;
+  database.load(0ULL, meta);
+  return meta;
+}
+
 namespace {
 
 /// The runtime's exception for a file of a version that is not ours, with the file in its text.
@@ -128,13 +135,6 @@ void take_step(Database& database, const Requirement& require, const NewLibrary&
 /// Makes the file a library of the current version.
 void bring_up_to_date(Database& database, const Requirement& require, const NewLibrary& contents) {
   if (look_at(database, require) != Step::None) take_step(database, require, contents);
-}
-
-Meta load_meta(Database& database) {
-  ReadTransaction transaction(database);
-  Meta meta;
-  database.load(0ULL, meta);
-  return meta;
 }
 
 /// On the disk, and gone with its connection.

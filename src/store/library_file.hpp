@@ -18,6 +18,9 @@ struct LibraryFile {
   Meta meta;
 };
 
+/// What the file says of itself now.
+Meta load_meta(Database& database);
+
 enum class FileAccess { Create, ReadWrite, ReadOnly };
 
 /// Opens the file and makes it a library of the current version: one that is older is migrated,

@@ -90,7 +90,7 @@ std::string bash_case(const Command& command) {
 
 // zsh
 
-/// What zsh takes for the end of a part of a specification.
+/// What zsh takes for the end of a part of an entry.
 std::string zsh_text(const std::string& text) {
   std::string result;
   for (const char c : text) {
@@ -104,7 +104,7 @@ std::string zsh_values(const Argument& argument) {
   return argument.choices.empty() ? "_files" : "(" + joined(argument.choices) + ")";
 }
 
-std::string zsh_specification(const Argument& argument) {
+std::string zsh_entry(const Argument& argument) {
   const std::string text = zsh_text(argument.text);
   if (!argument.is_option()) {
     return fmt::format("{}:{}:{}", argument.is_repeated ? "*" : "", argument.names.front(),
@@ -172,7 +172,7 @@ std::string zsh_completion(const Description& program) {
   for (const auto& command : program.commands) {
     text += fmt::format("  {})\n    _arguments", command.name);
     for (const auto& argument : command.arguments) {
-      text += " \\\n      " + in_quotes(zsh_specification(argument), "'\\''");
+      text += " \\\n      " + in_quotes(zsh_entry(argument), "'\\''");
     }
     text += "\n    ;;\n";
   }
