@@ -52,14 +52,6 @@ const Rules& expected_rules() {
   return rules;
 }
 
-/// What is left of violated keys would be forgotten while nobody looks.
-bool has_violated_keys(const Database& database) {
-  int violated = 0;
-  int unused = 0;
-  sqlite3_db_status(database.handle(), SQLITE_DBSTATUS_DEFERRED_FKS, &violated, &unused, 0);
-  return violated != 0;
-}
-
 /// Works within a transaction, where the pragma does nothing.
 void enforce_foreign_keys(const Database& database, bool enforced) noexcept {
   sqlite3_db_config(database.handle(), SQLITE_DBCONFIG_ENABLE_FKEY, enforced ? 1 : 0, nullptr);
@@ -84,7 +76,9 @@ Ids sorted(Ids ids) {
 template <class T>
 std::unique_ptr<KnownReferences> KnownReferences::of(Database& database, std::size_t objects) {
   if (objects < worth_it || database.transactions().held() == nullptr) return nullptr;
-  if (database.transactions().is_writing() || has_violated_keys(database)) return nullptr;
+  if (database.transactions().is_writing()) return nullptr;
+  // What is left of violated keys would be forgotten while nobody looks.
+  if (has_violated_keys(database)) return nullptr;
   const ReadTransaction transaction(database);
   if (rules_in(database.only_connection()) != expected_rules()) return nullptr;
   auto referred = in_both(referred_ids<T>(database), sorted(all_ids<T>(database)));

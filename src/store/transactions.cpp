@@ -17,6 +17,13 @@ bool is_of_a_lock_given_back(const odb::sqlite::database_exception& error) {
          error.extended_error() == SQLITE_IOERR_UNLOCK;
 }
 
+bool has_violated_keys(const Database& database) {
+  int violated = 0;
+  int unused = 0;
+  sqlite3_db_status(database.handle(), SQLITE_DBSTATUS_DEFERRED_FKS, &violated, &unused, 0);
+  return violated != 0;
+}
+
 SetAsideTransaction::SetAsideTransaction()
     : former_(odb::transaction::has_current() ? &odb::transaction::current() : nullptr) {
   odb::transaction::reset_current();
@@ -89,12 +96,8 @@ void commit_changes(odb::sqlite::transaction& transaction) {
   }
 }
 
-/// Only the end of the whole transaction would tell.
-void require_intact_references(Database& database) {
-  int broken = 0;
-  int unused = 0;
-  sqlite3_db_status(database.handle(), SQLITE_DBSTATUS_DEFERRED_FKS, &broken, &unused, 0);
-  if (broken == 0) return;
+void require_intact_references(const Database& database) {
+  if (!has_violated_keys(database)) return;
   throw odb::sqlite::database_exception(SQLITE_CONSTRAINT, SQLITE_CONSTRAINT_FOREIGNKEY,
                                         "FOREIGN KEY constraint failed");
 }

@@ -16,6 +16,10 @@ namespace veldra {
 /// before the lock on the file is given back.
 bool is_of_a_lock_given_back(const odb::sqlite::database_exception& error);
 
+/// Whether the running transaction has violated foreign keys, of which else only its end would
+/// tell.
+bool has_violated_keys(const Database& database);
+
 /// Sets the current transaction of the thread aside, be it of another library or of the host, and
 /// puts it back at the end. The runtime does all its work on the connection of the current one.
 class SetAsideTransaction {
