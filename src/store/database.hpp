@@ -11,6 +11,8 @@
 
 #include <atomic>
 #include <chrono>
+#include <map>
+#include <memory>
 #include <string>
 
 namespace veldra {
@@ -47,6 +49,9 @@ class Database : public odb::sqlite::database {
   /// Where reading looks for what it has met already.
   ReferenceCache& references() noexcept { return references_; }
 
+  /// What reading objects of a kind leaves with the connection for the next time; null at first.
+  std::shared_ptr<void>& kept_for(ObjectType type) { return kept_[type]; }
+
   /// Lets the running operation end, if there is one: what waits or reads in SQLite gives up, and
   /// the next `stop_if_interrupted` throws. For other threads and signal handlers.
   void interrupt() noexcept;
@@ -68,6 +73,7 @@ class Database : public odb::sqlite::database {
   std::atomic<unsigned> operations_{0};  // that run, each within the one before
   std::atomic<bool> interrupted_{false};
   std::chrono::steady_clock::time_point waiting_since_;
+  std::map<ObjectType, std::shared_ptr<void>> kept_;  // goes before the connection
 };
 
 }  // namespace veldra

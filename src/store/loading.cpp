@@ -2,6 +2,7 @@
 #include "store/loading.hpp"
 
 #include "objects/references.hpp"
+#include "store/bulk_reading.hpp"
 #include "store/kinds.hpp"
 #include "store/library_impl.hpp"
 #include "store/mapping-odb.hpp"
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <iterator>
 #include <numeric>
 
 namespace veldra {
@@ -47,6 +49,46 @@ std::shared_ptr<T> find(Database& database, unsigned id) {
   } catch (const odb::object_not_persistent&) {
     return nullptr;  // something that the object refers to is missing
   }
+}
+
+/// The same for several, one after another.
+template <class T>
+std::vector<std::shared_ptr<T>> find_each(Database& database, const std::vector<unsigned>& ids) {
+  std::vector<std::shared_ptr<T>> objects;
+  objects.reserve(ids.size());
+  for (const unsigned id : ids) {
+    database.stop_if_interrupted();
+    objects.push_back(find<T>(database, id));
+  }
+  return objects;
+}
+
+template <class T>
+BulkReading<T>& bulk_reading(Database& database) {
+  std::shared_ptr<void>& kept = database.kept_for(ObjectTraits<T>::type);
+  if (kept == nullptr) kept = std::make_shared<BulkReading<T>>(database);
+  return *static_cast<BulkReading<T>*>(kept.get());
+}
+
+/// How many objects are read by the same few statements.
+constexpr std::ptrdiff_t read_at_once = 128;
+
+/// The objects with those ids, which ascend, as `find` gives them.
+template <class T>
+std::vector<std::shared_ptr<T>> find_all(Database& database, const std::vector<unsigned>& ids) {
+  BulkReading<T>& bulk = bulk_reading<T>(database);
+  std::vector<std::shared_ptr<T>> objects;
+  objects.reserve(ids.size());
+  for (auto begin = ids.begin(); begin != ids.end();) {
+    const auto end = begin + std::min(ids.end() - begin, read_at_once);
+    const std::vector<unsigned> part(begin, end);
+    begin = end;
+    auto found = bulk.read(part);
+    if (found.empty()) found = find_each<T>(database, part);
+    objects.insert(objects.end(), std::make_move_iterator(found.begin()),
+                   std::make_move_iterator(found.end()));
+  }
+  return objects;
 }
 
 /// The places of a list in the order in which its objects lie in the file.
@@ -87,9 +129,14 @@ template <class Cache>
 void fetch_references(OfKind<Composition>, Database& database, const std::vector<unsigned>& ids,
                       Cache& cache) {
   if (ids.size() < 2) return;
+  std::vector<unsigned> unmet;
   for (const unsigned id : layer_material_ids(database, ids)) {
-    database.stop_if_interrupted();
-    if (find<Material>(database, id) != nullptr) cache.offer(id);
+    if (cache.template find<Material>(id) == nullptr) unmet.push_back(id);
+  }
+  for (const auto& material : find_all<Material>(database, unmet)) {
+    if (material == nullptr) continue;
+    cache.insert(material);
+    cache.offer(material->id());
   }
 }
 
@@ -101,10 +148,16 @@ std::vector<std::shared_ptr<T>> load_all(const Library& library, const std::vect
   Database& database = LibraryAccess::database(library);
   const CacheScope scope(database.references(), cache);
   fetch_references(OfKind<T>(), database, ids, cache);
+  const std::vector<std::size_t> places = places_by_id(ids);
+  std::vector<unsigned> ascending;
+  ascending.reserve(ids.size());
+  for (const std::size_t place : places) ascending.push_back(ids[place]);
+
   std::vector<std::shared_ptr<T>> objects(ids.size());
-  for (const std::size_t place : places_by_id(ids)) {
-    database.stop_if_interrupted();
-    objects[place] = load<T>(library, ids[place]);
+  auto place = places.begin();
+  for (auto& object : find_all<T>(database, ascending)) {
+    if (object != nullptr) link(*object, LibraryAccess::impl(library).self);
+    objects[*place++] = std::move(object);
   }
   objects.erase(std::remove(objects.begin(), objects.end(), nullptr), objects.end());
   return objects;

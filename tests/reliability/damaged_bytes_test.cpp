@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "reliability/all_reads.hpp"
+#include "reliability/both_ways.hpp"
 #include "reliability/fault_vfs.hpp"
 #include "reliability/scene.hpp"
 #include "reliability/soak.hpp"
@@ -42,6 +43,9 @@ class Damage {
     ++opened_;
     for (const ReadResult& result : read_everything(*library)) {
       EXPECT_TRUE(is_documented_for_reading(result.thrown)) << result.read << ": " << result.thrown;
+    }
+    for (const BothWays& read : read_both_ways(*library)) {
+      EXPECT_EQ(read.listed, read.one_by_one) << read.kind;
     }
   }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "reliability/all_reads.hpp"
+#include "reliability/both_ways.hpp"
 #include "reliability/fault_vfs.hpp"
 #include "reliability/scene.hpp"
 #include "reliability/soak.hpp"
@@ -43,6 +44,9 @@ bool read_file_as_library(const std::string& path, bool read_only) {
   EXPECT_TRUE(is_documented_for_opening(thrown)) << thrown;
   if (library == nullptr) return false;
   expect_documented_reads(*library);
+  for (const BothWays& read : read_both_ways(*library)) {
+    EXPECT_EQ(read.listed, read.one_by_one) << read.kind;
+  }
   return true;
 }
 

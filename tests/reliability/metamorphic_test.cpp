@@ -3,6 +3,7 @@
 // What must hold of every library, whatever it has: random ones, each of which comes again with its
 // number in VELDRA_SEED.
 
+#include "reliability/both_ways.hpp"
 #include "reliability/soak.hpp"
 #include "support/builders.hpp"
 #include "support/contents.hpp"
@@ -154,6 +155,16 @@ TEST_F(AnyLibrary, saved_as_it_was_loaded_writes_nothing) {
     const std::string before = read_file(path);
     for_each_object(*library, [&](const auto& object) { library->save(object); });
     EXPECT_TRUE(read_file(path) == before);
+  });
+}
+
+TEST_F(AnyLibrary, listed_is_the_same_as_read_one_by_one) {
+  for_many("read both ways", [](RandomObjects& objects) {
+    const auto library = in_memory(any_unit(objects));
+    objects.save_in(*library);
+    for (const BothWays& read : read_both_ways(*library)) {
+      EXPECT_EQ(read.listed, read.one_by_one) << read.kind;
+    }
   });
 }
 

@@ -137,6 +137,103 @@ TEST_F(ReadingLists, an_object_of_a_list_is_the_object_that_is_read_alone) {
   }
 }
 
+/// So many that they are read in several parts, each with other numbers of tags, thicknesses and
+/// values, and gaps between the ids.
+class ReadingLongLists : public ReadingLists {
+ protected:
+  ReadingLongLists() {
+    file.execute("BEGIN");
+    for (unsigned id = 10; id != 710; ++id) {
+      if (id % 7 != 0) put_varied_material(id);
+    }
+    for (unsigned id = 10; id != 310; id += 2) put_varied_composition(id);
+    file.execute("COMMIT");
+  }
+
+  template <class T>
+  void expect_as_alone(const std::vector<std::shared_ptr<T>>& objects) const {
+    for (const auto& object : objects) {
+      ASSERT_EQ(values_of(object), values_of(library->get<T>(object->id()))) << object->id();
+    }
+  }
+
+ private:
+  void put_varied_material(unsigned number) {
+    const std::string id = std::to_string(number);
+    put_material(file, {{"id", id}, {"name", quoted("Varied " + id)}});
+    for (unsigned n = number % 3; n != 0; --n) {
+      // The last comes first in the file.
+      const std::string at = std::to_string(n - 1);
+      const std::string count = std::to_string(n);
+      file.execute("INSERT INTO Material_tags VALUES (" + id + ", " + at + ", " + count + ");" +
+                   "INSERT INTO Material_thicknesses VALUES (" + id + ", " + count + ")");
+    }
+    if (number % 5 == 0) {
+      file.execute("INSERT INTO Material_custom_values VALUES (" + id + ", 1, '" +
+                   std::string(number, 'x') + "')");
+    }
+  }
+
+  void put_varied_composition(unsigned number) {
+    const std::string id = std::to_string(number);
+    put_composition(file, {{"id", id}, {"name", quoted("Varied " + id)}});
+    for (unsigned n = number % 6; n != 0; --n) {
+      const std::string material = std::to_string(1 + (number + n) % 3);
+      file.execute("INSERT INTO Composition_layers VALUES (" + id + ", " + std::to_string(n - 1) +
+                   ", " + material + ", 0, " + std::to_string(n) + ")");
+    }
+  }
+};
+
+TEST_F(ReadingLongLists, their_objects_are_those_that_are_read_alone) {
+  const auto materials = all_of<Material>(*library);
+  EXPECT_EQ(materials.size(), 603u);
+  expect_as_alone(materials);
+  const auto compositions = all_of<Composition>(*library);
+  EXPECT_EQ(compositions.size(), 153u);
+  expect_as_alone(compositions);
+}
+
+TEST_F(ReadingLongLists, what_lies_between_the_wanted_objects_is_passed_over) {
+  for (const unsigned step : {2u, 3u, 5u, 40u, 300u}) {
+    SCOPED_TRACE(step);
+    std::set<unsigned> ids;
+    for (unsigned id = 1; id < 720; id += step) ids.insert(id);
+    std::set<unsigned> expected;
+    for (const unsigned id : ids) {
+      if (library->get<Material>(id) != nullptr) expected.insert(id);
+    }
+    std::vector<std::shared_ptr<Material>> found;
+    library->get(found, ids);
+    std::set<unsigned> read;
+    for (const auto& material : found) read.insert(material->id());
+    EXPECT_EQ(read, expected);
+    expect_as_alone(found);
+  }
+}
+
+TEST_F(ReadingLongLists, an_object_with_a_reference_that_leads_nowhere_is_left_out_alone) {
+  file.execute("PRAGMA foreign_keys=OFF");
+  file.execute("UPDATE Material SET type=99 WHERE id=200");
+  file.execute("INSERT INTO Material_tags VALUES (300, 9, 99)");
+  file.execute("INSERT INTO Material_custom_values VALUES (400, 99, '')");
+  file.execute("UPDATE Composition_layers SET value_material_id=9999 WHERE object_id=100");
+  const auto materials = all_of<Material>(*library);
+  EXPECT_EQ(materials.size(), 600u);
+  expect_as_alone(materials);
+  EXPECT_EQ(all_of<Composition>(*library).size(), 152u);
+}
+
+TEST_F(ReadingLongLists, a_text_that_is_none_is_told_once_the_others_are_read) {
+  file.execute("UPDATE Material SET comments=CAST(x'ff' AS TEXT) WHERE id=200");
+  std::vector<std::shared_ptr<Material>> materials;
+  EXPECT_EQ(thrown_by([&] { library->get(materials); }), "utf8::invalid_utf8");
+  EXPECT_TRUE(materials.empty());
+  library->get(materials, {198u, 199u, 201u, 202u});
+  EXPECT_EQ(materials.size(), 4u);
+  EXPECT_THAT(library->unreadable<Material>(), testing::ElementsAre(200u));
+}
+
 TEST_F(ReadingLists, objects_live_on_when_their_library_is_closed) {
   const auto composition = library->get<Composition>(1);
   const std::string values = values_of(composition);

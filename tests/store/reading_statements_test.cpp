@@ -95,6 +95,32 @@ TEST_F(ReadingStatements, reading_ends_without_a_commit) {
   EXPECT_THAT(statements, Not(Contains("COMMIT")));
 }
 
+// The objects of a list.
+
+TEST_F(ReadingStatements, a_list_is_read_by_a_statement_for_each_of_its_tables) {
+  for (const char* name : {"Ash", "Elm", "Oak"}) full_material(name)->save(library);
+  log.take_all();
+  std::vector<std::shared_ptr<Material>> materials;
+  library->get(materials);
+  const Statements statements = log.take();
+  for (const char* id : {R"("Material"."id")", R"("Material_tags"."object_id")",
+                         R"("Material_thicknesses"."object_id")",
+                         R"("Material_custom_values"."object_id")"}) {
+    const std::string selected = "SELECT " + std::string(id) + ", ";
+    EXPECT_THAT(statements, Contains(testing::StartsWith(selected)).Times(1));
+    EXPECT_THAT(statements, Not(Contains(testing::HasSubstr(id + std::string("=?")))));
+  }
+}
+
+TEST_F(ReadingStatements, objects_far_from_one_another_are_read_one_by_one) {
+  for (const char* name : {"Ash", "Elm", "Oak"}) full_material(name)->save(library);
+  PlainDatabase(path).execute("PRAGMA foreign_keys=OFF; UPDATE Material SET id=1000 WHERE id=3");
+  log.take_all();
+  std::vector<std::shared_ptr<Material>> materials;
+  library->get(materials, {1u, 1000u});
+  EXPECT_THAT(log.take(), Not(Contains(testing::HasSubstr("BETWEEN"))));
+}
+
 // The ids that are asked for. A dollar sign stands for the table.
 
 template <class T>

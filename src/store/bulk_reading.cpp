@@ -1,0 +1,285 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "store/bulk_reading.hpp"
+
+#include "objects/description.hpp"
+#include "objects/object_access.hpp"
+#include "store/kinds.hpp"
+#include "store/mapping-odb.hpp"
+#include "store/rows_in_range.hpp"
+
+#include <odb/exceptions.hxx>
+#include <odb/sqlite/exceptions.hxx>
+
+#include <sqlite3.h>
+#include <utf8.h>
+
+#include <tuple>
+#include <utility>
+
+namespace veldra {
+
+namespace {
+
+template <class T>
+using Mapping = odb::access::object_traits_impl<T, odb::id_sqlite>;
+
+/// The rows of the objects themselves.
+template <class T>
+struct ObjectRows {
+  using Image = typename Mapping<T>::image_type;
+
+  static constexpr std::size_t columns = Mapping<T>::column_count;
+
+  static std::string statement() { return over_range(Mapping<T>::find_statement); }
+
+  static void bind(odb::sqlite::bind* binds, Image& image) {
+    Mapping<T>::bind(binds, image, odb::sqlite::statement_select);
+  }
+
+  static void grow(Image& image, bool* truncated) { Mapping<T>::grow(image, truncated); }
+};
+
+/// The rows of a container, as the mapping describes it.
+template <class Container>
+struct ContainerRows {
+  using Image = typename Container::data_image_type;
+
+  static constexpr std::size_t columns = Container::data_column_count - Container::id_column_count;
+
+  static std::string statement() { return over_range(Container::select_statement); }
+
+  static void bind(odb::sqlite::bind* binds, Image& image) {
+    Container::bind(binds, nullptr, 0, image);
+  }
+
+  static void grow(Image& image, bool* truncated) { Container::grow(image, truncated); }
+};
+
+/// A container of the objects of a kind: how the mapping describes it, and where it is.
+template <class Container, class Record>
+struct KeptIn {
+  typename Container::container_type Record::*member;
+};
+
+template <class Container, class Record>
+constexpr KeptIn<Container, Record> kept_in(typename Container::container_type Record::*member) {
+  return {member};
+}
+
+// The containers of each kind. That none is forgotten is checked below.
+
+template <class T>
+constexpr auto containers(OfKind<T>) {
+  return std::make_tuple();
+}
+
+constexpr auto containers(OfKind<Material>) {
+  using Values = MaterialValues;
+  return std::make_tuple(kept_in<Mapping<Material>::tags_traits>(&Values::tags),
+                         kept_in<Mapping<Material>::thicknesses_traits>(&Values::thicknesses),
+                         kept_in<Mapping<Material>::custom_values_traits>(&Values::custom_values));
+}
+
+constexpr auto containers(OfKind<Composition>) {
+  using Values = CompositionValues;
+  using Rows = Mapping<Composition>;
+  return std::make_tuple(kept_in<Rows::tags_traits>(&Values::tags),
+                         kept_in<Rows::layers_traits>(&Values::layers),
+                         kept_in<Rows::custom_values_traits>(&Values::custom_values));
+}
+
+template <class T>
+using ContainersOf = decltype(containers(OfKind<T>()));
+
+/// Whether a member has rows of its own.
+template <class Role, class How, class Record, class Field>
+constexpr bool is_container(Member<Role, How, Record, Field>*) {
+  return std::is_base_of<Role, OneOf<References, ValuesByProperty, LayersOfMaterials>>::value ||
+         std::is_same<Field, std::set<double>>::value;
+}
+
+template <class... Members>
+constexpr std::size_t containers_among(std::tuple<Members...>*) {
+  std::size_t count = 0;
+  const bool found[] = {false, is_container(static_cast<Members*>(nullptr))...};
+  for (const bool is_one : found) count += is_one ? 1 : 0;
+  return count;
+}
+
+template <class... Values>
+constexpr std::size_t described_containers(DescribedBy<Values...>) {
+  std::size_t count = 0;
+  const std::size_t counts[] = {
+      0, containers_among(static_cast<decltype(Values::members())*>(nullptr))...};
+  for (const std::size_t one : counts) count += one;
+  return count;
+}
+
+/// Fills one container of many objects.
+template <class T>
+class ContainerReader {
+ public:
+  virtual ~ContainerReader() = default;
+  virtual void open(unsigned first, unsigned last) = 0;
+  virtual void read(T& object) = 0;
+  virtual void close() noexcept = 0;
+};
+
+template <class T, class Container, class Record>
+class ReaderOf : public ContainerReader<T> {
+ public:
+  ReaderOf(Database& database, KeptIn<Container, Record> kept)
+      : database_(database), member_(kept.member), rows_(database.only_connection()) {
+    functions_.select_ = &take;
+  }
+
+  void open(unsigned first, unsigned last) override { rows_.open(first, last); }
+  void close() noexcept override { rows_.close(); }
+
+  void read(T& object) override {
+    id_ = object.id();
+    const bool has_any = rows_.go_to(id_);
+    Container::container_traits_type::load(ObjectAccess::impl(object).*member_, has_any,
+                                           functions_);
+  }
+
+ private:
+  // What the container asks for each of its values, until there are no more.
+
+  template <class Value>
+  static bool take(Value& value, void* reader) {
+    return static_cast<ReaderOf*>(reader)->take_row(value);
+  }
+
+  template <class Key, class Value>
+  static bool take(Key& key, Value& value, void* reader) {
+    return static_cast<ReaderOf*>(reader)->take_row(key, value);
+  }
+
+  template <class... Values>
+  bool take_row(Values&... values) {
+    Container::init(values..., rows_.row(), &database_);
+    rows_.next();
+    return rows_.go_to(id_);
+  }
+
+  Database& database_;
+  typename Container::container_type Record::*member_;
+  RowsInRange<ContainerRows<Container>> rows_;
+  typename Container::functions_type functions_{this};
+  unsigned id_ = 0;
+};
+
+template <class T>
+using ContainerReaders = std::vector<std::unique_ptr<ContainerReader<T>>>;
+
+template <class T, class Container, class Record>
+std::unique_ptr<ContainerReader<T>> reader_of(Database& database,
+                                              KeptIn<Container, Record> container) {
+  return std::make_unique<ReaderOf<T, Container, Record>>(database, container);
+}
+
+template <class T, class Containers, std::size_t... Index>
+ContainerReaders<T> readers_of(Database& database, const Containers& containers,
+                               std::index_sequence<Index...>) {
+  ContainerReaders<T> readers;
+  const int in_order[] = {
+      0, (readers.push_back(reader_of<T>(database, std::get<Index>(containers))), 0)...};
+  static_cast<void>(in_order);
+  return readers;
+}
+
+/// Ends the reading of rows, however it ends.
+template <class Rows>
+class RowsOpen {
+ public:
+  explicit RowsOpen(Rows& rows) : rows_(rows) {}
+  RowsOpen(const RowsOpen&) = delete;
+  RowsOpen& operator=(const RowsOpen&) = delete;
+  ~RowsOpen() { rows_.close(); }
+
+ private:
+  Rows& rows_;
+};
+
+}  // namespace
+
+/// The statements, and the rows that they are at.
+template <class T>
+class BulkReading<T>::Statements {
+ public:
+  explicit Statements(Database& database)
+      : database_(database), objects_(database.only_connection()), containers_(readers(database)) {}
+
+  std::vector<std::shared_ptr<T>> read(const std::vector<unsigned>& ids) {
+    auto objects = read_objects(ids);
+    for (const auto& container : containers_) {
+      const RowsOpen<ContainerReader<T>> open(*container);
+      container->open(ids.front(), ids.back());
+      for (const auto& object : objects) container->read(*object);
+    }
+    return objects;
+  }
+
+ private:
+  static ContainerReaders<T> readers(Database& database) {
+    constexpr auto kept = containers(OfKind<T>());
+    constexpr std::size_t count = std::tuple_size<decltype(containers(OfKind<T>()))>::value;
+    static_assert(count == described_containers(PartsOf<T>()), "each container is to be read");
+    return readers_of<T>(database, kept, std::make_index_sequence<count>());
+  }
+
+  std::vector<std::shared_ptr<T>> read_objects(const std::vector<unsigned>& ids) {
+    std::vector<std::shared_ptr<T>> objects;
+    objects.reserve(ids.size());
+    const RowsOpen<RowsInRange<ObjectRows<T>>> open(objects_);
+    objects_.open(ids.front(), ids.back());
+    for (const unsigned id : ids) {
+      database_.stop_if_interrupted();
+      if (!objects_.go_to(id)) throw NotInBulk();
+      objects.push_back(ObjectAccess::make<T>());
+      Mapping<T>::init(*objects.back(), objects_.row(), &database_);
+      objects_.next();
+    }
+    return objects;
+  }
+
+  Database& database_;
+  RowsInRange<ObjectRows<T>> objects_;
+  ContainerReaders<T> containers_;
+};
+
+template <class T>
+BulkReading<T>::BulkReading(Database& database) : database_(database) {}
+
+template <class T>
+BulkReading<T>::~BulkReading() = default;
+
+template <class T>
+bool BulkReading<T>::is_worth_it(const std::vector<unsigned>& ids) {
+  constexpr std::size_t fewest = 2;
+  constexpr std::size_t rows_for_each = 4;
+  return ids.size() >= fewest && (ids.back() - ids.front()) / rows_for_each < ids.size();
+}
+
+template <class T>
+std::vector<std::shared_ptr<T>> BulkReading<T>::read(const std::vector<unsigned>& ids) {
+  if (!is_worth_it(ids)) return {};
+  try {
+    if (statements_ == nullptr) statements_ = std::make_unique<Statements>(database_);
+    return statements_->read(ids);
+  } catch (const NotInBulk&) {
+  } catch (const odb::object_not_persistent&) {
+  } catch (const odb::no_type_info&) {
+  } catch (const utf8::exception&) {
+  } catch (const odb::sqlite::database_exception& error) {
+    if (error.error() != SQLITE_CORRUPT) throw;
+  }
+  return {};
+}
+
+#define VELDRA_INSTANTIATE(T) template class BulkReading<T>;
+
+VELDRA_FOR_EACH_KIND(VELDRA_INSTANTIATE)
+
+}  // namespace veldra

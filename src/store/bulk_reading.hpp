@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#ifndef VELDRA_STORE_BULK_READING_HPP
+#define VELDRA_STORE_BULK_READING_HPP
+
+#include "store/database.hpp"
+
+#include <memory>
+#include <vector>
+
+namespace veldra {
+
+/// Reads many objects by a few statements: one for their own rows, and one for those of each of
+/// their containers. Where anything is not as it should be, such as a reference that leads nowhere,
+/// it reads nothing: reading the objects one by one tells which of them is concerned.
+template <class T>
+class BulkReading {
+ public:
+  explicit BulkReading(Database& database);
+  ~BulkReading();
+
+  /// The objects with those ids, which ascend, as the mapping gives them. None when they are to be
+  /// read one by one: also where that is as fast, since they are few or far from one another.
+  std::vector<std::shared_ptr<T>> read(const std::vector<unsigned>& ids);
+
+ private:
+  static bool is_worth_it(const std::vector<unsigned>& ids);
+
+  class Statements;
+
+  Database& database_;
+  std::unique_ptr<Statements> statements_;
+};
+
+}  // namespace veldra
+
+#endif
