@@ -5,7 +5,7 @@
 #include "objects/object_access.hpp"
 #include "store/kinds.hpp"
 #include "store/mapping-odb.hpp"
-#include "store/rows_in_range.hpp"
+#include "store/rows_of_many.hpp"
 
 #include <odb/exceptions.hxx>
 #include <odb/sqlite/exceptions.hxx>
@@ -30,7 +30,7 @@ struct ObjectRows {
 
   static constexpr std::size_t columns = Mapping<T>::column_count;
 
-  static std::string statement() { return over_range(Mapping<T>::find_statement); }
+  static constexpr const char* statement = Mapping<T>::find_statement;
 
   static void bind(odb::sqlite::bind* binds, Image& image) {
     Mapping<T>::bind(binds, image, odb::sqlite::statement_select);
@@ -46,7 +46,7 @@ struct ContainerRows {
 
   static constexpr std::size_t columns = Container::data_column_count - Container::id_column_count;
 
-  static std::string statement() { return over_range(Container::select_statement); }
+  static constexpr const char* statement = Container::select_statement;
 
   static void bind(odb::sqlite::bind* binds, Image& image) {
     Container::bind(binds, nullptr, 0, image);
@@ -120,7 +120,7 @@ template <class T>
 class ContainerReader {
  public:
   virtual ~ContainerReader() = default;
-  virtual void open(unsigned first, unsigned last) = 0;
+  virtual void open(const std::vector<unsigned>& ids) = 0;
   virtual void read(T& object) = 0;
   virtual void close() noexcept = 0;
 };
@@ -133,7 +133,7 @@ class ReaderOf : public ContainerReader<T> {
     functions_.select_ = &take;
   }
 
-  void open(unsigned first, unsigned last) override { rows_.open(first, last); }
+  void open(const std::vector<unsigned>& ids) override { rows_.open(ids); }
   void close() noexcept override { rows_.close(); }
 
   void read(T& object) override {
@@ -165,7 +165,7 @@ class ReaderOf : public ContainerReader<T> {
 
   Database& database_;
   typename Container::container_type Record::*member_;
-  RowsInRange<ContainerRows<Container>> rows_;
+  RowsOfMany<ContainerRows<Container>> rows_;
   typename Container::functions_type functions_{this};
   unsigned id_ = 0;
 };
@@ -215,7 +215,7 @@ class BulkReading<T>::Statements {
     auto objects = read_objects(ids);
     for (const auto& container : containers_) {
       const RowsOpen<ContainerReader<T>> open(*container);
-      container->open(ids.front(), ids.back());
+      container->open(ids);
       for (const auto& object : objects) container->read(*object);
     }
     return objects;
@@ -232,8 +232,8 @@ class BulkReading<T>::Statements {
   std::vector<std::shared_ptr<T>> read_objects(const std::vector<unsigned>& ids) {
     std::vector<std::shared_ptr<T>> objects;
     objects.reserve(ids.size());
-    const RowsOpen<RowsInRange<ObjectRows<T>>> open(objects_);
-    objects_.open(ids.front(), ids.back());
+    const RowsOpen<RowsOfMany<ObjectRows<T>>> open(objects_);
+    objects_.open(ids);
     for (const unsigned id : ids) {
       database_.stop_if_interrupted();
       if (!objects_.go_to(id)) throw NotInBulk();
@@ -245,7 +245,7 @@ class BulkReading<T>::Statements {
   }
 
   Database& database_;
-  RowsInRange<ObjectRows<T>> objects_;
+  RowsOfMany<ObjectRows<T>> objects_;
   ContainerReaders<T> containers_;
 };
 
@@ -258,8 +258,9 @@ BulkReading<T>::~BulkReading() = default;
 template <class T>
 bool BulkReading<T>::is_worth_it(const std::vector<unsigned>& ids) {
   constexpr std::size_t fewest = 2;
-  constexpr std::size_t rows_for_each = 4;
-  return ids.size() >= fewest && (ids.back() - ids.front()) / rows_for_each < ids.size();
+  constexpr std::size_t fewest_of_list = 16;
+  if (ids.empty()) return false;
+  return ids.size() >= (is_dense(ids) ? fewest : fewest_of_list);
 }
 
 template <class T>

@@ -18,8 +18,9 @@ class BulkReading {
   explicit BulkReading(Database& database);
   ~BulkReading();
 
-  /// The objects with those ids, which ascend, as the mapping gives them. None when they are to be
-  /// read one by one: also where that is as fast, since they are few or far from one another.
+  /// The objects with those ids, at most `most_at_once`, which ascend, as the mapping gives them.
+  /// None when they are to be read one by one: also where that is as fast, since they are few or
+  /// far from one another.
   std::vector<std::shared_ptr<T>> read(const std::vector<unsigned>& ids);
 
  private:

@@ -7,6 +7,7 @@
 #include "store/library_impl.hpp"
 #include "store/mapping-odb.hpp"
 #include "store/queries.hpp"
+#include "store/rows_of_many.hpp"
 
 #include <odb/exceptions.hxx>
 
@@ -70,9 +71,6 @@ BulkReading<T>& bulk_reading(Database& database) {
   return *static_cast<BulkReading<T>*>(kept.get());
 }
 
-/// How many objects are read by the same few statements.
-constexpr std::ptrdiff_t read_at_once = 128;
-
 /// The objects with those ids, which ascend, as `find` gives them.
 template <class T>
 std::vector<std::shared_ptr<T>> find_all(Database& database, const std::vector<unsigned>& ids) {
@@ -80,7 +78,7 @@ std::vector<std::shared_ptr<T>> find_all(Database& database, const std::vector<u
   std::vector<std::shared_ptr<T>> objects;
   objects.reserve(ids.size());
   for (auto begin = ids.begin(); begin != ids.end();) {
-    const auto end = begin + std::min(ids.end() - begin, read_at_once);
+    const auto end = begin + std::min<std::ptrdiff_t>(ids.end() - begin, most_at_once);
     const std::vector<unsigned> part(begin, end);
     begin = end;
     auto found = bulk.read(part);

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "store/rows_of_many.hpp"
+
+#include <cassert>
+
+namespace veldra {
+
+namespace {
+
+/// The statement with `condition` in the place of "=?", in the order of the column that it
+/// compares.
+std::string with_condition(const std::string& statement, const std::string& condition) {
+  const std::string select = "SELECT ";
+  const std::string where = " WHERE ";
+  const std::string equal = "=?";
+  const std::string order = " ORDER BY ";
+  const auto where_at = statement.find(where);
+  const auto equal_at = statement.find(equal, where_at);
+  assert(statement.compare(0, select.size(), select) == 0 && equal_at != std::string::npos);
+
+  const auto id_at = where_at + where.size();
+  const std::string id = statement.substr(id_at, equal_at - id_at);
+  const std::string columns_to_id = statement.substr(select.size(), equal_at - select.size());
+  const std::string rest = statement.substr(equal_at + equal.size());
+  const bool has_order = rest.compare(0, order.size(), order) == 0;
+  return select + id + ", " + columns_to_id + condition + order + id +
+         (has_order ? ", " + rest.substr(order.size()) : rest);
+}
+
+}  // namespace
+
+bool is_dense(const std::vector<unsigned>& ids) {
+  constexpr std::size_t rows_for_each = 4;
+  return (ids.back() - ids.front()) / rows_for_each < ids.size();
+}
+
+std::string for_range(const std::string& statement) {
+  return with_condition(statement, " BETWEEN ? AND ?");
+}
+
+std::string for_list(const std::string& statement) {
+  std::string list = " IN (?";
+  for (std::size_t i = 1; i != most_at_once; ++i) list += ",?";
+  return with_condition(statement, list + ")");
+}
+
+}  // namespace veldra
