@@ -68,7 +68,7 @@ void require_sound(Database& database) {
 }
 
 Meta replace_contents(Database& database, const String& filename, bool any_library) {
-  LibraryState source(filename);
+  LibraryState source(filename, database);
   // As it stands in the file: another handle may have restored another library. By reading, SQLite
   // notices what others have set, too.
   const String guid = load_meta(database).guid;
