@@ -10,6 +10,7 @@
 #include "store/transactions.hpp"
 
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 #include <utility>
 
@@ -42,6 +43,24 @@ std::string setting(Database& database, const char* pragma) {
   throw odb::sqlite::database_exception(code, code, reason);
 }
 
+/// Whether a name leads to the file of a database, by whatever links.
+bool is_file_of(const Database& database, const FileName& name) {
+  const char* const own = sqlite3_db_filename(database.handle(), "main");
+  struct stat of_database;
+  struct stat of_name;
+  if (own == nullptr || ::stat(own, &of_database) != 0) return false;
+  if (::stat(name.path.c_str(), &of_name) != 0) return false;
+  return of_database.st_dev == of_name.st_dev && of_database.st_ino == of_name.st_ino;
+}
+
+/// One connection to a file would wait for the other in vain.
+void require_other_file(const Database& database, const String& filename) {
+  const std::string name = filename.utf8();
+  if (is_file_of(database, naming_file(name, [&] { return parse_file_name(name); }))) {
+    throw SameFile(filename);
+  }
+}
+
 /// What the pages of a database cannot be exchanged for: SQLite would do it, or say something else.
 void require_fitting(Database& from, Database& to) {
   if (setting(from, "PRAGMA encoding") != setting(to, "PRAGMA encoding")) {
@@ -68,6 +87,7 @@ void require_sound(Database& database) {
 }
 
 Meta replace_contents(Database& database, const String& filename, bool any_library) {
+  require_other_file(database, filename);
   LibraryState source(filename, database);
   // As it stands in the file: another handle may have restored another library. By reading, SQLite
   // notices what others have set, too.
