@@ -34,11 +34,6 @@ void write_backup(Database& database, const String& filename) {
   });
 }
 
-std::string setting(Database& database, const char* pragma) {
-  Statement row(database.only_connection(), pragma);
-  return row.next() ? row.text(0) : "";
-}
-
 [[noreturn]] void refuse(int code, const std::string& reason) {
   throw odb::sqlite::database_exception(code, code, reason);
 }
@@ -62,24 +57,25 @@ void require_other_file(const Database& database, const String& filename) {
 }
 
 /// What the pages of a database cannot be exchanged for: SQLite would do it, or say something else.
-void require_fitting(Database& from, Database& to) {
-  if (setting(from, "PRAGMA encoding") != setting(to, "PRAGMA encoding")) {
+void require_fitting(odb::sqlite::connection& from, odb::sqlite::connection& to) {
+  if (Setting(from, "PRAGMA encoding").text() != Setting(to, "PRAGMA encoding").text()) {
     refuse(SQLITE_ERROR, "the texts in the file are encoded otherwise than in the library");
   }
-  const std::string mode = setting(to, "PRAGMA journal_mode");
-  const bool keeps_its_page_size = mode == "wal" || mode == "memory" || mode == "off";
-  if (keeps_its_page_size && setting(from, "PRAGMA page_size") != setting(to, "PRAGMA page_size")) {
+  const std::string mode = Setting(to, "PRAGMA journal_mode").text();
+  if (mode != "wal" && mode != "memory" && mode != "off") return;  // any size of pages will do
+  if (Setting(from, "PRAGMA page_size").number() != Setting(to, "PRAGMA page_size").number()) {
     refuse(SQLITE_ERROR, "the pages of the file are of another size than those of the library");
   }
 }
 
 /// A sound library is not exchanged for a damaged one.
 void require_sound(Database& database) {
-  if (setting(database, "PRAGMA quick_check(1)") != "ok") {
+  odb::sqlite::connection& connection = database.only_connection();
+  if (Setting(connection, "PRAGMA quick_check(1)").text() != "ok") {
     refuse(SQLITE_CORRUPT, sqlite3_errstr(SQLITE_CORRUPT));
   }
   const FileSchema expected = FileSchema::expected();
-  const FileSchema actual = FileSchema::of(database.only_connection());
+  const FileSchema actual = FileSchema::of(connection);
   for (const auto& table : expected.tables) {
     const std::string reason = obstacle(actual, expected, table.first);
     if (!reason.empty()) refuse(SQLITE_CORRUPT, reason);
@@ -93,7 +89,7 @@ Meta replace_contents(Database& database, const String& filename, bool any_libra
   // notices what others have set, too.
   const String guid = load_meta(database).guid;
   naming_file(filename.utf8(), [&] {
-    require_fitting(source.database(), database);
+    require_fitting(source.database().only_connection(), database.only_connection());
     require_sound(source.database());
   });
   if (!any_library && source.meta().guid != guid) throw OtherLibrary(filename);
