@@ -28,6 +28,8 @@ void write_backup(Database& database, const String& filename) {
     NewFile file(filename, file_name, database);
     {
       Database copy(file_name, SQLITE_OPEN_READWRITE);
+      // A journal that a loss of power brings back would empty the file again.
+      copy.only_connection().execute("PRAGMA synchronous=EXTRA");
       copy_pages(database, copy, database);
     }
     file.keep();
