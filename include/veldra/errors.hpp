@@ -25,8 +25,8 @@ namespace veldra {
 /// The numbers never change. Kinds may be added: treat an unknown number as `Other`.
 ///
 /// `Other` has no remedy of its own for: a file that cannot be opened or made (`error_code() &
-/// 0xFF` is 14), `FileExists`, `OtherLibrary`, `InappropriateCustomProperty`, and all failures of
-/// the disk but a full one.
+/// 0xFF` is 14), `FileExists`, `OtherLibrary`, `SameFile`, `InappropriateCustomProperty`, and all
+/// failures of the disk but a full one.
 enum class ErrorKind : int {
   Other = 0,           ///< no error, an error of the host, or one without a kind of its own
   Busy = 1,            ///< another program, or another handle, holds the file; try again later

@@ -122,6 +122,19 @@ class VELDRA_EXPORT OtherLibrary : public FileError {
   const unsigned short* what() const override;
 };
 
+/// The file is that of the library itself, where another one is asked for.
+class VELDRA_EXPORT SameFile : public FileError {
+ public:
+  /// Makes an exception about a file.
+  explicit SameFile(const String& filename);
+
+  /// Destroys the exception.
+  ~SameFile() override;
+
+  /// A sentence without the name of the file.
+  const unsigned short* what() const override;
+};
+
 /// `Library::interrupt` has ended the running operation, whose changes were taken back.
 class VELDRA_EXPORT Interrupted : public Exception {
  public:

@@ -434,6 +434,7 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   /// Throws; the library is then as it was:
   /// - `NotALibrary`: the file is no library, as for `openExisting`.
   /// - `OtherLibrary`: the file has another GUID.
+  /// - `SameFile`: the file is that of this library, under whatever name.
   /// - `odb::sqlite::database_exception`: also if the file is damaged (`ErrorKind::Damaged`), keeps
   ///   its texts in another encoding than the library, or has pages of another size than a library
   ///   with a log or in memory.

@@ -12,6 +12,7 @@ FileError::~FileError() = default;
 NotALibrary::~NotALibrary() = default;
 FileExists::~FileExists() = default;
 OtherLibrary::~OtherLibrary() = default;
+SameFile::~SameFile() = default;
 Interrupted::~Interrupted() = default;
 LibraryReadOnly::~LibraryReadOnly() = default;
 ObjectNotFound::~ObjectNotFound() = default;
@@ -53,6 +54,13 @@ OtherLibrary::OtherLibrary(const String& filename) : FileError(filename) {}
 
 const unsigned short* OtherLibrary::what() const {
   static constexpr auto text = constant_text("The file is another library");
+  return text.units;
+}
+
+SameFile::SameFile(const String& filename) : FileError(filename) {}
+
+const unsigned short* SameFile::what() const {
+  static constexpr auto text = constant_text("The file is that of the library itself");
   return text.units;
 }
 

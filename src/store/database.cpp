@@ -75,8 +75,15 @@ int Database::wait_for_others(void* database, int attempt) noexcept {
 }
 
 void Database::interrupt() noexcept {
-  if (operations_ == 0) return;
+  if (operations_ != 0) stop_what_runs();
+}
+
+void Database::stop_what_runs() noexcept {
   interrupted_ = true;
+  ++interrupting_;
+  Database* const joined = joined_;
+  if (joined != nullptr) joined->stop_what_runs();
+  --interrupting_;
   // A statement that writes and is interrupted would end the whole transaction, that of the host
   // included. It is short, and what comes after it asks.
   if (!transactions_.is_writing()) sqlite3_interrupt(handle_);

@@ -63,8 +63,10 @@ class Database : public odb::sqlite::database {
   bool take_interruption() noexcept;
 
  private:
+  friend class JoinedOperation;
   friend class RunningOperation;
 
+  void stop_what_runs() noexcept;
   static int wait_for_others(void* database, int attempt) noexcept;
 
   sqlite3* handle_;
@@ -72,6 +74,8 @@ class Database : public odb::sqlite::database {
   ReferenceCache references_;
   std::atomic<unsigned> operations_{0};  // that run, each within the one before
   std::atomic<bool> interrupted_{false};
+  std::atomic<Database*> joined_{nullptr};  // what is interrupted together with this one
+  std::atomic<unsigned> interrupting_{0};   // who may be using it
   std::chrono::steady_clock::time_point waiting_since_;
   std::map<ObjectType, std::shared_ptr<void>> kept_;  // goes before the connection
 };

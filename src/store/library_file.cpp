@@ -190,18 +190,26 @@ LibraryFile open_existing_file(const String& filename, FileAccess access) {
   return open_named(filename, access, require_library(filename), NewLibrary());
 }
 
-LibraryState::LibraryState(const String& filename) {
+void LibraryState::join(Database& running) {
+  joined_.reset(new JoinedOperation(running, *database_));
+  running.stop_if_interrupted();
+}
+
+LibraryState::LibraryState(const String& filename, Database& running) {
   const std::string name = filename.utf8();
   const Requirement require = require_library(filename);
   naming_opened_file(name, [&] {
     // Not for reading only, since what a crash left behind could not be taken back then.
     database_.reset(new Database(parse_file_name(name), SQLITE_OPEN_READWRITE));
+    join(running);
     state_.reset(new OneState(*database_));
     if (look_at(*database_, require) != Step::None) {
       std::unique_ptr<Database> copy = temporary_database();
-      copy_pages(*database_, *copy, *database_);
+      copy_pages(*database_, *copy, running);
+      joined_.reset();
       state_.reset();
       database_ = std::move(copy);
+      join(running);
       take_step(*database_, require, NewLibrary());
     }
     meta_ = load_meta(*database_);

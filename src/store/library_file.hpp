@@ -3,6 +3,7 @@
 #define VELDRA_STORE_LIBRARY_FILE_HPP
 
 #include "store/database.hpp"
+#include "store/joined_operation.hpp"
 #include "store/meta.hpp"
 #include "store/new_library.hpp"
 #include "store/transactions.hpp"
@@ -36,15 +37,19 @@ LibraryFile open_existing_file(const String& filename, FileAccess access);
 /// temporary database, that was brought to the current one.
 class LibraryState {
  public:
-  /// Throws as `open_existing_file` does.
-  explicit LibraryState(const String& filename);
+  /// A part of the operation on `running`, for as long as the state is there. Throws as
+  /// `open_existing_file` does, and `Interrupted`.
+  LibraryState(const String& filename, Database& running);
 
   Database& database() noexcept { return *database_; }
   Meta& meta() noexcept { return meta_; }
 
  private:
+  void join(Database& running);
+
   std::unique_ptr<Database> database_;
   std::unique_ptr<OneState> state_;
+  std::unique_ptr<JoinedOperation> joined_;
   Meta meta_;
 };
 

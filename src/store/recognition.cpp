@@ -80,15 +80,9 @@ Kind kind_of_version(const FileVersion& version) {
                                                             : Kind::UnknownVersion;
 }
 
-long long setting(odb::sqlite::connection& connection, const char* pragma) {
-  Statement row(connection, pragma);
-  return row.next() ? row.integer(0) : 0;
-}
-
 /// Another program may have turned the log on: the last pages may be there and not in the file yet.
 bool has_write_ahead_log(odb::sqlite::connection& connection) {
-  Statement row(connection, "PRAGMA journal_mode");
-  return row.next() && row.text(0) == "wal";
+  return Setting(connection, "PRAGMA journal_mode").text() == "wal";
 }
 
 Recognition look_through(Database& database) {
@@ -202,8 +196,8 @@ void require_whole_pages(odb::sqlite::connection& connection) {
   sqlite3_int64 size = 0;
   const int result = file->pMethods->xFileSize(file, &size);
   if (result != SQLITE_OK) odb::sqlite::translate_error(result, connection);
-  const auto pages = setting(connection, "PRAGMA page_count");
-  const bool whole = size >= pages * setting(connection, "PRAGMA page_size");
+  const auto pages = Setting(connection, "PRAGMA page_count").number();
+  const bool whole = size >= pages * Setting(connection, "PRAGMA page_size").number();
   if (!whole && !has_write_ahead_log(connection)) {
     throw odb::sqlite::database_exception(SQLITE_CORRUPT, SQLITE_CORRUPT,
                                           sqlite3_errstr(SQLITE_CORRUPT));

@@ -46,4 +46,11 @@ void Statement::check(int result) const {
   if (result != SQLITE_OK) odb::sqlite::translate_error(result, connection_);
 }
 
+Setting::Setting(odb::sqlite::connection& connection, const char* pragma)
+    : row_(connection, pragma), is_there_(row_.next()) {}
+
+long long Setting::number() const { return is_there_ ? row_.integer(0) : 0; }
+
+std::string Setting::text() const { return is_there_ ? row_.text(0) : ""; }
+
 }  // namespace veldra

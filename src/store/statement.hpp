@@ -38,6 +38,22 @@ class Statement {
   sqlite3_stmt* statement_ = nullptr;
 };
 
+/// The first value that a pragma gives.
+class Setting {
+ public:
+  Setting(odb::sqlite::connection& connection, const char* pragma);
+
+  /// 0 when there is none.
+  long long number() const;
+
+  /// Empty when there is none.
+  std::string text() const;
+
+ private:
+  Statement row_;
+  bool is_there_;
+};
+
 }  // namespace veldra
 
 #endif

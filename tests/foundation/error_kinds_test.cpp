@@ -50,6 +50,7 @@ TEST(ErrorKinds, of_the_librarys_own_exceptions) {
   EXPECT_EQ(kind_thrown_by([] { throw InappropriateCustomProperty(); }), ErrorKind::Other);
   EXPECT_EQ(kind_thrown_by([] { throw FileExists("x"); }), ErrorKind::Other);
   EXPECT_EQ(kind_thrown_by([] { throw OtherLibrary("x"); }), ErrorKind::Other);
+  EXPECT_EQ(kind_thrown_by([] { throw SameFile("x"); }), ErrorKind::Other);
 }
 
 TEST(ErrorKinds, of_the_runtimes_exceptions) {

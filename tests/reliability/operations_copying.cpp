@@ -53,7 +53,18 @@ void copy_all_with_mapping(Scene& scene) {
                [&scene](IdMapping& mapping) { scene.library->copyAll(scene.source, mapping); });
 }
 
-void restore(Scene& scene) { scene.library->restoreFrom(scene.source->filename(), true); }
+void choose_backup(Scene& scene) { scene.text = scene.write_backup(); }
+void restore_backup(Scene& scene) { scene.library->restoreFrom(scene.text); }
+
+void restore_another_library(Scene& scene) {
+  scene.library->restoreFrom(scene.source->filename(), true);
+}
+
+std::vector<Operation> restoring() {
+  return {operation_on_current(Kind::Replacing, "restore a backup", choose_backup, restore_backup),
+          operation_on_current(Kind::Replacing, "restore another library", nothing,
+                               restore_another_library)};
+}
 
 std::vector<Operation> copying_several() {
   return writing({
@@ -73,10 +84,8 @@ std::vector<Operation> copying_several() {
 void choose_roof(Scene& scene) { scene.ids = {id_of<Composition>(*scene.source, "Roof")}; }
 
 std::vector<Operation> copying_operations() {
-  return joined({for_each_kind([](const auto& of) { return copy_ids(of); }),
-                 copying_several(),
-                 {operation_on_current(Operation::Kind::Replacing, "restore another library",
-                                       nothing, restore)}});
+  return joined(
+      {for_each_kind([](const auto& of) { return copy_ids(of); }), copying_several(), restoring()});
 }
 
 }  // namespace veldra_tests

@@ -106,6 +106,51 @@ TEST(PowerLoss, leaves_the_old_state_or_the_new_one) {
   report_figure("losses of power", all);
 }
 
+void expect_whole_copy(const Scene& scene, const std::string& rows) {
+  EXPECT_EQ(dump(scene.backup_path()), rows);
+  EXPECT_EQ(damage(scene.backup_path()), "");
+}
+
+// Returns whether the power was lost before the backup was over.
+bool lose_power_in_a_backup(unsigned point, unsigned seeds) {
+  using Kind = veldra::Library::Recognition::Kind;
+  const Deadline deadline;
+  Scene scene(Start::Current, FaultVfs::name_of(""));
+  scene.open();
+  const std::string rows = scene.rows();
+  const std::string bytes = read_file(scene.path());
+  const std::string copy = FaultVfs::name_of(scene.backup_path());
+  FaultVfs::arm({FaultVfs::Trouble::PowerLoss, point, FaultVfs::Repetition::Persistent});
+  const Thrown thrown = thrown_by([&] { scene.library->backup(copy.c_str()); });
+  scene.close();
+  FaultVfs::disarm();
+  EXPECT_EQ(thrown, FaultVfs::fired() ? "odb::sqlite::database_exception" : "");
+  for (unsigned seed = 0; seed != seeds; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    FaultVfs::leave_what_reached_the_disk(point * 1000 + seed);
+    EXPECT_TRUE(read_file(scene.path()) == bytes);
+    const Kind kind = veldra::Library::recognise(scene.backup_path().c_str()).kind;
+    EXPECT_THAT(kind, AnyOf(Kind::Missing, Kind::Empty, Kind::Library));
+    EXPECT_TRUE(kind == Kind::Library || FaultVfs::fired()) << "a backup that was done is gone";
+    if (kind == Kind::Library) expect_whole_copy(scene, rows);
+  }
+  return FaultVfs::fired();
+}
+
+// Unlike what is written to a library, a backup is certain when the call returned.
+TEST(PowerLoss, leaves_a_whole_backup_or_none) {
+  const unsigned seeds = number_or(8, 64);
+  const unsigned stride = stride_or(3);
+  unsigned losses = 0;
+  for (unsigned point = 1;; point += stride) {
+    SCOPED_TRACE("power lost at " + std::to_string(point));
+    if (!lose_power_in_a_backup(point, seeds) || testing::Test::HasFailure()) break;
+    losses += seeds;
+  }
+  EXPECT_GT(losses, 0u);
+  report_figure("losses of power during a backup", losses);
+}
+
 struct Interrupted {
   std::string file;
   std::string journal;

@@ -53,6 +53,14 @@ void make_source(const std::string& path) {
   give_assets(path);
 }
 
+// The same library at another time.
+void make_backup(const std::string& path) {
+  make_library(path);
+  auto library = Library::open(path.c_str(), false);
+  library->remove<Composition>(library->get<Composition>("spare composition")->id());
+  library->save(full_composition("Floor"));
+}
+
 std::string made_by(const std::function<void(const std::string&)>& make) {
   const TemporaryFolder folder;
   const std::string path = folder / "made.lib";
@@ -86,6 +94,11 @@ const std::string& bytes_of(Start start) {
 
 const std::string& source_bytes() {
   static const std::string bytes = made_by(make_source);
+  return bytes;
+}
+
+const std::string& backup_bytes() {
+  static const std::string bytes = made_by(make_backup);
   return bytes;
 }
 
@@ -139,6 +152,11 @@ void Scene::open() {
   library = Library::open(name(), false);
   library->setReactor(&reactor);
   source = Library::open((vfs_ + source_path_).c_str(), true);
+}
+
+veldra::String Scene::write_backup() const {
+  write_file(backup_path(), backup_bytes());
+  return (vfs_ + backup_path()).c_str();
 }
 
 void Scene::create() { library = Library::create(text, Unit::Inches, guid); }

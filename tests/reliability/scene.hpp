@@ -62,6 +62,12 @@ class Scene {
   const TemporaryFolder& folder() const { return folder_; }
   veldra::String name() const { return (vfs_ + path_).c_str(); }
 
+  /// Writes a backup of the library, taken when it was another one, and gives its name.
+  veldra::String write_backup() const;
+
+  /// The path of that, whether it is there or not.
+  std::string backup_path() const { return folder_ / "backup.lib"; }
+
   /// All values and identities of the objects in memory.
   std::string objects_state() const;
 

@@ -156,6 +156,7 @@ void expect_clean_end(Scene& scene) {
   expect_unlocked(scene);
   scene.close();
   EXPECT_THAT(open_files(scene.folder().path()), IsEmpty());
+  std::filesystem::remove(scene.backup_path());
   EXPECT_THAT(files_in(scene.folder().path()), testing::ElementsAre("supplier.lib", "walls.lib"));
 }
 

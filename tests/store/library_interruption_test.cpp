@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "support/catalogues.hpp"
 #include "support/library_test.hpp"
 #include "support/processes.hpp"
 
@@ -15,14 +16,18 @@ namespace {
 
 constexpr const char* interrupted = "veldra::Interrupted";
 
-/// Interrupts a library again and again from another thread, as somebody does who wants it to stop.
+using Milliseconds = std::chrono::milliseconds;
+
+/// Interrupts a library again and again from another thread, as somebody does who wants it to stop,
+/// after a while.
 class Impatience {
  public:
-  explicit Impatience(Library& library)
-      : thread_([this, &library] {
+  explicit Impatience(Library& library, Milliseconds patience = Milliseconds(0))
+      : thread_([this, &library, patience] {
+          std::this_thread::sleep_for(patience);
           while (!over_) {
             library.interrupt();
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            std::this_thread::sleep_for(Milliseconds(1));
           }
         }) {}
   Impatience(const Impatience&) = delete;
@@ -51,15 +56,26 @@ class LibraryInterruption : public LibraryTest {
                  std::to_string(number) + ") INSERT INTO Tag (name) SELECT 'tag ' || i FROM n");
   }
 
+  /// Has SQLite compute for a long time when it checks the file: for each of many rows anew.
+  static void have_checks_take_long(const std::string& file) {
+    PlainDatabase(file).execute(
+        "PRAGMA ignore_check_constraints = ON;"
+        "CREATE TABLE slow (size CHECK (replace(hex(zeroblob(size)), '0', 'ab') <> ''));"
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n LIMIT 1000)"
+        " INSERT INTO slow SELECT 1000000 FROM n");
+  }
+
   /// Expects that the call is interrupted in far less than it would take.
-  void expect_interrupted(const std::function<void()>& call) {
-    const Impatience impatience(*library);
+  void expect_interrupted(const std::function<void()>& call,
+                          Milliseconds patience = Milliseconds(0)) {
+    const Impatience impatience(*library, patience);
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(thrown_by(call), interrupted);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
   }
 
   unsigned told = 0;
+  const std::string other_file = folder / "other.lib";
 
  private:
   void count_up_to(unsigned n) {
@@ -175,6 +191,29 @@ TEST_F(LibraryInterruption, waiting_for_readers_at_the_end_of_a_transaction_is_e
     other.execute("BEGIN; SELECT count(*) FROM Tag");
     expect_interrupted([&] { transaction.commit(); });
   }
+  EXPECT_EQ(rows(), before);
+}
+
+TEST_F(LibraryInterruption, waiting_for_a_file_that_is_restored_from_is_ended) {
+  library->backup(other_file.c_str());
+  const LockingProcess other(other_file, "BEGIN EXCLUSIVE", 60000);
+  expect_interrupted([&] { library->restoreFrom(other_file.c_str()); });
+}
+
+TEST_F(LibraryInterruption, the_check_of_a_file_that_is_restored_from_is_ended) {
+  library->backup(other_file.c_str());
+  have_checks_take_long(other_file);
+  library->save(Tag::create("facade"));
+  const std::string before = rows();
+  expect_interrupted([&] { library->restoreFrom(other_file.c_str()); }, Milliseconds(200));
+  EXPECT_EQ(rows(), before);
+}
+
+TEST_F(LibraryInterruption, the_check_of_a_migrated_file_that_is_restored_from_is_ended) {
+  make_old_file(other_file, 150201);
+  have_checks_take_long(other_file);
+  const std::string before = rows();
+  expect_interrupted([&] { library->restoreFrom(other_file.c_str(), true); }, Milliseconds(200));
   EXPECT_EQ(rows(), before);
 }
 

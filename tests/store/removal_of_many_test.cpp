@@ -5,6 +5,8 @@
 
 #include "store/removal_fixture.hpp"
 #include "store/transaction_calls.hpp"
+#include "support/catalogues.hpp"
+#include "support/statement_log.hpp"
 
 #include <random>
 #include <stdexcept>
@@ -271,6 +273,104 @@ TEST_F(RemovalOfManyAtRandom, the_same_go_as_where_the_database_looks) {
     EXPECT_EQ(once.asked, each.asked);
   }
 }
+
+/// Removes all objects of a kind within a transaction.
+struct Together {
+  template <class T>
+  static Removed remove(Library& library) {
+    Removed result;
+    commit(library, [&] { library.remove<T>(library.ids<T>(), result); });
+    return result;
+  }
+};
+
+/// Removes them in a transaction each.
+struct OneByOne {
+  template <class T>
+  static Removed remove(Library& library) {
+    Removed result;
+    for (const unsigned id : library.ids<T>()) library.remove<T>(Ids{id}, result);
+    return result;
+  }
+};
+
+/// Files of older versions have keys to layers that SQLite looks at after each statement, and not
+/// at the end of the transaction.
+class RemovalOfManyMigrated : public LibraryFixture, public WithParamInterface<int> {
+ protected:
+  RemovalOfManyMigrated() {
+    make_old_file(path, GetParam());
+    fill_old_file(path, GetParam());
+    const auto library = open();
+    library->save(full_composition("Wall"));
+    for (const std::string n : {"1", "2", "3", "4"}) {
+      library->save(full_material("spare " + n));
+      library->save(named<veldra::Layer>("spare layer " + n));
+      library->save(named<Tag>("spare tag " + n));
+      library->save(named<MaterialType>("spare type " + n));
+      library->save(named<CustomProperty>("spare property " + n));
+    }
+  }
+
+  /// What removing everything gives for kind after kind: first what is referred to.
+  template <class How>
+  static std::vector<Removed> remove_everything(Library& library) {
+    return {How::template remove<veldra::Layer>(library),
+            How::template remove<Tag>(library),
+            How::template remove<MaterialType>(library),
+            How::template remove<CustomProperty>(library),
+            How::template remove<Material>(library),
+            How::template remove<veldra::Layer>(library),
+            How::template remove<Tag>(library),
+            How::template remove<MaterialType>(library),
+            How::template remove<CustomProperty>(library),
+            How::template remove<Composition>(library),
+            How::template remove<Material>(library),
+            How::template remove<veldra::Layer>(library)};
+  }
+
+  /// The same with the library in a file; writes down what the reactor is asked.
+  template <class How>
+  static std::vector<Removed> remove_everything_in(const std::string& file,
+                                                   RecordingReactor& reactor) {
+    const auto library = Library::open(file.c_str(), false);
+    library->setReactor(&reactor);
+    return remove_everything<How>(*library);
+  }
+};
+
+TEST_P(RemovalOfManyMigrated, the_same_go_as_one_by_one) {
+  const std::string other = folder / "other.lib";
+  write_file(other, read_file(path));
+  RecordingReactor together;
+  RecordingReactor one_by_one;
+  const auto result = remove_everything_in<Together>(path, together);
+  EXPECT_EQ(result, remove_everything_in<OneByOne>(other, one_by_one));
+  EXPECT_EQ(rows(), dump(other));
+  EXPECT_EQ(together.calls_starting_with("may remove"),
+            one_by_one.calls_starting_with("may remove"));
+  EXPECT_EQ(damage(path), "");
+  EXPECT_EQ(value("SELECT count(*) FROM Layer"), "0");
+}
+
+TEST_P(RemovalOfManyMigrated, layers_in_use_stay_and_the_database_looks_again) {
+  StatementLog log;
+  const auto library = open();
+  const auto used = library->get<veldra::Layer>("Wall layer");
+  Removed result;
+  commit(*library, [&] {
+    library->remove<veldra::Layer>(library->ids<veldra::Layer>(), result);
+    EXPECT_EQ(thrown_by([&] { library->remove(used); }), "veldra::ObjectInUse");
+  });
+  EXPECT_THAT(log.take_all(), Contains("SAVEPOINT removal")) << "what is referred to is not known";
+  EXPECT_FALSE(result.at(key_of<veldra::Layer>(used->id())));
+  EXPECT_TRUE(library->get<Composition>("Wall")->entity_layer());
+  EXPECT_FALSE(library->get<veldra::Layer>("spare layer 1"));
+  EXPECT_EQ(damage(path), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Versions, RemovalOfManyMigrated, testing::Values(150201, 150301),
+                         testing::PrintToStringParamName());
 
 }  // namespace
 }  // namespace veldra_tests

@@ -4,6 +4,9 @@
 #include "support/library_test.hpp"
 #include "support/processes.hpp"
 
+#include <unistd.h>
+
+#include <chrono>
 #include <string>
 
 namespace veldra_tests {
@@ -254,7 +257,37 @@ TEST_F(Restoring, waits_for_others_and_gives_up) {
   expect_refused(copy, "odb::timeout");
 }
 
-TEST_F(Restoring, from_its_own_file_changes_nothing) { expect_refused(path, "odb::timeout"); }
+// Not by waiting for itself.
+TEST_F(Restoring, from_its_own_file_is_refused_under_any_name) {
+  const std::string hard = folder / "hard.lib";
+  const std::string symbolic = folder / "symbolic.lib";
+  ASSERT_EQ(::link(path.c_str(), hard.c_str()), 0);
+  ASSERT_EQ(::symlink(path.c_str(), symbolic.c_str()), 0);
+  for (const std::string& name :
+       {path, folder / "./walls.lib", hard, symbolic, "unix://" + path, "unix://" + hard}) {
+    expect_refused(name, "veldra::SameFile");
+    expect_refused(name, "veldra::SameFile", true);
+  }
+  EXPECT_TRUE(library->save(Tag::create("another")));
+}
+
+TEST_F(Restoring, from_its_own_file_is_refused_at_once_and_tells_which_it_is) {
+  const auto start = std::chrono::steady_clock::now();
+  try {
+    library->restoreFrom(path.c_str());
+    FAIL();
+  } catch (const FileError& error) {
+    EXPECT_EQ(error.filename(), String(path.c_str()));
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+}
+
+TEST_F(Restoring, goes_through_a_link_to_another_file) {
+  const std::string link = folder / "link.lib";
+  ASSERT_EQ(::symlink(copy.c_str(), link.c_str()), 0);
+  library->restoreFrom(link.c_str());
+  EXPECT_EQ(rows(), before);
+}
 
 TEST_F(Restoring, into_a_library_in_memory) {
   const auto memory = Library::create(":memory:", Unit::Millimetres, "");

@@ -44,6 +44,8 @@ Thrown call_and_catch(const std::function<void()>& call) {
     return ours("veldra::FileExists", error);
   } catch (const veldra::OtherLibrary& error) {
     return ours("veldra::OtherLibrary", error);
+  } catch (const veldra::SameFile& error) {
+    return ours("veldra::SameFile", error);
   } catch (const veldra::Interrupted& error) {
     return ours("veldra::Interrupted", error);
   } catch (const veldra::DatabaseError& error) {

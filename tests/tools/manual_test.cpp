@@ -128,10 +128,35 @@ TEST_F(Manual, the_other_shells_know_every_command_and_option) {
     EXPECT_THAT(fish, HasSubstr("-a " + each.name + " ")) << each.name;
     for (const auto& argument : each.arguments) {
       if (!argument.is_option()) continue;
-      EXPECT_THAT(zsh, HasSubstr("*" + argument.names.back() + "[")) << each.name;
+      for (const auto& name : argument.names) {
+        EXPECT_THAT(zsh, ContainsRegex(name + "[,}']")) << each.name;
+      }
       EXPECT_THAT(fish, HasSubstr("-l " + argument.names.back().substr(2))) << each.name;
     }
   }
+}
+
+TEST_F(Manual, bash_offers_all_names_of_an_option) {
+  EXPECT_THAT(offered("veldra export -", 2), IsSupersetOf({"-o", "--output", "-h", "--help"}));
+}
+
+TEST_F(Manual, zsh_offers_all_names_of_an_option_until_one_is_given) {
+  const std::string zsh = veldra_manual::zsh_completion(program);
+  EXPECT_THAT(zsh, HasSubstr("\n      '(-o --output)'{-o,--output}'["));
+  EXPECT_THAT(zsh, HasSubstr("\n      '(-h --help)'{-h,--help}'["));
+  EXPECT_THAT(zsh, HasSubstr("\n      --json'["));
+}
+
+TEST_F(Manual, zsh_offers_again_what_may_be_repeated) {
+  veldra_manual::Argument several{{"-x", "--extra"}, "NAME", "it's [one]", {}, false, true};
+  const veldra_manual::Description strange{"x", "1", "", {}, {{"do", "does", {several}, "", ""}},
+                                           {}};
+  EXPECT_THAT(veldra_manual::zsh_completion(strange),
+              HasSubstr("'*'{-x,--extra}'[it'\\''s \\[one\\]]:NAME:_files'"));
+}
+
+TEST_F(Manual, fish_knows_all_names_of_an_option) {
+  EXPECT_THAT(veldra_manual::fish_completion(program), HasSubstr(" -s o -l output -r "));
 }
 
 TEST_F(Manual, the_first_page_of_the_site_leads_to_all_others) {

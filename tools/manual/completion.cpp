@@ -90,6 +90,8 @@ std::string bash_case(const Command& command) {
 
 // zsh
 
+std::string zsh_quotes(const std::string& text) { return in_quotes(text, "'\\''"); }
+
 /// What zsh takes for the end of a part of an entry.
 std::string zsh_text(const std::string& text) {
   std::string result;
@@ -104,15 +106,29 @@ std::string zsh_values(const Argument& argument) {
   return argument.choices.empty() ? "_files" : "(" + joined(argument.choices) + ")";
 }
 
+std::string zsh_place(const Argument& argument) {
+  return zsh_quotes(fmt::format("{}:{}:{}", argument.is_repeated ? "*" : "", argument.names.front(),
+                                zsh_values(argument)));
+}
+
+/// The names of an option, one of which stands for all: "'(-o --output)'{-o,--output}".
+std::string zsh_names(const Argument& argument) {
+  if (argument.names.size() == 1) return argument.names.front();
+  std::string names;
+  for (const auto& name : argument.names) names += (names.empty() ? "" : ",") + name;
+  const std::string others =
+      argument.is_repeated ? "" : zsh_quotes("(" + joined(argument.names) + ")");
+  return others + "{" + names + "}";
+}
+
+std::string zsh_option(const Argument& argument) {
+  std::string text = "[" + zsh_text(argument.text) + "]";
+  if (!argument.value.empty()) text += ":" + argument.value + ":" + zsh_values(argument);
+  return (argument.is_repeated ? "'*'" : "") + zsh_names(argument) + zsh_quotes(text);
+}
+
 std::string zsh_entry(const Argument& argument) {
-  const std::string text = zsh_text(argument.text);
-  if (!argument.is_option()) {
-    return fmt::format("{}:{}:{}", argument.is_repeated ? "*" : "", argument.names.front(),
-                       zsh_values(argument));
-  }
-  std::string value;
-  if (!argument.value.empty()) value = ":" + argument.value + ":" + zsh_values(argument);
-  return fmt::format("*{}[{}]{}", argument.names.back(), text, value);
+  return argument.is_option() ? zsh_option(argument) : zsh_place(argument);
 }
 
 // fish
@@ -163,8 +179,7 @@ std::string zsh_completion(const Description& program) {
       "local -a commands=(\n",
       program.name);
   for (const auto& command : program.commands) {
-    text +=
-        fmt::format("  {}\n", in_quotes(command.name + ":" + zsh_text(command.summary), "'\\''"));
+    text += fmt::format("  {}\n", zsh_quotes(command.name + ":" + zsh_text(command.summary)));
   }
   text += fmt::format(
       ")\nif ((CURRENT == 2)); then\n  _describe 'command' commands\n  return\nfi\n"
@@ -172,7 +187,7 @@ std::string zsh_completion(const Description& program) {
   for (const auto& command : program.commands) {
     text += fmt::format("  {})\n    _arguments", command.name);
     for (const auto& argument : command.arguments) {
-      text += " \\\n      " + in_quotes(zsh_entry(argument), "'\\''");
+      text += " \\\n      " + zsh_entry(argument);
     }
     text += "\n    ;;\n";
   }
