@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-2.0-or-later
-# Whether the benchmarks run the works that are asked for, and refuse what they do not know.
+# Whether the benchmarks run the works that are asked for, print the sides that these have, and
+# refuse what they do not know.
 #
 #   choosing_test.sh <veldra_bench>
 set -euo pipefail
@@ -23,14 +24,26 @@ refused() {
   expect "the lines of $1" 1 "$(grep -c '^veldra_bench: ' <<<"$text")"
 }
 
+# measured <work>: the lines of the table for it.
+measured() {
+  "$program" "--filter=^$1\$" --materials=50 --rounds=1 | sed '1,/^work .*unit/d'
+}
+
+# sides <work>: which of the four sides beside the library have figures, a letter each.
+sides() {
+  measured "$1" | awk -F'|' '{ print ($2 ~ /[0-9]/ ? "s" : "-") ($3 ~ /[0-9]/ ? "f" : "-") \
+                                     ($4 ~ /[0-9]/ ? "s" : "-") ($5 ~ /[0-9]/ ? "o" : "-") }'
+}
+
 expect "a choice by its beginning" "all_materials
 all_materials_freed" "$("$program" --list '--filter=^all_mat')"
 expect "a choice by either of two words" "purge
-size_of_material" "$("$program" --list '--filter=purge|size_of_mat')"
-expect "the lines of a table" "purge" \
-  "$("$program" --filter=purge --materials=50 --rounds=1 | sed '1,/^work .*unit/d' | cut -d' ' -f1)"
-[ "$("$program" --list | wc -l)" -gt 20 ] || { echo "not all works are listed"; status=1; }
+size_of_material" "$("$program" --list '--filter=^purge$|size_of_mat')"
+expect "the lines of a table" "purge" "$(measured purge | cut -d' ' -f1)"
+[ "$("$program" --list | wc -l)" -gt 30 ] || { echo "not all works are listed"; status=1; }
 
+expect "the sides of a list" "sfs-" "$(sides all_compositions)"
+expect "the sides of a count" "sf--" "$(sides count_by_tags)"
 refused --filter='('
 refused --filter=no_such_work
 refused --rounds=0

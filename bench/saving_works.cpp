@@ -68,7 +68,7 @@ class BulkSave {
     layers.items = static_cast<plain_composition_layer*>(
         std::calloc(layers.size, sizeof(plain_composition_layer)));
     for (unsigned i = 0; i != layers.size; ++i) {
-      layers.items[i].material = sample_material(i + 1);
+      layers.items[i].material = new_sample_material(i + 1);
       layers.items[i].thickness = 1.0;
     }
   }
@@ -79,7 +79,7 @@ class BulkSave {
     composition_->type(Composition::Type::Wall);
     for (std::size_t i = 0; i != plain_composition_.layers.size; ++i) {
       composition_->appendLayer(
-          {make_material(plain_composition_.layers.items[i].material, references),
+          {make_material(*plain_composition_.layers.items[i].material, references),
            Material::Function::None, 1.0});
     }
   }
