@@ -42,8 +42,15 @@ size_of_material" "$("$program" --list '--filter=^purge$|size_of_mat')"
 expect "the lines of a table" "purge" "$(measured purge | cut -d' ' -f1)"
 [ "$("$program" --list | wc -l)" -gt 30 ] || { echo "not all works are listed"; status=1; }
 
+expect "what takes long, unasked" "purge_materials
+purge_materials_4" "$("$program" --list '--filter=^purge_mat')"
+expect "what takes long" "purge_materials_16" "$("$program" --large --list '--filter=_16$')"
+
 expect "the sides of a list" "sfs-" "$(sides all_compositions)"
 expect "the sides of a count" "sf--" "$(sides count_by_tags)"
+expect "the sides of a copy" "sf--" "$(sides copy_all)"
+expect "the sides of a purge in one transaction" "-f-o" "$(sides purge_materials)"
+expect "the sides of what is saved over others" "s--o" "$(sides save_overwriting)"
 refused --filter='('
 refused --filter=no_such_work
 refused --rounds=0

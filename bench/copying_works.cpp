@@ -8,42 +8,68 @@ namespace veldra_bench {
 
 namespace {
 
-const double millimetres_of_an_inch = 25.4;
-
-/// A full library in inches into new ones in millimetres.
+/// A full library in inches into new ones.
 class CopyAll {
  public:
-  explicit CopyAll(Workshop& workshop)
+  CopyAll(Workshop& workshop, veldra::Unit unit)
       : workshop_(workshop),
+        unit_(unit),
+        factor_(unit == veldra::Unit::Inches ? 1 : 25.4),
         veldra_source_(open_veldra(workshop.sample().path())),
         plain_source_(open_plain(workshop.sample().path())) {}
 
   void prepare() {
+    fewest_.reset();
     destinations_.reset();
-    destinations_ = new_pair(workshop_);
+    destinations_ = new_pair(workshop_, unit_);
+    fewest_path_ = workshop_.copy_of(destinations_->plain_path, "fewest.lib");
+    fewest_ = open_plain(fewest_path_);
   }
 
   void veldra(Digest* digest) {
     destinations_->veldra->copyAll(veldra_source_);
-    if (digest != nullptr) digest->add(digest_of_objects(destinations_->veldra_path));
+    add_objects(digest, destinations_->veldra_path);
   }
 
   void plain(Digest* digest) {
-    plain_copy_all(destinations_->plain.get(), plain_source_.get(), millimetres_of_an_inch);
-    if (digest != nullptr) digest->add(digest_of_objects(destinations_->plain_path));
+    plain_copy_all(destinations_->plain.get(), plain_source_.get(), factor_);
+    add_objects(digest, destinations_->plain_path);
+  }
+
+  void fewest(Digest* digest) {
+    plain_copy_all_in_sql(fewest_.get(), workshop_.sample().path().c_str(), factor_);
+    add_objects(digest, fewest_path_);
   }
 
  private:
+  static void add_objects(Digest* digest, const std::string& path) {
+    if (digest != nullptr) digest->add(digest_of_objects(path));
+  }
+
   Workshop& workshop_;
+  veldra::Unit unit_;
+  double factor_;
   std::shared_ptr<veldra::Library> veldra_source_;
   PlainLibrary plain_source_;
   std::unique_ptr<Pair> destinations_;
+  std::string fewest_path_;
+  PlainLibrary fewest_;
 };
 
-Work copy_all(Workshop& workshop) {
-  auto copy = std::make_shared<CopyAll>(workshop);
-  return {[copy](Digest* digest) { copy->veldra(digest); },
-          [copy](Digest* digest) { copy->plain(digest); }, [copy] { copy->prepare(); }};
+Work copying(Workshop& workshop, veldra::Unit unit) {
+  auto copy = std::make_shared<CopyAll>(workshop, unit);
+  Work work{[copy](Digest* digest) { copy->veldra(digest); },
+            [copy](Digest* digest) { copy->plain(digest); }, [copy] { copy->prepare(); }};
+  work.fewest = [copy](Digest* digest) { copy->fewest(digest); };
+  return work;
+}
+
+Work copy_all(Workshop& workshop) { return copying(workshop, veldra::Unit::Millimetres); }
+
+Work copy_all_same_unit(Workshop& workshop) { return copying(workshop, veldra::Unit::Inches); }
+
+unsigned copied_objects(const Workshop& workshop) {
+  return workshop.materials() + workshop.compositions();
 }
 
 double mebibytes(double bytes) { return bytes / (1024 * 1024); }
@@ -55,10 +81,11 @@ void print(const char* what, double bytes) {
 }  // namespace
 
 std::vector<TimedWork> copying_works() {
-  return {{"copy_all",
-           "a library into an empty one of the other unit, per material and composition", 2.0,
-           [](const Workshop& workshop) { return workshop.materials() + workshop.compositions(); },
-           copy_all, 2}};
+  return {
+      {"copy_all", "a library into an empty one of the other unit, per material and composition",
+       1.1, copied_objects, copy_all, 2},
+      {"copy_all_same_unit", "the same into one of the same unit", 1.1, copied_objects,
+       copy_all_same_unit, 2}};
 }
 
 bool copy_within_memory(Workshop& workshop) {
