@@ -40,7 +40,7 @@ all_materials_freed" "$("$program" --list '--filter=^all_mat')"
 expect "a choice by either of two words" "purge
 size_of_material" "$("$program" --list '--filter=^purge$|size_of_mat')"
 expect "the lines of a table" "purge" "$(measured purge | cut -d' ' -f1)"
-[ "$("$program" --list | wc -l)" -gt 30 ] || { echo "not all works are listed"; status=1; }
+[ "$("$program" --list | wc -l)" -gt 40 ] || { echo "not all works are listed"; status=1; }
 
 expect "what takes long, unasked" "purge_materials
 purge_materials_4" "$("$program" --list '--filter=^purge_mat')"
@@ -51,6 +51,17 @@ expect "the sides of a count" "sf--" "$(sides count_by_tags)"
 expect "the sides of a copy" "sf--" "$(sides copy_all)"
 expect "the sides of a purge in one transaction" "-f-o" "$(sides purge_materials)"
 expect "the sides of what is saved over others" "s--o" "$(sides save_overwriting)"
+if "$program" --filter=check --materials=50 --rounds=1 | grep -q '^Built without SQLiteCpp'; then
+  expect "the sides of a list without SQLiteCpp" "sfs-" "$(sides all_materials)"
+else
+  expect "the sides of a list with SQLiteCpp" "sfso" "$(sides all_materials)"
+fi
+if "$program" --filter=check --materials=50 --rounds=1 | grep -q '^Built without JSON'; then
+  expect "the sides of a load without JSON" "sfs-" "$(sides load_everything)"
+else
+  expect "the sides of a load with JSON" "sfso" "$(sides load_everything)"
+fi
+
 refused --filter='('
 refused --filter=no_such_work
 refused --rounds=0

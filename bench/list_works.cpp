@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "otherwise.hpp"
 #include "work.hpp"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <utility>
 
@@ -102,6 +104,32 @@ struct BulkList {
   Query<T> query;
   plain_sharing sharing;
   plain_bulk bulk{};
+};
+
+/// All materials as SQLiteCpp reads them.
+struct SqliteCppList {
+  explicit SqliteCppList(const std::string& path) : reader(sqlitecpp_reader(path)) {
+    const PlainLibrary library = open_plain(path);
+    plain_materials listed = plain_all_materials(library.get());
+    for (std::size_t i = 0; i != listed.size; ++i) places[listed.items[i].id] = i;
+    plain_free_materials(&listed);
+  }
+
+  void read() { document = reader->read(); }
+  /// In the order of the library's list.
+  void add_to(Digest& digest) const {
+    Document listed = document;
+    std::sort(listed.materials.begin(), listed.materials.end(),
+              [this](const MaterialRecord& left, const MaterialRecord& right) {
+                return places.at(left.id) < places.at(right.id);
+              });
+    add_materials(digest, listed);
+  }
+  void clear() { document = {}; }
+
+  std::unique_ptr<MaterialReader> reader;
+  std::map<unsigned, std::size_t> places;
+  Document document;
 };
 
 /// A list of one side.
@@ -254,7 +282,11 @@ Query<Material> tagged_materials() {
 }
 
 Ways material_ways(Workshop& workshop) {
-  return ways_of(workshop.sample().path(), every_material());
+  const std::string& path = workshop.sample().path();
+  Ways ways = ways_of(path, every_material());
+  ways.otherwise = "SQLiteCpp";
+  if (has_sqlitecpp()) ways.all.push_back(way_of<SqliteCppList>(path));
+  return ways;
 }
 
 Ways composition_ways(Workshop& workshop) {

@@ -21,6 +21,7 @@
 // the library and of the plain program.
 
 #include "measuring.hpp"
+#include "otherwise.hpp"
 #include "table.hpp"
 #include "work.hpp"
 
@@ -133,7 +134,7 @@ class WorkFolder {
 std::vector<TimedWork> timed_works() {
   std::vector<TimedWork> works;
   for (const auto& part : {reading_works(), list_works(), saving_works(), file_works(),
-                           removing_works(), copying_works()}) {
+                           removing_works(), copying_works(), document_works()}) {
     works.insert(works.end(), part.begin(), part.end());
   }
   return works;
@@ -221,12 +222,19 @@ void print_legend() {
   for (const MemoryWork& work : memory_works()) print_line(work);
 }
 
+/// What is missing where the benchmarks were built.
+void print_left_out() {
+  if (!has_sqlitecpp()) std::puts("\nBuilt without SQLiteCpp, which is left out.");
+  if (!has_json()) std::puts("\nBuilt without JSON for Modern C++, which is left out.");
+}
+
 int measure(const Options& options, const Works& works) {
   const WorkFolder folder(options.folder);
   Workshop workshop(folder.path(), options.materials);
   if (options.copy_memory) return copy_within_memory(workshop) ? 0 : 1;
 
   print_legend();
+  print_left_out();
   std::printf("\n%u materials, %d rounds\n\n", options.materials, options.rounds);
   Table table;
   measure_all(works.timed, options, workshop, table);

@@ -108,6 +108,7 @@ std::vector<TimedWork> saving_works();
 std::vector<TimedWork> file_works();
 std::vector<TimedWork> removing_works();
 std::vector<TimedWork> copying_works();
+std::vector<TimedWork> document_works();
 std::vector<MemoryWork> memory_works();
 
 /// Copies a library of that many materials and prints by how much the memory of the process grew.
