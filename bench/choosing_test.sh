@@ -62,9 +62,16 @@ else
   expect "the sides of a load with JSON" "sfso" "$(sides load_everything)"
 fi
 
+expect "the works that grow" "count_by_tags
+count_materials" "$("$program" --growth --list --filter=count | sort)"
+expect "the figures of works that grow" "count_by_tags 7
+count_materials 7" "$("$program" --growth=100 --materials=50 --rounds=1 --filter=count 2>/dev/null |
+  sed '1d; s/ missed$//' | awk '{ print $1, NF - 1 }' | sort)"
+
 refused --filter='('
 refused --filter=no_such_work
 refused --rounds=0
 refused --materials=many
+refused --growth=much
 refused --no-such-option
 exit "$status"

@@ -20,6 +20,7 @@
 // read the same values, or left the same rows. The syncs are the waits for the disk per item, of
 // the library and of the plain program.
 
+#include "growth.hpp"
 #include "measuring.hpp"
 #include "otherwise.hpp"
 #include "table.hpp"
@@ -49,6 +50,7 @@ struct Options {
   bool list = false;
   bool large = false;
   bool copy_memory = false;
+  unsigned growth = 0;  ///< 0: not asked for
 };
 
 const char usage[] =
@@ -59,6 +61,7 @@ const char usage[] =
     "  --rounds=N           rounds of each work (9; fewer for what takes long)\n"
     "  --folder=PATH        where the files are made (the folder for temporary files)\n"
     "  --large              also what takes minutes\n"
+    "  --growth[=N]         how the ratios change up to N materials (1000000)\n"
     "  --copy-memory        measures only how much memory copying a library takes\n";
 
 /// The arguments are wrong, or nothing is to be measured.
@@ -98,6 +101,10 @@ Options parse(int count, char** arguments) {
       options.folder = value;
     } else if (value_of(argument, "--filter=", value)) {
       options.filter = value;
+    } else if (value_of(argument, "--growth=", value)) {
+      options.growth = number_of("--growth", value);
+    } else if (argument == "--growth") {
+      options.growth = 1'000'000;
     } else if (argument == "--copy-memory") {
       options.copy_memory = true;
     } else if (argument == "--large") {
@@ -158,6 +165,7 @@ struct Works {
 /// Those that there are for the options, whatever their names.
 Works offered_works(const Options& options) {
   Works works{timed_works(), memory_works()};
+  if (options.growth != 0) return {growing_works(works.timed), {}};
   const auto left_out = [&options](const TimedWork& work) { return work.large && !options.large; };
   works.timed.erase(std::remove_if(works.timed.begin(), works.timed.end(), left_out),
                     works.timed.end());
@@ -230,6 +238,10 @@ void print_left_out() {
 
 int measure(const Options& options, const Works& works) {
   const WorkFolder folder(options.folder);
+  if (options.growth != 0) {
+    const Growth growth = {options.materials, options.growth, options.rounds};
+    return measure_growth(works.timed, growth, folder.path()) ? 0 : 1;
+  }
   Workshop workshop(folder.path(), options.materials);
   if (options.copy_memory) return copy_within_memory(workshop) ? 0 : 1;
 
