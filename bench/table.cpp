@@ -20,8 +20,9 @@ std::string cells(const Compared& side) {
     std::snprintf(text, sizeof text, " |%30s", "");
   } else {
     const std::string spread = side.spread == 0 ? "" : "+-" + number("%.2f", side.spread);
-    std::snprintf(text, sizeof text, " |%11.2f %6.2f%-6s %5s", side.taken, side.ratio,
-                  spread.c_str(), ratio_text(side.processor_ratio).c_str());
+    std::snprintf(text, sizeof text, " |%11.2f %6s%-6s %5s", side.taken,
+                  ratio_text(side.ratio).c_str(), spread.c_str(),
+                  ratio_text(side.processor_ratio).c_str());
   }
   return text;
 }
@@ -65,7 +66,10 @@ const Compared& compared(const Figures& figures, Against against) {
   return figures.plain;
 }
 
-std::string ratio_text(double ratio) { return ratio == 0 ? "" : number("%.2f", ratio); }
+std::string ratio_text(double ratio) {
+  if (ratio == 0) return "";
+  return number(ratio < 0.1 ? "%.2g" : "%.2f", ratio);
+}
 
 Table::Table() {
   char text[80];
