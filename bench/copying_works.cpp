@@ -72,10 +72,13 @@ unsigned copied_objects(const Workshop& workshop) {
   return workshop.materials() + workshop.compositions();
 }
 
+/// What the copy may take for each, most of it in the mapping.
+const double bytes_an_object = 150;
+
 double mebibytes(double bytes) { return bytes / (1024 * 1024); }
 
 void print(const char* what, double bytes) {
-  std::printf("%-52s %8.1f MiB\n", what, mebibytes(bytes));
+  std::printf("%-54s %8.1f MiB\n", what, mebibytes(bytes));
 }
 
 }  // namespace
@@ -105,15 +108,17 @@ bool copy_within_memory(Workshop& workshop) {
   mapping.reset();
   const double mapping_bytes = static_cast<double>(live_before - heap.live());
 
+  const unsigned objects = copied_objects(workshop);
   std::printf("copyAll of %u materials and %u compositions\n", workshop.materials(),
               workshop.compositions());
   print("growth of the process at most", resident_growth);
   print("of it the mapping", mapping_bytes);
-  print("of it everything else (target: 64)", resident_growth - mapping_bytes);
+  const double fixed = resident_growth - bytes_an_object * static_cast<double>(objects);
+  print("of it more than 150 bytes for each object (target: 16)", fixed);
   print("objects of C++ at most, the mapping aside",
         static_cast<double>(heap.peak()) - mapping_bytes);
-  std::printf("%-52s %8zu\n", "entries of the mapping", entries);
-  return mebibytes(resident_growth - mapping_bytes) <= 64;
+  std::printf("%-54s %8zu\n", "entries of the mapping", entries);
+  return mebibytes(fixed) <= 16;
 }
 
 }  // namespace veldra_bench

@@ -112,7 +112,7 @@ std::vector<TimedWork> document_works();
 std::vector<MemoryWork> memory_works();
 
 /// Copies a library of that many materials and prints by how much the memory of the process grew.
-/// Returns whether it stayed within 64 MiB, the mapping aside.
+/// Returns whether it stayed within 16 MiB, 150 bytes for each object aside.
 bool copy_within_memory(Workshop& workshop);
 
 /// Numbers in no order, always the same.
