@@ -21,12 +21,14 @@ unsigned long sync_count = 0;
 
 bool counting = false;
 long live_bytes = 0;
+long live_blocks = 0;
 long peak_bytes = 0;
 
 void* allocate(std::size_t size) {
   void* memory = std::malloc(size == 0 ? 1 : size);
   if (memory == nullptr) throw std::bad_alloc();
   if (counting) {
+    ++live_blocks;
     live_bytes += static_cast<long>(malloc_usable_size(memory));
     peak_bytes = std::max(peak_bytes, live_bytes);
   }
@@ -34,7 +36,10 @@ void* allocate(std::size_t size) {
 }
 
 void release(void* memory) noexcept {
-  if (counting) live_bytes -= static_cast<long>(malloc_usable_size(memory));
+  if (counting && memory != nullptr) {
+    --live_blocks;
+    live_bytes -= static_cast<long>(malloc_usable_size(memory));
+  }
   std::free(memory);
 }
 
@@ -50,20 +55,21 @@ std::size_t status(const std::string& field) {
   throw std::runtime_error("the system does not tell " + field);
 }
 
-std::size_t positive(long bytes) { return bytes > 0 ? static_cast<std::size_t>(bytes) : 0; }
+std::size_t positive(long count) { return count > 0 ? static_cast<std::size_t>(count) : 0; }
 
 }  // namespace
 
 unsigned long syncs() noexcept { return sync_count; }
 
 CountedHeap::CountedHeap() noexcept {
-  live_bytes = peak_bytes = 0;
+  live_bytes = peak_bytes = live_blocks = 0;
   counting = true;
 }
 
 CountedHeap::~CountedHeap() { counting = false; }
 
 std::size_t CountedHeap::live() const noexcept { return positive(live_bytes); }
+std::size_t CountedHeap::blocks() const noexcept { return positive(live_blocks); }
 std::size_t CountedHeap::peak() const noexcept { return positive(peak_bytes); }
 
 std::size_t heap_bytes() noexcept {

@@ -22,6 +22,8 @@ class CountedHeap {
   /// The bytes that were allocated and not freed since then, now and at most.
   std::size_t live() const noexcept;
   std::size_t peak() const noexcept;
+  /// How many blocks were allocated and not freed.
+  std::size_t blocks() const noexcept;
 };
 
 /// The bytes that the C library's heap has handed out.

@@ -3,6 +3,7 @@
 
 #include <sqlite3.h>
 
+#include <cmath>
 #include <cstring>
 #include <memory>
 #include <stdexcept>
@@ -94,6 +95,50 @@ class Objects {
     digest_.add(sum.value());
   }
 
+  void number(double number) { digest_.add(std::isnan(number) ? -1.0 : number); }
+
+  template <class Kind>
+  void asset_texts(const Kind& asset) {
+    id(asset.id());
+    for (const veldra::String* text : {&asset.name(), &asset.description(), &asset.subclass()}) {
+      digest_.add(text->c_str());
+    }
+    tags(asset);
+  }
+
+  void asset(const std::shared_ptr<veldra::StructuralAsset>& asset) {
+    if (asset == nullptr) return;
+    asset_texts(*asset);
+    for (const double value :
+         {asset->density(), asset->specific_heat(), asset->thermal_conductivity()}) {
+      number(value);
+    }
+  }
+
+  void asset(const std::shared_ptr<veldra::ThermalAsset>& asset) {
+    if (asset == nullptr) return;
+    asset_texts(*asset);
+    digest_.add(asset->source().c_str());
+    for (const double value : {asset->density(), asset->specific_heat(),
+                               asset->thermal_conductivity(), asset->emissivity()}) {
+      number(value);
+    }
+  }
+
+  void asset(const plain_asset* asset, bool thermal) {
+    if (asset == nullptr) return;
+    id(asset->id);
+    for (const plain_text text : {asset->name, asset->description, asset->subclass}) {
+      digest_.add(text);
+    }
+    tags(asset->tags);
+    if (thermal) digest_.add(asset->source);
+    for (const double value : {asset->density, asset->specific_heat, asset->thermal_conductivity}) {
+      number(value);
+    }
+    if (thermal) number(asset->emissivity);
+  }
+
   template <class Owner>
   void tags(const veldra::Tagged<Owner>& owner) {
     for (const auto& tag : owner.tags()) named(tag);
@@ -122,6 +167,8 @@ class Objects {
     pattern(material.cut_pattern(), material.cut_pattern_color());
     digest_.add(static_cast<std::uint64_t>(material.function()));
     digest_.add(std::uint64_t{material.allow_custom_thickness()});
+    asset(material.structuralAsset());
+    asset(material.thermalAsset());
     tags(material);
     for (const double thickness : material.thicknesses()) digest_.add(thickness);
     values(material);
@@ -145,6 +192,8 @@ class Objects {
     pattern(material.cut_pattern);
     digest_.add(static_cast<std::uint64_t>(material.function));
     digest_.add(static_cast<std::uint64_t>(material.allow_custom_thickness));
+    asset(material.structural, false);
+    asset(material.thermal, true);
     tags(material.tags);
     for (std::size_t i = 0; i != material.thicknesses.size; ++i) {
       digest_.add(material.thicknesses.items[i]);
@@ -193,7 +242,7 @@ class Objects {
     digest_.add(composition.variable_layer_max_thickness);
     tags(composition.tags);
     for (std::size_t i = 0; i != composition.layers.size; ++i) {
-      material(composition.layers.items[i].material);
+      material(*composition.layers.items[i].material);
       digest_.add(static_cast<std::uint64_t>(composition.layers.items[i].function));
       digest_.add(composition.layers.items[i].thickness);
     }
@@ -298,23 +347,27 @@ std::uint64_t digest_of_rows(const std::string& path) {
   return digest.value();
 }
 
+namespace {
+
+void add_material(void* sum, const plain_material* material) {
+  Digest digest;
+  Objects(digest, Ids::DoNotCount).material(*material);
+  static_cast<Sum*>(sum)->add(digest);
+}
+
+void add_composition(void* sum, const plain_composition* composition) {
+  Digest digest;
+  Objects(digest, Ids::DoNotCount).composition(*composition);
+  static_cast<Sum*>(sum)->add(digest);
+}
+
+}  // namespace
+
 std::uint64_t digest_of_objects(const std::string& path) {
-  plain_library* library = plain_open(path.c_str());
   Sum sum;
-  plain_materials materials = plain_all_materials(library);
-  for (std::size_t i = 0; i != materials.size; ++i) {
-    Digest digest;
-    Objects(digest, Ids::DoNotCount).material(materials.items[i]);
-    sum.add(digest);
-  }
-  plain_free_materials(&materials);
-  plain_compositions compositions = plain_all_compositions(library);
-  for (std::size_t i = 0; i != compositions.size; ++i) {
-    Digest digest;
-    Objects(digest, Ids::DoNotCount).composition(compositions.items[i]);
-    sum.add(digest);
-  }
-  plain_free_compositions(&compositions);
+  plain_library* library = plain_open(path.c_str());
+  plain_each_material(library, add_material, &sum);
+  plain_each_composition(library, add_composition, &sum);
   plain_close(library);
 
   const Rows rows(path);

@@ -93,6 +93,21 @@ Work create_file(Workshop& workshop) {
           [creating] { creating->prepare(); }};
 }
 
+/// The whole file, which is sound.
+Work check_file(Workshop& workshop) {
+  const auto library = open_veldra(workshop.sample().path());
+  const std::shared_ptr<plain_library> plain = open_plain(workshop.sample().path());
+  const auto add = [](Digest* digest, std::size_t findings) {
+    if (digest != nullptr) digest->add(std::uint64_t{findings});
+  };
+  return {[library, add](Digest* digest) {
+            std::vector<veldra::Library::Finding> findings;
+            library->check(findings);
+            add(digest, findings.size());
+          },
+          [plain, add](Digest* digest) { add(digest, plain_check(plain.get())); }};
+}
+
 }  // namespace
 
 std::vector<TimedWork> file_works() {
@@ -101,6 +116,8 @@ std::vector<TimedWork> file_works() {
        [](const Workshop&) { return unsigned{opened_files}; }, open_file},
       {"create_file", "making a new library and closing it", 1.5,
        [](const Workshop&) { return unsigned{created_files}; }, create_file},
+      {"check", "a check of the whole file; beside it, that of SQLite and of its foreign keys", 0,
+       [](const Workshop&) { return 1u; }, check_file, 3},
   };
 }
 

@@ -1,53 +1,34 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 //
-// Measures the library beside a plain SQLite program that does the same work (plain_sqlite.h).
-// Each line of the table that it prints is one of these works:
+// Measures the library beside plain SQLite programs that do the same work (plain_sqlite.h), and
+// beside what a program would use otherwise. Each line of the table that it prints is one work;
+// `--help` says what each of them measures.
 //
-// work                     measures
-// get_material_by_id       a material by its id, ids at random
-// get_material_by_name     a material by its name, names at random
-// get_composition_by_id    a composition by its id, ids at random
-// all_materials            a list of all materials, per material
-// all_materials_freed      the same with the freeing of the list
-// all_compositions         a list of all compositions, per composition
-// all_compositions_freed   the same with the freeing of the list
-// search_materials         a search that finds one material of 40, per search
-// id_set                   the materials of 100 ids, per query
-// count_materials          a count of all materials
-// count_compositions       a count of all compositions
-// count_by_type            a count of the compositions of two types
-// count_by_tags            a count of the materials with one of two tags
-// save_new_materials       new materials with all they refer to, in one transaction, per material
-// save_one_material        a new material in a transaction of its own
-// update_one_material      a changed material in a transaction of its own
-// open_file                opening and closing a current library
-// create_file              making a new library and closing it
-// remove_unused_tags       200 unused tags one by one, per tag
-// refused_removals         50 tags that are in use, per refusal
-// purge                    everything, of a tenth of the materials, per material and composition
-// copy_all                 a library into an empty one of the other unit, per material and
-//                          composition
-// memory_all_materials     bytes at most while all materials are read; beside it, of the materials
-//                          themselves
-// memory_all_compositions  the same for compositions
-// size_of_material         bytes of a material in a list of all
-// size_of_composition      bytes of a composition in a list of all
+// The sides of a work are:
 //
-// Times include freeing what was read, but for the lists of everything. Both sides work on files of
-// the same contents and take turns, a round each, so that what else the machine does meets both;
-// the figures are medians of the rounds. Before the first round that counts, both do the work once
-// and must have read the same values, or left the same rows. The syncs are the waits for the disk
-// per item of each side.
+// veldra      the library
+// statements  the plain program, object by object, with a statement for each reference
+// fewest      the plain program with the fewest statements; each object has copies of its own
+// shared      the same, where what several objects refer to is in memory once
+// otherwise   SQLiteCpp, one JSON document, or another work of the library to compare with
+//
+// Beside the time of each side stand how many times as much the library took, by how much the
+// rounds differ in that, and the same ratio of the processor times. Times include freeing what was
+// read, but for the lists of everything. All sides work on files of the same contents and take
+// turns, a round each, so that what else the machine does meets them all; the figures are medians
+// of the rounds. Before the first round that counts, each side does the work once and must have
+// read the same values, or left the same rows. The syncs are the waits for the disk per item, of
+// the library and of the plain program.
 
-#include "counters.hpp"
+#include "growth.hpp"
+#include "measuring.hpp"
+#include "otherwise.hpp"
 #include "table.hpp"
 #include "work.hpp"
 
 #include <stdlib.h>
-#include <time.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -67,7 +48,9 @@ struct Options {
   std::string filter;
   bool help = false;
   bool list = false;
+  bool large = false;
   bool copy_memory = false;
+  unsigned growth = 0;  ///< 0: not asked for
 };
 
 const char usage[] =
@@ -77,6 +60,8 @@ const char usage[] =
     "  --materials=N        size of the libraries (10000)\n"
     "  --rounds=N           rounds of each work (9; fewer for what takes long)\n"
     "  --folder=PATH        where the files are made (the folder for temporary files)\n"
+    "  --large              also what takes minutes\n"
+    "  --growth[=N]         how the ratios change up to N materials (1000000)\n"
     "  --copy-memory        measures only how much memory copying a library takes\n";
 
 /// The arguments are wrong, or nothing is to be measured.
@@ -116,8 +101,14 @@ Options parse(int count, char** arguments) {
       options.folder = value;
     } else if (value_of(argument, "--filter=", value)) {
       options.filter = value;
+    } else if (value_of(argument, "--growth=", value)) {
+      options.growth = number_of("--growth", value);
+    } else if (argument == "--growth") {
+      options.growth = 1'000'000;
     } else if (argument == "--copy-memory") {
       options.copy_memory = true;
+    } else if (argument == "--large") {
+      options.large = true;
     } else if (argument == "--list") {
       options.list = true;
     } else if (argument == "--help") {
@@ -147,86 +138,10 @@ class WorkFolder {
   std::string path_;
 };
 
-double median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
-double processor_time() {
-  timespec time{};
-  ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-}
-
-/// Has the C library put together what was freed so far, so that no side does it for the other.
-void settle_heap() {
-  volatile std::size_t large = 64 * 1024;
-  std::free(std::malloc(large));
-}
-
-/// What the rounds of one side took.
-struct Rounds {
-  std::vector<double> seconds;
-  std::vector<double> processor_seconds;
-  std::vector<double> syncs;
-
-  void measure(const Work::Side& side) {
-    settle_heap();
-    const unsigned long syncs_before = veldra_bench::syncs();
-    const double processor_start = processor_time();
-    const auto start = std::chrono::steady_clock::now();
-    side(nullptr);
-    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    seconds.push_back(taken.count());
-    processor_seconds.push_back(processor_time() - processor_start);
-    syncs.push_back(static_cast<double>(veldra_bench::syncs() - syncs_before));
-  }
-};
-
-bool both_do_the_same(const Work& work) {
-  Digest veldra;
-  Digest plain;
-  work.prepare();
-  work.veldra(&veldra);
-  work.plain(&plain);
-  return veldra.value() == plain.value();
-}
-
-Figures measure(const TimedWork& timed, const Options& options, Workshop& workshop) {
-  const Work work = timed.make(workshop);
-  if (!both_do_the_same(work)) throw std::runtime_error("the two sides did not do the same");
-  Rounds veldra;
-  Rounds plain;
-  bool plain_first = false;
-  for (int rounds = std::max(options.rounds / timed.rounds_divisor, 1); rounds != 0; --rounds) {
-    work.prepare();
-    if (plain_first) plain.measure(work.plain);
-    veldra.measure(work.veldra);
-    if (!plain_first) plain.measure(work.plain);
-    plain_first = !plain_first;
-  }
-  const double items = timed.items(workshop);
-  const double microseconds = 1e6 / items;
-  return {"us",
-          median(veldra.seconds) * microseconds,
-          median(plain.seconds) * microseconds,
-          median(veldra.seconds) / median(plain.seconds),
-          timed.target,
-          median(veldra.processor_seconds) / median(plain.processor_seconds),
-          median(veldra.syncs) / items,
-          median(plain.syncs) / items};
-}
-
-Figures measure(const MemoryWork& work, const Options&, Workshop& workshop) {
-  const Bytes bytes = work.measure(workshop);
-  return {"bytes", bytes.bytes, bytes.reference, bytes.bytes / bytes.reference, work.target};
-}
-
 std::vector<TimedWork> timed_works() {
   std::vector<TimedWork> works;
-  for (const auto& part :
-       {reading_works(), saving_works(), file_works(), removing_works(), copying_works()}) {
+  for (const auto& part : {reading_works(), list_works(), saving_works(), file_works(),
+                           removing_works(), copying_works(), document_works()}) {
     works.insert(works.end(), part.begin(), part.end());
   }
   return works;
@@ -247,16 +162,27 @@ struct Works {
   std::vector<MemoryWork> memory;
 };
 
-Works chosen_works(const std::string& filter) {
+/// Those that there are for the options, whatever their names.
+Works offered_works(const Options& options) {
+  Works works{timed_works(), memory_works()};
+  if (options.growth != 0) return {growing_works(works.timed), {}};
+  const auto left_out = [&options](const TimedWork& work) { return work.large && !options.large; };
+  works.timed.erase(std::remove_if(works.timed.begin(), works.timed.end(), left_out),
+                    works.timed.end());
+  return works;
+}
+
+Works chosen_works(const Options& options) {
   try {
-    const std::regex expression(filter, std::regex::extended);
-    Works works{chosen(timed_works(), expression), chosen(memory_works(), expression)};
+    const std::regex expression(options.filter, std::regex::extended);
+    const Works offered = offered_works(options);
+    Works works{chosen(offered.timed, expression), chosen(offered.memory, expression)};
     if (works.timed.empty() && works.memory.empty()) {
-      throw UsageError("no work has '" + filter + "' in its name");
+      throw UsageError("no work has '" + options.filter + "' in its name");
     }
     return works;
   } catch (const std::regex_error&) {
-    throw UsageError("'" + filter + "' is no regular expression");
+    throw UsageError("'" + options.filter + "' is no regular expression");
   }
 }
 
@@ -266,7 +192,7 @@ void measure_all(const std::vector<AnyWork>& works, const Options& options, Work
                  Table& table) {
   for (const AnyWork& work : works) {
     try {
-      table.add(work.name, measure(work, options, workshop));
+      table.add(work.name, measure(work, options.rounds, workshop), work.target);
     } catch (const std::exception& error) {
       table.add_failure(work.name, error.what());
     } catch (const veldra::Exception& error) {
@@ -275,25 +201,52 @@ void measure_all(const std::vector<AnyWork>& works, const Options& options, Work
   }
 }
 
+/// Which other side a target is about.
+char letter(Against against) {
+  switch (against) {
+    case Against::Fewest:
+      return 'f';
+    case Against::Otherwise:
+      return 'o';
+    case Against::Statements:
+      break;
+  }
+  return 's';
+}
+
 template <class AnyWork>
 void print_line(const AnyWork& work) {
   char target[16] = "";
-  if (work.target != 0) std::snprintf(target, sizeof target, "%.2f", work.target);
+  if (work.target.limit != 0) {
+    std::snprintf(target, sizeof target, "%.2f %c", work.target.limit, letter(work.target.against));
+  }
   std::printf("%-26s %-8s %s\n", work.name, target, work.measures);
 }
 
 void print_legend() {
+  std::printf("Targets: s against statements, f against fewest, o against otherwise.\n\n");
   std::printf("%-26s %-8s %s\n", "work", "target", "measures");
   for (const TimedWork& work : timed_works()) print_line(work);
   for (const MemoryWork& work : memory_works()) print_line(work);
 }
 
+/// What is missing where the benchmarks were built.
+void print_left_out() {
+  if (!has_sqlitecpp()) std::puts("\nBuilt without SQLiteCpp, which is left out.");
+  if (!has_json()) std::puts("\nBuilt without JSON for Modern C++, which is left out.");
+}
+
 int measure(const Options& options, const Works& works) {
   const WorkFolder folder(options.folder);
+  if (options.growth != 0) {
+    const Growth growth = {options.materials, options.growth, options.rounds};
+    return measure_growth(works.timed, growth, folder.path()) ? 0 : 1;
+  }
   Workshop workshop(folder.path(), options.materials);
   if (options.copy_memory) return copy_within_memory(workshop) ? 0 : 1;
 
   print_legend();
+  print_left_out();
   std::printf("\n%u materials, %d rounds\n\n", options.materials, options.rounds);
   Table table;
   measure_all(works.timed, options, workshop, table);
@@ -313,7 +266,7 @@ int main(int count, char** arguments) {
     std::fputs(usage, stdout);
     return 0;
   }
-  const Works works = chosen_works(options.filter);
+  const Works works = chosen_works(options);
   if (options.list) {
     print_names(works);
     return 0;

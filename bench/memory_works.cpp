@@ -12,7 +12,7 @@ using veldra::Material;
 
 /// What reading a list takes at most, and what the list itself takes.
 template <class T>
-Bytes peak_of_list(Workshop& workshop) {
+Memory peak_of_list(Workshop& workshop) {
   const auto library = open_veldra(workshop.sample().path());
   // The caches of the connection are filled first; they do not belong to the list.
   library->get<T>(1u);
@@ -21,6 +21,16 @@ Bytes peak_of_list(Workshop& workshop) {
   library->get(list);
   const auto count = static_cast<double>(list.size());
   return {static_cast<double>(heap.peak()) / count, static_cast<double>(heap.live()) / count};
+}
+
+/// Beside the most that there should be.
+Memory blocks_of_material(Workshop& workshop) {
+  const auto library = open_veldra(workshop.sample().path());
+  library->get<Material>(1u);  // as above
+  const CountedHeap heap;
+  std::vector<std::shared_ptr<Material>> list;
+  library->get(list);
+  return {static_cast<double>(heap.blocks()) / static_cast<double>(list.size()), 40};
 }
 
 template <class List, class Free>
@@ -44,7 +54,7 @@ double veldra_bytes(const Library& library) {
   return static_cast<double>(heap_bytes() - before) / static_cast<double>(list.size());
 }
 
-Bytes size_of_material(Workshop& workshop) {
+Memory size_of_material(Workshop& workshop) {
   const double ours = veldra_bytes<Material>(*open_veldra(workshop.sample().path()));
   const auto plain = open_plain(workshop.sample().path());
   plain_materials first = plain_all_materials(plain.get());
@@ -53,7 +63,7 @@ Bytes size_of_material(Workshop& workshop) {
   return {ours, plain_bytes(plain_all_materials(plain.get()), before, plain_free_materials)};
 }
 
-Bytes size_of_composition(Workshop& workshop) {
+Memory size_of_composition(Workshop& workshop) {
   const double ours = veldra_bytes<Composition>(*open_veldra(workshop.sample().path()));
   const auto plain = open_plain(workshop.sample().path());
   plain_compositions first = plain_all_compositions(plain.get());
@@ -72,6 +82,8 @@ std::vector<MemoryWork> memory_works() {
       {"memory_all_compositions",
        "bytes at most while all compositions are read; beside it, of the compositions themselves",
        1.5, peak_of_list<Composition>},
+      {"blocks_of_material", "blocks of a material in a list of all; beside it, their target", 1,
+       blocks_of_material, "count"},
       {"size_of_material", "bytes of a material in a list of all", 0, size_of_material},
       {"size_of_composition", "bytes of a composition in a list of all", 0, size_of_composition},
   };

@@ -8,9 +8,17 @@
 
 /* The columns of a table behind its id, for the texts of its statements. */
 #define MATERIAL_COLUMNS(COLUMN) COLUMN(Material, name) FURTHER_MATERIAL_COLUMNS(COLUMN)
-#define FURTHER_MATERIAL_COLUMNS(COLUMN)        \
-  COLUMN(Material, description)                 \
-  COLUMN(Material, type)                        \
+#define FURTHER_MATERIAL_COLUMNS(COLUMN) \
+  COLUMN(Material, description)          \
+  COLUMN(Material, type)                 \
+  VALUE_MATERIAL_COLUMNS(COLUMN)         \
+  COLUMN(Material, cut_layer)            \
+  COLUMN(Material, appearance)           \
+  COLUMN(Material, structural_id)        \
+  COLUMN(Material, thermal_id)           \
+  COLUMN(Material, function)             \
+  COLUMN(Material, allow_custom_thickness)
+#define VALUE_MATERIAL_COLUMNS(COLUMN)          \
   COLUMN(Material, comments)                    \
   COLUMN(Material, code)                        \
   COLUMN(Material, cost)                        \
@@ -45,13 +53,7 @@
   COLUMN(Material, cut_pattern_color_red)       \
   COLUMN(Material, cut_pattern_color_green)     \
   COLUMN(Material, cut_pattern_color_blue)      \
-  COLUMN(Material, cut_pattern_color_alpha)     \
-  COLUMN(Material, cut_layer)                   \
-  COLUMN(Material, appearance)                  \
-  COLUMN(Material, structural_id)               \
-  COLUMN(Material, thermal_id)                  \
-  COLUMN(Material, function)                    \
-  COLUMN(Material, allow_custom_thickness)
+  COLUMN(Material, cut_pattern_color_alpha)
 
 #define COMPOSITION_COLUMNS(COLUMN)                 \
   COLUMN(Composition, name)                         \
@@ -81,6 +83,9 @@ typedef enum {
   FIND_PROPERTY,
   FIND_LAYER,
   FIND_TYPE,
+  FIND_STRUCTURAL,
+  FIND_THERMAL,
+  FIND_ASSET_TAGS,
   FIND_MATERIAL,
   FIND_MATERIAL_TAGS,
   FIND_THICKNESSES,
@@ -99,10 +104,40 @@ typedef enum {
   TAG_IDS,
   SEARCH_MATERIALS,
   MATERIAL_ID_SET,
+  TAGGED_MATERIALS,
   COUNT_MATERIALS,
   COUNT_COMPOSITIONS,
   COUNT_COMPOSITIONS_OF,
   COUNT_MATERIALS_WITH,
+  LEAN_COUNT_MATERIALS,
+  LEAN_COUNT_COMPOSITIONS,
+  LEAN_COUNT_COMPOSITIONS_OF,
+  LEAN_COUNT_MATERIALS_WITH,
+
+  ALL_TAGS,
+  ALL_PROPERTIES,
+  ALL_LAYERS,
+  ALL_TYPES,
+  ALL_STRUCTURAL,
+  ALL_THERMAL,
+  ALL_ASSET_TAGS,
+  /* Whole tables, and in the same order the parts of them that belong to some ids. */
+  ALL_MATERIALS,
+  ALL_MATERIAL_TAGS,
+  ALL_THICKNESSES,
+  ALL_MATERIAL_VALUES,
+  ALL_COMPOSITIONS,
+  ALL_COMPOSITION_TAGS,
+  ALL_LAYER_ROWS,
+  ALL_COMPOSITION_VALUES,
+  SOME_MATERIALS,
+  SOME_MATERIAL_TAGS,
+  SOME_THICKNESSES,
+  SOME_MATERIAL_VALUES,
+  SOME_COMPOSITIONS,
+  SOME_COMPOSITION_TAGS,
+  SOME_LAYER_ROWS,
+  SOME_COMPOSITION_VALUES,
 
   INSERT_TAG,
   INSERT_PROPERTY,
@@ -132,6 +167,10 @@ typedef enum {
   DELETE_COMPOSITION_VALUES,
 
   TYPE_ID_BY_NAME,
+
+  UNREFERENCED_MATERIALS,
+  UNREFERENCED_TAGS,
+  REFERRERS_OF_MATERIAL,
 
   STATEMENTS
 } statement_id;
@@ -163,10 +202,49 @@ void run(plain_library* library, sqlite3_stmt* statement);
 
 void bind_text(plain_library* library, sqlite3_stmt* statement, int place, const uint16_t* text);
 
+unsigned inserted_id(plain_library* library);
+
 void* grown(void* items, size_t size, size_t* room, size_t item_bytes);
 /* The place behind the last item of a list, which becomes its last. */
 #define APPEND(list)                                                                          \
   ((list)->items = grown((list)->items, (list)->size, &(list)->room, sizeof(*(list)->items)), \
    &(list)->items[(list)->size++])
+
+/* plain_rows.c: what is in a row. Of what it refers to only the ids are filled in. */
+
+unsigned id_at(sqlite3_stmt* row, int column);
+plain_text text_at(sqlite3_stmt* row, int column);
+plain_named named_of(sqlite3_stmt* row);
+plain_property property_of(sqlite3_stmt* row);
+void fill_asset(sqlite3_stmt* row, plain_asset* asset);
+void fill_material(sqlite3_stmt* row, plain_material* material);
+void fill_composition(sqlite3_stmt* row, plain_composition* composition);
+
+/* plain_values.c */
+
+/* Items of zeros. */
+void* allocated(size_t count, size_t item_bytes);
+plain_text copied_text(const uint16_t* text);
+plain_asset* copied_asset(const plain_asset* asset);
+void copy_material(const plain_material* material, plain_material* copy);
+/* What belongs to an object, which itself stays. */
+void free_asset_values(plain_asset* asset, plain_sharing sharing);
+void free_material_values(plain_material* material, plain_sharing sharing);
+void free_composition_values(plain_composition* composition, plain_sharing sharing);
+
+/* plain_read.c */
+
+/* Within the transaction of the caller; whether there is one of that id. */
+int read_material(plain_library* library, unsigned id, plain_material* material);
+/* Its id; 0 if there is none. */
+unsigned material_of_name(plain_library* library, const uint16_t* name);
+/* The ids that a query gives, and queries with their parameters. */
+plain_ids read_ids(plain_library* library, sqlite3_stmt* query);
+sqlite3_stmt* searching(plain_library* library, const uint16_t* pattern);
+sqlite3_stmt* selecting_ids(plain_library* library, const unsigned* ids);
+sqlite3_stmt* selecting_tagged(plain_library* library, const uint16_t* const* tags);
+
+/* plain_remove.c: the rows that go with an object. */
+void delete_side_rows(plain_library* library, plain_kind kind, unsigned id);
 
 #endif

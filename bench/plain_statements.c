@@ -26,6 +26,24 @@
   "INSERT INTO \"" table "\" (\"object_id\", \"index\", \"tag_id\") VALUES (?, ?, ?)"
 #define INSERT_VALUES(table) \
   "INSERT INTO \"" table "\" (\"object_id\", \"property_id\", \"value\") VALUES (?, ?, ?)"
+#define ASSET_COLUMNS(table, source, emissivity)                                         \
+  "SELECT \"" table "\".\"id\", \"Asset\".\"name\", \"Asset\".\"description\", \"" table \
+  "\".\"subclass\", " source ", \"" table "\".\"density\", " emissivity ", \"" table     \
+  "\".\"specific_heat\", \"" table "\".\"thermal_conductivity\" FROM \"" table           \
+  "\" JOIN \"Asset\" ON \"Asset\".\"id\"=\"" table "\".\"id\""
+#define STRUCTURAL_COLUMNS ASSET_COLUMNS("StructuralAsset", "''", "NULL")
+#define THERMAL_COLUMNS ASSET_COLUMNS("ThermalAsset", "\"source\"", "\"emissivity\"")
+#define NOT_AMONG(column, table) " NOT IN (SELECT \"" column "\" FROM \"" table "\")"
+#define ALL_NAMED(table) "SELECT \"id\", \"name\" FROM \"" table "\""
+#define OF_SOME(column) " WHERE \"" column "\" IN (SELECT \"value\" FROM json_each(?))"
+#define ALL_OF_MATERIALS "SELECT \"id\"" MATERIAL_COLUMNS(INSERTED) " FROM \"Material\""
+#define ALL_OF_COMPOSITIONS "SELECT \"id\"" COMPOSITION_COLUMNS(INSERTED) " FROM \"Composition\""
+#define TAG_ROWS(table) "SELECT \"object_id\", \"index\", \"tag_id\" FROM \"" table "\""
+#define THICKNESS_ROWS "SELECT \"object_id\", \"value\" FROM \"Material_thicknesses\""
+#define VALUE_ROWS(table) "SELECT \"object_id\", \"property_id\", \"value\" FROM \"" table "\""
+#define LAYER_ROWS                                                              \
+  "SELECT \"object_id\", \"index\", \"value_material_id\", \"value_function\"," \
+  " \"value_thickness\" FROM \"Composition_layers\""
 #define DELETE_ROW(table) "DELETE FROM \"" table "\" WHERE \"id\"=?"
 #define DELETE_SIDE(table) "DELETE FROM \"" table "\" WHERE \"object_id\"=?"
 
@@ -42,6 +60,9 @@ static const char* const texts[STATEMENTS] = {
         " WHERE \"CustomProperty\".\"id\"=?",
     [FIND_LAYER] = FIND_NAMED("Layer"),
     [FIND_TYPE] = FIND_NAMED("MaterialType"),
+    [FIND_STRUCTURAL] = STRUCTURAL_COLUMNS " WHERE \"StructuralAsset\".\"id\"=?",
+    [FIND_THERMAL] = THERMAL_COLUMNS " WHERE \"ThermalAsset\".\"id\"=?",
+    [FIND_ASSET_TAGS] = FIND_TAGS("Asset_tags"),
     [FIND_MATERIAL] = "SELECT \"Material\".\"id\"" MATERIAL_COLUMNS(
         SELECTED) " FROM \"Material\" WHERE \"Material\".\"id\"=?",
     [FIND_MATERIAL_TAGS] = FIND_TAGS("Material_tags"),
@@ -70,6 +91,8 @@ static const char* const texts[STATEMENTS] = {
     [MATERIAL_ID_SET] = IDS("Material") " WHERE \"Material\".\"id\" IN ("  //
     TEN_PLACES TEN_PLACES_MORE TEN_PLACES_MORE TEN_PLACES_MORE TEN_PLACES_MORE TEN_PLACES_MORE
         TEN_PLACES_MORE TEN_PLACES_MORE TEN_PLACES_MORE TEN_PLACES_MORE ")",
+    [TAGGED_MATERIALS] = "SELECT DISTINCT \"Object\".\"id\"" FROM_TAGGED_MATERIALS
+                         " WHERE \"Tag\".\"name\" IN (" TEN_PLACES ")",
     [COUNT_MATERIALS] = "SELECT count(\"Material\".\"id\") FROM \"Material\"",
     [COUNT_COMPOSITIONS] = "SELECT count(\"Composition\".\"id\") FROM \"Composition\"",
     [COUNT_COMPOSITIONS_OF] =
@@ -77,6 +100,37 @@ static const char* const texts[STATEMENTS] = {
         " WHERE (\"Composition\".\"type\"=?) OR (\"Composition\".\"type\"=?)",
     [COUNT_MATERIALS_WITH] = "SELECT count(DISTINCT \"Object\".\"id\")" FROM_TAGGED_MATERIALS
                              " WHERE \"Tag\".\"name\" IN (?,?)",
+    [LEAN_COUNT_MATERIALS] = "SELECT count(*) FROM \"Material\"",
+    [LEAN_COUNT_COMPOSITIONS] = "SELECT count(*) FROM \"Composition\"",
+    [LEAN_COUNT_COMPOSITIONS_OF] =
+        "SELECT count(*) FROM \"Composition\" WHERE \"type\"=? OR \"type\"=?",
+    [LEAN_COUNT_MATERIALS_WITH] =
+        "SELECT count(DISTINCT \"object_id\") FROM \"Material_tags\""
+        " WHERE \"tag_id\" IN (SELECT \"id\" FROM \"Tag\" WHERE \"name\" IN (?,?))",
+
+    [ALL_TAGS] = ALL_NAMED("Tag"),
+    [ALL_PROPERTIES] = "SELECT \"id\", \"name\", \"object_type\" FROM \"CustomProperty\"",
+    [ALL_LAYERS] = ALL_NAMED("Layer"),
+    [ALL_TYPES] = ALL_NAMED("MaterialType"),
+    [ALL_STRUCTURAL] = STRUCTURAL_COLUMNS,
+    [ALL_THERMAL] = THERMAL_COLUMNS,
+    [ALL_ASSET_TAGS] = TAG_ROWS("Asset_tags"),
+    [ALL_MATERIALS] = ALL_OF_MATERIALS,
+    [ALL_MATERIAL_TAGS] = TAG_ROWS("Material_tags"),
+    [ALL_THICKNESSES] = THICKNESS_ROWS,
+    [ALL_MATERIAL_VALUES] = VALUE_ROWS("Material_custom_values"),
+    [ALL_COMPOSITIONS] = ALL_OF_COMPOSITIONS,
+    [ALL_COMPOSITION_TAGS] = TAG_ROWS("Composition_tags"),
+    [ALL_LAYER_ROWS] = LAYER_ROWS,
+    [ALL_COMPOSITION_VALUES] = VALUE_ROWS("Composition_custom_values"),
+    [SOME_MATERIALS] = ALL_OF_MATERIALS OF_SOME("id"),
+    [SOME_MATERIAL_TAGS] = TAG_ROWS("Material_tags") OF_SOME("object_id"),
+    [SOME_THICKNESSES] = THICKNESS_ROWS OF_SOME("object_id"),
+    [SOME_MATERIAL_VALUES] = VALUE_ROWS("Material_custom_values") OF_SOME("object_id"),
+    [SOME_COMPOSITIONS] = ALL_OF_COMPOSITIONS OF_SOME("id"),
+    [SOME_COMPOSITION_TAGS] = TAG_ROWS("Composition_tags") OF_SOME("object_id"),
+    [SOME_LAYER_ROWS] = LAYER_ROWS OF_SOME("object_id"),
+    [SOME_COMPOSITION_VALUES] = VALUE_ROWS("Composition_custom_values") OF_SOME("object_id"),
 
     [INSERT_TAG] = INSERT_NAMED("Tag"),
     [INSERT_PROPERTY] =
@@ -113,6 +167,14 @@ static const char* const texts[STATEMENTS] = {
     [DELETE_COMPOSITION_VALUES] = DELETE_SIDE("Composition_custom_values"),
 
     [TYPE_ID_BY_NAME] = IDS("MaterialType") " WHERE \"MaterialType\".\"name\"=?",
+
+    [UNREFERENCED_MATERIALS] =
+        IDS("Material") " WHERE \"id\"" NOT_AMONG("value_material_id", "Composition_layers"),
+    [UNREFERENCED_TAGS] =
+        IDS("Tag") " WHERE \"id\"" NOT_AMONG("tag_id", "Material_tags") " AND \"id\"" NOT_AMONG(
+            "tag_id", "Composition_tags") " AND \"id\"" NOT_AMONG("tag_id", "Asset_tags"),
+    [REFERRERS_OF_MATERIAL] =
+        "SELECT DISTINCT \"object_id\" FROM \"Composition_layers\" WHERE \"value_material_id\"=?",
 };
 
 void fail(const char* what) {
@@ -157,6 +219,10 @@ void bind_text(plain_library* library, sqlite3_stmt* statement, int place, const
   const size_t bytes = plain_encode(text, utf8);
   library->texts_used += bytes;
   check(library, sqlite3_bind_text(statement, place, utf8, (int)bytes, SQLITE_STATIC));
+}
+
+unsigned inserted_id(plain_library* library) {
+  return (unsigned)sqlite3_last_insert_rowid(library->database);
 }
 
 void* grown(void* items, size_t size, size_t* room, size_t item_bytes) {

@@ -28,10 +28,6 @@ void plain_free_maps(plain_maps* maps) {
   memset(maps, 0, sizeof *maps);
 }
 
-static unsigned inserted_id(plain_library* library) {
-  return (unsigned)sqlite3_last_insert_rowid(library->database);
-}
-
 /* The places of a statement from the left to the right. */
 typedef struct {
   plain_library* library;
@@ -216,7 +212,7 @@ static void insert_layer_rows(plain_library* library, unsigned owner, const plai
     places at = places_of(library, INSERT_COMPOSITION_LAYER);
     put_int(&at, owner);
     put_int(&at, (long long)i);
-    put_int(&at, plain_mapped(map, layer->material.id));
+    put_int(&at, plain_mapped(map, layer->material->id));
     put_int(&at, layer->function);
     put_real(&at, layer->thickness);
     run(library, at.statement);
@@ -230,7 +226,7 @@ unsigned plain_insert_composition(plain_library* library, const plain_compositio
   const unsigned entity_layer =
       insert_named(library, INSERT_LAYER, &composition->entity_layer, &maps->layers);
   for (size_t i = 0; i != composition->layers.size; ++i) {
-    plain_insert_material(library, &composition->layers.items[i].material, maps);
+    plain_insert_material(library, composition->layers.items[i].material, maps);
   }
 
   places at = places_of(library, INSERT_COMPOSITION);
@@ -280,259 +276,51 @@ unsigned plain_save_material(plain_library* library, const plain_material* mater
   return row;
 }
 
-static void delete_rows(plain_library* library, statement_id remove, unsigned id) {
-  run(library, statement_for(library, remove, id));
-}
-
-void plain_update_material(plain_library* library, const plain_material* material,
-                           plain_maps* maps) {
-  const unsigned row = plain_mapped(&maps->materials, material->id);
-  plain_begin_write(library);
+/* Rewrites a material's row and side tables. */
+static void update_material(plain_library* library, unsigned row, const plain_material* material,
+                            const plain_maps* maps) {
   places at = places_of(library, UPDATE_MATERIAL);
   put_material(&at, material, plain_mapped(&maps->types, material->type.id),
                plain_mapped(&maps->layers, material->cut_layer.id));
   put_int(&at, row);
   run(library, at.statement);
-  delete_rows(library, DELETE_MATERIAL_TAGS, row);
-  delete_rows(library, DELETE_THICKNESSES, row);
-  delete_rows(library, DELETE_MATERIAL_VALUES, row);
+  delete_side_rows(library, PLAIN_MATERIAL, row);
   insert_material_side_rows(library, row, material, maps);
-  plain_commit(library);
 }
 
-/* Copying a table: what its rows hold besides plain values. Columns count from 0; -1: none. */
-typedef struct {
-  const char* select;
-  statement_id insert;
-  int has_id;
-  const plain_map* references[4];
-  int reference_columns[4];
-  int lengths[2];
-} table_copy;
-
-static void bind_row(plain_library* destination, sqlite3_stmt* insert, sqlite3_stmt* row,
-                     const table_copy* copy, double factor) {
-  const int count = sqlite3_column_count(row);
-  for (int i = copy->has_id; i != count; ++i) {
-    check(destination, sqlite3_bind_value(insert, i + 1, sqlite3_column_value(row, i)));
-  }
-  for (int i = 0; i != 4 && copy->references[i] != NULL; ++i) {
-    const int column = copy->reference_columns[i];
-    if (sqlite3_column_type(row, column) == SQLITE_NULL) continue;
-    const unsigned id = (unsigned)sqlite3_column_int64(row, column);
-    const unsigned mapped = plain_mapped(copy->references[i], id);
-    check(destination, sqlite3_bind_int64(insert, column + 1, mapped));
-  }
-  for (int i = 0; i != 2; ++i) {
-    const int column = copy->lengths[i];
-    if (column < 0 || sqlite3_column_type(row, column) == SQLITE_NULL) continue;
-    const double length = sqlite3_column_double(row, column) * factor;
-    check(destination, sqlite3_bind_double(insert, column + 1, length));
-  }
-}
-
-static void copy_table(plain_library* destination, plain_library* source, const table_copy* copy,
-                       plain_map* map, double factor) {
-  sqlite3_stmt* rows = NULL;
-  check(source, sqlite3_prepare_v2(source->database, copy->select, -1, &rows, NULL));
-  sqlite3_stmt* insert = statement(destination, copy->insert);
-  if (copy->has_id) check(destination, sqlite3_bind_null(insert, 1));
-  while (next_row(source, rows)) {
-    bind_row(destination, insert, rows, copy, factor);
-    run(destination, insert);
-    if (map != NULL) {
-      plain_enter(map, (unsigned)sqlite3_column_int64(rows, 0), inserted_id(destination));
-    }
-  }
-  sqlite3_finalize(rows);
-}
-
-static unsigned type_of_name(plain_library* library, sqlite3_stmt* row) {
-  sqlite3_stmt* query = statement(library, TYPE_ID_BY_NAME);
-  check(library, sqlite3_bind_value(query, 1, sqlite3_column_value(row, 1)));
-  if (!next_row(library, query)) return 0;
-  const unsigned id = (unsigned)sqlite3_column_int64(query, 0);
-  sqlite3_reset(query);
-  return id;
-}
-
-/* The destination has types already, and those of the same name stand for the source's. */
-static void copy_types(plain_library* destination, plain_library* source, plain_map* map) {
-  sqlite3_stmt* rows = NULL;
-  check(source,
-        sqlite3_prepare_v2(source->database, "SELECT \"id\", \"name\" FROM \"MaterialType\"", -1,
-                           &rows, NULL));
-  while (next_row(source, rows)) {
-    unsigned id = type_of_name(destination, rows);
-    if (id == 0) {
-      sqlite3_stmt* insert = statement(destination, INSERT_TYPE);
-      check(destination, sqlite3_bind_value(insert, 2, sqlite3_column_value(rows, 1)));
-      run(destination, insert);
-      id = inserted_id(destination);
-    }
-    plain_enter(map, (unsigned)sqlite3_column_int64(rows, 0), id);
-  }
-  sqlite3_finalize(rows);
-}
-
-static void copy_materials(plain_library* destination, plain_library* source, plain_maps* maps,
-                           double factor) {
-  const table_copy materials = {"SELECT \"id\"" MATERIAL_COLUMNS(INSERTED) " FROM \"Material\"",
-                                INSERT_MATERIAL,
-                                1,
-                                {&maps->types, &maps->layers},
-                                {3, 39},
-                                {-1, -1}};
-  const table_copy tags = {"SELECT \"object_id\", \"index\", \"tag_id\" FROM \"Material_tags\"",
-                           INSERT_MATERIAL_TAG,
-                           0,
-                           {&maps->materials, &maps->tags},
-                           {0, 2},
-                           {-1, -1}};
-  const table_copy thicknesses = {"SELECT \"object_id\", \"value\" FROM \"Material_thicknesses\"",
-                                  INSERT_THICKNESS,
-                                  0,
-                                  {&maps->materials},
-                                  {0},
-                                  {1, -1}};
-  const table_copy values = {
-      "SELECT \"object_id\", \"property_id\", \"value\" FROM \"Material_custom_values\"",
-      INSERT_MATERIAL_VALUE,
-      0,
-      {&maps->materials, &maps->properties},
-      {0, 1},
-      {-1, -1}};
-  copy_table(destination, source, &materials, &maps->materials, factor);
-  copy_table(destination, source, &tags, NULL, factor);
-  copy_table(destination, source, &thicknesses, NULL, factor);
-  copy_table(destination, source, &values, NULL, factor);
-}
-
-static void copy_compositions(plain_library* destination, plain_library* source, plain_maps* maps,
-                              double factor) {
-  plain_map ids = {NULL, 0};
-  const table_copy compositions = {
-      "SELECT \"id\"" COMPOSITION_COLUMNS(INSERTED) " FROM \"Composition\"",
-      INSERT_COMPOSITION,
-      1,
-      {&maps->layers},
-      {4},
-      {10, 11}};
-  const table_copy tags = {"SELECT \"object_id\", \"index\", \"tag_id\" FROM \"Composition_tags\"",
-                           INSERT_COMPOSITION_TAG,
-                           0,
-                           {&ids, &maps->tags},
-                           {0, 2},
-                           {-1, -1}};
-  const table_copy layers = {
-      "SELECT \"object_id\", \"index\", \"value_material_id\", \"value_function\","
-      " \"value_thickness\" FROM \"Composition_layers\"",
-      INSERT_COMPOSITION_LAYER,
-      0,
-      {&ids, &maps->materials},
-      {0, 2},
-      {4, -1}};
-  const table_copy values = {
-      "SELECT \"object_id\", \"property_id\", \"value\" FROM \"Composition_custom_values\"",
-      INSERT_COMPOSITION_VALUE,
-      0,
-      {&ids, &maps->properties},
-      {0, 1},
-      {-1, -1}};
-  copy_table(destination, source, &compositions, &ids, factor);
-  copy_table(destination, source, &tags, NULL, factor);
-  copy_table(destination, source, &layers, NULL, factor);
-  copy_table(destination, source, &values, NULL, factor);
-  free(ids.ids);
-}
-
-void plain_copy_all(plain_library* destination, plain_library* source, double factor) {
-  static const table_copy tags = {
-      "SELECT \"id\", \"name\" FROM \"Tag\"", INSERT_TAG, 1, {NULL}, {0}, {-1, -1}};
-  static const table_copy layers = {
-      "SELECT \"id\", \"name\" FROM \"Layer\"", INSERT_LAYER, 1, {NULL}, {0}, {-1, -1}};
-  static const table_copy properties = {
-      "SELECT \"id\", \"name\", \"object_type\" FROM \"CustomProperty\"",
-      INSERT_PROPERTY,
-      1,
-      {NULL},
-      {0},
-      {-1, -1}};
-  plain_maps maps;
-  memset(&maps, 0, sizeof maps);
-  plain_begin(source);
-  plain_begin_write(destination);
-  copy_table(destination, source, &tags, &maps.tags, factor);
-  copy_table(destination, source, &layers, &maps.layers, factor);
-  copy_table(destination, source, &properties, &maps.properties, factor);
-  copy_types(destination, source, &maps.types);
-  copy_materials(destination, source, &maps, factor);
-  copy_compositions(destination, source, &maps, factor);
-  plain_commit(destination);
-  plain_commit(source);
-  plain_free_maps(&maps);
-}
-
-static void delete_side_rows(plain_library* library, plain_kind kind, unsigned id) {
-  if (kind == PLAIN_MATERIAL) {
-    delete_rows(library, DELETE_MATERIAL_TAGS, id);
-    delete_rows(library, DELETE_THICKNESSES, id);
-    delete_rows(library, DELETE_MATERIAL_VALUES, id);
-  } else if (kind == PLAIN_COMPOSITION) {
-    delete_rows(library, DELETE_COMPOSITION_TAGS, id);
-    delete_rows(library, DELETE_LAYERS, id);
-    delete_rows(library, DELETE_COMPOSITION_VALUES, id);
-  }
-}
-
-/* Whether the commit went through; it does not when rows still refer to what was deleted. */
-static int committed(plain_library* library) {
-  sqlite3_stmt* commit = statement(library, COMMIT);
-  const int result = sqlite3_step(commit);
-  sqlite3_reset(commit);
-  if (result == SQLITE_DONE) return 1;
-  if ((result & 0xFF) != SQLITE_CONSTRAINT) fail(sqlite3_errmsg(library->database));
-  plain_rollback(library);
-  return 0;
-}
-
-int plain_remove(plain_library* library, plain_kind kind, unsigned id) {
-  static const statement_id deletes[PLAIN_KINDS] = {
-      DELETE_COMPOSITION, DELETE_MATERIAL, DELETE_TYPE, DELETE_LAYER, DELETE_PROPERTY, DELETE_TAG};
+void plain_update_material(plain_library* library, const plain_material* material,
+                           plain_maps* maps) {
   plain_begin_write(library);
-  delete_side_rows(library, kind, id);
-  delete_rows(library, deletes[kind], id);
-  return committed(library);
-}
-
-static int ascending(const void* left, const void* right) {
-  const unsigned a = *(const unsigned*)left, b = *(const unsigned*)right;
-  return (a > b) - (a < b);
-}
-
-static plain_ids sorted_ids(plain_library* library, statement_id id) {
-  plain_ids ids = {NULL, 0, 0};
-  sqlite3_stmt* query = statement(library, id);
-  plain_begin(library);
-  while (next_row(library, query)) {
-    unsigned* next = APPEND(&ids);
-    *next = (unsigned)sqlite3_column_int64(query, 0);
-  }
+  update_material(library, plain_mapped(&maps->materials, material->id), material, maps);
   plain_commit(library);
-  if (ids.size != 0) qsort(ids.items, ids.size, sizeof *ids.items, ascending);
-  return ids;
 }
 
-size_t plain_purge(plain_library* library) {
-  static const statement_id queries[PLAIN_KINDS] = {COMPOSITION_IDS, MATERIAL_IDS, TYPE_IDS,
-                                                    LAYER_IDS,       PROPERTY_IDS, TAG_IDS};
-  size_t removed = 0;
-  for (int kind = 0; kind != PLAIN_KINDS; ++kind) {
-    plain_ids ids = sorted_ids(library, queries[kind]);
-    for (size_t i = 0; i != ids.size; ++i) {
-      removed += (size_t)plain_remove(library, (plain_kind)kind, ids.items[i]);
-    }
-    free(ids.items);
+static void read_and_forget(plain_library* library, unsigned row) {
+  plain_material stored;
+  if (!read_material(library, row, &stored)) fail("no such material");
+  plain_free_material(&stored);
+}
+
+/* Lets a stored material stand for one of the same name, if there is one. */
+static void settle_name(plain_library* library, const plain_material* material, plain_maps* maps,
+                        plain_decision decision) {
+  const unsigned row = material_of_name(library, material->name);
+  if (row == 0) return;
+  if (decision == PLAIN_OVERWRITE) {
+    update_material(library, row, material, maps);
+  } else {
+    read_and_forget(library, row);
   }
-  return removed;
+  plain_enter(&maps->materials, material->id, row);
+}
+
+unsigned plain_save_taken(plain_library* library, const plain_composition* composition,
+                          plain_maps* maps, plain_decision decision) {
+  plain_begin_write(library);
+  for (size_t i = 0; i != composition->layers.size; ++i) {
+    settle_name(library, composition->layers.items[i].material, maps, decision);
+  }
+  const unsigned row = plain_insert_composition(library, composition, maps);
+  plain_commit(library);
+  return row;
 }

@@ -90,6 +90,40 @@ plain_pattern pattern_of(unsigned number, const char* name) {
           color_of(number * 3)};
 }
 
+plain_material* allocated_material() {
+  return static_cast<plain_material*>(std::calloc(1, sizeof(plain_material)));
+}
+
+/// The material of a layer. Where a third is not used, every third one is left out.
+unsigned material_of_layer(const Shape& shape, unsigned composition, unsigned layer) {
+  if (!shape.a_third_unused) return (composition * 31 + layer * 977) % shape.materials + 1;
+  const unsigned used = shape.materials - shape.materials / 3;
+  const unsigned place = (composition * sample_composition_layers + layer) % used;
+  return place / 2 * 3 + place % 2 + 1;
+}
+
+void insert_assets(plain_library* library) {
+  for (unsigned i = 1; i <= 2 * sample_assets; ++i) {
+    const bool structural = i <= sample_assets;
+    plain_execute(library, format("INSERT INTO Asset VALUES (%u, 'veldra::%s', 'Asset %u',"
+                                  " 'Values of series %u')",
+                                  i, structural ? "StructuralAsset" : "ThermalAsset", i, i % 7)
+                               .c_str());
+    plain_execute(library,
+                  format(structural ? "INSERT INTO StructuralAsset VALUES (%u, 'Concrete', %u, 900,"
+                                      " NULL)"
+                                    : "INSERT INTO ThermalAsset VALUES (%u, 'Solid', 'Tables', %u,"
+                                      " 0.9, 1000, 2.1)",
+                         i, 2000 + i)
+                      .c_str());
+  }
+}
+
+void add_assets(plain_material& material) {
+  material.structural_id = material.id % sample_assets + 1;
+  material.thermal_id = material.id % sample_assets + 1 + sample_assets;
+}
+
 plain_map clone(const plain_map& map) {
   plain_map copy = {nullptr, map.size};
   if (map.size == 0) return copy;
@@ -159,7 +193,13 @@ plain_material sample_material(unsigned number) {
   return material;
 }
 
-plain_composition sample_composition(unsigned number, unsigned materials) {
+plain_material* new_sample_material(unsigned number) {
+  plain_material* material = allocated_material();
+  *material = sample_material(number);
+  return material;
+}
+
+plain_composition sample_composition(unsigned number, const Shape& shape) {
   plain_composition composition{};
   composition.id = number;
   composition.name = text(format("Wall type %06u", number));
@@ -176,7 +216,8 @@ plain_composition sample_composition(unsigned number, unsigned materials) {
   composition.layers = allocated<plain_layers>(sample_composition_layers);
   for (unsigned i = 0; i != sample_composition_layers; ++i) {
     plain_composition_layer& layer = composition.layers.items[i];
-    layer.material.id = (number * 31 + i * 977) % materials + 1;
+    layer.material = allocated_material();
+    layer.material->id = material_of_layer(shape, number, i);
     layer.function = i == 2;
     layer.thickness = 0.5 * (i + 1);
   }
@@ -252,7 +293,7 @@ std::shared_ptr<veldra::Material> make_material(const plain_material& values,
   return material;
 }
 
-Sample::Sample(const std::string& path, unsigned materials) : path_(path), materials_(materials) {
+Sample::Sample(const std::string& path, const Shape& shape) : path_(path), shape_(shape) {
   veldra::Library::create(path.c_str(), veldra::Unit::Inches, "sample");
   maps_ = maps_of_new_library();
   plain_library* library = plain_open(path.c_str());
@@ -262,13 +303,15 @@ Sample::Sample(const std::string& path, unsigned materials) : path_(path), mater
 
 void Sample::fill(plain_library* library) {
   plain_begin_write(library);
+  if (shape_.assets) insert_assets(library);
   for (unsigned i = 1; i <= materials(); ++i) {
     plain_material material = sample_material(i);
+    if (shape_.assets) add_assets(material);
     plain_insert_material(library, &material, &maps_);
     plain_free_material(&material);
   }
   for (unsigned i = 1; i <= compositions(); ++i) {
-    plain_composition composition = sample_composition(i, materials());
+    plain_composition composition = sample_composition(i, shape_);
     plain_insert_composition(library, &composition, &maps_);
     plain_free_composition(&composition);
   }

@@ -20,6 +20,10 @@ class Workshop {
   /// The sample with all materials, and the one for works that would take too long on it.
   const Sample& sample();
   const Sample& small_sample();
+  /// All materials, each with two of a few assets.
+  const Sample& sample_with_assets();
+  /// That many materials of which a third is not used by the compositions, a quarter as many.
+  const Sample& partly_used_sample(unsigned materials);
 
   /// The path of a full sample that another process has made, so that this one has not used the
   /// memory for it.
@@ -39,49 +43,76 @@ class Workshop {
   unsigned materials_;
   std::unique_ptr<Sample> sample_;
   std::unique_ptr<Sample> small_sample_;
+  std::unique_ptr<Sample> sample_with_assets_;
+  std::unique_ptr<Sample> partly_used_sample_;
 };
 
-/// The same work done by the library and by the plain program. A digest, when there is one, is to
-/// get all that was read, or the state of the file that was written.
-struct Work {
-  using Side = std::function<void(Digest*)>;
+/// A way to do a work. A digest, when there is one, is to get all that was read, or the state of
+/// the file that was written.
+using Side = std::function<void(Digest*)>;
 
+/// What a program would use instead of the library, or another work to compare with.
+struct Otherwise {
+  const char* name = "";
+  Side side;
+  bool does_the_same = true;
+};
+
+/// A work done by the library, and in the other ways that there are.
+struct Work {
   Side veldra;
-  Side plain;
+  Side plain;                             ///< the plain program, statement by statement
   std::function<void()> prepare = [] {};  ///< before each round; takes no time
+  Side fewest = nullptr;                  ///< with the fewest statements, and own copies
+  Side shared = nullptr;                  ///< the same with what several objects refer to shared
+  Otherwise otherwise = {};
+};
+
+enum class Against { Statements, Fewest, Otherwise };
+
+/// The most that the library may take for the 1 of another side; 0: none.
+struct Target {
+  Target(double limit, Against against = Against::Statements) : limit(limit), against(against) {}
+
+  double limit;
+  Against against;
 };
 
 struct TimedWork {
   const char* name;
   const char* measures;
-  double target;  ///< the library's time for the plain program's 1; 0: none
+  Target target;
   std::function<unsigned(const Workshop&)> items;
   std::function<Work(Workshop&)> make;
   int rounds_divisor = 1;  ///< for what takes long
+  bool large = false;      ///< only where it is asked for
 };
 
-/// Bytes of memory that are compared with other bytes.
-struct Bytes {
-  double bytes;
+/// Bytes or blocks of memory, and what they are compared with.
+struct Memory {
+  double amount;
   double reference;
 };
 
 struct MemoryWork {
   const char* name;
   const char* measures;
-  double target;
-  std::function<Bytes(Workshop&)> measure;
+  Target target;
+  std::function<Memory(Workshop&)> measure;
+  const char* unit = "bytes";
 };
 
 std::vector<TimedWork> reading_works();
+std::vector<TimedWork> list_works();
 std::vector<TimedWork> saving_works();
 std::vector<TimedWork> file_works();
 std::vector<TimedWork> removing_works();
 std::vector<TimedWork> copying_works();
+std::vector<TimedWork> document_works();
 std::vector<MemoryWork> memory_works();
 
 /// Copies a library of that many materials and prints by how much the memory of the process grew.
-/// Returns whether it stayed within 64 MiB, the mapping aside.
+/// Returns whether it stayed within 16 MiB, 150 bytes for each object aside.
 bool copy_within_memory(Workshop& workshop);
 
 /// Numbers in no order, always the same.
@@ -130,7 +161,7 @@ inline std::unique_ptr<Pair> copies_of(Workshop& workshop, const std::string& pa
 }
 
 /// Two copies of a new library.
-std::unique_ptr<Pair> new_pair(Workshop& workshop);
+std::unique_ptr<Pair> new_pair(Workshop& workshop, veldra::Unit unit = veldra::Unit::Millimetres);
 
 inline void add_rows(Digest* digest, const std::string& path) {
   if (digest != nullptr) digest->add(digest_of_rows(path));
