@@ -156,13 +156,20 @@ TagNames tags_of(const CompositionCriteria& criteria) { return utf8(criteria.tag
 
 const char* const tag_name = "\"Tag\".\"name\"";
 
-/// Holds for the objects that have one of the tags. The tags are looked up first: they are few.
+/// Holds for the objects that have one of the tags, which are known by their ids.
 template <class T>
-Query has_tag(const Rows& rows, const TagNames& tags) {
+Query has_tag(const Rows& rows, const std::vector<long long>& tags) {
+  // One comparison after another is faster than looking into a list, as long as they are few.
+  constexpr std::size_t few = 8;
   const std::string table = quoted(std::string(Kind<T>::table) + "_tags");
-  return Query(rows.column("id") + " IN (SELECT \"object_id\" FROM " + table +
-               " WHERE \"tag_id\" IN (SELECT \"id\" FROM \"Tag\" WHERE ") +
-         in_list(tag_name, tags) + "))";
+  std::string condition;
+  for (const long long tag : tags) {
+    const char* const joint = tags.size() > few ? "," : " OR \"tag_id\"=";
+    condition += condition.empty() ? std::to_string(tag) : joint + std::to_string(tag);
+  }
+  condition = "\"tag_id\"" + (tags.size() > few ? " IN (" + condition + ")" : "=" + condition);
+  return Query(rows.column("id") + " IN (SELECT \"object_id\" FROM " + table + " WHERE " +
+               condition + ")");
 }
 
 template <class T>
@@ -230,6 +237,17 @@ std::vector<unsigned> ids_of(Database& database, const typename CriteriaOf<T>::t
 unsigned long long number(Database& database, const Query& query) {
   assert(database.is_current());
   return database.query_value<QueriedNumber>(odb::query<QueriedNumber>(query)).value;
+}
+
+/// The ids of the tags of those names, also those that are too wide for an object: rows refer to
+/// them all the same.
+std::vector<long long> tag_ids(Database& database, const TagNames& names) {
+  const Query query = selecting_ids(objects<Tag>(), in_list(tag_name, names));
+  std::vector<long long> ids;
+  for (const QueriedNumber& row : database.query<QueriedNumber>(odb::query<QueriedNumber>(query))) {
+    ids.push_back(static_cast<long long>(row.value));
+  }
+  return ids;
 }
 
 // Queries that are asked again and again are prepared once and kept by the connection, which finds
@@ -391,12 +409,16 @@ unsigned long long count_all(Database& database) {
 template <class T>
 unsigned long long count_selected(Database& database,
                                   const typename CriteriaOf<T>::type& criteria) {
-  const TagNames tags = tags_of(criteria);
+  const TagNames names = tags_of(criteria);
   // In parts, an object could be counted with several of them.
-  if (tags.size() > list_limit) return selected_ids<T>(database, criteria).size();
+  if (names.size() > list_limit) return selected_ids<T>(database, criteria).size();
   const Rows rows = objects<T>();
   const Query condition = condition_of(criteria, rows);
-  if (!tags.empty()) return number(database, counting(rows, condition && has_tag<T>(rows, tags)));
+  if (!names.empty()) {
+    const std::vector<long long> tags = tag_ids(database, names);
+    if (tags.empty()) return 0;
+    return number(database, counting(rows, condition && has_tag<T>(rows, tags)));
+  }
   return condition.const_true() ? count_all<T>(database)
                                 : number(database, counting(rows, condition));
 }
