@@ -34,8 +34,9 @@ bool is_dense(const std::vector<unsigned>& ids) {
   return (ids.back() - ids.front()) / rows_for_each < ids.size();
 }
 
+// A column of texts would be compared as texts with what is not said to be a number.
 std::string for_range(const std::string& statement) {
-  return with_condition(statement, " BETWEEN ? AND ?");
+  return with_condition(statement, " BETWEEN CAST(? AS INTEGER) AND CAST(? AS INTEGER)");
 }
 
 std::string for_list(const std::string& statement) {

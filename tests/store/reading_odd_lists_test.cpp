@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "support/library_test.hpp"
+
+#include <sqlite3.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+namespace veldra_tests {
+namespace {
+
+/// Lists of what other programs have left in a library: with the objects in them as they are when
+/// each is read alone, in the same order.
+class ReadingOddLists : public LibraryTest {
+ protected:
+  ReadingOddLists() : file(path) {
+    file.execute(
+        "PRAGMA foreign_keys=OFF;"
+        "INSERT INTO Tag VALUES (1, 'warm'), (2, 'dry');"
+        "INSERT INTO CustomProperty VALUES (1, 'Price', 4);"
+        "BEGIN");
+    for (unsigned id = 5; id != 25; ++id) put_tagged_material(std::to_string(id));
+    file.execute("COMMIT");
+  }
+
+  /// Has the table lie in the file under the same name without keys, and its ids have a type.
+  void declare_anew(const std::string& table, const std::string& id, const std::string& type) {
+    file.execute("CREATE TABLE kept AS SELECT * FROM " + table);
+    std::string columns;
+    for (const Row& column : file.query("SELECT name FROM pragma_table_info('" + table + "')")) {
+      const std::string name = column[0].substr(1, column[0].size() - 2);
+      columns += (columns.empty() ? "\"" : ", \"") + name + "\"" + (name == id ? " " + type : "");
+    }
+    file.execute("DROP TABLE " + table + "; CREATE TABLE " + table + " (" + columns + ");" +
+                 "INSERT INTO " + table + " SELECT * FROM kept; DROP TABLE kept");
+  }
+
+  /// How many objects the list has; each is as it is when it is read alone.
+  template <class T>
+  std::size_t listed() const {
+    const auto objects = all_of<T>(*library);
+    expect_as_alone(objects);
+    return objects.size();
+  }
+
+  template <class T>
+  void expect_as_alone(const std::vector<std::shared_ptr<T>>& objects) const {
+    for (const auto& object : objects) {
+      ASSERT_EQ(values_of(object), values_of(library->get<T>(object->id()))) << object->id();
+    }
+  }
+
+  /// Gives the materials ids that lie far from one another.
+  void spread_ids() {
+    file.execute("UPDATE Material SET id=id*100");
+    for (const char* table : {"Material_tags", "Material_thicknesses", "Material_custom_values"}) {
+      file.execute(std::string("UPDATE ") + table + " SET object_id=object_id*100");
+    }
+  }
+
+  /// Has a text lead to a page that is not there.
+  void break_pages_of(const std::string& material) {
+    const std::string text(50000, 'x');
+    file.execute("UPDATE Material SET comments=" + quoted(text) + " WHERE id=" + material);
+    library.reset();
+    const std::size_t page = std::stoul(file.value("PRAGMA page_size"));
+    std::string bytes = read_file(path);
+    for (std::size_t at = 0; at != bytes.size(); at += page) {
+      if (bytes.compare(at + 4, 1000, text, 0, 1000) == 0) bytes.replace(at, 4, 4, '\xf0');
+    }
+    write_file(path, bytes);
+    library = open();
+  }
+
+  PlainDatabase file;
+
+ private:
+  void put_tagged_material(const std::string& id) {
+    put_material(file, {{"id", id}, {"name", quoted("Material " + id)}});
+    file.execute("INSERT INTO Material_tags VALUES (" + id + ", 1, 1), (" + id + ", 0, 2);" +
+                 "INSERT INTO Material_thicknesses VALUES (" + id + ", " + id + ");" +
+                 "INSERT INTO Material_custom_values VALUES (" + id + ", 1, '" + id + "')");
+  }
+};
+
+TEST_F(ReadingOddLists, ids_of_owners_may_be_kept_as_texts) {
+  for (const char* table : {"Material_tags", "Material_thicknesses", "Material_custom_values"}) {
+    declare_anew(table, "object_id", "TEXT");
+  }
+  EXPECT_EQ(library->get<Material>(5)->tags().size(), 2u);
+  EXPECT_EQ(listed<Material>(), 20u);
+  spread_ids();
+  EXPECT_EQ(library->get<Material>(500)->tags().size(), 2u);
+  EXPECT_EQ(listed<Material>(), 20u);
+}
+
+TEST_F(ReadingOddLists, ids_of_owners_may_be_kept_as_real_numbers) {
+  for (const char* table : {"Material_tags", "Material_thicknesses", "Material_custom_values"}) {
+    declare_anew(table, "object_id", "REAL");
+  }
+  file.execute("INSERT INTO Material_tags VALUES (5.5, 2, 1)");
+  EXPECT_EQ(library->get<Material>(5)->tags().size(), 2u);
+  EXPECT_EQ(listed<Material>(), 20u);
+}
+
+TEST_F(ReadingOddLists, ids_of_objects_may_be_kept_as_texts_or_real_numbers) {
+  for (const char* type : {"TEXT", "REAL"}) {
+    SCOPED_TRACE(type);
+    declare_anew("Material", "id", type);
+    EXPECT_EQ(listed<Material>(), 20u);
+  }
+}
+
+TEST_F(ReadingOddLists, an_id_that_is_no_whole_number_is_that_of_no_object) {
+  declare_anew("Material", "id", "");
+  file.execute("UPDATE Material SET id=6.5 WHERE id=6");
+  EXPECT_FALSE(library->get<Material>(6u));
+  EXPECT_EQ(listed<Material>(), 19u);
+  file.execute("UPDATE Material SET id='7' WHERE id=7");
+  EXPECT_FALSE(library->get<Material>(7u));
+  EXPECT_EQ(listed<Material>(), 18u);
+}
+
+TEST_F(ReadingOddLists, values_of_the_same_place_keep_their_order) {
+  file.execute(
+      "UPDATE Material_tags SET \"index\"=0;"
+      "INSERT INTO Material_custom_values SELECT id, 1, 'another' FROM Material");
+  EXPECT_EQ(listed<Material>(), 20u);
+  file.execute(
+      "DROP INDEX Material_tags_object_id_i; DROP INDEX Material_custom_values_object_id_i");
+  EXPECT_EQ(listed<Material>(), 20u);
+}
+
+TEST_F(ReadingOddLists, a_damaged_row_between_the_wanted_ones_is_no_obstacle) {
+  break_pages_of("15");
+  std::set<unsigned> others = library->ids<Material>();
+  others.erase(15);
+  std::vector<std::shared_ptr<Material>> materials;
+  library->get(materials, others);
+  EXPECT_EQ(materials.size(), 19u);
+  expect_as_alone(materials);
+  EXPECT_EQ(thrown_by([&] { library->get(materials); }).code, SQLITE_CORRUPT);
+}
+
+}  // namespace
+}  // namespace veldra_tests
