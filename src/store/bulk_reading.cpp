@@ -13,6 +13,7 @@
 #include <sqlite3.h>
 #include <utf8.h>
 
+#include <algorithm>
 #include <tuple>
 #include <utility>
 
@@ -189,6 +190,12 @@ ContainerReaders<T> readers_of(Database& database, const Containers& containers,
   return readers;
 }
 
+/// Whether an id comes again: other programs may have given it to two rows. Each is then read as
+/// the first of them.
+bool is_repetitive(const std::vector<unsigned>& ids) {
+  return std::adjacent_find(ids.begin(), ids.end()) != ids.end();
+}
+
 /// Ends the reading of rows, however it ends.
 template <class Rows>
 class RowsOpen {
@@ -259,7 +266,7 @@ template <class T>
 bool BulkReading<T>::is_worth_it(const std::vector<unsigned>& ids) {
   constexpr std::size_t fewest = 2;
   constexpr std::size_t fewest_of_list = 16;
-  if (ids.empty()) return false;
+  if (ids.empty() || is_repetitive(ids)) return false;
   return ids.size() >= (is_dense(ids) ? fewest : fewest_of_list);
 }
 

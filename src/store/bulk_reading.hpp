@@ -20,7 +20,7 @@ class BulkReading {
 
   /// The objects with those ids, at most `most_at_once`, which ascend, as the mapping gives them.
   /// None when they are to be read one by one: also where that is as fast, since they are few or
-  /// far from one another.
+  /// far from one another, and where an id comes again.
   std::vector<std::shared_ptr<T>> read(const std::vector<unsigned>& ids);
 
  private:

@@ -122,6 +122,12 @@ TEST_F(ReadingOddLists, an_id_that_is_no_whole_number_is_that_of_no_object) {
   EXPECT_EQ(listed<Material>(), 18u);
 }
 
+TEST_F(ReadingOddLists, an_id_that_two_rows_have_is_read_as_it_is_alone) {
+  declare_anew("Material", "id", "INTEGER");
+  file.execute("UPDATE Material SET id=6 WHERE id=7");
+  EXPECT_EQ(listed<Material>(), 20u);
+}
+
 TEST_F(ReadingOddLists, values_of_the_same_place_keep_their_order) {
   file.execute(
       "UPDATE Material_tags SET \"index\"=0;"
