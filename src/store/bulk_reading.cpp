@@ -272,10 +272,18 @@ bool BulkReading<T>::is_worth_it(const std::vector<unsigned>& ids) {
 
 template <class T>
 std::vector<std::shared_ptr<T>> BulkReading<T>::read(const std::vector<unsigned>& ids) {
-  if (!is_worth_it(ids)) return {};
-  try {
+  std::vector<std::shared_ptr<T>> objects;
+  if (!is_worth_it(ids)) return objects;
+  as_far_as_sound([&] {
     if (statements_ == nullptr) statements_ = std::make_unique<Statements>(database_);
-    return statements_->read(ids);
+    objects = statements_->read(ids);
+  });
+  return objects;
+}
+
+void as_far_as_sound(const std::function<void()>& read) {
+  try {
+    read();
   } catch (const NotInBulk&) {
   } catch (const odb::object_not_persistent&) {
   } catch (const odb::no_type_info&) {
@@ -283,7 +291,6 @@ std::vector<std::shared_ptr<T>> BulkReading<T>::read(const std::vector<unsigned>
   } catch (const odb::sqlite::database_exception& error) {
     if (error.error() != SQLITE_CORRUPT) throw;
   }
-  return {};
 }
 
 #define VELDRA_INSTANTIATE(T) template class BulkReading<T>;

@@ -4,14 +4,19 @@
 
 #include "store/database.hpp"
 
+#include <functional>
 #include <memory>
 #include <vector>
 
 namespace veldra {
 
+/// Runs what reads several objects at once. It ends without an exception where anything is not as
+/// it should be, such as a reference that leads nowhere or a text that is none: reading the objects
+/// one by one tells which of them is concerned.
+void as_far_as_sound(const std::function<void()>& read);
+
 /// Reads many objects by a few statements: one for their own rows, and one for those of each of
-/// their containers. Where anything is not as it should be, such as a reference that leads nowhere,
-/// it reads nothing: reading the objects one by one tells which of them is concerned.
+/// their containers. Where anything is not as it should be it reads nothing.
 template <class T>
 class BulkReading {
  public:

@@ -122,20 +122,23 @@ template <class T, class Cache>
 void fetch_references(OfKind<T>, Database&, const std::vector<unsigned>&, Cache&) {}
 
 /// Fetches the materials of the layers in the order in which they lie in the file. In the order of
-/// the layers, reading would jump through it.
+/// the layers, reading would jump through it. What cannot be fetched is told of when a composition
+/// that can be read so far asks for it.
 template <class Cache>
 void fetch_references(OfKind<Composition>, Database& database, const std::vector<unsigned>& ids,
                       Cache& cache) {
   if (ids.size() < 2) return;
-  std::vector<unsigned> unmet;
-  for (const unsigned id : layer_material_ids(database, ids)) {
-    if (cache.template find<Material>(id) == nullptr) unmet.push_back(id);
-  }
-  for (const auto& material : find_all<Material>(database, unmet)) {
-    if (material == nullptr) continue;
-    cache.insert(material);
-    cache.offer(material->id());
-  }
+  as_far_as_sound([&] {
+    std::vector<unsigned> unmet;
+    for (const unsigned id : layer_material_ids(database, ids)) {
+      if (cache.template find<Material>(id) == nullptr) unmet.push_back(id);
+    }
+    for (const auto& material : find_all<Material>(database, unmet)) {
+      if (material == nullptr) continue;
+      cache.insert(material);
+      cache.offer(material->id());
+    }
+  });
 }
 
 }  // namespace

@@ -149,5 +149,46 @@ TEST_F(ReadingOddLists, a_damaged_row_between_the_wanted_ones_is_no_obstacle) {
   EXPECT_EQ(thrown_by([&] { library->get(materials); }).code, SQLITE_CORRUPT);
 }
 
+/// Compositions 1 to 9 of material 5.
+class ReadingOddCompositions : public ReadingOddLists {
+ protected:
+  ReadingOddCompositions() {
+    for (unsigned number = 1; number != 10; ++number) {
+      const std::string id = std::to_string(number);
+      put_composition(file, {{"id", id}, {"name", quoted("Wall " + id)}});
+      file.execute("INSERT INTO Composition_layers VALUES (" + id + ", 0, 5, 0, 10)");
+    }
+  }
+
+  void use(const std::string& material, const std::string& composition) {
+    file.execute("UPDATE Composition_layers SET value_material_id=" + material +
+                 " WHERE object_id=" + composition);
+  }
+
+  void break_text(const std::string& material) {
+    file.execute("UPDATE Material SET comments=CAST(x'ff' AS TEXT) WHERE id=" + material);
+  }
+};
+
+TEST_F(ReadingOddCompositions,
+       a_material_that_cannot_be_read_is_not_told_of_if_no_object_needs_it) {
+  use("6", "3");
+  break_text("6");
+  file.execute("UPDATE Composition SET entity_layer=99 WHERE id=3");
+  EXPECT_FALSE(library->get<Composition>(3u));
+  EXPECT_EQ(listed<Composition>(), 8u);
+}
+
+TEST_F(ReadingOddCompositions, the_first_composition_that_cannot_be_read_is_told_of) {
+  use("7", "3");
+  break_text("7");
+  use("6", "4");
+  put_structural_asset(file, "1");
+  file.execute("UPDATE Asset SET typeid='none'; UPDATE Material SET structural_id=1 WHERE id=6");
+  const Thrown first = thrown_by([&] { library->get<Composition>(3u); });
+  EXPECT_NE(first.type, thrown_by([&] { library->get<Composition>(4u); }).type);
+  EXPECT_EQ(thrown_by([&] { listed<Composition>(); }).type, first.type);
+}
+
 }  // namespace
 }  // namespace veldra_tests
