@@ -223,7 +223,10 @@ class BulkReading<T>::Statements {
     for (const auto& container : containers_) {
       const RowsOpen<ContainerReader<T>> open(*container);
       container->open(ids);
-      for (const auto& object : objects) container->read(*object);
+      for (const auto& object : objects) {
+        database_.stop_if_interrupted();
+        container->read(*object);
+      }
     }
     return objects;
   }

@@ -156,6 +156,20 @@ TEST_F(LibraryInterruption, a_list_is_ended_from_another_thread) {
   EXPECT_EQ(library->count<Tag>(), 200000U);
 }
 
+// SQLite is not interrupted then.
+TEST_F(LibraryInterruption, a_list_that_is_read_within_a_save_is_ended) {
+  for (unsigned n = 0; n != 100; ++n) {
+    library->save(named<Material>(("slow " + std::to_string(n)).c_str()));
+  }
+  PlainDatabase(path).execute(
+      "DROP TABLE Material_thicknesses;"
+      "CREATE VIEW Material_thicknesses (object_id, value) AS"
+      " SELECT id, length(replace(hex(zeroblob(8000000 + id)), '0', 'ab')) FROM Material");
+  std::vector<std::shared_ptr<Material>> materials;
+  reactor.on_saved = [&](Library&, const ObjectKey&) { library->get(materials); };
+  expect_interrupted([&] { library->save(Tag::create("facade")); }, Milliseconds(200));
+}
+
 TEST_F(LibraryInterruption, a_statement_that_takes_long_is_ended) {
   put_many_tags(*library, 200000);
   const std::string pattern = "%" + std::string(20, '%') + "a%b%c%d%e%f%";
