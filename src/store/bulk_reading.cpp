@@ -249,7 +249,6 @@ class BulkReading<T>::Statements {
       if (!objects_.go_to(id)) throw NotInBulk();
       objects.push_back(ObjectAccess::make<T>());
       Mapping<T>::init(*objects.back(), objects_.row(), &database_);
-      objects_.next();
     }
     return objects;
   }
