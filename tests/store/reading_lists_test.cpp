@@ -170,7 +170,7 @@ class ReadingLongLists : public ReadingLists {
     }
     if (number % 5 == 0) {
       file.execute("INSERT INTO Material_custom_values VALUES (" + id + ", 1, '" +
-                   std::string(number, 'x') + "')");
+                   std::string(number, static_cast<char>('a' + number % 26)) + "')");
     }
   }
 

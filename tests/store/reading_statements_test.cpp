@@ -97,19 +97,76 @@ TEST_F(ReadingStatements, reading_ends_without_a_commit) {
 
 // The objects of a list.
 
+/// That each table was asked once, with that condition, and never for one object alone.
+void expect_read_together(const Statements& statements, const std::string& condition) {
+  for (const std::string id :
+       {R"("Material"."id")", R"("Material_tags"."object_id")",
+        R"("Material_thicknesses"."object_id")", R"("Material_custom_values"."object_id")"}) {
+    const auto asks = testing::AllOf(testing::StartsWith("SELECT " + id + ", "),
+                                     testing::HasSubstr(id + " " + condition));
+    EXPECT_THAT(statements, Contains(asks).Times(1)) << id;
+    EXPECT_THAT(statements, Not(Contains(testing::HasSubstr(id + "=?")))) << id;
+  }
+}
+
 TEST_F(ReadingStatements, a_list_is_read_by_a_statement_for_each_of_its_tables) {
   for (const char* name : {"Ash", "Elm", "Oak"}) full_material(name)->save(library);
   log.take_all();
   std::vector<std::shared_ptr<Material>> materials;
   library->get(materials);
-  const Statements statements = log.take();
-  for (const char* id :
-       {R"("Material"."id")", R"("Material_tags"."object_id")",
-        R"("Material_thicknesses"."object_id")", R"("Material_custom_values"."object_id")"}) {
-    const std::string selected = "SELECT " + std::string(id) + ", ";
-    EXPECT_THAT(statements, Contains(testing::StartsWith(selected)).Times(1));
-    EXPECT_THAT(statements, Not(Contains(testing::HasSubstr(id + std::string("=?")))));
+  expect_read_together(log.take(), "BETWEEN");
+}
+
+TEST_F(ReadingStatements, objects_between_the_wanted_ones_are_read_over) {
+  for (unsigned n = 0; n != 8; ++n) {
+    full_material("Wood " + std::to_string(n))->save(library);
   }
+  log.take_all();
+  std::vector<std::shared_ptr<Material>> materials;
+  library->get(materials, {1u, 2u, 5u, 8u});
+  EXPECT_EQ(materials.size(), 4u);
+  expect_read_together(log.take(), "BETWEEN");
+}
+
+TEST_F(ReadingStatements, texts_of_any_length_are_read_together) {
+  for (const std::size_t length : {10u, 5000u, 100u, 300000u, 20u}) {
+    const auto material = full_material("Wood " + std::to_string(length));
+    material->description(std::string(length, 'd').c_str());
+    material->custom_value("Price", std::string(length, 'v').c_str());
+    material->save(library);
+  }
+  log.take_all();
+  std::vector<std::shared_ptr<Material>> materials;
+  library->get(materials);
+  expect_read_together(log.take(), "BETWEEN");
+  for (const auto& material : materials) {
+    EXPECT_EQ(values_of(material), values_of(library->get<Material>(material->id())));
+  }
+}
+
+TEST_F(ReadingStatements, objects_that_lie_apart_are_asked_for_by_a_list_of_their_ids) {
+  std::set<unsigned> ids;
+  for (unsigned n = 1; n <= 20; ++n) {
+    full_material("Wood " + std::to_string(n))->save(library);
+    ids.insert(100 * n);
+  }
+  PlainDatabase(path).execute("PRAGMA foreign_keys=OFF; UPDATE Material SET id=100*id");
+  log.take_all();
+  std::vector<std::shared_ptr<Material>> materials;
+  library->get(materials, ids);
+  EXPECT_EQ(materials.size(), 20u);
+  expect_read_together(log.take(), "IN (");
+}
+
+TEST_F(ReadingStatements, a_list_in_another_order_is_read_in_that_of_the_file) {
+  PlainDatabase(path).execute("INSERT INTO CustomProperty VALUES (1,'c',4), (2,'b',4), (3,'a',4)");
+  log.take_all();
+  std::vector<std::shared_ptr<CustomProperty>> properties;
+  library->get(properties);
+  const Statements statements = log.take();
+  EXPECT_THAT(statements, Contains(testing::HasSubstr("ORDER BY \"CustomProperty\".\"name\"")));
+  EXPECT_THAT(statements, Contains(testing::HasSubstr("BETWEEN")).Times(1));
+  EXPECT_THAT(statements, Not(Contains(testing::HasSubstr("\"id\"=?"))));
 }
 
 TEST_F(ReadingStatements, objects_far_from_one_another_are_read_one_by_one) {
