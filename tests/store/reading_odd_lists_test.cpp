@@ -149,6 +149,33 @@ TEST_F(ReadingOddLists, a_damaged_row_between_the_wanted_ones_is_no_obstacle) {
   EXPECT_EQ(thrown_by([&] { library->get(materials); }).code, SQLITE_CORRUPT);
 }
 
+TEST_F(ReadingOddLists, what_others_change_between_two_lists_is_met) {
+  EXPECT_EQ(listed<Material>(), 20u);
+  file.execute(
+      "ALTER TABLE Material ADD COLUMN extra TEXT;"
+      "DROP INDEX Material_thicknesses_object_id_i;"
+      "UPDATE Material_tags SET \"index\"=1-\"index\"");
+  declare_anew("Material_custom_values", "object_id", "TEXT");
+  EXPECT_EQ(library->get<Material>(5)->tags()[0]->name(), "warm");
+  EXPECT_EQ(listed<Material>(), 20u);
+}
+
+TEST_F(ReadingOddLists, a_list_that_failed_leaves_the_transaction_of_the_host_as_it_was) {
+  Library::Transaction transaction(*library);
+  library->save(Tag::create("new"));
+  file.execute("PRAGMA busy_timeout=0");
+  EXPECT_EQ(listed<Material>(), 20u);
+  transaction.commit();
+  file.execute("UPDATE Material SET comments=CAST(x'ff' AS TEXT) WHERE id=15");
+  Library::Transaction next(*library);
+  library->save(Tag::create("newer"));
+  EXPECT_EQ(thrown_by([&] { all_of<Material>(*library); }), "utf8::invalid_utf8");
+  next.commit();
+  file.execute("UPDATE Material SET comments='' WHERE id=15");
+  EXPECT_EQ(listed<Material>(), 20u);
+  EXPECT_EQ(library->count<Tag>(), 4u);
+}
+
 /// Compositions 1 to 9 of material 5.
 class ReadingOddCompositions : public ReadingOddLists {
  protected:

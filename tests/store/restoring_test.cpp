@@ -282,6 +282,22 @@ TEST_F(Restoring, from_its_own_file_is_refused_at_once_and_tells_which_it_is) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
 }
 
+// The statements of the lists are kept.
+TEST_F(Restoring, lists_before_and_after_are_those_of_their_library) {
+  const auto names = [this] {
+    std::string names;
+    for (const auto& tag : all_of<Tag>(*library)) names += tag->name().utf8() + ";";
+    for (const auto& material : all_of<Material>(*library)) names += material->name().utf8() + ";";
+    return names;
+  };
+  library->restoreFrom(copy.c_str());
+  const std::string restored = names();
+  for (const char* name : {"first", "second", "third"}) library->save(full_material(name));
+  EXPECT_NE(names(), restored);
+  library->restoreFrom(copy.c_str());
+  EXPECT_EQ(names(), restored);
+}
+
 TEST_F(Restoring, goes_through_a_link_to_another_file) {
   const std::string link = folder / "link.lib";
   ASSERT_EQ(::symlink(copy.c_str(), link.c_str()), 0);
