@@ -14,6 +14,7 @@
 #include <utf8.h>
 
 #include <algorithm>
+#include <limits>
 #include <tuple>
 #include <utility>
 
@@ -139,6 +140,7 @@ class ReaderOf : public ContainerReader<T> {
 
   void read(T& object) override {
     id_ = object.id();
+    former_place_ = std::numeric_limits<long long>::min();
     const bool has_any = rows_.go_to(id_);
     Container::container_traits_type::load(ObjectAccess::impl(object).*member_, has_any,
                                            functions_);
@@ -159,16 +161,29 @@ class ReaderOf : public ContainerReader<T> {
 
   template <class... Values>
   bool take_row(Values&... values) {
+    require_order(functions_);
     Container::init(values..., rows_.row(), &database_);
     rows_.next();
     return rows_.go_to(id_);
   }
+
+  /// Values with places lie in the file in their order, unless another program has put them there.
+  template <class Index, class Value>
+  void require_order(const odb::ordered_functions<Index, Value>&) {
+    const long long place = rows_.whole_number(1);
+    if (place <= former_place_) throw NotInBulk();
+    former_place_ = place;
+  }
+
+  template <class Functions>
+  void require_order(const Functions&) {}
 
   Database& database_;
   typename Container::container_type Record::*member_;
   RowsOfMany<ContainerRows<Container>> rows_;
   typename Container::functions_type functions_{this};
   unsigned id_ = 0;
+  long long former_place_ = 0;
 };
 
 template <class T>
@@ -291,7 +306,8 @@ void as_far_as_sound(const std::function<void()>& read) {
   } catch (const odb::no_type_info&) {
   } catch (const utf8::exception&) {
   } catch (const odb::sqlite::database_exception& error) {
-    if (error.error() != SQLITE_CORRUPT) throw;
+    // Damage, or columns that are not there. All else concerns every object.
+    if (error.error() != SQLITE_CORRUPT && error.error() != SQLITE_ERROR) throw;
   }
 }
 

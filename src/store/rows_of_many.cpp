@@ -7,13 +7,13 @@ namespace veldra {
 
 namespace {
 
-/// The statement with `condition` in the place of "=?", in the order of the column that it
-/// compares.
+/// The statement with `condition` in the place of "=?" and of all that follows, in the order of the
+/// column that it compares. (Putting the rows of each object in an order would have SQLite sort
+/// them object by object, which takes a quarter of the time for tags.)
 std::string with_condition(const std::string& statement, const std::string& condition) {
   const std::string select = "SELECT ";
   const std::string where = " WHERE ";
   const std::string equal = "=?";
-  const std::string order = " ORDER BY ";
   const auto where_at = statement.find(where);
   const auto equal_at = statement.find(equal, where_at);
   assert(statement.compare(0, select.size(), select) == 0 && equal_at != std::string::npos);
@@ -21,10 +21,7 @@ std::string with_condition(const std::string& statement, const std::string& cond
   const auto id_at = where_at + where.size();
   const std::string id = statement.substr(id_at, equal_at - id_at);
   const std::string columns_to_id = statement.substr(select.size(), equal_at - select.size());
-  const std::string rest = statement.substr(equal_at + equal.size());
-  const bool has_order = rest.compare(0, order.size(), order) == 0;
-  return select + id + ", " + columns_to_id + condition + order + id +
-         (has_order ? ", " + rest.substr(order.size()) : rest);
+  return select + id + ", " + columns_to_id + condition + " ORDER BY " + id;
 }
 
 }  // namespace

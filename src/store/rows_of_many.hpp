@@ -10,6 +10,7 @@
 #include <sqlite3.h>
 
 #include <array>
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,7 +28,7 @@ constexpr std::size_t most_at_once = 128;
 bool is_dense(const std::vector<unsigned>& ids);
 
 /// The mapping's own statement, which selects by one id, for all ids in a range, or for
-/// `most_at_once` of them: with the id as the first column, and in the order of the ids.
+/// `most_at_once` of them: with the id as the first column, and in the order of the ids alone.
 std::string for_range(const std::string& statement);
 std::string for_list(const std::string& statement);
 
@@ -56,15 +57,24 @@ class RowsOfMany {
       for (std::size_t i = 0; i != ids_.size(); ++i) ids_[i] = i < ids.size() ? ids[i] : ids.back();
       execute(of_list_, for_list, list_);
     }
+    id_ = std::numeric_limits<long long>::min();
     next();
   }
 
-  /// Goes to the next row.
+  /// Goes to the next row. That rows do not ascend is seen in damaged files only, where looking for
+  /// one of them gives something else.
   void next() {
     has_row_ = open_->next();
     if (!has_row_) return;
-    if (sqlite3_column_type(open_->handle(), 0) != SQLITE_INTEGER) throw NotInBulk();
-    id_ = sqlite3_column_int64(open_->handle(), 0);
+    const long long former = id_;
+    id_ = whole_number(0);
+    if (id_ < former) throw NotInBulk();
+  }
+
+  /// What a column holds in the row that it is at.
+  long long whole_number(int column) const {
+    if (sqlite3_column_type(open_->handle(), column) != SQLITE_INTEGER) throw NotInBulk();
+    return sqlite3_column_int64(open_->handle(), column);
   }
 
   void close() noexcept {

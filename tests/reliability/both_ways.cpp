@@ -19,7 +19,7 @@ using Texts = std::map<unsigned, std::string>;
 std::string told(const std::function<Texts()>& read) {
   Texts texts;
   const Thrown thrown = thrown_by([&] { texts = read(); });
-  if (!(thrown == "")) return "throws " + thrown.type;
+  if (!(thrown == "")) return "throws " + thrown.type + ": " + thrown.text;
   std::string told;
   for (const auto& text : texts) told += std::to_string(text.first) + ": " + text.second + "\n";
   return told;
