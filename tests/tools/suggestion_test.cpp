@@ -45,7 +45,7 @@ TEST_F(Suggestion, of_a_name_comes_in_every_command_that_looks_for_objects) {
 
 TEST_F(Suggestion, names_several_and_parts) {
   EXPECT_THAT(error({"show", "a.lib", "material", "Brock"}),
-              HasSubstr("; did you mean 'Block' or 'Brick'?"));
+              HasSubstr("; did you mean 'Brick' or 'Block'?"));
   EXPECT_THAT(error({"show", "a.lib", "material", "clay"}),
               HasSubstr("; did you mean 'Lehmputz / Clay plaster'?"));
   EXPECT_THAT(error({"show", "a.lib", "material", "name:Brik"}), HasSubstr("did you mean 'Brick'"));

@@ -55,11 +55,11 @@ struct VELDRA_KIT_EXPORT FieldDescription {
   std::string key;    ///< the name of the member in the JSON format
   std::string group;  ///< the member in which it stands there, such as "custom_values"; else empty
   std::string label;  ///< the title of a column, without the unit
-  std::vector<std::string> aliases;  ///< other names by which people call it
-  Value::Kind kind = Value::Kind::Text;
-  Measure measure = Measure::None;  ///< of numbers
-  Value initial;                    ///< the value in a new object; nothing if it has none
-  Origin origin = Origin::Stored;
+  std::vector<std::string> aliases;      ///< other names by which people call it
+  Value::Kind kind = Value::Kind::Text;  ///< of which kind its values are
+  Measure measure = Measure::None;       ///< of numbers
+  Value initial;                         ///< the value in a new object; nothing if it has none
+  Origin origin = Origin::Stored;        ///< where its values come from
   bool unique = false;    ///< no two objects of the kind in a library have the same value
   bool required = false;  ///< an object cannot be without it
   std::vector<std::string> choices;  ///< all texts that it can be; empty for any

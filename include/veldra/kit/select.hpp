@@ -41,9 +41,12 @@ class Expression;
 
 /// Selects objects by the values of their fields:
 ///
-///     U < 0.2 and tag = Außenwand
-///     thickness >= 100 mm and not (name ~ ziegel or manufacturer is empty)
-///     `Fire class` = "A1"
+///     const veldra::kit::Fields<veldra::Composition> fields(*library);
+///     const veldra::kit::Filter<veldra::Composition> wanted("U < 0.2 and tag = Roof", fields);
+///     if (wanted(*composition)) print(composition->name());
+///
+/// Others are `thickness >= 100 mm and not (name ~ brick or manufacturer is empty)` for materials,
+/// and for a custom property `` `Fire class` = "A1" ``.
 ///
 /// | written | means |
 /// |---|---|
