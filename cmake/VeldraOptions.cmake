@@ -4,7 +4,7 @@
 option(VELDRA_BUILD_EXAMPLES "Build the example hosts" ${PROJECT_IS_TOP_LEVEL})
 option(VELDRA_BUILD_BENCHMARKS "Build the benchmarks" OFF)
 option(VELDRA_WARNINGS_AS_ERRORS "Stop at warnings" ${PROJECT_IS_TOP_LEVEL})
-set(VELDRA_TEST_FOLDERS foundation guide install objects reliability store tools program fuzz
+set(VELDRA_TEST_FOLDERS foundation guide install objects reliability store kit tools program fuzz
     CACHE STRING "Which tests to build")
 set(VELDRA_SANITIZERS "" CACHE STRING "Sanitizers to build with, such as address,undefined")
 option(VELDRA_COVERAGE "Measure which lines are run" OFF)

@@ -22,7 +22,7 @@ breathe_show_include = False
 breathe_show_enumvalue_initializer = True
 primary_domain = "cpp"
 highlight_language = "cpp"
-cpp_id_attributes = ["VELDRA_EXPORT"]
+cpp_id_attributes = ["VELDRA_EXPORT", "VELDRA_KIT_EXPORT"]
 add_module_names = False
 toc_object_entries_show_parents = "hide"
 

@@ -23,15 +23,17 @@ with_cmake() {
 }
 
 with_pkg_config() {
-  local description libraries
+  local description libraries package=veldra standard=c++14
+  # A host of the kit says so in its sources.
+  if grep -qr '<veldra/kit/' "$folder/host"; then package=veldra-kit standard=c++17; fi
   description=$(find "$folder/moved" -name veldra.pc)
   export PKG_CONFIG_PATH=${description%/*}
   libraries=$(pkg-config --variable=libdir veldra)
   mkdir "$folder/build"
   # shellcheck disable=SC2046  # several options are meant
-  "$compiler" -std=c++14 -Wall -Wextra -Wpedantic -Werror $(pkg-config --cflags veldra) \
+  "$compiler" -std=$standard -Wall -Wextra -Wpedantic -Werror $(pkg-config --cflags $package) \
     "$folder"/host/*.cpp -o "$folder/build/${host##*/}" \
-    $(pkg-config --libs veldra) "$@" -Wl,-rpath,"$libraries"
+    $(pkg-config --libs $package) "$@" -Wl,-rpath,"$libraries"
 }
 
 case "$way" in

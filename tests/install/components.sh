@@ -3,10 +3,10 @@
 # Installs each component on its own: each has what is its own, no file is in two of them, and
 # together they are what is installed without naming one.
 #
-#   components.sh <build folder> <source tree> <whether the program is built>
+#   components.sh <build folder> <source tree> <whether the program is built> <whether the kit is>
 set -euo pipefail
 
-build=$1 source=$2 has_tools=$3
+build=$1 source=$2 has_tools=$3 has_kit=$4
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 status=0
@@ -28,13 +28,14 @@ expect() {
 
 components=(runtime development documentation)
 [ "$has_tools" != ON ] || components+=(tools)
+[ "$has_kit" != ON ] || components+=(kit-runtime kit-development)
 for component in "${components[@]}"; do install_part "$component" "$component"; done
 install_part everything
 
 expect runtime '/libveldra\.so\.[0-9]+$'
 expect runtime '/libveldra\.so\.[0-9.]+\.[0-9]+$'
 expect development '/libveldra\.so$'
-for header in "$source"/include/veldra/*; do expect development "/include/veldra/${header##*/}$"; done
+for header in "$source"/include/veldra/*.hpp; do expect development "/include/veldra/${header##*/}$"; done
 expect development '/veldra-config\.cmake$'
 expect development '/veldra-targets\.cmake$'
 expect development '/pkgconfig/veldra\.pc$'
@@ -47,6 +48,17 @@ if [ "$has_tools" = ON ]; then
     /zsh/[a-z-]*/_veldra /fish/vendor_completions.d/veldra.fish; do
     expect tools "$file$"
   done
+fi
+
+if [ "$has_kit" = ON ]; then
+  expect kit-runtime '/libveldra-kit\.so\.0$'
+  expect kit-runtime '/libveldra-kit\.so\.[0-9.]+\.[0-9]+$'
+  expect kit-development '/libveldra-kit\.so$'
+  for header in "$source"/include/veldra/kit/*; do
+    expect kit-development "/include/veldra/kit/${header##*/}$"
+  done
+  expect kit-development '/veldra-kit-targets\.cmake$'
+  expect kit-development '/pkgconfig/veldra-kit\.pc$'
 fi
 
 (cd "$folder" && cat "${components[@]}") | LC_ALL=C sort >"$folder/together"

@@ -1,14 +1,18 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
-# Includes run one way: foundation <- objects <- store <- tools. Public headers know public headers
-# only, and tools are hosts like any other.
+# Includes run one way: foundation <- objects <- store <- kit <- tools. Public headers know public
+# headers only, those of the library none of the kit's. The kit and the tools are hosts like any
+# other; of the kit the tools see its public headers alone.
 cmake_minimum_required(VERSION 3.25)
 
 set(allowed_in_veldra veldra)
 set(allowed_in_foundation veldra foundation)
 set(allowed_in_objects veldra foundation objects)
 set(allowed_in_store veldra foundation objects store)
+set(allowed_in_kit_headers veldra)
+set(allowed_in_kit veldra kit)
 set(allowed_in_tools veldra)
 set(knowing_the_database store tools)
+set(knowing_the_kit kit_headers kit tools)
 
 # Of the public headers, each layer knows its own: texts, errors and values lie at the bottom.
 set(foundation_headers export exceptions string translations values)
@@ -17,7 +21,7 @@ set(library_headers criteria errors id_mapping library library_manager veldra ve
 set(wrong)
 
 function(check_file layer file)
-  file(STRINGS ${file} lines REGEX "^[ \t]*#[ \t]*include[ \t]*[<\"](veldra|foundation|objects|store|odb|sqlite3)")
+  file(STRINGS ${file} lines REGEX "^[ \t]*#[ \t]*include[ \t]*[<\"](veldra|foundation|objects|store|kit/|odb|sqlite3)")
   foreach(line IN LISTS lines)
     string(REGEX REPLACE "^[^<\"]*[<\"]([^>\"]*)[>\"].*" "\\1" header "${line}")
     string(REGEX REPLACE "[/.].*" "" origin "${header}")
@@ -33,6 +37,8 @@ function(check_file layer file)
         set(right FALSE)
       endif()
     elseif(NOT origin IN_LIST allowed_in_${layer})
+      set(right FALSE)
+    elseif(header MATCHES "^veldra/kit/" AND NOT layer IN_LIST knowing_the_kit)
       set(right FALSE)
     elseif(origin STREQUAL "veldra" AND layer STREQUAL "foundation")
       if(NOT name IN_LIST foundation_headers)
@@ -53,6 +59,10 @@ endfunction()
 function(check_layer layer folder)
   string(REGEX REPLACE "([[?*])" "[\\1]" pattern "${folder}")
   file(GLOB_RECURSE files "${pattern}/*.hpp" "${pattern}/*.cpp")
+  # The folder of the kit's headers lies within that of the library's.
+  if(layer STREQUAL "veldra")
+    list(FILTER files EXCLUDE REGEX "/veldra/kit/[^/]*$")
+  endif()
   foreach(file IN LISTS files)
     check_file(${layer} ${file})
   endforeach()
@@ -64,9 +74,11 @@ function(check_layer layer folder)
 endfunction()
 
 check_layer(veldra ${HEADERS}/veldra)
+check_layer(kit_headers ${HEADERS}/veldra/kit)
 foreach(layer foundation objects store)
   check_layer(${layer} ${SOURCES}/${layer})
 endforeach()
+check_layer(kit ${SOURCES}/kit)
 check_layer(tools ${TOOLS})
 
 if(wrong)

@@ -75,6 +75,18 @@ TEST_F(ExampleCatalogue, is_shown_on_the_front_page_as_the_program_prints_it) {
   EXPECT_EQ(must({"draw", "a.lib", wall}).out, read_file(VELDRA_FRONT_PICTURE));
 }
 
+TEST_F(ExampleCatalogue, is_filtered_on_the_front_page_as_the_program_prints_it) {
+  const auto shown =
+      must({"list", "a.lib", "compositions", "--where", "U < 0.18 and tag = außenwand", "--sort",
+            "U", "--columns", "name,thickness,U"})
+          .out;
+  EXPECT_THAT(
+      read_file(VELDRA_FRONT_PAGE),
+      testing::HasSubstr("$ veldra list office.lib compositions --where 'U < 0.18 and tag = "
+                         "außenwand' --sort U --columns name,thickness,U\n" +
+                         shown));
+}
+
 TEST_F(ExampleCatalogue, can_be_drawn_as_a_whole) {
   std::vector<std::string> arguments{"draw", "a.lib", "-o", "all.svg"};
   for (const auto& entry : must({"list", "a.lib", "compositions", "--json"}).json()) {

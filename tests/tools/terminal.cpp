@@ -3,6 +3,7 @@
 
 #include <poll.h>
 #include <pty.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -37,8 +38,11 @@ bool terminals_can_be_made() {
   return true;
 }
 
-TerminalRun::TerminalRun(const std::string& folder, const std::vector<std::string>& arguments) {
-  child_ = ::forkpty(&terminal_, nullptr, nullptr, nullptr);
+TerminalRun::TerminalRun(const std::string& folder, const std::vector<std::string>& arguments,
+                         unsigned short columns) {
+  winsize size{};
+  size.ws_col = columns;
+  child_ = ::forkpty(&terminal_, nullptr, nullptr, &size);
   if (child_ < 0) throw std::runtime_error("there is no terminal to be had");
   if (child_ == 0) run_program(folder, arguments);
 }

@@ -15,7 +15,9 @@ bool terminals_can_be_made();
 /// A run of the built program with its three streams on a terminal.
 class TerminalRun {
  public:
-  TerminalRun(const std::string& folder, const std::vector<std::string>& arguments);
+  /// With 0 columns the terminal does not say how many it has.
+  TerminalRun(const std::string& folder, const std::vector<std::string>& arguments,
+              unsigned short columns = 0);
   TerminalRun(const TerminalRun&) = delete;
   TerminalRun& operator=(const TerminalRun&) = delete;
   ~TerminalRun();

@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "arguments.hpp"
+#include "columns.hpp"
 #include "failure.hpp"
 #include "host.hpp"
 #include "json.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
+#include "process/standard_streams.hpp"
 #include "progress.hpp"
 #include "summary.hpp"
 #include "table.hpp"
 
 #include <fmt/format.h>
+
+#include <optional>
 
 namespace veldra_tool {
 
@@ -23,26 +27,38 @@ struct Arguments {
   std::string type;
   std::string pattern;
   bool by_pattern = false;
+  std::string filter;
+  bool filtered = false;
+  std::string order;
+  std::string columns;
   bool json = false;
 };
 
-std::set<veldra::String> tag_names(const Arguments& arguments) {
+/// A tag that is not there would silently select nothing.
+std::set<veldra::String> tag_names(const Arguments& arguments, const veldra::Library& library) {
   std::set<veldra::String> names;
-  for (const auto& tag : arguments.tags) names.insert(library_text(tag));
+  for (const auto& tag : arguments.tags) {
+    const auto name = library_text(tag);
+    if (!library.get<veldra::Tag>(name)) {
+      throw LibraryFailure(fmt::format("there is no tag {} in the library{}", in_quotes(tag),
+                                       suggested_names<veldra::Tag>(library, tag)));
+    }
+    names.insert(name);
+  }
   return names;
 }
 
 void set_criteria(veldra::MaterialCriteria& criteria, const Arguments& arguments,
                   const veldra::Library& library) {
-  criteria.tags = tag_names(arguments);
+  criteria.tags = tag_names(arguments, library);
   if (!arguments.type.empty()) {
     criteria.type = find_object<veldra::MaterialType>(library, arguments.type);
   }
 }
 
 void set_criteria(veldra::CompositionCriteria& criteria, const Arguments& arguments,
-                  const veldra::Library&) {
-  criteria.tags = tag_names(arguments);
+                  const veldra::Library& library) {
+  criteria.tags = tag_names(arguments, library);
   if (!arguments.type.empty()) {
     criteria.types = static_cast<unsigned>(composition_type(arguments.type));
   }
@@ -53,7 +69,8 @@ void set_criteria(veldra::CustomPropertyCriteria& criteria, const Arguments& arg
   if (arguments.type.empty()) return;
   const auto kind = kinds_by_name().find(arguments.type);
   if (kind == kinds_by_name().end()) {
-    throw Failure(fmt::format("there are no properties for {}", in_quotes(arguments.type)));
+    throw Failure(fmt::format("there are no properties for {}; there are material, composition",
+                              in_quotes(arguments.type)));
   }
   criteria.object_type = kind->second;
 }
@@ -74,49 +91,87 @@ void require_sense(const Arguments& arguments) {
   }
 }
 
+/// What a list is made of: the objects of a library that the arguments select, in their order, and
+/// the fields of them that are to be shown.
 template <class T>
-std::vector<std::shared_ptr<T>> found(const veldra::Library& library, const Arguments& arguments) {
-  typename veldra::CriteriaOf<T>::type criteria;
-  set_criteria(criteria, arguments, library);
-  std::vector<std::shared_ptr<T>> objects;
-  if (arguments.by_pattern) {
-    library.search(objects, library_text(arguments.pattern), criteria);
-  } else {
-    library.get(objects, criteria);
+class Listing {
+ public:
+  Listing(const veldra::Library& library, const Arguments& arguments)
+      : library_(library), arguments_(arguments), fields_(library) {
+    if (!arguments.columns.empty()) {
+      columns_ = columns_named(fields_, kit::names_in(arguments.columns));
+    }
+    if (arguments.filtered) filter_.emplace(arguments.filter, fields_);
+    if (!arguments.order.empty()) order_.emplace(arguments.order, fields_);
+    set_criteria(criteria_, arguments, library);
+    if (arguments.by_pattern) {
+      read_by_pattern();
+    } else {
+      read();
+    }
+    sort_by_name(objects_);
+    if (order_) order_->sort(objects_);
   }
-  sort_by_name(objects);
-  return objects;
-}
 
-template <class T>
-Json json_of(const veldra::Library& library, const Arguments& arguments) {
-  Progress progress("listing");
-  Json list = Json::array();
-  for (const auto& object : found<T>(library, arguments)) {
-    list.push_back(summary_of(*object));
-    progress.step();
+  Json json() const {
+    Json list = Json::array();
+    for (const auto& object : objects_) {
+      list.push_back(columns_.empty() ? summary_of(*object) : json_of(*object, columns_, fields_));
+      progress_.step();
+    }
+    return list;
   }
-  return list;
-}
 
-template <class T>
-Table table_of(const veldra::Library& library, const Arguments& arguments) {
-  Progress progress("listing");
-  Table table(summary_columns<T>(library.unit()));
-  for (const auto& object : found<T>(library, arguments)) {
-    table.add(summary_cells(*object, library.unit()));
-    progress.step();
+  Table table() const {
+    const auto kind = veldra::ObjectTraits<T>::type;
+    const auto columns = columns_.empty() ? columns_named(fields_, usual_columns(kind)) : columns_;
+    Table table = table_of<T>(columns, library_.unit());
+    for (const auto& object : objects_) {
+      table.add(cells_of(*object, columns, library_.unit()));
+      progress_.step();
+    }
+    return table;
   }
-  return table;
-}
+
+ private:
+  void read_by_pattern() {
+    std::vector<std::shared_ptr<T>> all;
+    library_.search(all, library_text(arguments_.pattern), criteria_);
+    for (const auto& object : all) keep(object);
+  }
+
+  void read() {
+    if (!filter_) return library_.get(objects_, criteria_);
+    library_.for_each<T>(criteria_, [this](const std::shared_ptr<T>& object) {
+      keep(object);
+      return true;
+    });
+  }
+
+  void keep(const std::shared_ptr<T>& object) {
+    stop_if_asked();
+    if (!filter_ || (*filter_)(*object)) objects_.push_back(object);
+  }
+
+  const veldra::Library& library_;
+  const Arguments& arguments_;
+  kit::Fields<T> fields_;
+  Columns<T> columns_;  ///< those that were asked for
+  std::optional<kit::Filter<T>> filter_;
+  std::optional<kit::Order<T>> order_;
+  typename veldra::CriteriaOf<T>::type criteria_;
+  std::vector<std::shared_ptr<T>> objects_;
+  mutable Progress progress_{"listing"};
+};
 
 void list(const Arguments& arguments, Host& host) {
   require_sense(arguments);
   reading(arguments.file, [&](const veldra::Library& library) {
     with_class_of(arguments.kind, [&](auto of) {
       using T = typename decltype(of)::type;
-      if (arguments.json) return print_json(host.output, json_of<T>(library, arguments));
-      host.output.write(table_of<T>(library, arguments).text());
+      const Listing<T> listing(library, arguments);
+      if (arguments.json) return print_json(host.output, listing.json());
+      host.output.write(listing.table().text(terminal_width()));
     });
   });
 }
@@ -138,10 +193,28 @@ void add_list(Host& host) {
   auto* search = command.add_option(
       "--search", arguments->pattern,
       "Only names like this: % stands for any text, _ for one character; A and a are alike");
+  auto* where = command.add_option(
+      "--where", arguments->filter,
+      "Only objects for which this holds, such as \"U < 0.2 and tag = Roof\": fields are compared "
+      "by =, !=, <, <=, >, >= and ~ (contains), whatever the case and the accents, by == and ~~ "
+      "exactly, or by 'is empty'; and, or, not and ( ) join comparisons; quotes delimit values, "
+      "back-quotes names of fields");
+  where->type_name("EXPR");
+  command
+      .add_option("--sort", arguments->order,
+                  "Sort by these fields, with commas between them; -FIELD sorts from high to low")
+      ->type_name("FIELDS");
+  command
+      .add_option("--columns", arguments->columns,
+                  "Show these fields, with commas between them; one that is not there is answered "
+                  "with all that are")
+      ->type_name("FIELDS");
   add_json(command, arguments->json);
-  add_example(command, "veldra list office.lib materials --type Wood --search '%oak%'");
-  command.callback([arguments, search, &host] {
+  add_example(command,
+              "veldra list office.lib compositions --where 'U < 0.2' --sort U --columns name,U");
+  command.callback([arguments, search, where, &host] {
     arguments->by_pattern = search->count() > 0;
+    arguments->filtered = where->count() > 0;
     list(*arguments, host);
   });
 }

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "arguments.hpp"
 #include "failure.hpp"
-#include "fields.hpp"
 #include "host.hpp"
 #include "json.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
+#include "material_fields.hpp"
 #include "opening.hpp"
+#include "process/standard_streams.hpp"
 #include "summary.hpp"
 #include "table.hpp"
 #include "text.hpp"
-#include "thermal.hpp"
 
 #include <fmt/format.h>
 
@@ -87,7 +87,9 @@ void print_details(Spool& output, const veldra::Material& material, veldra::Unit
   if (material.has_code()) {
     line(output, "code", material.code() ? material.code().utf8() : "(empty)");
   }
-  for (const auto& text : material_texts) line(output, text.key, (material.*text.get)().utf8());
+  for (const auto* field : plain_material_fields(kit::Value::Kind::Text)) {
+    line(output, field->key, kit::value_text(field->get(material)));
+  }
   line(output, "tags", tags_text(material));
   line(
       output, "thicknesses",
@@ -96,10 +98,11 @@ void print_details(Spool& output, const veldra::Material& material, veldra::Unit
   line(output, "function", function_text(material.function()));
   line(output, "shading",
        material.shading_use_appearance() ? "from the appearance" : "from its colour");
-  for (const auto& color : material_colors)
-    line(output, color.key, color_text((material.*color.get)()));
-  for (const auto& pattern : material_patterns) {
-    line(output, pattern.key, pattern_text((material.*pattern.get)()));
+  for (const auto* field : plain_material_fields(kit::Value::Kind::Color)) {
+    line(output, field->key, color_text(field->get(material).as<veldra::Color>()));
+  }
+  for (const auto* field : plain_material_fields(kit::Value::Kind::Pattern)) {
+    line(output, field->key, pattern_text(field->get(material).as<veldra::Pattern>()));
   }
   const auto& alignment = material.surface_pattern_alignment();
   if (alignment != veldra::Point2d()) {
@@ -125,7 +128,7 @@ std::string roles_text(const veldra::Composition& composition, std::size_t index
 }
 
 void print_layers(Spool& output, const veldra::Composition& composition,
-                  const Transmission& transmission, veldra::Unit unit) {
+                  const kit::Transmission& transmission, veldra::Unit unit) {
   Table table({{"layer", Align::Right},
                {"material"},
                {fmt::format("thickness [{}]", name_of(unit)), Align::Right},
@@ -135,10 +138,10 @@ void print_layers(Spool& output, const veldra::Composition& composition,
   for (std::size_t i = 0; i < composition.layers().size(); ++i) {
     const auto& layer = composition.layers()[i];
     table.add({fmt::format("{}", i + 1), layer.material()->name().utf8(),
-               length_text(layer.thickness(), unit), transmission.resistance_text(i),
+               length_text(layer.thickness(), unit), resistance_text(transmission, i),
                function_text(layer.function()), roles_text(composition, i)});
   }
-  output.print("\nLayers from outside to inside\n\n{}\n", table.text());
+  output.print("\nLayers from outside to inside\n\n{}\n", table.text(terminal_width()));
 }
 
 std::string core_text(const veldra::Composition& composition) {
@@ -158,7 +161,7 @@ std::string variable_text(const veldra::Composition& composition, veldra::Unit u
 }
 
 /// What was taken for the surfaces, for a library does not say what is outside and inside.
-std::string surfaces_text(const Transmission& transmission) {
+std::string surfaces_text(const kit::Transmission& transmission) {
   return fmt::format(
       "{:.2f} outside, {:.2f} inside, in m²K/W: {} heat flow after ISO 6946, {}",
       transmission.outside, transmission.inside, transmission.heat_flow,
@@ -166,7 +169,7 @@ std::string surfaces_text(const Transmission& transmission) {
 }
 
 void print_transmission(Spool& output, const veldra::Composition& composition,
-                        const Transmission& transmission) {
+                        const kit::Transmission& transmission) {
   line(output, "surfaces", surfaces_text(transmission));
   if (transmission.ventilated > 0) {
     line(output, "ventilated",
@@ -194,9 +197,9 @@ void print_details(Spool& output, const veldra::Composition& composition, veldra
     line(output, "entity layer", composition.entity_layer()->name().utf8());
   if (!composition.custom_values().empty()) output.print("custom values\n");
   print_custom_values(output, composition);
-  const auto transmission = transmission_of(composition, unit);
+  const auto transmission = kit::transmission_of(composition, unit);
   if (!composition.layers().empty()) print_layers(output, composition, transmission, unit);
-  line(output, "total", length_text(total_thickness(composition), unit) + " " + name_of(unit));
+  line(output, "total", length_text(kit::total_thickness(composition), unit) + " " + name_of(unit));
   line(output, "core", core_text(composition));
   line(output, "structural layer", fmt::format("{}", composition.structural_layer() + 1ULL));
   if (composition.has_variable_layer())
@@ -205,8 +208,8 @@ void print_details(Spool& output, const veldra::Composition& composition, veldra
 }
 
 void print_details(Spool& output, const veldra::CustomProperty& property, veldra::Unit) {
-  const Json kind = owner_kind_to_json(property.object_type());
-  line(output, "for", kind.is_string() ? kind.get<std::string>() : kind.dump());
+  const auto& owner = built_in_fields<veldra::CustomProperty>().at("object_type");
+  line(output, "for", kit::value_text(owner.get(property)));
 }
 
 template <class Named>
@@ -217,8 +220,8 @@ Json optional_number(const std::optional<double>& number) {
 }
 
 void add_thermal(Json& json, const veldra::Composition& composition, veldra::Unit unit) {
-  const auto transmission = transmission_of(composition, unit);
-  json["total_thickness"] = number_to_json(total_thickness(composition));
+  const auto transmission = kit::transmission_of(composition, unit);
+  json["total_thickness"] = number_to_json(kit::total_thickness(composition));
   Json& thermal = json["thermal"];
   for (const auto& resistance : transmission.layers) {
     thermal["layer_resistances"].push_back(optional_number(resistance));

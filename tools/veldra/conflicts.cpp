@@ -3,7 +3,7 @@
 
 #include "failure.hpp"
 #include "kinds.hpp"
-#include "units.hpp"
+#include "same_values.hpp"
 
 #include <fmt/format.h>
 

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "csv.hpp"
 
-#include "fields.hpp"
-#include "json.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
+#include "material_fields.hpp"
 #include "text.hpp"
 
 #include <fmt/format.h>
@@ -119,10 +118,9 @@ class PropertyHeadings {
 
   /// No word for a kind has a colon, so that no two of these are the same.
   static std::string qualified(const veldra::CustomProperty& property) {
-    const Json kind = owner_kind_to_json(property.object_type());
-    const std::string word = property.object_type() == veldra::ObjectType{} ? "all"
-                             : kind.is_string() ? kind.get<std::string>()
-                                                : kind.dump();
+    static const auto& owner = built_in_fields<veldra::CustomProperty>().at("object_type");
+    const bool for_all = property.object_type() == veldra::ObjectType{};
+    const std::string word = for_all ? "all" : kit::value_text(owner.get(property));
     return fmt::format("property:{}:{}", word, property.name().utf8());
   }
 
@@ -162,11 +160,16 @@ Row common_cells(const Owner& owner, const char* kind, const PropertyHeadings& h
   return row;
 }
 
+const std::vector<const kit::Field<veldra::Material>*>& text_fields() {
+  static const auto fields = plain_material_fields(kit::Value::Kind::Text);
+  return fields;
+}
+
 Row cells_of(const veldra::Material& material, const PropertyHeadings& heading) {
   Row row = common_cells(material, "material", heading);
   row["type"] = material.type() ? material.type()->name().utf8() : "";
   row["code"] = material.code().utf8();
-  for (const auto& text : material_texts) row[text.key] = (material.*text.get)().utf8();
+  for (const auto* field : text_fields()) row[field->key] = kit::value_text(field->get(material));
   for (const double thickness : material.thicknesses()) {
     auto& cell = row["thickness"];
     cell += (cell.empty() ? "" : between) + exact_number(thickness);
@@ -201,7 +204,7 @@ std::string csv_of(const veldra::Library& library, CsvFor reader, Progress& prog
   CsvTable table({"kind", "name", "position", "material", "thickness", "function", "type", "code",
                   "tags", "drawing layer"},
                  reader);
-  for (const auto& text : material_texts) table.add_column(text.key);
+  for (const auto* field : text_fields()) table.add_column(field->key);
   const PropertyHeadings heading(library);
   for (const auto& column : heading.all()) table.add_column(column);
   for (const auto& material : all_objects<veldra::Material>(library)) {

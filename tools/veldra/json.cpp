@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "json.hpp"
 
-#include "fields.hpp"
 #include "kinds.hpp"
+#include "material_fields.hpp"
 #include "text.hpp"
 
 #include <fmt/format.h>
 
 #include <cmath>
 #include <cstdio>
+#include <type_traits>
 
 namespace veldra_tool {
 
@@ -29,9 +30,19 @@ Json pattern_to_json(const veldra::Pattern& pattern) {
   return json;
 }
 
-template <class Tagged>
-void add_tags(Json& json, const Tagged& object) {
-  for (const auto& tag : object.tags()) json["tags"].push_back(tag->name().utf8());
+Json layer_to_json(const kit::LayerValue& layer) {
+  Json json = Json::object();
+  json["material"] = layer.material;
+  json["thickness"] = number_to_json(layer.thickness);
+  if (layer.function != 0) json["function"] = layer.function;
+  return json;
+}
+
+template <class List, class JsonOf>
+Json list_to_json(const List& list, JsonOf json_of) {
+  Json json = Json::array();
+  for (const auto& each : list) json.push_back(json_of(each));
+  return json;
 }
 
 /// Values of properties for all kinds of objects stand apart, because their properties are others
@@ -44,74 +55,23 @@ void add_custom_values(Json& json, const Owner& object) {
   }
 }
 
-template <class Asset>
-Json asset_to_json(const Asset& asset) {
+/// What an object stores, each field that is not as in a new object. The custom values are those of
+/// the object, whichever properties a library has.
+template <class T>
+Json stored_fields_to_json(const T& object) {
+  const auto& fields = built_in_fields<T>();
   Json json = Json::object();
-  json["name"] = asset.name().utf8();
-  if (asset.description()) json["description"] = asset.description().utf8();
-  if (asset.subclass()) json["subclass"] = asset.subclass().utf8();
-  json["density"] = number_to_json(asset.density());
-  json["specific_heat"] = number_to_json(asset.specific_heat());
-  json["thermal_conductivity"] = number_to_json(asset.thermal_conductivity());
-  add_tags(json, asset);
-  return json;
-}
-
-void add_assets(Json& json, const veldra::Material& material) {
-  if (const auto& asset = material.structuralAsset()) {
-    json["structural_asset"] = asset_to_json(*asset);
-  }
-  if (const auto& asset = material.thermalAsset()) {
-    Json thermal = asset_to_json(*asset);
-    if (asset->source()) thermal["source"] = asset->source().utf8();
-    thermal["emissivity"] = number_to_json(asset->emissivity());
-    json["thermal_asset"] = thermal;
-  }
-}
-
-void add_appearance(Json& json, const veldra::Material& material) {
-  if (material.shading_use_appearance()) json["shading_use_appearance"] = true;
-  for (const auto& color : material_colors) {
-    const auto& value = (material.*color.get)();
-    if (value != veldra::Color()) json[color.key] = color_to_json(value);
-  }
-  for (const auto& pattern : material_patterns) {
-    const auto& value = (material.*pattern.get)();
-    if (value != veldra::Pattern()) json[pattern.key] = pattern_to_json(value);
-  }
-  const auto& alignment = material.surface_pattern_alignment();
-  if (alignment != veldra::Point2d()) {
-    json["surface_pattern_alignment"] =
-        Json::array({number_to_json(alignment.x), number_to_json(alignment.y)});
-  }
-  if (const auto& layer = material.cut_layer()) json["cut_layer"] = layer->name().utf8();
-}
-
-Json layers_to_json(const veldra::Composition& composition) {
-  Json json = Json::array();
-  for (const auto& layer : composition.layers()) {
-    Json entry = Json::object();
-    entry["material"] = layer.material()->name().utf8();
-    entry["thickness"] = number_to_json(layer.thickness());
-    if (layer.function() != veldra::Material::Function::None) {
-      entry["function"] = static_cast<int>(layer.function());
+  for (auto field = fields.begin(); field != fields.end(); ++field) {
+    if constexpr (std::is_base_of_v<veldra::CustomValued<T>, T>) {
+      if (field == fields.custom_begin()) add_custom_values(json, object);
     }
-    json.push_back(entry);
+    if (field->origin != kit::Origin::Stored && field->origin != kit::Origin::Asset) continue;
+    const auto value = field->get(object);
+    if (value.is_nothing() || value == field->initial) continue;
+    Json& member = field->group.empty() ? json : json[field->group];
+    member[field->key] = value_to_json(value);
   }
   return json;
-}
-
-void add_indices(Json& json, const veldra::Composition& composition) {
-  json["first_core_layer"] = composition.first_core_layer();
-  json["last_core_layer"] = composition.last_core_layer();
-  json["structural_layer"] = composition.structural_layer();
-  if (composition.has_variable_layer()) json["variable_layer"] = composition.variable_layer();
-  const double least = composition.variable_layer_min_thickness();
-  if (least != 0) json["variable_layer_min_thickness"] = number_to_json(least);
-  if (composition.has_variable_layer_max_thickness()) {
-    json["variable_layer_max_thickness"] =
-        number_to_json(composition.variable_layer_max_thickness());
-  }
 }
 
 }  // namespace
@@ -122,49 +82,41 @@ Json number_to_json(double number) {
   return number;
 }
 
-Json to_json(const veldra::Material& material) {
-  Json json = Json::object();
-  json["name"] = material.name().utf8();
-  if (material.has_code()) json["code"] = material.code().utf8();
-  if (material.type()) json["type"] = material.type()->name().utf8();
-  for (const auto& text : material_texts) {
-    const auto& value = (material.*text.get)();
-    if (value) json[text.key] = value.utf8();
+Json value_to_json(const kit::Value& value) {
+  switch (value.kind()) {
+    case kit::Value::Kind::Nothing:
+      return nullptr;
+    case kit::Value::Kind::YesNo:
+      return value.as<bool>();
+    case kit::Value::Kind::WholeNumber:
+      return value.as<long long>();
+    case kit::Value::Kind::Number:
+      return number_to_json(value.as<double>());
+    case kit::Value::Kind::Text:
+      return value.as<std::string>();
+    case kit::Value::Kind::Texts:
+      return value.as<kit::Value::Texts>();
+    case kit::Value::Kind::Numbers:
+      return list_to_json(value.as<kit::Value::Numbers>(), number_to_json);
+    case kit::Value::Kind::Color:
+      return color_to_json(value.as<veldra::Color>());
+    case kit::Value::Kind::Pattern:
+      return pattern_to_json(value.as<veldra::Pattern>());
+    case kit::Value::Kind::Point: {
+      const auto& point = value.as<veldra::Point2d>();
+      return list_to_json(std::vector<double>{point.x, point.y}, number_to_json);
+    }
+    case kit::Value::Kind::Layers:
+      return list_to_json(value.as<kit::Value::Layers>(), layer_to_json);
   }
-  add_tags(json, material);
-  if (material.function() != veldra::Material::Function::None) {
-    json["function"] = static_cast<int>(material.function());
-  }
-  for (const double thickness : material.thicknesses()) {
-    json["thicknesses"].push_back(number_to_json(thickness));
-  }
-  if (!material.allow_custom_thickness()) json["allow_custom_thickness"] = false;
-  add_custom_values(json, material);
-  add_appearance(json, material);
-  add_assets(json, material);
-  return json;
+  return nullptr;
 }
 
-Json to_json(const veldra::Composition& composition) {
-  Json json = Json::object();
-  json["name"] = composition.name().utf8();
-  json["type"] = name_of(composition.type());
-  if (composition.description()) json["description"] = composition.description().utf8();
-  if (composition.comments()) json["comments"] = composition.comments().utf8();
-  add_tags(json, composition);
-  if (const auto& layer = composition.entity_layer()) json["entity_layer"] = layer->name().utf8();
-  add_custom_values(json, composition);
-  json["layers"] = layers_to_json(composition);
-  add_indices(json, composition);
-  return json;
-}
+Json to_json(const veldra::Material& material) { return stored_fields_to_json(material); }
 
-Json to_json(const veldra::CustomProperty& property) {
-  Json json = Json::object();
-  json["name"] = property.name().utf8();
-  json["object_type"] = owner_kind_to_json(property.object_type());
-  return json;
-}
+Json to_json(const veldra::Composition& composition) { return stored_fields_to_json(composition); }
+
+Json to_json(const veldra::CustomProperty& property) { return stored_fields_to_json(property); }
 
 Json settings_to_json(const veldra::Library& library) {
   Json json = Json::object();
@@ -172,13 +124,6 @@ Json settings_to_json(const veldra::Library& library) {
   json["locale"] = library.locale().utf8();
   json["region"] = library.region().utf8();
   return json;
-}
-
-Json owner_kind_to_json(veldra::ObjectType kind) {
-  if (kind == veldra::ObjectType::Material || kind == veldra::ObjectType::Composition) {
-    return singular_of(kind);
-  }
-  return static_cast<int>(kind);
 }
 
 Json key_to_json(const veldra::ObjectKey& key, const std::string& name) {

@@ -2,6 +2,7 @@
 #ifndef VELDRA_TOOL_JSON_HPP
 #define VELDRA_TOOL_JSON_HPP
 
+#include "kit.hpp"
 #include "process/spool.hpp"
 
 #include <veldra/veldra.hpp>
@@ -19,6 +20,9 @@ using Json = nlohmann::ordered_json;
 /// A number; null for NaN, and a text for what else JSON has no number for.
 Json number_to_json(double number);
 
+/// The value of a field as it stands in exported files; null for nothing.
+Json value_to_json(const kit::Value& value);
+
 // The objects as they stand in exported files: names instead of ids, and no members for what has
 // its default value.
 Json to_json(const veldra::Material& material);
@@ -27,9 +31,6 @@ Json to_json(const veldra::CustomProperty& property);
 
 /// The library's own values, its GUID apart: that belongs to one file.
 Json settings_to_json(const veldra::Library& library);
-
-/// The kind of object that a property is for, as a name where it has one.
-Json owner_kind_to_json(veldra::ObjectType kind);
 
 /// What tells an object from others: its kind, id and name.
 Json key_to_json(const veldra::ObjectKey& key, const std::string& name);

@@ -22,6 +22,11 @@ unsigned id_in(const std::string& text) {
   return result.ec == std::errc() && result.ptr == end ? id : 0;
 }
 
+bool is_unreadable_object() {
+  const auto kind = veldra::error_kind();
+  return kind == veldra::ErrorKind::MalformedText || kind == veldra::ErrorKind::Damaged;
+}
+
 template <>
 std::vector<std::shared_ptr<veldra::CustomProperty>> objects_named(const veldra::Library& library,
                                                                    const std::string& name) {

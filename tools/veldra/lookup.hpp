@@ -40,6 +40,26 @@ template <>
 std::vector<std::shared_ptr<veldra::CustomProperty>> objects_named(const veldra::Library& library,
                                                                    const std::string& name);
 
+/// Whether reading has failed at an object of whose name nothing is known.
+bool is_unreadable_object();
+
+/// A question for those names of a kind that are most like one that is not there; empty where none
+/// is. Of a large library it looks at the first objects only, as somebody waits.
+template <class T>
+std::string suggested_names(const veldra::Library& library, const std::string& name) {
+  std::size_t left = 100000;
+  kit::Nearest nearest(name);
+  try {
+    library.for_each<T>([&](const std::shared_ptr<T>& object) {
+      nearest.offer(object->name().utf8());
+      return --left > 0;
+    });
+  } catch (...) {
+    if (!is_unreadable_object()) throw;
+  }
+  return printable(kit::suggestion(nearest.names()));
+}
+
 /// The object that a text names (`naming_of`). Throws `LibraryFailure` when there is none, and when
 /// there are several.
 template <class T>
@@ -56,7 +76,8 @@ std::shared_ptr<T> find_object(const veldra::Library& library, const std::string
                                      in_quotes(naming.text), named[0]->id(), named[1]->id()));
   }
   if (named.empty() && !numbered) {
-    throw LibraryFailure(fmt::format("there is no {} {} in the library", kind, in_quotes(text)));
+    throw LibraryFailure(fmt::format("there is no {} {} in the library{}", kind, in_quotes(text),
+                                     suggested_names<T>(library, naming.text)));
   }
   if (!named.empty() && numbered && named[0]->id() != numbered->id()) {
     throw LibraryFailure(

@@ -3,8 +3,8 @@
 
 #include "failure.hpp"
 #include "import/source_model.hpp"
+#include "kit.hpp"
 #include "text.hpp"
-#include "thermal.hpp"
 
 #include <fmt/format.h>
 
@@ -26,10 +26,10 @@ bool has_no_thickness(const veldra::Composition::Layer& layer) {
 
 /// An empty text says that it is not known.
 void add_conductivity(const veldra::Material& material, Sentences& sentences) {
-  const auto value = material.custom_value(veldra::String(property::conductivity));
+  const auto value = material.custom_value(veldra::String(kit::property::conductivity));
   if (value.null()) return;
   const std::string text = trimmed(value.get().utf8());
-  const auto number = number_value(material, property::conductivity);
+  const auto number = kit::number_value(material, kit::property::conductivity);
   if (text.empty() || (number && *number > 0)) return;
   sentences.push_back(fmt::format("its thermal conductivity is {}: {}",
                                   number ? "not greater than 0" : "no number that can be used",

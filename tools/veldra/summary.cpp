@@ -3,7 +3,6 @@
 
 #include "kinds.hpp"
 #include "text.hpp"
-#include "thermal.hpp"
 
 #include <fmt/format.h>
 
@@ -12,22 +11,12 @@ namespace veldra_tool {
 namespace {
 
 template <class Named>
-std::vector<std::string> named_cells(const Named& object) {
-  return {fmt::format("{}", object.id()), object.name().utf8()};
-}
-
-template <class Named>
 Json with_id(const Named& object, const Json& rest = Json::object()) {
   Json json = Json::object();
   json["id"] = object.id();
   json["name"] = object.name().utf8();
   json.update(rest);
   return json;
-}
-
-std::string owner_kind_text(veldra::ObjectType kind) {
-  const Json json = owner_kind_to_json(kind);
-  return json.is_string() ? json.get<std::string>() : json.dump();
 }
 
 }  // namespace
@@ -49,70 +38,6 @@ Json counts_of(const veldra::Library& library) {
     });
   }
   return counts;
-}
-
-template <>
-std::vector<Table::Column> summary_columns<veldra::CustomProperty>(veldra::Unit) {
-  return {{"id", Align::Right}, {"name"}, {"for"}};
-}
-
-template <>
-std::vector<Table::Column> summary_columns<veldra::Material>(veldra::Unit unit) {
-  return {{"id", Align::Right},
-          {"name"},
-          {"type"},
-          {"code"},
-          {fmt::format("thicknesses [{}]", name_of(unit))},
-          {"tags"}};
-}
-
-template <>
-std::vector<Table::Column> summary_columns<veldra::Composition>(veldra::Unit unit) {
-  return {{"id", Align::Right},
-          {"name"},
-          {"type"},
-          {"layers", Align::Right},
-          {fmt::format("total [{}]", name_of(unit)), Align::Right},
-          {"U [W/(m²K)]", Align::Right},
-          {"tags"}};
-}
-
-std::vector<std::string> summary_cells(const veldra::Tag& tag, veldra::Unit) {
-  return named_cells(tag);
-}
-
-std::vector<std::string> summary_cells(const veldra::Layer& layer, veldra::Unit) {
-  return named_cells(layer);
-}
-
-std::vector<std::string> summary_cells(const veldra::MaterialType& type, veldra::Unit) {
-  return named_cells(type);
-}
-
-std::vector<std::string> summary_cells(const veldra::CustomProperty& property, veldra::Unit) {
-  auto cells = named_cells(property);
-  cells.push_back(owner_kind_text(property.object_type()));
-  return cells;
-}
-
-std::vector<std::string> summary_cells(const veldra::Material& material, veldra::Unit unit) {
-  auto cells = named_cells(material);
-  cells.push_back(material.type() ? material.type()->name().utf8() : "");
-  cells.push_back(material.code().utf8());
-  cells.push_back(thicknesses_text(material, unit));
-  cells.push_back(tags_text(material));
-  return cells;
-}
-
-std::vector<std::string> summary_cells(const veldra::Composition& composition, veldra::Unit unit) {
-  auto cells = named_cells(composition);
-  cells.push_back(name_of(composition.type()));
-  cells.push_back(fmt::format("{}", composition.layers().size()));
-  cells.push_back(length_text(total_thickness(composition), unit));
-  const auto transmittance = transmission_of(composition, unit).transmittance();
-  cells.push_back(transmittance ? fmt::format("{:.2f}", *transmittance) : "–");
-  cells.push_back(tags_text(composition));
-  return cells;
 }
 
 Json summary_of(const veldra::Tag& tag) { return with_id(tag); }
@@ -141,6 +66,11 @@ std::string thicknesses_text(const veldra::Material& material, veldra::Unit unit
 
 std::string length_text(double length, veldra::Unit unit) {
   return rounded_number(length, unit == veldra::Unit::Inches ? 3 : 2);
+}
+
+std::string resistance_text(const kit::Transmission& transmission, std::size_t layer) {
+  const bool told = layer >= transmission.ventilated && transmission.layers[layer];
+  return told ? fixed_number(*transmission.layers[layer], 3) : "–";
 }
 
 }  // namespace veldra_tool

@@ -3,12 +3,11 @@
 #define VELDRA_TOOL_SUMMARY_HPP
 
 #include "json.hpp"
-#include "table.hpp"
+#include "kit.hpp"
 
 #include <veldra/veldra.hpp>
 
 #include <string>
-#include <vector>
 
 namespace veldra_tool {
 
@@ -18,25 +17,7 @@ Json facts_of(const veldra::Library& library);
 /// How many objects of each kind there are.
 Json counts_of(const veldra::Library& library);
 
-// One line about an object, for lists.
-
-template <class T>
-std::vector<Table::Column> summary_columns(veldra::Unit) {
-  return {{"id", Align::Right}, {"name"}};
-}
-template <>
-std::vector<Table::Column> summary_columns<veldra::CustomProperty>(veldra::Unit unit);
-template <>
-std::vector<Table::Column> summary_columns<veldra::Material>(veldra::Unit unit);
-template <>
-std::vector<Table::Column> summary_columns<veldra::Composition>(veldra::Unit unit);
-
-std::vector<std::string> summary_cells(const veldra::Tag& tag, veldra::Unit unit);
-std::vector<std::string> summary_cells(const veldra::Layer& layer, veldra::Unit unit);
-std::vector<std::string> summary_cells(const veldra::MaterialType& type, veldra::Unit unit);
-std::vector<std::string> summary_cells(const veldra::CustomProperty& property, veldra::Unit unit);
-std::vector<std::string> summary_cells(const veldra::Material& material, veldra::Unit unit);
-std::vector<std::string> summary_cells(const veldra::Composition& composition, veldra::Unit unit);
+// An object for lists.
 
 Json summary_of(const veldra::Tag& tag);
 Json summary_of(const veldra::Layer& layer);
@@ -57,6 +38,9 @@ std::string thicknesses_text(const veldra::Material& material, veldra::Unit unit
 
 /// A length for people, without its unit: two decimals of millimetres, three of inches.
 std::string length_text(double length, veldra::Unit unit);
+
+/// The resistance of a layer for people; "–" for what is not known or does not count.
+std::string resistance_text(const kit::Transmission& transmission, std::size_t layer);
 
 }  // namespace veldra_tool
 

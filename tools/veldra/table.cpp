@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "table.hpp"
 
+#include "process/standard_streams.hpp"
 #include "text.hpp"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace veldra_tool {
@@ -14,13 +16,24 @@ namespace {
 
 using Cells = std::vector<std::string>;
 
+constexpr std::string_view gap = "  ";
+
+/// What is left of a text when it has to be short.
+constexpr std::size_t least_width = 8;
+
+std::string shortened(const std::string& cell, std::size_t width) {
+  if (display_width(cell) <= width) return cell;
+  return leading_columns(cell, width - 1) + "…";
+}
+
 std::string line_of(const Cells& cells, const std::vector<std::size_t>& widths,
                     const std::vector<Table::Column>& columns) {
   std::string line;
   for (std::size_t i = 0; i < cells.size(); ++i) {
-    if (i > 0) line += "  ";
-    const std::string padding(widths[i] - display_width(cells[i]), ' ');
-    line += columns[i].align == Align::Right ? padding + cells[i] : cells[i] + padding;
+    if (i > 0) line += gap;
+    const std::string cell = shortened(cells[i], widths[i]);
+    const std::string padding(widths[i] - display_width(cell), ' ');
+    line += columns[i].align == Align::Right ? padding + cell : cell + padding;
   }
   line.erase(line.find_last_not_of(' ') + 1);
   return line + "\n";
@@ -36,20 +49,42 @@ void Table::add(std::vector<std::string> cells) {
   rows_.push_back(std::move(cells));
 }
 
-std::string Table::text() const {
-  Cells titles;
+std::vector<std::size_t> Table::natural_widths() const {
   std::vector<std::size_t> widths;
   for (std::size_t i = 0; i < columns_.size(); ++i) {
-    titles.push_back(columns_[i].title);
     std::size_t width = display_width(columns_[i].title);
     for (const Cells& row : rows_) width = std::max(width, display_width(row[i]));
     widths.push_back(width);
   }
+  return widths;
+}
+
+void Table::fit(std::vector<std::size_t>& widths, std::size_t width) const {
+  const auto total = [&] {
+    return std::accumulate(widths.begin(), widths.end(), gap.size() * (widths.size() - 1));
+  };
+  while (total() > width) {
+    auto widest = widths.end();
+    for (auto each = widths.begin(); each != widths.end(); ++each) {
+      const auto& column = columns_[static_cast<std::size_t>(each - widths.begin())];
+      const bool can_go =
+          column.align == Align::Left && *each > std::max(least_width, display_width(column.title));
+      if (can_go && (widest == widths.end() || *each > *widest)) widest = each;
+    }
+    if (widest == widths.end()) return;
+    --*widest;
+  }
+}
+
+std::string Table::text(std::size_t width) const {
+  auto widths = natural_widths();
+  if (width > 0) fit(widths, width);
+  Cells titles;
   Cells rules;
-  for (const std::size_t width : widths) {
-    std::string rule;
-    for (std::size_t i = 0; i < width; ++i) rule += "─";
-    rules.push_back(rule);
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    titles.push_back(columns_[i].title);
+    rules.emplace_back();
+    for (std::size_t column = 0; column < widths[i]; ++column) rules.back() += "─";
   }
   std::string text = line_of(titles, widths, columns_) + line_of(rules, widths, columns_);
   for (const Cells& row : rows_) text += line_of(row, widths, columns_);
@@ -61,7 +96,7 @@ Table object_table(const std::string& title) {
 }
 
 void print_table(Spool& output, const Table& table, const std::string& when_empty) {
-  output.write(table.empty() ? when_empty + "\n" : table.text());
+  output.write(table.empty() ? when_empty + "\n" : table.text(terminal_width()));
 }
 
 }  // namespace veldra_tool

@@ -27,9 +27,16 @@ class Table {
   bool empty() const { return rows_.empty(); }
 
   /// The whole table, one line a row.
-  std::string text() const;
+  std::string text() const { return text(0); }
+
+  /// The same in no more than so many columns of a terminal, as far as shortening the widest of the
+  /// texts allows; 0 for as many as it takes.
+  std::string text(std::size_t width) const;
 
  private:
+  std::vector<std::size_t> natural_widths() const;
+  void fit(std::vector<std::size_t>& widths, std::size_t width) const;
+
   std::vector<Column> columns_;
   std::vector<std::vector<std::string>> rows_;
 };

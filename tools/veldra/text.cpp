@@ -10,7 +10,6 @@
 #include <clocale>
 #include <cmath>
 #include <cwchar>
-#include <cwctype>
 
 namespace veldra_tool {
 
@@ -119,22 +118,6 @@ std::string from_latin1(std::string_view text) {
   return result;
 }
 
-std::string folded(std::string_view text) {
-  std::string result;
-  result.reserve(text.size());
-  for_each_character(text, [&](wchar_t character, std::string_view) {
-    append_character(result, static_cast<wchar_t>(std::towlower(static_cast<wint_t>(character))));
-  });
-  return result;
-}
-
-std::string trimmed(std::string_view text) {
-  constexpr const char* blanks = " \t\r\n\v\f";
-  const auto first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) return {};
-  return std::string(text.substr(first, text.find_last_not_of(blanks) - first + 1));
-}
-
 std::size_t display_width(std::string_view text) {
   std::size_t width = 0;
   for_each_character(text, [&](wchar_t character, std::string_view) {
@@ -173,14 +156,12 @@ std::string printable(std::string_view text) {
 }
 
 veldra::String library_text(const std::string& text) {
-  if (!is_utf8(text)) throw Failure("a text is not UTF-8");
-  if (text.find('\0') != std::string::npos) throw Failure("a text has the character U+0000");
-  veldra::String result;
-  result.utf8(text);
-  return result;
+  try {
+    return kit::library_text(text);
+  } catch (const kit::Error& error) {
+    throw Failure(error.what());
+  }
 }
-
-std::string exact_number(double number) { return fmt::format("{}", number); }
 
 std::string rounded_number(double number, int decimals) {
   if (!std::isfinite(number)) return std::isnan(number) ? "?" : fmt::format("{}", number);

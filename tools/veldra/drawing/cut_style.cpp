@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "drawing/hatch.hpp"
-#include "text.hpp"
-#include "thermal.hpp"
+#include "kit.hpp"
 
 #include <fmt/format.h>
 
@@ -38,12 +37,13 @@ std::string hex(const veldra::Color& color) {
 
 /// What the numbers of a material without a cut pattern make likely.
 std::string likely_hatch(const veldra::Material& material) {
-  const std::string type = material.type() ? folded(material.type()->name().utf8()) : "";
+  const std::string type = material.type() ? kit::lower_case(material.type()->name().utf8()) : "";
   if (type == "air gap" || type == "gas" || type == "gas mixture") return "air";
   if (type == "glazing" || type == "simple glazing" || type == "glass") return "glass";
-  const auto conductivity = conductivity_of(material);
-  const auto density = number_value(material, property::density);
-  if (!conductivity) return number_value(material, property::resistance) ? "insulation" : "lines";
+  const auto conductivity = kit::conductivity_of(material);
+  const auto density = kit::number_value(material, kit::property::density);
+  if (!conductivity)
+    return kit::number_value(material, kit::property::resistance) ? "insulation" : "lines";
   if (*conductivity > 10) return "metal";
   if (*conductivity <= 0.065) return "insulation";
   if (*conductivity <= 0.25 && density && *density >= 300 && *density <= 750) return "timber";
@@ -63,7 +63,7 @@ CutStyle cut_style(const veldra::Material& material) {
     style.hatch = likely_hatch(material);
     style.angle = 45;
   } else {
-    style.hatch = pattern.name ? folded(pattern.name.utf8()) : "lines";
+    style.hatch = pattern.name ? kit::lower_case(pattern.name.utf8()) : "lines";
   }
   const auto& fill = material.shading_color();
   const bool coloured = fill.alpha > 0;

@@ -4,8 +4,8 @@
 #include "drawing/section.hpp"
 #include "drawing/svg.hpp"
 #include "kinds.hpp"
+#include "summary.hpp"
 #include "text.hpp"
-#include "thermal.hpp"
 
 #include <fmt/format.h>
 
@@ -90,7 +90,7 @@ class Panel {
     const std::size_t layers = composition_.layers().size();
     if (layers == 0) return draw_sentence(svg, "This build-up has no layers.");
     if (layers > most_layers) return draw_sentence(svg, "It has too many layers to be drawn.");
-    transmission_ = transmission_of(composition_, unit_);
+    transmission_ = kit::transmission_of(composition_, unit_);
     const Section section(composition_, unit_, {margin, top_ + 15});
     thickened_ = section.has_thickened_layers();
     Svg body;
@@ -154,10 +154,10 @@ class Panel {
     }
     TextStyle number = style_of(2.8, Anchor::End);
     svg.text({thickness_right, base}, thickness_text(index), number);
-    const auto conductivity = conductivity_of(*layer.material());
+    const auto conductivity = kit::conductivity_of(*layer.material());
     svg.text({conductivity_right, base}, conductivity ? conductivity_text(*conductivity) : "–",
              number);
-    svg.text({right, base}, transmission_.resistance_text(index), number);
+    svg.text({right, base}, resistance_text(transmission_, index), number);
     const double end = y + row_padding + line_height * static_cast<double>(lines.size());
     svg.line({list_left - 2.5, end}, {right, end}, 0.09, "#999999");
     return end;
@@ -179,7 +179,7 @@ class Panel {
     number.bold = true;
     y += 5;
     svg.text({name_left, y}, "total thickness", label);
-    svg.text({thickness_right, y}, drawn_length(total_thickness(composition_), unit_), number);
+    svg.text({thickness_right, y}, drawn_length(kit::total_thickness(composition_), unit_), number);
     y = draw_transmission(svg, y + 5);
     TextStyle note = style_of(2.2);
     note.color = "#555555";
@@ -236,7 +236,7 @@ class Panel {
   const veldra::Composition& composition_;
   veldra::Unit unit_;
   double top_;
-  Transmission transmission_;
+  kit::Transmission transmission_;
   bool thickened_ = false;
   bool hatched_ = true;
 };

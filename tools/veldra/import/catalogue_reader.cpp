@@ -2,12 +2,11 @@
 #include "import/catalogue_reader.hpp"
 
 #include "failure.hpp"
-#include "fields.hpp"
 #include "import/object_reader.hpp"
 #include "import/place.hpp"
 #include "kinds.hpp"
+#include "material_fields.hpp"
 #include "text.hpp"
-#include "units.hpp"
 
 #include <fmt/format.h>
 
@@ -144,7 +143,7 @@ class CatalogueReader {
     auto material = veldra::Material::create(reader.required_text("name"));
     if (const JsonNode* code = reader.find("code")) material->code(reader.text_of(*code));
     if (reader.find("type")) material->type(shared_.type(reader.required_text("type")));
-    for (const auto& text : material_texts) ((*material).*text.set)(reader.text(text.key));
+    read_texts(reader, *material);
     read_tags(reader, *material);
     material->function(static_cast<veldra::Material::Function>(reader.integer("function", 0)));
     for (const auto& thickness : reader.list("thicknesses")) {
@@ -161,16 +160,23 @@ class CatalogueReader {
     catalogue_.materials.push_back({material, node.line});
   }
 
+  void read_texts(ObjectReader& reader, veldra::Material& material) {
+    for (const auto* field : texts_) {
+      const JsonNode* node = reader.find(field->key);
+      if (node != nullptr) field->set(material, reader.text_of(*node).utf8());
+    }
+  }
+
   void read_appearance(ObjectReader& reader, veldra::Material& material) {
     material.shading_use_appearance(reader.boolean("shading_use_appearance", false));
-    for (const auto& color : material_colors) {
-      if (const JsonNode* node = reader.find(color.key)) {
-        (material.*color.set)(color_of(*node, reader));
+    for (const auto* field : colors_) {
+      if (const JsonNode* node = reader.find(field->key)) {
+        field->set(material, color_of(*node, reader));
       }
     }
-    for (const auto& pattern : material_patterns) {
-      if (const JsonNode* node = reader.find(pattern.key)) {
-        (material.*pattern.set)(pattern_of(*node, file_));
+    for (const auto* field : patterns_) {
+      if (const JsonNode* node = reader.find(field->key)) {
+        field->set(material, pattern_of(*node, file_));
       }
     }
     if (const JsonNode* node = reader.find("surface_pattern_alignment")) {
@@ -250,6 +256,11 @@ class CatalogueReader {
   veldra::Unit to_;
   SharedObjects& shared_;
   Catalogue catalogue_;
+
+  using MaterialFields = std::vector<const kit::Field<veldra::Material>*>;
+  const MaterialFields texts_ = plain_material_fields(kit::Value::Kind::Text);
+  const MaterialFields colors_ = plain_material_fields(kit::Value::Kind::Color);
+  const MaterialFields patterns_ = plain_material_fields(kit::Value::Kind::Pattern);
 };
 
 void set_core(veldra::Composition& composition, const CatalogueComposition& wanted) {

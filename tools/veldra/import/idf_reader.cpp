@@ -132,7 +132,7 @@ bool is_usual_class(const std::string& name) {
                                            "globalgeometryrules",
                                            "people",
                                            "lights"};
-  return names.count(folded(name)) > 0;
+  return names.count(kit::lower_case(name)) > 0;
 }
 
 /// Whether an object is one that nothing but this format has. A field that goes over the end of a

@@ -6,8 +6,8 @@
 #include "import/place.hpp"
 #include "kinds.hpp"
 #include "numbers.hpp"
+#include "same_values.hpp"
 #include "text.hpp"
-#include "units.hpp"
 
 #include <fmt/format.h>
 
@@ -70,7 +70,7 @@ std::shared_ptr<T> IncomingObjects<T>::find(const std::string& name, std::size_t
                                             Names names) const {
   const auto exact = exact_.find(name);
   if (names == Names::Exact && exact != exact_.end()) return all_[exact->second].object;
-  const auto own = own_.find({source, folded(name)});
+  const auto own = own_.find({source, kit::lower_case(name)});
   if (own != own_.end()) return all_[own->second].object;
   const auto* other = taken(name, Names::Folded);
   return other ? other->object : nullptr;
@@ -79,7 +79,7 @@ std::shared_ptr<T> IncomingObjects<T>::find(const std::string& name, std::size_t
 template <class T>
 const Incoming<T>* IncomingObjects<T>::taken(const std::string& name, Names names) const {
   const auto& index = names == Names::Exact ? exact_ : folded_;
-  const auto found = index.find(names == Names::Exact ? name : folded(name));
+  const auto found = index.find(names == Names::Exact ? name : kit::lower_case(name));
   return found != index.end() ? &all_[found->second] : nullptr;
 }
 
@@ -89,11 +89,12 @@ void IncomingObjects<T>::add(const Incoming<T>& incoming, const std::string& nam
   const std::size_t index = all_.size();
   const std::string own_name = incoming.object->name().utf8();
   all_.push_back(incoming);
-  const std::string own_folded = folded(own_name);
+  const std::string own_folded = kit::lower_case(own_name);
   exact_.emplace(own_name, index);
   folded_.emplace(own_folded, index);
-  own_.emplace(std::make_pair(incoming.source, name == own_name ? own_folded : folded(name)),
-               index);
+  own_.emplace(
+      std::make_pair(incoming.source, name == own_name ? own_folded : kit::lower_case(name)),
+      index);
 }
 
 ImportSet::ImportSet(veldra::Unit unit, OnConflict policy, const std::vector<std::string>& tags)

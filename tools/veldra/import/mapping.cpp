@@ -2,9 +2,8 @@
 #include "import/mapping.hpp"
 
 #include "failure.hpp"
+#include "kit.hpp"
 #include "text.hpp"
-#include "thermal.hpp"
-#include "units.hpp"
 
 #include <fmt/format.h>
 
@@ -39,7 +38,7 @@ double thickness_of(const SourceMaterial& source) {
 }
 
 double thermal_mass_of(const veldra::Material& material) {
-  const auto density = number_value(material, property::density);
+  const auto density = kit::number_value(material, kit::property::density);
   if (!density || material.thicknesses().empty()) return -1;
   return *density * *material.thicknesses().begin();
 }
@@ -52,7 +51,7 @@ std::shared_ptr<veldra::Material> map_material(const SourceMaterial& source, vel
   auto material = veldra::Material::create(library_text(source.name));
   material->type(shared.type(source.described->type));
   if (source.described->default_thickness >= 0) {
-    material->thicknesses(veldra::toModify).insert(from_metres(thickness_of(source), unit));
+    material->thicknesses(veldra::toModify).insert(kit::from_metres(thickness_of(source), unit));
   }
   for (const auto& field : source.described->fields) {
     const auto value = source.values.find(field.key);

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "import/source_model.hpp"
 
-#include "text.hpp"
-#include "thermal.hpp"
+#include "kit.hpp"
 
 #include <algorithm>
 
@@ -42,8 +41,9 @@ std::vector<FieldDescription> absorptances() {
 }
 
 std::vector<FieldDescription> solid() {
-  return {number("conductivity", property::conductivity), number("density", property::density),
-          number("specific_heat", property::specific_heat)};
+  return {number("conductivity", kit::property::conductivity),
+          number("density", kit::property::density),
+          number("specific_heat", kit::property::specific_heat)};
 }
 
 std::vector<FieldDescription> glazing_fields() {
@@ -60,7 +60,7 @@ std::vector<FieldDescription> glazing_fields() {
       number("infrared_transmittance_at_normal_incidence", "Infrared transmittance [-]"),
       number("front_side_infrared_hemispherical_emissivity", "Front infrared emissivity [-]"),
       number("back_side_infrared_hemispherical_emissivity", "Back infrared emissivity [-]"),
-      number("conductivity", property::conductivity),
+      number("conductivity", kit::property::conductivity),
       number("dirt_correction_factor_for_solar_and_visible_transmittance",
              "Dirt correction factor [-]"),
       text("solar_diffusing", "Solar diffusing")};
@@ -74,7 +74,7 @@ std::vector<FieldDescription> refraction_fields() {
           number("visible_extinction_coefficient", "Visible extinction coefficient [1/m]"),
           number("infrared_transmittance_at_normal_incidence", "Infrared transmittance [-]"),
           number("infrared_hemispherical_emissivity", "Infrared emissivity [-]"),
-          number("conductivity", property::conductivity)};
+          number("conductivity", kit::property::conductivity)};
 }
 
 std::vector<FieldDescription> gas_mixture_fields() {
@@ -98,7 +98,7 @@ std::vector<FieldDescription> shade_fields() {
           number("infrared_hemispherical_emissivity", "Infrared emissivity [-]"),
           number("infrared_transmittance", "Infrared transmittance [-]"),
           thickness(),
-          number("conductivity", property::conductivity)};
+          number("conductivity", kit::property::conductivity)};
 }
 
 std::vector<FieldDescription> vegetation_fields() {
@@ -106,14 +106,14 @@ std::vector<FieldDescription> vegetation_fields() {
                         number("leaf_reflectivity", "Leaf reflectance [-]"),
                         dropped("leaf_emissivity"), dropped("minimum_stomatal_resistance"),
                         dropped("soil_layer_name"), roughness(), thickness()},
-                       {number("conductivity_of_dry_soil", property::conductivity),
-                        number("density_of_dry_soil", property::density),
-                        number("specific_heat_of_dry_soil", property::specific_heat)}),
+                       {number("conductivity_of_dry_soil", kit::property::conductivity),
+                        number("density_of_dry_soil", kit::property::density),
+                        number("specific_heat_of_dry_soil", kit::property::specific_heat)}),
                 absorptances());
 }
 
 std::vector<MaterialClass> make_material_classes() {
-  const auto resistance = number("thermal_resistance", property::resistance);
+  const auto resistance = number("thermal_resistance", kit::property::resistance);
   return {{"Material", "Opaque", required,
            joined(joined({roughness(), thickness()}, solid()), absorptances())},
           {"Material:NoMass", "No mass", none, joined({roughness(), resistance}, absorptances())},
@@ -153,13 +153,13 @@ const std::vector<MaterialClass>& material_classes() {
 template <class Class>
 std::map<std::string, const Class*> by_name(const std::vector<Class>& classes) {
   std::map<std::string, const Class*> result;
-  for (const Class& described : classes) result[folded(described.name)] = &described;
+  for (const Class& described : classes) result[kit::lower_case(described.name)] = &described;
   return result;
 }
 
 template <class Class>
 const Class* find(const std::map<std::string, const Class*>& classes, const std::string& name) {
-  const auto found = classes.find(folded(name));
+  const auto found = classes.find(kit::lower_case(name));
   return found != classes.end() ? found->second : nullptr;
 }
 

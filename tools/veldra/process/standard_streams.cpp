@@ -2,6 +2,7 @@
 #include "process/standard_streams.hpp"
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace veldra_tool {
@@ -12,6 +13,11 @@ void occupy_standard_streams() noexcept {
     // The lowest free number is taken. A folder that is only pointed at is there in every system.
     [[maybe_unused]] const int taken = ::open("/", O_PATH | O_DIRECTORY);
   }
+}
+
+std::size_t terminal_width() noexcept {
+  winsize size{};
+  return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 }  // namespace veldra_tool

@@ -1,15 +1,10 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "thermal.hpp"
+#include <veldra/kit/physics.hpp>
+#include <veldra/kit/text.hpp>
 
-#include "text.hpp"
-#include "units.hpp"
-
-#include <fmt/format.h>
-
-#include <charconv>
 #include <cmath>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
@@ -22,18 +17,18 @@ struct Surface {
 
 /// ISO 6946: upward through roofs, downward through floors, horizontally through all
 /// else.
-Surface surface_of(veldra::Composition::Type type) {
+Surface surface_of(Composition::Type type) {
   switch (type) {
-    case veldra::Composition::Type::Roof:
+    case Composition::Type::Roof:
       return {"upward", 0.10};
-    case veldra::Composition::Type::Floor:
+    case Composition::Type::Floor:
       return {"downward", 0.17};
     default:
       return {"horizontal", 0.13};
   }
 }
 
-std::optional<double> resistance_of(const veldra::Composition::Layer& layer, veldra::Unit unit) {
+std::optional<double> resistance_of(const Composition::Layer& layer, Unit unit) {
   if (!layer.material()) return std::nullopt;
   if (const auto resistance = number_value(*layer.material(), property::resistance)) {
     return resistance;
@@ -43,14 +38,14 @@ std::optional<double> resistance_of(const veldra::Composition::Layer& layer, vel
   return in_metres(layer.thickness(), unit) / *conductivity;
 }
 
-bool is_well_ventilated(const veldra::Composition::Layer& layer) {
+bool is_well_ventilated(const Composition::Layer& layer) {
   if (!layer.material()) return false;
-  const auto value = layer.material()->custom_value(veldra::String(property::ventilation));
-  return !value.null() && folded(trimmed(value.get().utf8())) == "well ventilated";
+  const auto value = layer.material()->custom_value(String(property::ventilation));
+  return !value.null() && lower_case(trimmed(value.get().utf8())) == "well ventilated";
 }
 
 /// How many layers the innermost well-ventilated one keeps from counting, itself included.
-std::size_t ventilated_layers(const veldra::Composition& composition) {
+std::size_t ventilated_layers(const Composition& composition) {
   std::size_t count = 0;
   for (std::size_t i = 0; i < composition.layers().size(); ++i) {
     if (is_well_ventilated(composition.layers()[i])) count = i + 1;
@@ -59,11 +54,6 @@ std::size_t ventilated_layers(const veldra::Composition& composition) {
 }
 
 }  // namespace
-
-std::string Transmission::resistance_text(std::size_t layer) const {
-  const bool told = layer >= ventilated && layers[layer];
-  return told ? fixed_number(*layers[layer], 3) : "–";
-}
 
 std::optional<double> Transmission::total_resistance() const {
   if (!resistance) return std::nullopt;
@@ -76,7 +66,7 @@ std::optional<double> Transmission::transmittance() const {
   return 1.0 / *total;
 }
 
-Transmission transmission_of(const veldra::Composition& composition, veldra::Unit unit) {
+Transmission transmission_of(const Composition& composition, Unit unit) {
   Transmission result;
   const auto surface = surface_of(composition.type());
   result.ventilated = ventilated_layers(composition);
@@ -96,18 +86,13 @@ Transmission transmission_of(const veldra::Composition& composition, veldra::Uni
   return result;
 }
 
-std::optional<double> number_value(const veldra::Material& material, const char* property) {
-  const auto value = material.custom_value(veldra::String(property));
+std::optional<double> number_value(const Material& material, const char* property) {
+  const auto value = material.custom_value(String(property));
   if (value.null()) return std::nullopt;
-  const std::string text = trimmed(value.get().utf8());
-  double number = 0;
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (result.ec != std::errc() || result.ptr != text.data() + text.size()) return std::nullopt;
-  if (!std::isfinite(number)) return std::nullopt;
-  return number;
+  return number_in(value.get().utf8());
 }
 
-std::optional<double> conductivity_of(const veldra::Material& material) {
+std::optional<double> conductivity_of(const Material& material) {
   if (const auto conductivity = number_value(material, property::conductivity)) {
     return conductivity;
   }
@@ -116,10 +101,10 @@ std::optional<double> conductivity_of(const veldra::Material& material) {
   return asset->thermal_conductivity();
 }
 
-double total_thickness(const veldra::Composition& composition) {
+double total_thickness(const Composition& composition) {
   double sum = 0;
   for (const auto& layer : composition.layers()) sum += layer.thickness();
   return sum;
 }
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "units.hpp"
+#include "same_values.hpp"
+
+#include "kit.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -18,7 +20,7 @@ void align_unknown(veldra::Composition::Layer& left, veldra::Composition::Layer&
 void align_minimum(veldra::Composition& object, veldra::Composition& other) {
   const double left = object.variable_layer_min_thickness();
   const double right = other.variable_layer_min_thickness();
-  if (!same_length(left, right)) return;
+  if (!kit::same_length(left, right)) return;
   object.variable_layer_min_thickness(std::isnan(left) ? 0 : right);
   if (std::isnan(left)) other.variable_layer_min_thickness(0);
 }
@@ -26,7 +28,7 @@ void align_minimum(veldra::Composition& object, veldra::Composition& other) {
 void align_lengths(veldra::Material& object, const veldra::Material& other) {
   const auto& left = object.thicknesses();
   const auto& right = other.thicknesses();
-  if (!std::equal(left.begin(), left.end(), right.begin(), right.end(), same_length)) return;
+  if (!std::equal(left.begin(), left.end(), right.begin(), right.end(), kit::same_length)) return;
   object.thicknesses(veldra::toModify) = std::set<double>(right);
 }
 
@@ -36,31 +38,18 @@ void align_lengths(veldra::Composition& object, veldra::Composition& other) {
     auto& left = object.layer(i, veldra::toModify);
     auto& right = other.layer(i, veldra::toModify);
     align_unknown(left, right);
-    if (same_length(left.thickness(), right.thickness())) left.thickness(right.thickness());
+    if (kit::same_length(left.thickness(), right.thickness())) left.thickness(right.thickness());
   }
   align_minimum(object, other);
 }
 
 bool same_variable_layer(const veldra::Composition& left, const veldra::Composition& right) {
   return left.variable_layer() == right.variable_layer() &&
-         same_length(left.variable_layer_max_thickness(), right.variable_layer_max_thickness());
+         kit::same_length(left.variable_layer_max_thickness(),
+                          right.variable_layer_max_thickness());
 }
 
 }  // namespace
-
-double from_metres(double length, veldra::Unit unit) {
-  return length * 1000.0 / veldra::length_factor(unit, veldra::Unit::Millimetres);
-}
-
-double in_metres(double length, veldra::Unit unit) {
-  return veldra::converted_length(length, unit, veldra::Unit::Millimetres) / 1000.0;
-}
-
-bool same_length(double left, double right) {
-  if (std::isnan(left) || std::isnan(right)) return std::isnan(left) && std::isnan(right);
-  if (left == right) return true;
-  return std::abs(left - right) <= 1e-12 * std::max(std::abs(left), std::abs(right));
-}
 
 bool same_values(veldra::Material& object, veldra::Material& other) {
   align_lengths(object, other);

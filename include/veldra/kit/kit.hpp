@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#ifndef VELDRA_KIT_KIT_HPP
+#define VELDRA_KIT_KIT_HPP
+
+/// @file
+/// Everything that the kit offers to programs around a library, as C++17 or later.
+
+#include <veldra/kit/error.hpp>
+#include <veldra/kit/fields.hpp>
+#include <veldra/kit/kinds.hpp>
+#include <veldra/kit/physics.hpp>
+#include <veldra/kit/select.hpp>
+#include <veldra/kit/text.hpp>
+#include <veldra/kit/value.hpp>
+
+#endif

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#ifndef VELDRA_KIT_TEXT_HPP
+#define VELDRA_KIT_TEXT_HPP
+
+#include <veldra/kit/export.hpp>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace veldra::kit {
+
+// Texts of the kit are UTF-8.
+
+/// The form in which texts are compared by people: without regard to case, by the full case folding
+/// of Unicode, and to accents. "ÄNDERN", "ändern" and "andern" have one form, and so have "Straße"
+/// and "STRASSE". Marks of scripts in which they are no accents, such as vowels, stay.
+///
+/// A text that is not UTF-8 comes back as it is.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::string folded(std::string_view text);
+
+/// The text in lower case, character by character: the form in which sources are read whose names
+/// ignore case. Accents count, and "ß" is not "ss". Of a text that is not UTF-8 it is the part
+/// before the first malformed character.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::string lower_case(std::string_view text);
+
+/// The text without the blanks and line breaks of ASCII around it.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::string trimmed(std::string_view text);
+
+/// The shortest text that reads back to the same number.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::string exact_number(double number);
+
+/// The number that a text says, decimal and with a point, whatever the locale. Blanks around it do
+/// not matter. Empty if the text has anything else, and for what is not finite.
+VELDRA_KIT_EXPORT std::optional<double> number_in(std::string_view text);
+
+/// Finds the names that are most like one that is not there, such as "Brick" for "Birck". Case and
+/// accents do not count, nor does the order of two neighbouring letters much.
+///
+///     veldra::kit::Nearest nearest("Birck");
+///     for (const auto& name : names) nearest.offer(name);
+///     ask(nearest.names());
+///
+/// Keeps the best names only, so that any number of them can be offered.
+///
+/// Thread rule: one thread at a time uses an object.
+class VELDRA_KIT_EXPORT Nearest {
+ public:
+  /// Begins the search for names like `wanted`, of which at most `most` are kept.
+  ///
+  /// Throws: `std::bad_alloc`.
+  explicit Nearest(const std::string& wanted, std::size_t most = 3);
+
+  /// Looks at a name. One that needs more than a change in three letters is not near, unless the
+  /// name that is wanted is nearly a part of it.
+  ///
+  /// Throws: `std::bad_alloc`.
+  void offer(const std::string& name);
+
+  /// The names that are near, the nearest first, and of names that are equally near the one that
+  /// was offered first.
+  ///
+  /// Throws: `std::bad_alloc`.
+  std::vector<std::string> names() const;
+
+ private:
+  struct Found {
+    std::size_t distance;
+    std::string name;
+  };
+
+  void keep(Found found);
+
+  std::u32string wanted_;
+  std::size_t most_;
+  std::vector<Found> found_;
+};
+
+/// The names that are nearest to `wanted` (`Nearest`).
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::vector<std::string> nearest(const std::string& wanted,
+                                                   const std::vector<std::string>& names);
+
+/// A question such as "; did you mean 'Brick' or 'Block'?" for the end of a sentence; empty for no
+/// names.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::string suggestion(const std::vector<std::string>& names);
+
+}  // namespace veldra::kit
+
+#endif
