@@ -90,9 +90,6 @@ constexpr auto containers(OfKind<Composition>) {
                          kept_in<Rows::custom_values_traits>(&Values::custom_values));
 }
 
-template <class T>
-using ContainersOf = decltype(containers(OfKind<T>()));
-
 /// Whether a member has rows of its own.
 template <class Role, class How, class Record, class Field>
 constexpr bool is_container(Member<Role, How, Record, Field>*) {

@@ -100,6 +100,17 @@ Query in_list(const std::string& column, const List& list) {
   return in_list(column, list.begin(), list.end());
 }
 
+/// The same as one comparison after another; the list is not empty.
+template <class List>
+Query equals_one_of(const std::string& column, const List& list) {
+  Query any;
+  for (const auto& value : list) {
+    const Query equal = compare(column, "=", value);
+    any = any.empty() ? equal : any || equal;
+  }
+  return any;
+}
+
 /// Calls `part` with the list cut into parts that a statement can take.
 template <class List, class Part>
 void in_parts(const List& list, Part part) {
@@ -129,13 +140,11 @@ Query condition_of(const MaterialCriteria& criteria, const Rows& rows) {
 
 Query condition_of(const CompositionCriteria& criteria, const Rows& rows) {
   if (criteria.types == 0) return no_condition();
-  Query any_type;
+  std::vector<unsigned> types;
   for (unsigned bit = 1; bit != 0; bit <<= 1) {
-    if ((criteria.types & bit) == 0) continue;
-    const Query type = compare(rows.column("type"), "=", bit);
-    any_type = any_type.empty() ? type : any_type || type;
+    if ((criteria.types & bit) != 0) types.push_back(bit);
   }
-  return any_type;
+  return equals_one_of(rows.column("type"), types);
 }
 
 using TagNames = std::set<std::string>;
@@ -162,14 +171,9 @@ Query has_tag(const Rows& rows, const std::vector<long long>& tags) {
   // One comparison after another is faster than looking into a list, as long as they are few.
   constexpr std::size_t few = 8;
   const std::string table = quoted(std::string(Kind<T>::table) + "_tags");
-  std::string condition;
-  for (const long long tag : tags) {
-    const char* const joint = tags.size() > few ? "," : " OR \"tag_id\"=";
-    condition += condition.empty() ? std::to_string(tag) : joint + std::to_string(tag);
-  }
-  condition = "\"tag_id\"" + (tags.size() > few ? " IN (" + condition + ")" : "=" + condition);
-  return Query(rows.column("id") + " IN (SELECT \"object_id\" FROM " + table + " WHERE " +
-               condition + ")");
+  return Query(rows.column("id") + " IN (SELECT \"object_id\" FROM " + table + " WHERE ") +
+         (tags.size() > few ? in_list("\"tag_id\"", tags) : equals_one_of("\"tag_id\"", tags)) +
+         ")";
 }
 
 template <class T>
