@@ -216,7 +216,7 @@ class Panel {
   std::string lacking_text() const {
     std::string numbers;
     for (std::size_t i = 0; i < transmission_.layers.size(); ++i) {
-      if (transmission_.layers[i]) continue;
+      if (transmission_.layers[i].fault.empty()) continue;
       numbers += fmt::format("{}{}", numbers.empty() ? "" : ", ", i + 1);
     }
     return fmt::format("nothing is known of layer {}", numbers);
