@@ -9,6 +9,9 @@
 #include <veldra/kit/fields.hpp>
 #include <veldra/kit/kinds.hpp>
 #include <veldra/kit/physics.hpp>
+#include <veldra/kit/physics_moisture.hpp>
+#include <veldra/kit/physics_solve.hpp>
+#include <veldra/kit/physics_storage.hpp>
 #include <veldra/kit/select.hpp>
 #include <veldra/kit/text.hpp>
 #include <veldra/kit/value.hpp>
