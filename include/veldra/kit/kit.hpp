@@ -5,6 +5,7 @@
 /// @file
 /// Everything that the kit offers to programs around a library, as C++17 or later.
 
+#include <veldra/kit/clash.hpp>
 #include <veldra/kit/error.hpp>
 #include <veldra/kit/fields.hpp>
 #include <veldra/kit/kinds.hpp>
