@@ -10,6 +10,8 @@
 #include <veldra/kit/fields.hpp>
 #include <veldra/kit/kinds.hpp>
 #include <veldra/kit/physics.hpp>
+#include <veldra/kit/plan.hpp>
+#include <veldra/kit/progress.hpp>
 #include <veldra/kit/select.hpp>
 #include <veldra/kit/text.hpp>
 #include <veldra/kit/value.hpp>
