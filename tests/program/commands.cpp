@@ -49,6 +49,22 @@ const std::vector<Command> writers = {
     {"purge of compositions",
      {"purge", "office.lib", "compositions", "materials", "--yes"},
      "office.lib"},
+    {"import with a backup",
+     {"import", "office.lib", "walls.json", "--backup", "kept.lib"},
+     "office.lib",
+     0,
+     "kept.lib"},
+    {"remove with a backup",
+     {"remove", "office.lib", "materials", "Kork", "--backup", "kept.lib"},
+     "office.lib",
+     0,
+     "kept.lib"},
+    {"restore", {"restore", "--force", "site.lib", "office.lib"}, "site.lib"},
+    {"restore with a backup",
+     {"restore", "--force", "site.lib", "office.lib", "--backup", "kept.lib"},
+     "site.lib",
+     0,
+     "kept.lib"},
 };
 
 std::vector<Command> all() {

@@ -15,6 +15,7 @@ struct Command {
   Arguments arguments;
   std::string writes = {};  ///< the file, besides standard output
   int status = 0;           ///< when nothing goes wrong
+  std::string backup = {};  ///< the file of the backup, if one is made of what it writes
 };
 
 /// Each command in each of its forms; those of the second list write a file.

@@ -76,7 +76,7 @@ State state_of(const Reference& reference, const Contents& found) {
   bool before = true;
   bool after = true;
   for (const auto& name : names_in({&reference.before, &reference.after})) {
-    if (reference.keeps(name)) continue;
+    if (reference.keeps(name) || name == reference.command.backup) continue;
     before = before && text_of(found, name) == text_of(reference.before, name);
     after = after && text_of(found, name) == text_of(reference.after, name);
   }
@@ -94,7 +94,8 @@ Reference::Reference(const Command& given) : command(given) {
   after = scene.contents();
   EXPECT_EQ(run.status, command.status) << run.err;
   for (const auto& name : names_in({&before, &after})) {
-    EXPECT_NE(keeps(name), name == command.writes) << name << " of " << command.name;
+    EXPECT_NE(keeps(name), name == command.writes || name == command.backup)
+        << name << " of " << command.name;
   }
 }
 
@@ -123,7 +124,12 @@ State expect_whole_files(const Reference& reference, const Scene& scene, Leftove
         << name << " is neither as before nor as after: " << start_of(text);
   }
   expect_allowed(reference, leftovers, left);
-  return state_of(reference, found);
+  const State state = state_of(reference, found);
+  const std::string& backup = reference.command.backup;
+  if (state == State::After && !backup.empty()) {
+    EXPECT_EQ(text_of(found, backup), text_of(reference.after, backup)) << "changed, and no backup";
+  }
+  return state;
 }
 
 void expect_true_status(const Reference& reference, const Ending& run, State state) {
@@ -169,6 +175,8 @@ void expect_usable(const Reference& reference, const Scene& scene, State state) 
     }
     return;
   }
+  // It is written before the library is changed, and a second time it would be in the way.
+  if (!reference.command.backup.empty()) scene.remove(reference.command.backup);
   const Ending again = scene.run(reference.command.arguments);
   EXPECT_EQ(again.status, reference.run.status) << "when it is done again: " << again.err;
   EXPECT_EQ(again.out, reference.run.out) << "when it is done again";

@@ -168,6 +168,8 @@ Ending Scene::run(const Arguments& arguments, const SharedPlan* plan) const {
   return start(arguments, plan)->wait();
 }
 
+void Scene::remove(const std::string& name) const { fs::remove(folder_ / name); }
+
 std::vector<std::string> Scene::names() const {
   std::vector<std::string> names;
   for (const auto& entry : fs::recursive_directory_iterator(folder_.path())) {

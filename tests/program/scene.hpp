@@ -42,6 +42,9 @@ class Scene {
   std::unique_ptr<Process> start(const Arguments& arguments,
                                  const SharedPlan* plan = nullptr) const;
 
+  /// Removes a file, if it is there.
+  void remove(const std::string& name) const;
+
   /// The names of all files, those in `temporary` with its name before.
   std::vector<std::string> names() const;
 

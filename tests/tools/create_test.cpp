@@ -100,6 +100,8 @@ const std::vector<std::vector<std::string>>& wrong_arguments() {
       {"purge", "a.lib"},
       {"purge", "a.lib", "--yes"},
       {"purge", "a.lib", "nonsense"},
+      {"purge", "a.lib", "tags", "--backup", ""},
+      {"restore", "a.lib"},
       {"check"},
       {"draw", "a.lib"},
       {"draw", "a.lib", "x", "--json"},
@@ -129,7 +131,8 @@ TEST_P(Help, has_an_example) {
 
 INSTANTIATE_TEST_SUITE_P(OfEachCommand, Help,
                          testing::Values("create", "info", "list", "show", "where-used", "import",
-                                         "export", "copy", "remove", "purge", "check", "draw"));
+                                         "export", "copy", "remove", "purge", "restore", "check",
+                                         "draw"));
 
 TEST_F(Create, help_tells_the_exit_statuses) {
   const auto text = must({"--help"}).out;

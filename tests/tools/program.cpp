@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 
@@ -91,6 +92,8 @@ Outcome Running::outcome() {
   return run;
 }
 
+ProgramTest::ProgramTest() { ::setenv("XDG_CONFIG_HOME", path("configuration").c_str(), 1); }
+
 std::vector<std::string> ProgramTest::program() const {
   std::vector<std::string> texts = runner_;
   texts.push_back(VELDRA_PROGRAM);
@@ -127,9 +130,9 @@ Outcome ProgramTest::shell(const std::string& command) const {
   return start_shell(command)->outcome();
 }
 
-std::vector<std::string> ProgramTest::names() const {
+std::vector<std::string> ProgramTest::names(const std::string& folder) const {
   std::vector<std::string> all;
-  for (const auto& entry : std::filesystem::directory_iterator(folder_.path())) {
+  for (const auto& entry : std::filesystem::directory_iterator(path(folder))) {
     all.push_back(entry.path().filename().string());
   }
   std::sort(all.begin(), all.end());

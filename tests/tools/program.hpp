@@ -56,6 +56,9 @@ class Running {
 /// Runs the built program in a folder of its own.
 class ProgramTest : public testing::Test {
  protected:
+  /// The configuration is that of the folder, whatever the tester has.
+  ProgramTest();
+
   Outcome veldra(const std::vector<std::string>& arguments) const;
 
   /// Begins a run and does not wait for its end.
@@ -74,8 +77,8 @@ class ProgramTest : public testing::Test {
   std::string read(const std::string& file) const { return read_file(path(file)); }
   bool exists(const std::string& file) const { return file_exists(path(file)); }
 
-  /// The names of all that is in the folder, in their order.
-  std::vector<std::string> names() const;
+  /// The names of all that is in the folder, or in one in it, in their order.
+  std::vector<std::string> names(const std::string& folder = "") const;
 
   /// Opens a library of the folder, making it when it is missing.
   std::shared_ptr<veldra::Library> library(const std::string& file) const;

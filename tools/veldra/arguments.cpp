@@ -93,6 +93,19 @@ void add_output(CLI::App& command, std::string& output, bool& force) {
                    "Replace OUT where there is a file of that name; a library is never replaced");
 }
 
+void add_backup(CLI::App& command, Host& host) {
+  const auto go_to_file = [&host](const std::string& file) {
+    if (file.empty()) throw CLI::ValidationError("--backup", "the name of the file is empty");
+    host.backup.go_to_file(file);
+  };
+  command
+      .add_option_function<std::string>(
+          "--backup", go_to_file,
+          "Write a backup of the library as it was into this new file before it is changed, or "
+          "change nothing; 'veldra restore' brings it back")
+      ->type_name("BACKUP");
+}
+
 void add_format(CLI::App& command, std::string& format) {
   const auto known = [](const std::string& text) {
     if (text == "json" || text == "csv") return std::string();

@@ -3,6 +3,7 @@
 #define VELDRA_TOOL_ARGUMENTS_HPP
 
 #include "conflicts.hpp"
+#include "host.hpp"
 
 #include <veldra/veldra.hpp>
 
@@ -30,6 +31,7 @@ void add_yes(CLI::App& command, bool& yes, const std::string& description);
 void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::string& description);
 void add_output(CLI::App& command, std::string& output, bool& force);
 void add_json(CLI::App& command, bool& json);
+void add_backup(CLI::App& command, Host& host);
 
 /// The same for commands whose result goes to a file.
 void add_json_of_file(CLI::App& command, bool& json);

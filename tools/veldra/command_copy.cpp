@@ -217,7 +217,7 @@ void copy(const Arguments& arguments, Host& host) {
   }
   tell_as_they_were(arguments.source, arguments.destination);
   working_on(arguments.destination, [&] {
-    const auto destination = open_library(arguments.destination, Access::Write);
+    const auto destination = open_to_change(host, arguments.destination);
     const auto staging = staged(arguments, wanted, destination->unit());
     copy_objects(staging, destination, arguments, host);
   });
@@ -244,6 +244,7 @@ void add_copy(Host& host) {
       ->type_name("");
   command.add_flag("--all", arguments->all, "Copy everything");
   add_on_conflict(command, arguments->on_conflict);
+  add_backup(command, host);
   add_json(command, arguments->json);
   add_example(command, "veldra copy office.lib site.lib 'composition:Flat roof' material:17",
               "materials had assets, which are not copied");

@@ -113,7 +113,8 @@ class Import {
 
   void into_existing() {
     tell_as_it_was(arguments_.file);
-    const auto library = open_library(arguments_.file, Access::Write);
+    const auto library = arguments_.dry_run ? open_library(arguments_.file, Access::Write)
+                                            : open_to_change(host_, arguments_.file);
     into(library);
     host_.done = !arguments_.dry_run;
   }
@@ -136,12 +137,15 @@ class Import {
     const auto staging = staged(set, library->unit(), progress_);
     veldra::Library::Transaction transaction(*library);
     forbid_sudden_end();  // from here on the file may be written
+    host_.backup.make();
     const bool was_empty = is_empty(*library);
     transfer_set(set, staging, library, arguments_.on_conflict, report, progress_);
     if (was_empty) adopt_settings(*library, set);
     print(report, arguments_, host_.output);
     stop_if_asked();
-    if (!arguments_.dry_run) transaction.commit();
+    if (arguments_.dry_run) return;
+    host_.backup.put_into_place();
+    transaction.commit();
   }
 
   ImportSet read_set(veldra::Unit unit, ImportReport& report) {
@@ -196,6 +200,7 @@ void add_import(Host& host) {
   command.add_flag("--dry-run", arguments->dry_run, "Tell what would happen, and write nothing");
   command.add_flag("--strict", arguments->strict,
                    "Import nothing when there is any problem, or anything would be left out");
+  add_backup(command, host);
   add_json(command, arguments->json);
   add_example(command, "veldra import office.lib walls.idf glass.epJSON --on-conflict use",
               "anything of the sources has not come in: an object with a problem, a field or asset "

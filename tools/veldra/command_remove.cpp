@@ -220,6 +220,7 @@ void add_remove(Host& host) {
           fmt::format("Do not ask; without it, or an answer on a terminal, no more than {} are "
                       "removed at once",
                       most_without_asking));
+  add_backup(command, host);
   add_json(command, arguments->json);
   add_example(command, "veldra remove office.lib materials 'Solid brick' 17",
               "some of the objects stay because they are in use, and 1 when all do");
@@ -236,6 +237,7 @@ void add_purge(Host& host) {
   add_yes(command, arguments->yes,
           "Do not ask; without it, or an answer on a terminal, no compositions are removed, to "
           "which nothing ever refers");
+  add_backup(command, host);
   add_json(command, arguments->json);
   add_example(command, "veldra purge office.lib materials tags --dry-run");
   command.callback([arguments, &host] { purge(*arguments, host); });

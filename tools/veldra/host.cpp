@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "host.hpp"
 
+#include "configuration.hpp"
 #include "failure.hpp"
 #include "process/writing.hpp"
 
@@ -24,7 +25,9 @@ std::string versions() {
 Host::Host() : arguments("Catalogues of building materials and build-ups in library files") {
   arguments.name("veldra");
   arguments.set_version_flag("--version", versions(), "Print the release of the program and exit");
+  arguments.add_flag("--no-config", without_configuration_, "Ignore the configuration file");
   arguments.require_subcommand(1);
+  arguments.parse_complete_callback([this] { configure(); });
   arguments.get_formatter()->label("SUBCOMMAND", "COMMAND");
   arguments.get_formatter()->label("Positionals", "Arguments");
   arguments.get_formatter()->label("REQUIRED", "(required)");
@@ -38,15 +41,22 @@ Host::Host() : arguments("Catalogues of building materials and build-ups in libr
       "     use, something did not come along, or the report could not be written");
   for (const auto add :
        {add_create, add_info, add_list, add_show, add_where_used, add_import, add_export, add_copy,
-        add_remove, add_purge, add_draw, add_check, add_help})
+        add_remove, add_purge, add_restore, add_draw, add_calc, add_check, add_help})
     add(*this);
-  for (CLI::App* command : arguments.get_subcommands({})) command->group("Commands");
+  for (CLI::App* command : arguments.get_subcommands({})) command->group("Commands")->fallthrough();
 }
 
 bool Host::has_command(const std::string& name) const {
   const auto commands = arguments.get_subcommands({});
   return std::any_of(commands.begin(), commands.end(),
                      [&](const CLI::App* command) { return command->get_name() == name; });
+}
+
+void Host::configure() {
+  const auto commands = arguments.get_subcommands();
+  const bool is_help = !commands.empty() && commands.front()->get_name() == "help";
+  if (!without_configuration_ && !is_help) backup.go_to_folder(read_configuration().backup);
+  backup.require_place();
 }
 
 void Host::doubt(const std::string& file, int error) {

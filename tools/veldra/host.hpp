@@ -2,6 +2,7 @@
 #ifndef VELDRA_TOOL_HOST_HPP
 #define VELDRA_TOOL_HOST_HPP
 
+#include "files/backup.hpp"
 #include "process/spool.hpp"
 #include "process/status.hpp"
 
@@ -21,12 +22,19 @@ struct Host {
   Status status = Status::Done;
   Spool output;       ///< for standard output
   std::string notes;  ///< for standard error, whole lines
+  Backup backup;      ///< of the library that the command changes
 
   /// That something was done that no failure afterwards undoes, such as a commit.
   bool done = false;
 
+  /// Takes over what the user wishes for every run, before the command begins.
+  void configure();
+
   /// Notes that a file is in place, but that its folder could not be brought to the disk.
   void doubt(const std::string& file, int error);
+
+ private:
+  bool without_configuration_ = false;
 };
 
 // Each adds one command with its arguments; the command runs while the arguments are parsed.
@@ -40,8 +48,10 @@ void add_export(Host& host);
 void add_copy(Host& host);
 void add_remove(Host& host);
 void add_purge(Host& host);
+void add_restore(Host& host);
 void add_check(Host& host);
 void add_draw(Host& host);
+void add_calc(Host& host);
 void add_help(Host& host);
 
 }  // namespace veldra_tool

@@ -117,6 +117,11 @@ std::shared_ptr<veldra::Library> open_library(const std::string& file, Access ac
   });
 }
 
+std::shared_ptr<veldra::Library> open_to_change(Host& host, const std::string& file) {
+  host.backup.is_of(file);
+  return open_library(file, Access::Write);
+}
+
 std::shared_ptr<veldra::Library> watched(std::shared_ptr<veldra::Library> library) {
   struct Watched {
     explicit Watched(std::shared_ptr<veldra::Library> opened)

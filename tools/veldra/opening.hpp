@@ -23,6 +23,9 @@ enum class Access {
 /// that is none.
 std::shared_ptr<veldra::Library> open_library(const std::string& file, Access access);
 
+/// Opens a library that the command is about to change, of which there may be a backup before.
+std::shared_ptr<veldra::Library> open_to_change(Host& host, const std::string& file);
+
 /// The same handle, at whose work signals end.
 std::shared_ptr<veldra::Library> watched(std::shared_ptr<veldra::Library> library);
 
@@ -64,13 +67,16 @@ auto reading(const std::string& file, Read read, Access access = Access::Read) {
 }
 
 /// Runs `change`, which changes a library, so that all of it is done or nothing. It also says what
-/// is to be said, because when the changes are kept nothing must fail any more.
+/// is to be said, because when the changes are kept nothing must fail any more. A backup that is
+/// wanted is of the library just before, and in its place when the changes are kept.
 template <class Change>
 void change_as_a_whole(Host& host, veldra::Library& library, Change change) {
   veldra::Library::Transaction transaction(library);
   forbid_sudden_end();
+  host.backup.make();
   change();
   stop_if_asked();
+  if (host.status != Status::Failed) host.backup.put_into_place();
   transaction.commit();
   host.done = host.status != Status::Failed;
 }
@@ -80,7 +86,7 @@ template <class Change>
 void changing(Host& host, const std::string& file, Change change) {
   tell_as_it_was(file);
   working_on(file, [&] {
-    const auto library = open_library(file, Access::Write);
+    const auto library = open_to_change(host, file);
     change_as_a_whole(host, *library, [&] { change(*library); });
   });
 }

@@ -20,6 +20,7 @@ constexpr const char* conductivity = "Thermal conductivity [W/(m K)]";  ///< of 
 constexpr const char* density = "Density [kg/m3]";                      ///< mass of a volume
 constexpr const char* specific_heat = "Specific heat [J/(kg K)]";       ///< of a mass
 constexpr const char* resistance = "Thermal resistance [m2 K/W]";       ///< of a layer as a whole
+constexpr const char* vapour_factor = "Water vapour resistance factor [-]";  ///< as air is 1
 constexpr const char* ventilation = "Ventilation";  ///< how an air layer is ventilated
 }  // namespace property
 

@@ -46,7 +46,7 @@ constexpr std::array<KnownProperty, known_count> properties{{
                  "resistance of a layer as a whole, whatever its thickness"),
     not_negative(Known::Density, property::density, "mass, heat storage"),
     not_negative(Known::SpecificHeat, property::specific_heat, "heat storage"),
-    positive(Known::VapourFactor, "Water vapour resistance factor [-]", "moisture"),
+    positive(Known::VapourFactor, property::vapour_factor, "moisture"),
     not_negative(Known::VapourThickness, "Vapour diffusion thickness [m]",
                  "moisture: s_d of a layer as a whole, whatever its thickness"),
     not_negative(Known::Opening, "Ventilation opening [mm2]",
