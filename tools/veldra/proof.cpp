@@ -71,16 +71,17 @@ class Printer {
                  length_text(layer.thickness(), unit_),
                  heat.conductivity ? rounded_number(*heat.conductivity, 4) : "–",
                  resistance_text(proof_.heat, i), basis_text(heat), vapour_text(i)});
-      if (heat.bridge) add_bridge(table, heat);
+      if (heat.bridge) add_bridge(table, heat, proof_.diffusion.bridges[i]);
     }
     output_.print("{}\n", table.text(terminal_width()));
   }
 
-  static void add_bridge(Table& table, const kit::LayerHeat& heat) {
+  static void add_bridge(Table& table, const kit::LayerHeat& heat, std::optional<double> vapour) {
     const auto name = heat.bridge_name.empty() ? "bridge" : heat.bridge_name;
     table.add({"", fmt::format("  {}, {} %", name, rounded_number(heat.bridge->share * 100, 2)), "",
                rounded_number(heat.bridge_conductivity, 4),
-               fixed_number(heat.bridge->resistance, 3), "d / λ", ""});
+               fixed_number(heat.bridge->resistance, 3), "d / λ",
+               vapour ? rounded_number(*vapour, 3) : "–"});
   }
 
   void print_heat() const {
@@ -246,13 +247,25 @@ Json solution_json(const kit::ThicknessSolution& solution) {
 
 }  // namespace
 
-void add_proof_wishes(CLI::App& command, ProofWishes& wishes) {
+void add_boundary(CLI::App& command, std::string& boundary) {
   command
-      .add_option("--boundary", wishes.boundary,
+      .add_option("--boundary", boundary,
                   "What is outside and then inside (outdoors, ventilated, ground, interior, "
                   "unheated) and where heat flows (horizontal, upward, downward), with commas "
-                  "between them; goes before what the build-up states")
+                  "between them; goes before what a build-up states")
       ->type_name("WORDS");
+}
+
+kit::physics::BoundaryStatement boundary_asked(const std::string& boundary) {
+  try {
+    return kit::physics::boundary_statement(boundary);
+  } catch (const kit::Error& error) {
+    throw CLI::ValidationError("--boundary", error.what());
+  }
+}
+
+void add_proof_wishes(CLI::App& command, ProofWishes& wishes) {
+  add_boundary(command, wishes.boundary);
   command
       .add_option("--climate", wishes.climate,
                   "A table (CSV) of the year's climate, for condensation and mould")
@@ -284,11 +297,7 @@ ProofRequest read_wishes(const ProofWishes& wishes) {
   ProofRequest request;
   request.target = wishes.target;
   if (wishes.layer) request.layer = *wishes.layer - 1;
-  try {
-    request.boundary = kit::physics::boundary_statement(wishes.boundary);
-  } catch (const kit::Error& error) {
-    throw CLI::ValidationError("--boundary", error.what());
-  }
+  request.boundary = boundary_asked(wishes.boundary);
   if (wishes.climate.empty()) return request;
   const auto text = content_of(wishes.climate, most_bytes_of_climate);
   try {

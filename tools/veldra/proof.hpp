@@ -24,6 +24,12 @@ struct ProofWishes {
   std::optional<unsigned> layer;  ///< counted from 1
 };
 
+/// The option for what build-ups border on.
+void add_boundary(CLI::App& command, std::string& boundary);
+
+/// The same, understood. Throws `CLI::ValidationError`.
+kit::physics::BoundaryStatement boundary_asked(const std::string& boundary);
+
 /// The options for them.
 void add_proof_wishes(CLI::App& command, ProofWishes& wishes);
 

@@ -105,9 +105,10 @@ VELDRA_KIT_EXPORT physics::Climate climate_from_csv(const std::string& text,
 
 /// The s_d values of a composition.
 struct Diffusion {
-  std::vector<std::optional<double>> layers;  ///< in m, from the outside; 0 if it does not count
-  std::optional<double> total;                ///< where all are known
-  std::vector<std::string> faults;            ///< why it is not known, as sentences
+  std::vector<std::optional<double>> layers;   ///< in m, from the outside; 0 if it does not count
+  std::vector<std::optional<double>> bridges;  ///< in m, of bridges whose factor is known
+  std::optional<double> total;                 ///< where all are known
+  std::vector<std::string> faults;             ///< why it is not known, as sentences
 };
 
 /// Computes them: what is stated, or else thickness and vapour resistance factor, beside bridges.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/physics/build_up.hpp"
+#include "kit/physics/layer_heat.hpp"
 
 #include <veldra/kit/physics_moisture.hpp>
 
@@ -22,6 +23,12 @@ std::optional<double> vapour_thickness(const BuildUpLayer& layer, std::string& f
   return std::nullopt;
 }
 
+std::optional<double> of_bridge(const BuildUpLayer& layer) {
+  const auto factor = layer.number(Known::BridgeVapourFactor);
+  if (!factor || !layer.thickness_fault().empty()) return std::nullopt;
+  return *factor * layer.thickness * bridged_part(layer);
+}
+
 }  // namespace
 
 Diffusion diffusion_of(const Composition& composition, Unit unit) {
@@ -34,6 +41,7 @@ Diffusion diffusion_of(const Composition& composition, Unit unit) {
     const auto each = i < ventilated ? 0 : vapour_thickness(layers[i], fault);
     if (!fault.empty()) result.faults.push_back(about_layer(layers, i, fault));
     result.layers.push_back(each);
+    result.bridges.push_back(of_bridge(layers[i]));
     sum += each.value_or(0);
   }
   if (result.faults.empty() && !layers.empty()) result.total = sum;
