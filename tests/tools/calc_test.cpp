@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "tools/program.hpp"
 
+#include <veldra/kit/kit.hpp>
+
 namespace veldra_tests {
 namespace {
 
