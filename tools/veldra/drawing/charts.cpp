@@ -15,9 +15,9 @@ namespace {
 using kit::physics::MoistureMonth;
 using kit::physics::MoistureYear;
 
-constexpr double chart_width = 118;
+constexpr double chart_width = 112;
 constexpr double chart_depth = 48;
-constexpr double between_charts = 26;
+constexpr double between_charts = 17;
 constexpr double label_margin = 14;
 constexpr double title_margin = 9;
 constexpr const char* muted = "#555555";
@@ -100,7 +100,7 @@ class Chart {
       svg_.line(from, {from.x, from.y + 1}, 0.2);
       label({from.x, from.y + 4}, x, step_x_, Anchor::Middle);
     }
-    note({origin_.x + chart_width + 2, origin_.y + chart_depth + 4}, unit, Anchor::Start);
+    note({origin_.x + chart_width, origin_.y + chart_depth + 7.5}, unit, Anchor::End);
   }
 
   void note(Point place, const std::string& text, Anchor anchor, const char* color = muted) const {
@@ -193,8 +193,7 @@ void draw_year(Svg& svg, const MoistureYear& year, const Words& words, Point ori
 
 void draw_charts(Svg& svg, const MoistureYear& year, const Words& words, Point origin) {
   draw_pressures(svg, year, words, origin);
-  draw_year(svg, year, words,
-            {origin.x + label_margin + chart_width + between_charts - label_margin, origin.y});
+  draw_year(svg, year, words, {origin.x + label_margin + chart_width + between_charts, origin.y});
 }
 
 }  // namespace veldra_tool

@@ -393,9 +393,10 @@ class Panel {
                                   " Die dünnsten Schichten sind dicker gezeichnet.");
     }
     if (undimensioned_ > 0) {
-      notes.push_back(fmt::format(fmt::runtime(words_.say("{} thicknesses stand in this list only.",
-                                                          "{} Dicken stehen nur in dieser Liste.")),
-                                  undimensioned_));
+      notes.push_back(
+          fmt::format(fmt::runtime(words_.say("Thicknesses that have room in this list only: {}.",
+                                              "Dicken, die nur in dieser Liste Platz haben: {}.")),
+                      undimensioned_));
     }
     if (!hatched_) {
       notes.emplace_back(words_.say("Some layers are drawn without their hatch.",
