@@ -2,8 +2,8 @@
 #include "arguments.hpp"
 #include "failure.hpp"
 #include "files/new_library.hpp"
+#include "files/reading.hpp"
 #include "host.hpp"
-#include "import/sources.hpp"
 #include "import/staging.hpp"
 #include "json.hpp"
 #include "lookup.hpp"
@@ -31,14 +31,14 @@ struct Arguments {
   bool json = false;
 };
 
-std::vector<Source> read_sources(const Arguments& arguments) {
-  std::vector<Source> sources;
-  for (const auto& file : arguments.sources) sources.emplace_back(file);
+std::vector<kit::Source> read_sources(const Arguments& arguments) {
+  std::vector<kit::Source> sources;
+  for (const auto& file : arguments.sources) sources.emplace_back(file, content_of(file));
   return sources;
 }
 
 /// The unit of a library that is made by the import: that of the first source that has one.
-veldra::Unit unit_for(const std::vector<Source>& sources, const Arguments& arguments) {
+veldra::Unit unit_for(const std::vector<kit::Source>& sources, const Arguments& arguments) {
   if (arguments.unit_given) return arguments.unit;
   for (const auto& source : sources) {
     if (const auto unit = source.unit()) return *unit;
@@ -63,18 +63,18 @@ void remove_other_types(veldra::Library& library, const std::set<veldra::String>
 }
 
 /// An empty library takes over what a catalogue says of its own library.
-void adopt_settings(veldra::Library& library, const ImportSet& set) {
-  if (library.locale().empty() && set.locale()) library.locale(set.locale());
-  if (library.region().empty() && set.region()) library.region(set.region());
-  if (set.types()) remove_other_types(library, *set.types());
+void adopt_settings(veldra::Library& library, const kit::Sources& sources) {
+  if (library.locale().empty() && sources.locale) library.locale(sources.locale);
+  if (library.region().empty() && sources.region) library.region(sources.region);
+  if (sources.types) remove_other_types(library, *sources.types);
 }
 
 /// All that did not go as one might expect, a line each.
-std::vector<std::string> findings_in(const ImportReport& report) {
+std::vector<std::string> findings_in(const kit::Sources& sources) {
   std::vector<std::string> findings;
-  for (const auto& source : report) {
-    findings.insert(findings.end(), source.problems.begin(), source.problems.end());
-    for (const auto& [what, count] : source.dropped) {
+  for (const auto& source : sources.reports) {
+    for (const auto& problem : source.problems) findings.push_back(printable(problem.text()));
+    for (const auto& [what, count] : dropped_in(source)) {
       findings.push_back(fmt::format("{}: {} {} have no place in a library and are left out",
                                      in_quotes(source.file), count, what));
     }
@@ -108,7 +108,7 @@ class Import {
  private:
   bool any_objects() const {
     return std::any_of(sources_.begin(), sources_.end(),
-                       [](const Source& source) { return source.has_objects(); });
+                       [](const kit::Source& source) { return source.has_objects(); });
   }
 
   void into_existing() {
@@ -131,39 +131,31 @@ class Import {
   }
 
   void into(const std::shared_ptr<veldra::Library>& library) {
-    ImportReport report(sources_.size());
-    const ImportSet set = read_set(library->unit(), report);
-    const auto staging = staged(set, library->unit(), progress_);
+    const kit::Sources sources = read_all(library->unit());
     veldra::Library::Transaction transaction(*library);
     forbid_sudden_end();  // from here on the file may be written
     const bool was_empty = is_empty(*library);
-    transfer_set(set, staging, library, arguments_.on_conflict, report, progress_);
-    if (was_empty) adopt_settings(*library, set);
+    const auto report = transfer_sources(
+        sources, library, {arguments_.on_conflict, arguments_.tags.empty()}, progress_);
+    if (was_empty) adopt_settings(*library, sources);
     print(report, arguments_, host_.output);
     stop_if_asked();
     if (!arguments_.dry_run) transaction.commit();
   }
 
-  ImportSet read_set(veldra::Unit unit, ImportReport& report) {
-    ImportSet set(unit, arguments_.on_conflict, arguments_.tags);
-    for (std::size_t i = 0; i < sources_.size(); ++i) {
-      report[i].file = sources_[i].file();
-      report[i].format = sources_[i].format();
-      sources_[i].add_to(set, unit, report[i]);
-      if (!sources_[i].has_objects()) report[i].problems.push_back(why_nothing(sources_[i]));
-    }
-    set.resolve();
-    tell_findings(report);
-    return set;
+  kit::Sources read_all(veldra::Unit unit) {
+    kit::SourceRules rules;
+    rules.unit = unit;
+    rules.on_clash = arguments_.on_conflict;
+    rules.tags = arguments_.tags;
+    rules.on_object = [this] { progress_.step(); };
+    auto sources = kit::read_together(sources_, rules);
+    tell_findings(sources);
+    return sources;
   }
 
-  static std::string why_nothing(const Source& source) {
-    return fmt::format("{}: this {} source has no materials and no constructions",
-                       in_quotes(source.file()), source.format());
-  }
-
-  void tell_findings(const ImportReport& report) {
-    const auto findings = findings_in(report);
+  void tell_findings(const kit::Sources& sources) {
+    const auto findings = findings_in(sources);
     host_.notes.clear();
     for (const auto& finding : findings) host_.notes += fmt::format("veldra: {}\n", finding);
     host_.status = findings.empty() ? Status::Done : Status::Findings;
@@ -176,7 +168,7 @@ class Import {
 
   const Arguments& arguments_;
   Host& host_;
-  std::vector<Source> sources_;
+  std::vector<kit::Source> sources_;
   Progress progress_{"importing"};
 };
 

@@ -3,7 +3,7 @@
 
 #include "failure.hpp"
 #include "kinds.hpp"
-#include "same_values.hpp"
+#include "kit.hpp"
 
 #include <fmt/format.h>
 
@@ -187,7 +187,7 @@ bool ConflictReactor::same_material(const veldra::Library& library, const veldra
     drop_assets(*material);
     drop_ignored_tags(*material, {ObjectType::Material, original});
   }
-  return same_values(*left, *right);
+  return kit::same_values(*left, *right);
 }
 
 bool ConflictReactor::same_composition(const veldra::Library& library,
@@ -203,7 +203,7 @@ bool ConflictReactor::same_composition(const veldra::Library& library,
     drop_layer_materials(*composition);
     drop_ignored_tags(*composition, {ObjectType::Composition, original});
   }
-  return same_values(*left, *right);
+  return kit::same_values(*left, *right);
 }
 
 /// The materials of a composition are copied before it, so the mapping has them.

@@ -2,6 +2,8 @@
 #ifndef VELDRA_TOOL_CONFLICTS_HPP
 #define VELDRA_TOOL_CONFLICTS_HPP
 
+#include "kit.hpp"
+
 #include <veldra/veldra.hpp>
 
 #include <functional>
@@ -13,7 +15,7 @@
 namespace veldra_tool {
 
 /// What to do about a name that is taken by an object that differs.
-enum class OnConflict { Fail, Use, Overwrite, Rename };
+using OnConflict = kit::OnClash;
 
 /// What became of an object that was copied.
 enum class Outcome { Added, Equal, Kept, Changed, Renamed };

@@ -30,19 +30,26 @@ Json counts_to_json(const std::map<std::string, unsigned>& counts) {
   return json;
 }
 
-Json to_json(const SourceReport& report) {
+Json problems_to_json(const std::vector<kit::SourceProblem>& problems) {
+  Json json = Json::array();
+  for (const auto& problem : problems) json.push_back(printable(problem.text()));
+  return json;
+}
+
+Json to_json(const ImportedSource& source) {
+  const auto& report = source.found;
   Json json = Json::object();
-  json["file"] = is_utf8(report.file) ? report.file : from_latin1(report.file);
+  json["file"] = in_utf8(report.file);
   json["format"] = report.format;
   json["read"] = counts_to_json(report.read);
   json["skipped"] = counts_to_json(report.skipped);
-  json["dropped"] = counts_to_json(report.dropped);
-  json["materials"] = outcomes_to_json(report.materials);
-  json["compositions"] = outcomes_to_json(report.compositions);
+  json["dropped"] = counts_to_json(dropped_in(report));
+  json["materials"] = outcomes_to_json(source.materials);
+  json["compositions"] = outcomes_to_json(source.compositions);
   json["layers"] = report.layers;
   json["layers_without_thickness"] = report.layers_without_thickness;
   json["references_not_found"] = report.references_not_found;
-  json["problems"] = report.problems;
+  json["problems"] = problems_to_json(report.problems);
   return json;
 }
 
@@ -65,7 +72,7 @@ std::string outcomes_text(const std::map<Outcome, unsigned>& counts) {
 }
 
 /// A model of a building has objects of many classes that no library has a place for.
-std::string skipped_text(const SourceReport& report) {
+std::string skipped_text(const kit::SourceReport& report) {
   constexpr std::size_t many = 4;
   if (report.skipped.size() <= many) return counts_text(report.skipped);
   unsigned objects = 0;
@@ -73,21 +80,30 @@ std::string skipped_text(const SourceReport& report) {
   return fmt::format("{} objects of {} classes", objects, report.skipped.size());
 }
 
-std::string text_of(const SourceReport& report) {
+std::string text_of(const ImportedSource& source) {
+  const auto& report = source.found;
   std::string text = fmt::format("{} ({})\n", in_quotes(report.file), report.format);
   text += fmt::format("  read          {}\n", counts_text(report.read));
-  text += fmt::format("  materials     {}\n", outcomes_text(report.materials));
-  text += fmt::format("  compositions  {}\n", outcomes_text(report.compositions));
+  text += fmt::format("  materials     {}\n", outcomes_text(source.materials));
+  text += fmt::format("  compositions  {}\n", outcomes_text(source.compositions));
   text += fmt::format("  layers        {}, {} without thickness, {} without a known material\n",
                       report.layers, report.layers_without_thickness, report.references_not_found);
-  if (!report.dropped.empty()) {
-    text += fmt::format("  dropped       {}\n", counts_text(report.dropped));
-  }
+  const auto dropped = dropped_in(report);
+  if (!dropped.empty()) text += fmt::format("  dropped       {}\n", counts_text(dropped));
   if (!report.skipped.empty()) text += fmt::format("  skipped       {}\n", skipped_text(report));
   return text;
 }
 
 }  // namespace
+
+std::map<std::string, unsigned> dropped_in(const kit::SourceReport& source) {
+  std::map<std::string, unsigned> dropped;
+  for (const auto& entry : source.not_kept) {
+    const bool asset = entry.object_class == "material";
+    ++dropped[asset ? "assets" : fmt::format("fields of {}", entry.object_class)];
+  }
+  return dropped;
+}
 
 std::string name_of(Outcome outcome) {
   switch (outcome) {

@@ -12,21 +12,16 @@
 namespace veldra_tool {
 
 /// What an import did with one source.
-struct SourceReport {
-  std::string file;
-  std::string format;
-  std::map<std::string, unsigned> read;     ///< objects, by class
-  std::map<std::string, unsigned> skipped;  ///< objects, by class
-  std::map<std::string, unsigned> dropped;  ///< what imported objects had besides, by what it is
+struct ImportedSource {
+  kit::SourceReport found;
   std::map<Outcome, unsigned> materials;
   std::map<Outcome, unsigned> compositions;
-  unsigned layers = 0;
-  unsigned layers_without_thickness = 0;
-  unsigned references_not_found = 0;
-  std::vector<std::string> problems;  ///< one sentence each
 };
 
-using ImportReport = std::vector<SourceReport>;
+using ImportReport = std::vector<ImportedSource>;
+
+/// What the objects of a source had besides that no library has a place for, by what it is.
+std::map<std::string, unsigned> dropped_in(const kit::SourceReport& source);
 
 std::string name_of(Outcome outcome);
 

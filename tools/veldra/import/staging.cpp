@@ -2,66 +2,71 @@
 #include "import/staging.hpp"
 
 #include "opening.hpp"
-#include "progress.hpp"
 
 namespace veldra_tool {
 
 namespace {
 
-template <class T>
-void save_all(const IncomingObjects<T>& objects, veldra::Library& staging, Progress& progress) {
-  for (const auto& incoming : objects.all()) {
-    staging.save(incoming.object);
-    progress.step();
+using Counts = std::map<Outcome, unsigned>;
+
+Counts& counts_of(veldra::ObjectType kind, ImportedSource& source) {
+  return kind == veldra::ObjectType::Material ? source.materials : source.compositions;
+}
+
+veldra::String name_of(const veldra::ObjectKey& key, const veldra::Library& library) {
+  if (key.type == veldra::ObjectType::Material) {
+    return library.get<veldra::Material>(key.id)->name();
+  }
+  return library.get<veldra::Composition>(key.id)->name();
+}
+
+Outcome outcome_of(kit::Repetition repetition) {
+  switch (repetition) {
+    case kit::Repetition::Used:
+      return Outcome::Kept;
+    case kit::Repetition::Overwrote:
+      return Outcome::Changed;
+    default:
+      return Outcome::Equal;
   }
 }
 
-template <class T>
-void ignore_tags_of_origin(const IncomingObjects<T>& objects, ConflictReactor& reactor) {
-  for (const auto& incoming : objects.all()) {
-    if (!incoming.tagged_by_origin) continue;
-    reactor.ignore_tags(veldra::ObjectTraits<T>::type, incoming.object->name());
+void ignore_tags_of_origin(const kit::Sources& sources, ConflictReactor& reactor) {
+  for (const auto& [key, origin] : sources.origins) {
+    if (origin.ignores_case) reactor.ignore_tags(key.type, name_of(key, *sources.library));
   }
 }
 
-template <class T>
-void count_outcomes(const IncomingObjects<T>& objects, const veldra::Library& staging,
-                    const ConflictReactor& reactor, const veldra::IdMapping& mapping,
-                    std::map<Outcome, unsigned> SourceReport::*counts, ImportReport& report) {
-  constexpr auto type = veldra::ObjectTraits<T>::type;
-  for (const auto& incoming : objects.all()) {
+void count_outcomes(const kit::Sources& sources, const ConflictReactor& reactor,
+                    const veldra::IdMapping& mapping, ImportReport& report) {
+  for (const auto& [key, origin] : sources.origins) {
     veldra::IdMapping::Value value;
-    if (!mapping.compute({veldra::ObjectKey(type, incoming.object->id()), &staging}, value)) {
-      continue;
-    }
-    auto outcome = reactor.outcome(type, incoming.object->name(), value.status);
-    if (outcome == Outcome::Added && incoming.renamed) outcome = Outcome::Renamed;
-    ++(report[incoming.source].*counts)[outcome];
+    if (!mapping.compute({key, sources.library.get()}, value)) continue;
+    auto outcome = reactor.outcome(key.type, name_of(key, *sources.library), value.status);
+    if (outcome == Outcome::Added && origin.renamed) outcome = Outcome::Renamed;
+    ++counts_of(key.type, report[origin.source])[outcome];
   }
 }
 
 }  // namespace
 
-std::shared_ptr<veldra::Library> staged(const ImportSet& set, veldra::Unit unit,
-                                        Progress& progress) {
-  auto staging = create_staging_library(unit);
-  set.shared().save_all(*staging);
-  save_all(set.materials(), *staging, progress);
-  save_all(set.compositions(), *staging, progress);
-  return staging;
-}
-
-void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& staging,
-                  const std::shared_ptr<veldra::Library>& library, OnConflict policy,
-                  ImportReport& report, Progress& progress) {
+ImportReport transfer_sources(const kit::Sources& sources,
+                              const std::shared_ptr<veldra::Library>& library,
+                              const ImportRules& rules, Progress& progress) {
+  const auto staging = watched(sources.library);
   veldra::IdMapping mapping(library.get());
-  ConflictReactor reactor(policy, *staging, mapping);
-  ignore_tags_of_origin(set.materials(), reactor);
-  ignore_tags_of_origin(set.compositions(), reactor);
+  ConflictReactor reactor(rules.on_conflict, *staging, mapping);
+  if (rules.tagged_by_origin) ignore_tags_of_origin(sources, reactor);
   transfer(staging, library, reactor, mapping, progress);
-  count_outcomes(set.materials(), *staging, reactor, mapping, &SourceReport::materials, report);
-  count_outcomes(set.compositions(), *staging, reactor, mapping, &SourceReport::compositions,
-                 report);
+  ImportReport report;
+  for (const auto& found : sources.reports) {
+    report.push_back({found, {}, {}});
+    for (const auto& repeated : found.repeated) {
+      ++counts_of(repeated.object.type, report.back())[outcome_of(repeated.what)];
+    }
+  }
+  count_outcomes(sources, reactor, mapping, report);
+  return report;
 }
 
 }  // namespace veldra_tool

@@ -3,7 +3,6 @@
 #define VELDRA_TOOL_IMPORT_STAGING_HPP
 
 #include "conflicts.hpp"
-#include "import/import_set.hpp"
 #include "import/report.hpp"
 #include "transfer.hpp"
 
@@ -13,15 +12,17 @@
 
 namespace veldra_tool {
 
-/// All objects of a set in a library in memory.
-std::shared_ptr<veldra::Library> staged(const ImportSet& set, veldra::Unit unit,
-                                        Progress& progress);
+/// How an import brings sources into a library.
+struct ImportRules {
+  OnConflict on_conflict;
+  bool tagged_by_origin;  ///< the tags of formats that are no library's say where objects come from
+};
 
-/// Brings them from there into a library of the same unit, of which the caller holds a transaction,
-/// and enters into the report what became of each.
-void transfer_set(const ImportSet& set, const std::shared_ptr<veldra::Library>& staging,
-                  const std::shared_ptr<veldra::Library>& library, OnConflict policy,
-                  ImportReport& report, Progress& progress);
+/// Brings all objects of sources into a library of the same unit, of which the caller holds a
+/// transaction, and tells of each source what became of its objects.
+ImportReport transfer_sources(const kit::Sources& sources,
+                              const std::shared_ptr<veldra::Library>& library,
+                              const ImportRules& rules, Progress& progress);
 
 }  // namespace veldra_tool
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "import/format.hpp"
+#include "kit/exchange/recognition.hpp"
 
-#include "failure.hpp"
-#include "import/catalogue_reader.hpp"
-#include "import/readers.hpp"
+#include <veldra/kit/text.hpp>
+
+#include "kit/exchange/problem.hpp"
 
 #include <fmt/format.h>
 
@@ -13,14 +13,14 @@
 #include <string_view>
 #include <vector>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
 using namespace std::string_view_literals;
 
 [[noreturn]] void refuse(const std::string& file, const std::string& sentence) {
-  throw Failure(fmt::format("{}: {}", in_quotes(file), sentence));
+  fail_at(file, 0, sentence);
 }
 
 [[noreturn]] void refuse_format(const std::string& file, const std::string& format) {
@@ -191,19 +191,6 @@ bool is_table(std::string_view text) {
   });
 }
 
-}  // namespace
-
-const char* name_of(Format format) {
-  switch (format) {
-    case Format::Idf:
-      return "IDF";
-    case Format::EpJson:
-      return "epJSON";
-    default:
-      return "veldra";
-  }
-}
-
 void require_readable(const std::string& content, const std::string& file) {
   const std::string mark = format_by_mark(content);
   if (!mark.empty()) refuse_format(file, mark);
@@ -221,20 +208,47 @@ void require_readable(const std::string& content, const std::string& file) {
   }
 }
 
-Format format_of(const JsonNode& document, const std::string& file) {
-  if (is_catalogue(document)) return Format::Catalogue;
-  if (is_honeybee(document)) refuse_format(file, "JSON of honeybee");
-  if (is_openstudio_standards(document)) refuse_format(file, "JSON of the OpenStudio standards");
-  if (is_epjson(document)) return Format::EpJson;
-  refuse_format(file, "JSON of another kind");
+void drop_byte_order_mark(std::string& text) {
+  constexpr std::string_view mark = "\xEF\xBB\xBF";
+  if (begins_with(text, mark)) text.erase(0, mark.size());
 }
 
-void require_idf(const std::string& text, const std::string& file) {
-  if (is_idf(text)) return;
+bool starts_as_json(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t\r\n");
+  return first != std::string_view::npos && (text[first] == '{' || text[first] == '[');
+}
+
+/// What a JSON document is that no reader knows.
+const char* kind_of(const JsonNode& document) {
+  if (is_honeybee(document)) return "JSON of honeybee";
+  if (is_openstudio_standards(document)) return "JSON of the OpenStudio standards";
+  return "JSON of another kind";
+}
+
+/// What a text is that no reader knows.
+const char* kind_of(std::string_view text) {
   if (begins_with(text, "kind,name,position,material,")) {
-    refuse_format(file, "a table that 'veldra export --format csv' has written");
+    return "a table that 'veldra export --format csv' has written";
   }
-  refuse_format(file, is_table(text) ? "a table (CSV)" : "plain text");
+  return is_table(text) ? "a table (CSV)" : "plain text";
 }
 
-}  // namespace veldra_tool
+}  // namespace
+
+FileContent content_from(const std::string& file, std::string bytes) {
+  drop_byte_order_mark(bytes);
+  require_readable(bytes, file);
+  if (starts_as_json(bytes)) return {file, "", parse_json(bytes, file)};
+  return {file, is_utf8(bytes) ? std::move(bytes) : from_latin1(bytes), std::nullopt};
+}
+
+void refuse_unknown(const FileContent& content) {
+  refuse_format(content.file,
+                content.document ? kind_of(*content.document) : kind_of(content.text));
+}
+
+bool is_foreign(const JsonNode& document) {
+  return is_honeybee(document) || is_openstudio_standards(document);
+}
+
+}  // namespace veldra::kit

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "failure.hpp"
-#include "import/place.hpp"
-#include "import/readers.hpp"
-#include "text.hpp"
+#include "kit/exchange/problem.hpp"
+#include "kit/exchange/readers.hpp"
+
+#include <veldra/kit/text.hpp>
 
 #include <fmt/format.h>
 
@@ -12,7 +12,7 @@
 #include <sstream>
 #include <string_view>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
@@ -89,7 +89,9 @@ SourceMaterial material_from(const IdfObject& object, const MaterialClass& descr
     if (value.empty()) continue;
     const bool known = i < described.fields.size();
     if (known) material.values[described.fields[i].key] = value;
-    if (!known || described.fields[i].kind == FieldKind::Dropped) ++material.dropped;
+    if (known && described.fields[i].kind != FieldKind::Dropped) continue;
+    material.not_kept.emplace_back(known ? described.fields[i].key : fmt::format("field {}", i + 2),
+                                   value);
   }
   return material;
 }
@@ -112,7 +114,7 @@ SourceConstruction construction_from(const IdfObject& object, const Construction
   for (std::size_t i = 2; i < object.fields.size(); ++i) {
     if (object.fields[i].empty()) continue;
     if (i < first) {
-      ++construction.dropped;
+      construction.not_kept.emplace_back(fmt::format("field {}", i), object.fields[i]);
     } else {
       construction.layers.push_back(object.fields[i]);
     }
@@ -132,7 +134,7 @@ bool is_usual_class(const std::string& name) {
                                            "globalgeometryrules",
                                            "people",
                                            "lights"};
-  return names.count(kit::lower_case(name)) > 0;
+  return names.count(lower_case(name)) > 0;
 }
 
 /// Whether an object is one that nothing but this format has. A field that goes over the end of a
@@ -159,8 +161,9 @@ bool may_be_class(const std::string& name) {
   return true;
 }
 
-}  // namespace
-
+/// Whether a text is of the format, maybe not whole: it has an object of a class of materials or
+/// constructions, or of another one that the format is known by, and most of its objects are of
+/// classes that can be; or it has nothing but comments.
 bool is_idf(const std::string& text) {
   IdfScanner scanner(text);
   IdfObject object;
@@ -183,8 +186,7 @@ SourceModel read_idf(const std::string& text, const std::string& file) {
   IdfObject object;
   while (scanner.next(object)) {
     if (!object.whole) {
-      throw Failure(fmt::format("{}: the file ends within the object that begins here",
-                                place(file, object.line)));
+      fail_at(file, object.line, "the file ends within the object that begins here");
     }
     const std::string& name = object.fields.front();
     if (const auto* material = material_class(name)) {
@@ -198,4 +200,14 @@ SourceModel read_idf(const std::string& text, const std::string& file) {
   return model;
 }
 
-}  // namespace veldra_tool
+}  // namespace
+
+Reader idf_reader() {
+  return {{"IDF", {"idf"}, true, false},
+          [](const FileContent& content) { return !content.document && is_idf(content.text); },
+          [](FileContent content) -> std::shared_ptr<const SourceContent> {
+            return std::make_shared<ModelContent>(read_idf(content.text, content.file));
+          }};
+}
+
+}  // namespace veldra::kit

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#ifndef VELDRA_TOOL_IMPORT_SOURCE_MODEL_HPP
-#define VELDRA_TOOL_IMPORT_SOURCE_MODEL_HPP
+#ifndef VELDRA_KIT_EXCHANGE_SOURCE_MODEL_HPP
+#define VELDRA_KIT_EXCHANGE_SOURCE_MODEL_HPP
 
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 /// How a field of a class of the simulation formats comes into a library.
 enum class FieldKind {
@@ -17,7 +18,7 @@ enum class FieldKind {
   Text
 };
 
-struct FieldDescription {
+struct SourceField {
   const char* key;       ///< the name of the field in epJSON
   const char* property;  ///< the custom property that takes the value
   FieldKind kind;
@@ -25,10 +26,10 @@ struct FieldDescription {
 
 /// A class of materials of the simulation formats.
 struct MaterialClass {
-  const char* name;                      ///< in its usual spelling
-  const char* type;                      ///< the material type in the library
-  double default_thickness;              ///< in metres, where the class has one; else negative
-  std::vector<FieldDescription> fields;  ///< behind the name, in the order of IDF
+  const char* name;                 ///< in its usual spelling
+  const char* type;                 ///< the material type in the library
+  double default_thickness;         ///< in metres, where the class has one; else negative
+  std::vector<SourceField> fields;  ///< behind the name, in the order of IDF
 };
 
 /// The class of that name in whatever case; null when there is none.
@@ -52,13 +53,16 @@ struct ConstructionClass {
 
 const ConstructionClass* construction_class(const std::string& name);
 
+/// Fields that a library has no place for, and their values.
+using FieldsNotKept = std::vector<std::pair<std::string, std::string>>;
+
 /// An object as a source has it, whatever its format.
 struct SourceMaterial {
   const MaterialClass* described = nullptr;
   std::string name;
   unsigned line = 0;
   std::map<std::string, std::string> values;  ///< by the key of the field; none is empty
-  unsigned dropped = 0;                       ///< fields that a library has no place for
+  FieldsNotKept not_kept;
 };
 
 struct SourceConstruction {
@@ -66,7 +70,7 @@ struct SourceConstruction {
   std::string name;
   unsigned line = 0;
   std::vector<std::string> layers;  ///< from outside to inside
-  unsigned dropped = 0;             ///< as of a material
+  FieldsNotKept not_kept;
 };
 
 /// What a file of the simulation formats holds.
@@ -76,6 +80,6 @@ struct SourceModel {
   std::map<std::string, unsigned> skipped;  ///< objects of other classes, by class
 };
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit
 
 #endif

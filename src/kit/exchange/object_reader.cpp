@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "import/object_reader.hpp"
+#include "kit/exchange/object_reader.hpp"
 
-#include "failure.hpp"
-#include "import/place.hpp"
-#include "text.hpp"
+#include "kit/exchange/problem.hpp"
+#include "kit/text/quoted.hpp"
+
+#include <veldra/kit/fields.hpp>
 
 #include <fmt/format.h>
 
 #include <cmath>
 #include <limits>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 ObjectReader::ObjectReader(const JsonNode& node, const std::string& what, const std::string& file)
     : ObjectReader(node, what, false, file) {}
@@ -26,20 +27,25 @@ ObjectReader::ObjectReader(const JsonNode& node, const std::string& what, bool b
   if (node.kind != JsonNode::Kind::Object) fail(node, "it must be a JSON object");
   std::set<std::string> seen;
   for (const auto& [key, value] : node.members) {
-    if (!seen.insert(key).second) fail(value, fmt::format("{} is there twice", in_quotes(key)));
+    if (!seen.insert(key).second) fail(value, fmt::format("{} is there twice", quoted(key)));
   }
 }
 
 void ObjectReader::fail(const JsonNode& node, const std::string& sentence) const {
-  throw Failure(fmt::format("{}: {}: {}", place(file_, node.line), what(), sentence));
+  fail_at(file_, node.line, fmt::format("{}: {}", what(), sentence), name());
 }
 
 std::string ObjectReader::what() const {
   if (!by_name_) return what_;
-  const JsonNode* name = node_.member("name");
-  const bool named = name != nullptr && name->kind == JsonNode::Kind::Text;
-  return named ? fmt::format("{} {}", what_, in_quotes(name->text)) : "a " + what_;
+  return is_named() ? fmt::format("{} {}", what_, quoted(name())) : "a " + what_;
 }
+
+bool ObjectReader::is_named() const {
+  const JsonNode* name = node_.member("name");
+  return by_name_ && name != nullptr && name->kind == JsonNode::Kind::Text;
+}
+
+std::string ObjectReader::name() const { return is_named() ? node_.member("name")->text : ""; }
 
 const JsonNode* ObjectReader::find(const std::string& key) {
   known_.insert(key);
@@ -48,29 +54,29 @@ const JsonNode* ObjectReader::find(const std::string& key) {
 
 const JsonNode& ObjectReader::required(const std::string& key) {
   const JsonNode* node = find(key);
-  if (node == nullptr) fail(node_, fmt::format("{} is missing", in_quotes(key)));
+  if (node == nullptr) fail(node_, fmt::format("{} is missing", quoted(key)));
   return *node;
 }
 
-veldra::String ObjectReader::required_text(const std::string& key) {
+String ObjectReader::required_text(const std::string& key) {
   const JsonNode& node = required(key);
   auto text = text_of(node);
-  if (text.empty()) fail(node, fmt::format("{} is empty", in_quotes(key)));
+  if (text.empty()) fail(node, fmt::format("{} is empty", quoted(key)));
   return text;
 }
 
 unsigned ObjectReader::required_index(const std::string& key) { return index_of(required(key)); }
 
-veldra::String ObjectReader::text(const std::string& key) {
+String ObjectReader::text(const std::string& key) {
   const JsonNode* node = find(key);
-  return node ? text_of(*node) : veldra::String();
+  return node ? text_of(*node) : String();
 }
 
 bool ObjectReader::boolean(const std::string& key, bool otherwise) {
   const JsonNode* node = find(key);
   if (node == nullptr) return otherwise;
   if (node->kind != JsonNode::Kind::Boolean) {
-    fail(*node, fmt::format("{} must be true or false", in_quotes(key)));
+    fail(*node, fmt::format("{} must be true or false", quoted(key)));
   }
   return node->boolean;
 }
@@ -92,23 +98,23 @@ const std::vector<JsonNode>& ObjectReader::list(const std::string& key) {
   const JsonNode* node = find(key);
   if (node == nullptr) return nothing;
   if (node->kind != JsonNode::Kind::Array) {
-    fail(*node, fmt::format("{} must be a list", in_quotes(key)));
+    fail(*node, fmt::format("{} must be a list", quoted(key)));
   }
   return node->elements;
 }
 
 void ObjectReader::finish() const {
   for (const auto& [key, value] : node_.members) {
-    if (known_.count(key) == 0) fail(value, fmt::format("{} is not known", in_quotes(key)));
+    if (known_.count(key) == 0) fail(value, fmt::format("{} is not known", quoted(key)));
   }
 }
 
-veldra::String ObjectReader::text_of(const JsonNode& node) const {
+String ObjectReader::text_of(const JsonNode& node) const {
   if (node.kind != JsonNode::Kind::Text) fail(node, "a text is expected");
   try {
     return library_text(node.text);
-  } catch (const Failure& failure) {
-    fail(node, failure.what());
+  } catch (const Error& error) {
+    fail(node, error.what());
   }
 }
 
@@ -135,4 +141,4 @@ long long ObjectReader::integer_of(const JsonNode& node, long long least,
   return static_cast<long long>(number);
 }
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit

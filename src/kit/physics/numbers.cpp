@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "numbers.hpp"
+#include <veldra/kit/numbers.hpp>
+#include <veldra/kit/physics.hpp>
+#include <veldra/kit/text.hpp>
 
-#include "failure.hpp"
-#include "import/source_model.hpp"
-#include "kit.hpp"
-#include "text.hpp"
+#include "kit/exchange/source_model.hpp"
+#include "kit/text/quoted.hpp"
 
 #include <fmt/format.h>
 
 #include <cmath>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
@@ -18,25 +18,25 @@ using Sentences = std::vector<std::string>;
 
 /// A material that is known by its resistance or by what it lets through has no thickness, and its
 /// layers have none either.
-bool has_no_thickness(const veldra::Composition::Layer& layer) {
+bool has_no_thickness(const Composition::Layer& layer) {
   const auto& material = layer.material();
   return layer.thickness() == 0 && material && material->thicknesses().empty() &&
          material->type() && may_lack_thickness(material->type()->name().utf8());
 }
 
 /// An empty text says that it is not known.
-void add_conductivity(const veldra::Material& material, Sentences& sentences) {
-  const auto value = material.custom_value(veldra::String(kit::property::conductivity));
+void add_conductivity(const Material& material, Sentences& sentences) {
+  const auto value = material.custom_value(String(property::conductivity));
   if (value.null()) return;
   const std::string text = trimmed(value.get().utf8());
-  const auto number = kit::number_value(material, kit::property::conductivity);
+  const auto number = number_value(material, property::conductivity);
   if (text.empty() || (number && *number > 0)) return;
   sentences.push_back(fmt::format("its thermal conductivity is {}: {}",
                                   number ? "not greater than 0" : "no number that can be used",
-                                  in_quotes(text)));
+                                  quoted(text)));
 }
 
-void add_layers(const veldra::Composition& composition, Sentences& sentences) {
+void add_layers(const Composition& composition, Sentences& sentences) {
   for (std::size_t i = 0; i < composition.layers().size(); ++i) {
     const auto& layer = composition.layers()[i];
     if (layer.thickness() != 0 || has_no_thickness(layer)) continue;
@@ -44,7 +44,7 @@ void add_layers(const veldra::Composition& composition, Sentences& sentences) {
   }
 }
 
-void add_variable_layer(const veldra::Composition& composition, Sentences& sentences) {
+void add_variable_layer(const Composition& composition, Sentences& sentences) {
   const auto layers = composition.layers().size();
   if (composition.has_variable_layer() && composition.variable_layer() >= layers) {
     sentences.push_back(fmt::format("the variable layer {} is none of its {} layers",
@@ -73,7 +73,7 @@ void append(Sentences& sentences, const Sentences& more) {
 
 }  // namespace
 
-std::vector<std::string> doubtful_numbers(const veldra::Material& material) {
+std::vector<std::string> doubtful_numbers(const Material& material) {
   Sentences sentences;
   add_conductivity(material, sentences);
   if (material.thicknesses().count(0) != 0) {
@@ -82,14 +82,14 @@ std::vector<std::string> doubtful_numbers(const veldra::Material& material) {
   return sentences;
 }
 
-std::vector<std::string> doubtful_numbers(const veldra::Composition& composition) {
+std::vector<std::string> doubtful_numbers(const Composition& composition) {
   Sentences sentences;
   add_layers(composition, sentences);
   add_variable_layer(composition, sentences);
   return sentences;
 }
 
-std::vector<std::string> wrong_numbers(const veldra::Material& material) {
+std::vector<std::string> wrong_numbers(const Material& material) {
   Sentences sentences;
   for (const double thickness : material.thicknesses()) {
     if (add_impossible(thickness, "a thickness", sentences)) break;
@@ -98,7 +98,7 @@ std::vector<std::string> wrong_numbers(const veldra::Material& material) {
   return sentences;
 }
 
-std::vector<std::string> wrong_numbers(const veldra::Composition& composition) {
+std::vector<std::string> wrong_numbers(const Composition& composition) {
   Sentences sentences;
   for (std::size_t i = 0; i < composition.layers().size(); ++i) {
     add_impossible(composition.layers()[i].thickness(),
@@ -114,4 +114,4 @@ std::vector<std::string> wrong_numbers(const veldra::Composition& composition) {
   return sentences;
 }
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit

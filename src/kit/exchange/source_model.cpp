@@ -1,52 +1,50 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "import/source_model.hpp"
+#include "kit/exchange/source_model.hpp"
 
-#include "kit.hpp"
+#include <veldra/kit/physics.hpp>
+#include <veldra/kit/text.hpp>
 
 #include <algorithm>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
 constexpr double required = 0;
 constexpr double none = -1;
 
-FieldDescription number(const char* key, const char* property) {
+SourceField number(const char* key, const char* property) {
   return {key, property, FieldKind::Number};
 }
 
-FieldDescription text(const char* key, const char* property) {
-  return {key, property, FieldKind::Text};
-}
+SourceField text(const char* key, const char* property) { return {key, property, FieldKind::Text}; }
 
-FieldDescription thickness() { return {"thickness", "", FieldKind::Thickness}; }
+SourceField thickness() { return {"thickness", "", FieldKind::Thickness}; }
 
-FieldDescription dropped(const char* key) { return {key, "", FieldKind::Dropped}; }
+SourceField dropped(const char* key) { return {key, "", FieldKind::Dropped}; }
 
-FieldDescription implied(const char* key) { return {key, "", FieldKind::Implied}; }
+SourceField implied(const char* key) { return {key, "", FieldKind::Implied}; }
 
-FieldDescription roughness() { return text("roughness", "Roughness"); }
+SourceField roughness() { return text("roughness", "Roughness"); }
 
-std::vector<FieldDescription> joined(std::vector<FieldDescription> fields,
-                                     const std::vector<FieldDescription>& more) {
+std::vector<SourceField> joined(std::vector<SourceField> fields,
+                                const std::vector<SourceField>& more) {
   fields.insert(fields.end(), more.begin(), more.end());
   return fields;
 }
 
-std::vector<FieldDescription> absorptances() {
+std::vector<SourceField> absorptances() {
   return {number("thermal_absorptance", "Thermal absorptance [-]"),
           number("solar_absorptance", "Solar absorptance [-]"),
           number("visible_absorptance", "Visible absorptance [-]")};
 }
 
-std::vector<FieldDescription> solid() {
-  return {number("conductivity", kit::property::conductivity),
-          number("density", kit::property::density),
-          number("specific_heat", kit::property::specific_heat)};
+std::vector<SourceField> solid() {
+  return {number("conductivity", property::conductivity), number("density", property::density),
+          number("specific_heat", property::specific_heat)};
 }
 
-std::vector<FieldDescription> glazing_fields() {
+std::vector<SourceField> glazing_fields() {
   return {
       text("optical_data_type", "Optical data type"),
       text("window_glass_spectral_data_set_name", "Spectral data set"),
@@ -60,13 +58,13 @@ std::vector<FieldDescription> glazing_fields() {
       number("infrared_transmittance_at_normal_incidence", "Infrared transmittance [-]"),
       number("front_side_infrared_hemispherical_emissivity", "Front infrared emissivity [-]"),
       number("back_side_infrared_hemispherical_emissivity", "Back infrared emissivity [-]"),
-      number("conductivity", kit::property::conductivity),
+      number("conductivity", property::conductivity),
       number("dirt_correction_factor_for_solar_and_visible_transmittance",
              "Dirt correction factor [-]"),
       text("solar_diffusing", "Solar diffusing")};
 }
 
-std::vector<FieldDescription> refraction_fields() {
+std::vector<SourceField> refraction_fields() {
   return {thickness(),
           number("solar_index_of_refraction", "Solar index of refraction [-]"),
           number("solar_extinction_coefficient", "Solar extinction coefficient [1/m]"),
@@ -74,10 +72,10 @@ std::vector<FieldDescription> refraction_fields() {
           number("visible_extinction_coefficient", "Visible extinction coefficient [1/m]"),
           number("infrared_transmittance_at_normal_incidence", "Infrared transmittance [-]"),
           number("infrared_hemispherical_emissivity", "Infrared emissivity [-]"),
-          number("conductivity", kit::property::conductivity)};
+          number("conductivity", property::conductivity)};
 }
 
-std::vector<FieldDescription> gas_mixture_fields() {
+std::vector<SourceField> gas_mixture_fields() {
   return {thickness(),
           implied("number_of_gases_in_mixture"),
           text("gas_1_type", "Gas 1 type"),
@@ -90,7 +88,7 @@ std::vector<FieldDescription> gas_mixture_fields() {
           number("gas_4_fraction", "Gas 4 fraction [-]")};
 }
 
-std::vector<FieldDescription> shade_fields() {
+std::vector<SourceField> shade_fields() {
   return {number("solar_transmittance", "Solar transmittance [-]"),
           number("solar_reflectance", "Solar reflectance [-]"),
           number("visible_transmittance", "Visible transmittance [-]"),
@@ -98,22 +96,22 @@ std::vector<FieldDescription> shade_fields() {
           number("infrared_hemispherical_emissivity", "Infrared emissivity [-]"),
           number("infrared_transmittance", "Infrared transmittance [-]"),
           thickness(),
-          number("conductivity", kit::property::conductivity)};
+          number("conductivity", property::conductivity)};
 }
 
-std::vector<FieldDescription> vegetation_fields() {
+std::vector<SourceField> vegetation_fields() {
   return joined(joined({dropped("height_of_plants"), dropped("leaf_area_index"),
                         number("leaf_reflectivity", "Leaf reflectance [-]"),
                         dropped("leaf_emissivity"), dropped("minimum_stomatal_resistance"),
                         dropped("soil_layer_name"), roughness(), thickness()},
-                       {number("conductivity_of_dry_soil", kit::property::conductivity),
-                        number("density_of_dry_soil", kit::property::density),
-                        number("specific_heat_of_dry_soil", kit::property::specific_heat)}),
+                       {number("conductivity_of_dry_soil", property::conductivity),
+                        number("density_of_dry_soil", property::density),
+                        number("specific_heat_of_dry_soil", property::specific_heat)}),
                 absorptances());
 }
 
 std::vector<MaterialClass> make_material_classes() {
-  const auto resistance = number("thermal_resistance", kit::property::resistance);
+  const auto resistance = number("thermal_resistance", property::resistance);
   return {{"Material", "Opaque", required,
            joined(joined({roughness(), thickness()}, solid()), absorptances())},
           {"Material:NoMass", "No mass", none, joined({roughness(), resistance}, absorptances())},
@@ -153,13 +151,13 @@ const std::vector<MaterialClass>& material_classes() {
 template <class Class>
 std::map<std::string, const Class*> by_name(const std::vector<Class>& classes) {
   std::map<std::string, const Class*> result;
-  for (const Class& described : classes) result[kit::lower_case(described.name)] = &described;
+  for (const Class& described : classes) result[lower_case(described.name)] = &described;
   return result;
 }
 
 template <class Class>
 const Class* find(const std::map<std::string, const Class*>& classes, const std::string& name) {
-  const auto found = classes.find(kit::lower_case(name));
+  const auto found = classes.find(lower_case(name));
   return found != classes.end() ? found->second : nullptr;
 }
 
@@ -205,4 +203,4 @@ const ConstructionClass* construction_class(const std::string& name) {
   return find(index, name);
 }
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit

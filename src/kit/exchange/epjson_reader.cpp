@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "failure.hpp"
-#include "import/place.hpp"
-#include "import/readers.hpp"
-#include "text.hpp"
+#include "kit/exchange/problem.hpp"
+#include "kit/exchange/readers.hpp"
+#include "kit/text/quoted.hpp"
+
+#include <veldra/kit/text.hpp>
 
 #include <fmt/format.h>
 
@@ -10,13 +11,13 @@
 #include <charconv>
 #include <set>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
 void require_object(const JsonNode& node, const std::string& what, const std::string& file) {
   if (node.kind == JsonNode::Kind::Object) return;
-  throw Failure(fmt::format("{}: {} must be a JSON object", place(file, node.line), what));
+  fail_at(file, node.line, fmt::format("{} must be a JSON object", what));
 }
 
 std::string text_of(const JsonNode& node, const std::string& file) {
@@ -30,7 +31,7 @@ std::string text_of(const JsonNode& node, const std::string& file) {
     case JsonNode::Kind::Boolean:
       return node.boolean ? "Yes" : "No";
     default:
-      throw Failure(fmt::format("{}: a number or a text is expected", place(file, node.line)));
+      fail_at(file, node.line, "a number or a text is expected");
   }
 }
 
@@ -39,6 +40,18 @@ std::string text_of(const JsonNode& node, const std::string& file) {
 bool says_something(const std::string& key, const JsonNode& value) {
   if (key.compare(0, 4, "idf_") == 0 || value.kind == JsonNode::Kind::Null) return false;
   return value.kind != JsonNode::Kind::Text || !trimmed(value.text).empty();
+}
+
+/// The text of a value that is not read, whatever it is.
+std::string short_text_of(const JsonNode& node) {
+  switch (node.kind) {
+    case JsonNode::Kind::Array:
+      return "[...]";
+    case JsonNode::Kind::Object:
+      return "{...}";
+    default:
+      return text_of(node, "");
+  }
 }
 
 SourceMaterial material_from(const std::string& name, const JsonNode& node,
@@ -57,7 +70,9 @@ SourceMaterial material_from(const std::string& name, const JsonNode& node,
     if (!text.empty()) material.values[field.key] = std::move(text);
   }
   for (const auto& [key, value] : node.members) {
-    if (known.count(key) == 0 && says_something(key, value)) ++material.dropped;
+    if (known.count(key) == 0 && says_something(key, value)) {
+      material.not_kept.emplace_back(key, short_text_of(value));
+    }
   }
   return material;
 }
@@ -83,7 +98,9 @@ SourceConstruction construction_from(const std::string& name, const JsonNode& no
   std::map<unsigned, std::string> layers;
   for (const auto& [key, value] : node.members) {
     const unsigned position = layer_position(key);
-    if (position == 0 && says_something(key, value)) ++construction.dropped;
+    if (position == 0 && says_something(key, value)) {
+      construction.not_kept.emplace_back(key, short_text_of(value));
+    }
     if (position == 0) continue;
     std::string text = text_of(value, file);
     if (!text.empty()) layers[position] = std::move(text);
@@ -107,8 +124,8 @@ bool is_evidence(const std::string& name, const JsonNode& objects) {
   return (material && name == material->name) || (construction && name == construction->name);
 }
 
-}  // namespace
-
+/// Whether a document is of the format, maybe with mistakes: it has a class of materials or
+/// constructions, or nothing but objects of objects under names that classes can have.
 bool is_epjson(const JsonNode& document) {
   if (document.kind != JsonNode::Kind::Object) return false;
   const auto& members = document.members;
@@ -128,13 +145,13 @@ SourceModel read_epjson(const JsonNode& document, const std::string& file) {
   for (const auto& [name, objects] : document.members) {
     const auto* material = material_class(name);
     const auto* construction = construction_class(name);
-    require_object(objects, in_quotes(name), file);
+    require_object(objects, quoted(name), file);
     if (!material && !construction) {
       model.skipped[name] += static_cast<unsigned>(objects.members.size());
       continue;
     }
     for (const auto& [object, node] : objects.members) {
-      require_object(node, in_quotes(object), file);
+      require_object(node, quoted(object), file);
       if (material) {
         model.materials.push_back(material_from(object, node, *material, file));
       } else {
@@ -145,4 +162,17 @@ SourceModel read_epjson(const JsonNode& document, const std::string& file) {
   return model;
 }
 
-}  // namespace veldra_tool
+}  // namespace
+
+Reader epjson_reader() {
+  return {{"epJSON", {"epjson", "json"}, true, false},
+          [](const FileContent& content) {
+            return content.document && !is_foreign(*content.document) &&
+                   is_epjson(*content.document);
+          },
+          [](FileContent content) -> std::shared_ptr<const SourceContent> {
+            return std::make_shared<ModelContent>(read_epjson(*content.document, content.file));
+          }};
+}
+
+}  // namespace veldra::kit

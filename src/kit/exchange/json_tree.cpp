@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "import/json_tree.hpp"
+#include "kit/exchange/json_tree.hpp"
 
-#include "failure.hpp"
-#include "import/place.hpp"
-#include "text.hpp"
+#include "kit/exchange/problem.hpp"
 
-#include <fmt/format.h>
+#include <veldra/kit/text.hpp>
+
 #include <nlohmann/json.hpp>
 
 #include <iterator>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
@@ -90,8 +89,7 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
 
   bool parse_error(std::size_t, const std::string&,
                    const nlohmann::detail::exception& error) override {
-    throw Failure(
-        fmt::format("{}: this is no proper JSON{}", place(file_, line_), reason_in(error.what())));
+    fail_at(file_, line_, "this is no proper JSON" + reason_in(error.what()));
   }
 
  private:
@@ -100,7 +98,7 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
   /// What the parser says, without the name and number of its exception and without the place.
   static std::string reason_in(const std::string& message) {
     const auto start = message.find("- ");
-    return start == std::string::npos ? "" : " (" + printable(message.substr(start + 2)) + ")";
+    return start == std::string::npos ? "" : " (" + in_utf8(message.substr(start + 2)) + ")";
   }
 
   bool add_number(double value) {
@@ -112,7 +110,7 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
 
   bool open(JsonNode::Kind kind) {
     if (open_.size() == deepest) {
-      throw Failure(fmt::format("{}: the values are nested too deep", place(file_, line_)));
+      fail_at(file_, line_, "the values are nested too deep");
     }
     JsonNode node;
     node.kind = kind;
@@ -173,4 +171,4 @@ JsonNode parse_json(const std::string& text, const std::string& file) {
   return std::move(builder.root);
 }
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit

@@ -1,19 +1,19 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#ifndef VELDRA_TOOL_IMPORT_OBJECT_READER_HPP
-#define VELDRA_TOOL_IMPORT_OBJECT_READER_HPP
+#ifndef VELDRA_KIT_EXCHANGE_OBJECT_READER_HPP
+#define VELDRA_KIT_EXCHANGE_OBJECT_READER_HPP
 
-#include "import/json_tree.hpp"
+#include "kit/exchange/json_tree.hpp"
 
-#include <veldra/veldra.hpp>
+#include <veldra/library.hpp>
 
 #include <set>
 #include <string>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 /// Reads the members of a JSON object of this program's own format. What is not as it must be
-/// becomes a `Failure` that names the file and the line; so do members that nobody asked for, when
-/// the reading is `finish`ed.
+/// becomes a `SourceError` that names the file and the line; so do members that nobody asked for,
+/// when the reading is `finish`ed.
 class ObjectReader {
  public:
   /// What messages call the object: `what`, or as one of a kind by the name that it has.
@@ -25,11 +25,11 @@ class ObjectReader {
   const JsonNode* find(const std::string& key);
 
   /// Members that must be there.
-  veldra::String required_text(const std::string& key);
+  String required_text(const std::string& key);
   unsigned required_index(const std::string& key);
 
   /// Members that need not be there.
-  veldra::String text(const std::string& key);
+  String text(const std::string& key);
   bool boolean(const std::string& key, bool otherwise);
   int integer(const std::string& key, int otherwise);
   double number(const std::string& key, double otherwise);
@@ -38,7 +38,7 @@ class ObjectReader {
   void finish() const;
 
   // The values of nodes.
-  veldra::String text_of(const JsonNode& node) const;
+  String text_of(const JsonNode& node) const;
   double number_of(const JsonNode& node) const;
   unsigned index_of(const JsonNode& node) const;
 
@@ -48,6 +48,8 @@ class ObjectReader {
   ObjectReader(const JsonNode& node, const std::string& what, bool by_name,
                const std::string& file);
 
+  bool is_named() const;
+  std::string name() const;
   std::string what() const;
   const JsonNode& required(const std::string& key);
   long long integer_of(const JsonNode& node, long long least, long long greatest) const;
@@ -59,6 +61,6 @@ class ObjectReader {
   std::set<std::string> known_;
 };
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit
 
 #endif

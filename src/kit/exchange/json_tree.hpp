@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#ifndef VELDRA_TOOL_IMPORT_JSON_TREE_HPP
-#define VELDRA_TOOL_IMPORT_JSON_TREE_HPP
+#ifndef VELDRA_KIT_EXCHANGE_JSON_TREE_HPP
+#define VELDRA_KIT_EXCHANGE_JSON_TREE_HPP
 
 #include <string>
 #include <utility>
 #include <vector>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 /// A value of a JSON document that knows its line. Members stay in their order, also those of the
 /// same name.
@@ -25,9 +25,9 @@ struct JsonNode {
   const JsonNode* member(const std::string& name) const;
 };
 
-/// Reads a JSON text; `file` is for messages. Throws `Failure`.
+/// Reads a JSON text; `file` is for messages. Throws `SourceError`.
 JsonNode parse_json(const std::string& text, const std::string& file);
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit
 
 #endif

@@ -1,33 +1,35 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "import/catalogue_reader.hpp"
+#include "kit/exchange/catalogue_reader.hpp"
 
-#include "failure.hpp"
-#include "import/object_reader.hpp"
-#include "import/place.hpp"
-#include "kinds.hpp"
-#include "material_fields.hpp"
-#include "text.hpp"
+#include <veldra/kit/fields.hpp>
+#include <veldra/kit/kinds.hpp>
+
+#include "kit/exchange/object_reader.hpp"
+#include "kit/exchange/problem.hpp"
+#include "kit/exchange/readers.hpp"
+#include "kit/exchange/source_set.hpp"
+#include "kit/text/quoted.hpp"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
 constexpr const char* format_name = "veldra";
 constexpr int format_version = 1;
 
-veldra::Unit unit_of(const veldra::String& name, const JsonNode& node, const ObjectReader& reader) {
-  for (const auto unit : {veldra::Unit::Millimetres, veldra::Unit::Inches}) {
+Unit unit_of(const String& name, const JsonNode& node, const ObjectReader& reader) {
+  for (const auto unit : {Unit::Millimetres, Unit::Inches}) {
     if (name.utf8() == name_of(unit)) return unit;
   }
   reader.fail(node, "the unit must be \"mm\" or \"in\"");
 }
 
-veldra::Color color_of(const JsonNode& node, const ObjectReader& reader) {
+Color color_of(const JsonNode& node, const ObjectReader& reader) {
   if (node.kind != JsonNode::Kind::Array || node.elements.size() != 4) {
     reader.fail(node, "a colour is a list of four numbers: red, green, blue, alpha");
   }
@@ -35,10 +37,10 @@ veldra::Color color_of(const JsonNode& node, const ObjectReader& reader) {
   return {part(0), part(1), part(2), part(3)};
 }
 
-veldra::Pattern pattern_of(const JsonNode& node, const std::string& file) {
+Pattern pattern_of(const JsonNode& node, const std::string& file) {
   ObjectReader reader(node, "the pattern", file);
-  veldra::Pattern pattern;
-  pattern.type = static_cast<veldra::Pattern::Type>(reader.integer("type", 0));
+  Pattern pattern;
+  pattern.type = static_cast<Pattern::Type>(reader.integer("type", 0));
   pattern.name = reader.text("name");
   pattern.scale = reader.number("scale", 1);
   pattern.angle = reader.number("angle", 0);
@@ -47,7 +49,7 @@ veldra::Pattern pattern_of(const JsonNode& node, const std::string& file) {
   return pattern;
 }
 
-veldra::Point2d point_of(const JsonNode& node, const ObjectReader& reader) {
+Point2d point_of(const JsonNode& node, const ObjectReader& reader) {
   if (node.kind != JsonNode::Kind::Array || node.elements.size() != 2) {
     reader.fail(node, "a point is a list of two numbers");
   }
@@ -57,8 +59,7 @@ veldra::Point2d point_of(const JsonNode& node, const ObjectReader& reader) {
 /// Reads the objects of one file.
 class CatalogueReader {
  public:
-  CatalogueReader(const std::string& file, veldra::Unit from, veldra::Unit to,
-                  SharedObjects& shared)
+  CatalogueReader(const std::string& file, Unit from, Unit to, SharedObjects& shared)
       : file_(file), from_(from), to_(to), shared_(shared) {}
 
   Catalogue read(const JsonNode& document) {
@@ -79,7 +80,7 @@ class CatalogueReader {
   }
 
  private:
-  double length(double value) const { return veldra::converted_length(value, from_, to_); }
+  double length(double value) const { return converted_length(value, from_, to_); }
 
   void read_settings(ObjectReader& reader) {
     const JsonNode* node = reader.find("library");
@@ -110,11 +111,11 @@ class CatalogueReader {
     shared_.property(name, owner_of(*owner, reader));
   }
 
-  static veldra::ObjectType owner_of(const JsonNode& node, ObjectReader& reader) {
+  static ObjectType owner_of(const JsonNode& node, ObjectReader& reader) {
     if (node.kind != JsonNode::Kind::Text) {
-      return static_cast<veldra::ObjectType>(reader.integer("object_type", 0));
+      return static_cast<ObjectType>(reader.integer("object_type", 0));
     }
-    for (const auto kind : {veldra::ObjectType::Material, veldra::ObjectType::Composition}) {
+    for (const auto kind : {ObjectType::Material, ObjectType::Composition}) {
       if (node.text == singular_of(kind)) return kind;
     }
     reader.fail(node, "'object_type' must be \"material\", \"composition\" or a number");
@@ -126,8 +127,7 @@ class CatalogueReader {
   }
 
   template <class Owner>
-  void read_custom_values(ObjectReader& reader, const char* key, veldra::ObjectType kind,
-                          Owner& owner) {
+  void read_custom_values(ObjectReader& reader, const char* key, ObjectType kind, Owner& owner) {
     const JsonNode* node = reader.find(key);
     if (node == nullptr) return;
     const ObjectReader values(*node, fmt::format("'{}'", key), file_);
@@ -140,34 +140,36 @@ class CatalogueReader {
 
   void read_material(const JsonNode& node) {
     auto reader = ObjectReader::of_kind(node, "material", file_);
-    auto material = veldra::Material::create(reader.required_text("name"));
+    auto material = Material::create(reader.required_text("name"));
     if (const JsonNode* code = reader.find("code")) material->code(reader.text_of(*code));
     if (reader.find("type")) material->type(shared_.type(reader.required_text("type")));
     read_texts(reader, *material);
     read_tags(reader, *material);
-    material->function(static_cast<veldra::Material::Function>(reader.integer("function", 0)));
+    material->function(static_cast<Material::Function>(reader.integer("function", 0)));
     for (const auto& thickness : reader.list("thicknesses")) {
-      material->thicknesses(veldra::toModify).insert(length(reader.number_of(thickness)));
+      material->thicknesses(toModify).insert(length(reader.number_of(thickness)));
     }
     material->allow_custom_thickness(reader.boolean("allow_custom_thickness", true));
-    read_custom_values(reader, "custom_values", veldra::ObjectType::Material, *material);
-    read_custom_values(reader, "common_custom_values", veldra::ObjectType{}, *material);
+    read_custom_values(reader, "custom_values", ObjectType::Material, *material);
+    read_custom_values(reader, "common_custom_values", ObjectType{}, *material);
     read_appearance(reader, *material);
     for (const char* asset : {"structural_asset", "thermal_asset"}) {
-      if (reader.find(asset)) ++catalogue_.assets;
+      if (reader.find(asset)) {
+        catalogue_.not_kept.push_back({"material", asset, material->name().utf8(), node.line, ""});
+      }
     }
     reader.finish();
     catalogue_.materials.push_back({material, node.line});
   }
 
-  void read_texts(ObjectReader& reader, veldra::Material& material) {
+  void read_texts(ObjectReader& reader, Material& material) {
     for (const auto* field : texts_) {
       const JsonNode* node = reader.find(field->key);
       if (node != nullptr) field->set(material, reader.text_of(*node).utf8());
     }
   }
 
-  void read_appearance(ObjectReader& reader, veldra::Material& material) {
+  void read_appearance(ObjectReader& reader, Material& material) {
     material.shading_use_appearance(reader.boolean("shading_use_appearance", false));
     for (const auto* field : colors_) {
       if (const JsonNode* node = reader.find(field->key)) {
@@ -191,18 +193,18 @@ class CatalogueReader {
     auto reader = ObjectReader::of_kind(node, "composition", file_);
     CatalogueComposition result;
     result.line = node.line;
-    result.object = veldra::Composition::create(reader.required_text("name"));
+    result.object = Composition::create(reader.required_text("name"));
     auto& composition = *result.object;
     const auto type = reader.text("type").utf8();
-    if (!type.empty()) composition.type(composition_type(type, node, reader));
+    if (!type.empty()) composition.type(type_of(type, node, reader));
     composition.description(reader.text("description"));
     composition.comments(reader.text("comments"));
     read_tags(reader, composition);
     if (reader.find("entity_layer")) {
       composition.entity_layer(shared_.layer(reader.required_text("entity_layer")));
     }
-    read_custom_values(reader, "custom_values", veldra::ObjectType::Composition, composition);
-    read_custom_values(reader, "common_custom_values", veldra::ObjectType{}, composition);
+    read_custom_values(reader, "custom_values", ObjectType::Composition, composition);
+    read_custom_values(reader, "common_custom_values", ObjectType{}, composition);
     for (const auto& layer : reader.list("layers")) result.layers.push_back(read_layer(layer));
     read_core(reader, result);
     read_variable_layer(reader, composition);
@@ -210,12 +212,12 @@ class CatalogueReader {
     catalogue_.compositions.push_back(std::move(result));
   }
 
-  static veldra::Composition::Type composition_type(const std::string& name, const JsonNode& node,
-                                                    const ObjectReader& reader) {
+  static Composition::Type type_of(const std::string& name, const JsonNode& node,
+                                   const ObjectReader& reader) {
     try {
-      return veldra_tool::composition_type(name);
-    } catch (const Failure& failure) {
-      reader.fail(node, failure.what());
+      return veldra::kit::composition_type(name);
+    } catch (const Error& error) {
+      reader.fail(node, error.what());
     }
   }
 
@@ -224,7 +226,7 @@ class CatalogueReader {
     NamedLayer layer;
     layer.material = reader.required_text("material").utf8();
     layer.thickness = length(reader.number("thickness", 0));
-    layer.function = static_cast<veldra::Material::Function>(reader.integer("function", 0));
+    layer.function = static_cast<Material::Function>(reader.integer("function", 0));
     reader.finish();
     return layer;
   }
@@ -240,7 +242,7 @@ class CatalogueReader {
     result.structural_layer = index("structural_layer", result.first_core_layer);
   }
 
-  void read_variable_layer(ObjectReader& reader, veldra::Composition& composition) {
+  void read_variable_layer(ObjectReader& reader, Composition& composition) {
     if (reader.find("variable_layer")) {
       composition.variable_layer(reader.required_index("variable_layer"));
     }
@@ -252,30 +254,28 @@ class CatalogueReader {
   }
 
   const std::string& file_;
-  veldra::Unit from_;
-  veldra::Unit to_;
+  Unit from_;
+  Unit to_;
   SharedObjects& shared_;
   Catalogue catalogue_;
 
-  using MaterialFields = std::vector<const kit::Field<veldra::Material>*>;
-  const MaterialFields texts_ = plain_material_fields(kit::Value::Kind::Text);
-  const MaterialFields colors_ = plain_material_fields(kit::Value::Kind::Color);
-  const MaterialFields patterns_ = plain_material_fields(kit::Value::Kind::Pattern);
+  using MaterialFields = std::vector<const Field<Material>*>;
+  const MaterialFields texts_ = plain_material_fields(Value::Kind::Text);
+  const MaterialFields colors_ = plain_material_fields(Value::Kind::Color);
+  const MaterialFields patterns_ = plain_material_fields(Value::Kind::Pattern);
 };
 
-void set_core(veldra::Composition& composition, const CatalogueComposition& wanted) {
+void set_core(Composition& composition, const CatalogueComposition& wanted) {
   composition.last_core_layer(wanted.last_core_layer);
   composition.first_core_layer(wanted.first_core_layer);
   composition.structural_layer(wanted.structural_layer);
 }
 
-bool has_core(const veldra::Composition& composition, const CatalogueComposition& wanted) {
+bool has_core(const Composition& composition, const CatalogueComposition& wanted) {
   return composition.first_core_layer() == wanted.first_core_layer &&
          composition.last_core_layer() == wanted.last_core_layer &&
          composition.structural_layer() == wanted.structural_layer;
 }
-
-}  // namespace
 
 bool is_catalogue(const JsonNode& document) {
   const JsonNode* format = document.member("format");
@@ -288,7 +288,7 @@ bool has_catalogue_objects(const JsonNode& document) {
   });
 }
 
-std::optional<veldra::Unit> catalogue_unit(const JsonNode& document, const std::string& file) {
+std::optional<Unit> catalogue_unit(const JsonNode& document, const std::string& file) {
   const JsonNode* library = document.member("library");
   if (library == nullptr) return std::nullopt;
   ObjectReader settings(*library, "the library", file);
@@ -297,14 +297,44 @@ std::optional<veldra::Unit> catalogue_unit(const JsonNode& document, const std::
   return unit_of(settings.text_of(*unit), *unit, settings);
 }
 
-Catalogue read_catalogue(const JsonNode& document, const std::string& file, veldra::Unit unit,
+Catalogue read_catalogue(const JsonNode& document, const std::string& file, Unit unit,
                          SharedObjects& shared) {
-  const auto own_unit = catalogue_unit(document, file).value_or(veldra::Unit::Millimetres);
+  const auto own_unit = catalogue_unit(document, file).value_or(Unit::Millimetres);
   return CatalogueReader(file, own_unit, unit, shared).read(document);
 }
 
+class CatalogueContent : public SourceContent {
+ public:
+  explicit CatalogueContent(FileContent content) : content_(std::move(content)) {}
+
+  bool has_objects() const override { return has_catalogue_objects(*content_.document); }
+
+  std::optional<Unit> unit() const override {
+    return catalogue_unit(*content_.document, content_.file);
+  }
+
+  void add_to(SourceSet& set, SourceReport& report) const override {
+    set.add(read_catalogue(*content_.document, content_.file, set.unit(), set.shared()), report);
+  }
+
+ private:
+  FileContent content_;
+};
+
+}  // namespace
+
+Reader catalogue_reader() {
+  return {{"veldra", {"json"}, true, true},
+          [](const FileContent& content) {
+            return content.document && is_catalogue(*content.document);
+          },
+          [](FileContent content) -> std::shared_ptr<const SourceContent> {
+            return std::make_shared<CatalogueContent>(std::move(content));
+          }};
+}
+
 void complete(const CatalogueComposition& composition,
-              const std::vector<veldra::Composition::Layer>& layers, const std::string& file) {
+              const std::vector<Composition::Layer>& layers, const std::string& file) {
   auto& object = *composition.object;
   try {
     for (const auto& layer : layers) object.appendLayer(layer);
@@ -312,10 +342,12 @@ void complete(const CatalogueComposition& composition,
     if (has_core(object, composition)) return;
   } catch (const std::out_of_range&) {
   }
-  throw Failure(
-      fmt::format("{}: composition {}: the indices of core and structural layer "
-                  "contradict each other or the number of layers",
-                  place(file, composition.line), in_quotes(object.name().utf8())));
+  const auto name = object.name().utf8();
+  fail_at(file, composition.line,
+          fmt::format("composition {}: the indices of core and structural layer contradict each "
+                      "other or the number of layers",
+                      quoted(name)),
+          name);
 }
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit

@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "import/mapping.hpp"
+#include "kit/exchange/mapping.hpp"
 
-#include "failure.hpp"
-#include "kit.hpp"
-#include "text.hpp"
+#include <veldra/kit/fields.hpp>
+#include <veldra/kit/physics.hpp>
+
+#include "kit/text/quoted.hpp"
 
 #include <fmt/format.h>
 
 #include <charconv>
 #include <cmath>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
@@ -20,7 +21,7 @@ double number_of(const std::string& text, const char* key) {
   double number = 0;
   const auto result = std::from_chars(begin, end, number);
   if (result.ec != std::errc() || result.ptr != end || !std::isfinite(number)) {
-    throw Failure(fmt::format("{} is not a number for '{}'", in_quotes(text), key));
+    throw Error(fmt::format("{} is not a number for '{}'", quoted(text), key));
   }
   return number;
 }
@@ -30,28 +31,28 @@ double thickness_of(const SourceMaterial& source) {
   const auto value = source.values.find("thickness");
   if (value == source.values.end()) {
     if (source.described->default_thickness > 0) return source.described->default_thickness;
-    throw Failure("the thickness is missing");
+    throw Error("the thickness is missing");
   }
   const double thickness = number_of(value->second, "thickness");
-  if (thickness < 0) throw Failure(fmt::format("the thickness {} is negative", value->second));
+  if (thickness < 0) throw Error(fmt::format("the thickness {} is negative", value->second));
   return thickness;
 }
 
-double thermal_mass_of(const veldra::Material& material) {
-  const auto density = kit::number_value(material, kit::property::density);
+double thermal_mass_of(const Material& material) {
+  const auto density = number_value(material, property::density);
   if (!density || material.thicknesses().empty()) return -1;
   return *density * *material.thicknesses().begin();
 }
 
 }  // namespace
 
-std::shared_ptr<veldra::Material> map_material(const SourceMaterial& source, veldra::Unit unit,
-                                               SharedObjects& shared) {
-  if (source.name.empty()) throw Failure("the name is missing");
-  auto material = veldra::Material::create(library_text(source.name));
+std::shared_ptr<Material> map_material(const SourceMaterial& source, Unit unit,
+                                       SharedObjects& shared) {
+  if (source.name.empty()) throw Error("the name is missing");
+  auto material = Material::create(library_text(source.name));
   material->type(shared.type(source.described->type));
   if (source.described->default_thickness >= 0) {
-    material->thicknesses(veldra::toModify).insert(kit::from_metres(thickness_of(source), unit));
+    material->thicknesses(toModify).insert(from_metres(thickness_of(source), unit));
   }
   for (const auto& field : source.described->fields) {
     const auto value = source.values.find(field.key);
@@ -59,19 +60,19 @@ std::shared_ptr<veldra::Material> map_material(const SourceMaterial& source, vel
     if (!wanted || value == source.values.end()) continue;
     const bool number = field.kind == FieldKind::Number;
     const auto text = number ? exact_number(number_of(value->second, field.key)) : value->second;
-    material->custom_value(shared.property(field.property, veldra::ObjectType::Material),
+    material->custom_value(shared.property(field.property, ObjectType::Material),
                            library_text(text));
   }
   return material;
 }
 
-double usual_thickness(const veldra::Material& material) {
+double usual_thickness(const Material& material) {
   return material.thicknesses().empty() ? 0.0 : *material.thicknesses().begin();
 }
 
-std::vector<veldra::Composition::Layer> map_layers(
-    const std::vector<std::shared_ptr<veldra::Material>>& materials) {
-  std::vector<veldra::Composition::Layer> layers;
+std::vector<Composition::Layer> map_layers(
+    const std::vector<std::shared_ptr<Material>>& materials) {
+  std::vector<Composition::Layer> layers;
   std::size_t structural = 0;
   double greatest = -1;
   for (const auto& material : materials) {
@@ -80,19 +81,19 @@ std::vector<veldra::Composition::Layer> map_layers(
       greatest = mass;
       structural = layers.size();
     }
-    layers.emplace_back(material, veldra::Material::Function::None, usual_thickness(*material));
+    layers.emplace_back(material, Material::Function::None, usual_thickness(*material));
   }
-  if (greatest >= 0) layers[structural].function(veldra::Material::Function::Structure);
+  if (greatest >= 0) layers[structural].function(Material::Function::Structure);
   return layers;
 }
 
-std::shared_ptr<veldra::Composition> map_construction(
-    const veldra::String& name, const std::vector<veldra::Composition::Layer>& layers) {
-  auto composition = veldra::Composition::create(name);
-  composition->type(veldra::Composition::Type::Other);
+std::shared_ptr<Composition> map_construction(const String& name,
+                                              const std::vector<Composition::Layer>& layers) {
+  auto composition = Composition::create(name);
+  composition->type(Composition::Type::Other);
   unsigned structural = 0;
   for (const auto& layer : layers) {
-    if (layer.function() == veldra::Material::Function::Structure) {
+    if (layer.function() == Material::Function::Structure) {
       structural = static_cast<unsigned>(composition->layers().size());
     }
     composition->appendLayer(layer);
@@ -102,4 +103,4 @@ std::shared_ptr<veldra::Composition> map_construction(
   return composition;
 }
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit
