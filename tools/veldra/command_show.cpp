@@ -5,7 +5,6 @@
 #include "json.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
-#include "material_fields.hpp"
 #include "opening.hpp"
 #include "process/standard_streams.hpp"
 #include "summary.hpp"
@@ -87,7 +86,7 @@ void print_details(Spool& output, const veldra::Material& material, veldra::Unit
   if (material.has_code()) {
     line(output, "code", material.code() ? material.code().utf8() : "(empty)");
   }
-  for (const auto* field : plain_material_fields(kit::Value::Kind::Text)) {
+  for (const auto* field : kit::plain_material_fields(kit::Value::Kind::Text)) {
     line(output, field->key, kit::value_text(field->get(material)));
   }
   line(output, "tags", tags_text(material));
@@ -98,10 +97,10 @@ void print_details(Spool& output, const veldra::Material& material, veldra::Unit
   line(output, "function", function_text(material.function()));
   line(output, "shading",
        material.shading_use_appearance() ? "from the appearance" : "from its colour");
-  for (const auto* field : plain_material_fields(kit::Value::Kind::Color)) {
+  for (const auto* field : kit::plain_material_fields(kit::Value::Kind::Color)) {
     line(output, field->key, color_text(field->get(material).as<veldra::Color>()));
   }
-  for (const auto* field : plain_material_fields(kit::Value::Kind::Pattern)) {
+  for (const auto* field : kit::plain_material_fields(kit::Value::Kind::Pattern)) {
     line(output, field->key, pattern_text(field->get(material).as<veldra::Pattern>()));
   }
   const auto& alignment = material.surface_pattern_alignment();
@@ -208,7 +207,7 @@ void print_details(Spool& output, const veldra::Composition& composition, veldra
 }
 
 void print_details(Spool& output, const veldra::CustomProperty& property, veldra::Unit) {
-  const auto& owner = built_in_fields<veldra::CustomProperty>().at("object_type");
+  const auto& owner = kit::built_in_fields<veldra::CustomProperty>().at("object_type");
   line(output, "for", kit::value_text(owner.get(property)));
 }
 
