@@ -5,10 +5,13 @@
 /// @file
 /// Everything that the kit offers to programs around a library, as C++17 or later.
 
+#include <veldra/kit/clash.hpp>
 #include <veldra/kit/error.hpp>
 #include <veldra/kit/fields.hpp>
 #include <veldra/kit/kinds.hpp>
 #include <veldra/kit/physics.hpp>
+#include <veldra/kit/plan.hpp>
+#include <veldra/kit/progress.hpp>
 #include <veldra/kit/select.hpp>
 #include <veldra/kit/text.hpp>
 #include <veldra/kit/value.hpp>
