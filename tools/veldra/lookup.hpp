@@ -93,6 +93,15 @@ std::shared_ptr<T> find_object(const veldra::Library& library, const std::string
   return named.empty() ? numbered : named[0];
 }
 
+/// The key of the object of a kind that a text names. Throws `LibraryFailure` as `find_object`.
+inline veldra::ObjectKey object_key(const veldra::Library& library, veldra::ObjectType kind,
+                                    const std::string& text) {
+  return with_class_of(kind, [&](auto of) {
+    using T = typename decltype(of)::type;
+    return veldra::ObjectKey(kind, find_object<T>(library, text)->id());
+  });
+}
+
 /// The order of lists: by name, and by id where names are equal.
 template <class T>
 void sort_by_name(std::vector<std::shared_ptr<T>>& objects) {

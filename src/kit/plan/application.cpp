@@ -113,10 +113,11 @@ void change_bound(Material&, const PlanEntry&, const Fields<Material>&) {}
 Application::Application(const Plan& plan, Library& destination, const Progress& progress)
     : plan_(plan), destination_(destination), progress_(progress), mapping_(&destination) {}
 
-void Application::run() {
+IdMapping Application::run() {
+  assign_existing();
+  if (!plan_.changes_anything()) return std::move(mapping_);
   Names names(plan_, progress_);
   const ReactorGuard guard(destination_, names);
-  assign_existing();
   add_named();
   change<Material>();
   add<Material>();
@@ -124,6 +125,7 @@ void Application::run() {
   add<Composition>();
   tag<Material>();
   tag<Composition>();
+  return std::move(mapping_);
 }
 
 void Application::step() const {

@@ -19,7 +19,7 @@ class Application {
  public:
   Application(const Plan& plan, Library& destination, const Progress& progress);
 
-  void run();
+  IdMapping run();
 
  private:
   using Entries = std::map<unsigned, const PlanEntry*>;  ///< by the ids of the stored objects
