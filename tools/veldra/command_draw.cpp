@@ -52,6 +52,7 @@ void draw(const Arguments& arguments, Host& host) {
     throw CLI::ValidationError("--json", "a drawing is no JSON; give a file for it with -o");
   }
   const OutputFile output(arguments.output, arguments.file, arguments.force);
+  require_ending(arguments.output, "svg");
   const auto sheet = reading(arguments.file, [&](const veldra::Library& library) {
     const auto compositions = wanted_compositions(library, arguments);
     auto drawn = draw_sheet(compositions, library.unit());

@@ -13,6 +13,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <utility>
+
 namespace veldra_tool {
 
 namespace {
@@ -81,6 +84,46 @@ std::string function_text(veldra::Material::Function function) {
   }
 }
 
+/// What holds a quantity, as a word of the JSON format.
+const char* source_key(kit::QuantitySource source) {
+  switch (source) {
+    case kit::QuantitySource::CustomProperty:
+      return "custom_property";
+    case kit::QuantitySource::ThermalAsset:
+      return "thermal_asset";
+    case kit::QuantitySource::StructuralAsset:
+      return "structural_asset";
+    default:
+      return "";
+  }
+}
+
+std::string source_text(kit::QuantitySource source) {
+  std::string text = source_key(source);
+  std::replace(text.begin(), text.end(), '_', ' ');
+  return text;
+}
+
+/// Calls `visit(field, number, source)` for each quantity that the material has.
+template <class Visit>
+void for_each_quantity(const veldra::Material& material, Visit visit) {
+  for (const auto& field : built_in_fields<veldra::Material>()) {
+    const auto source = kit::quantity_source(field, material);
+    if (source == kit::QuantitySource::None) continue;
+    visit(field, field.get(material).as<double>(), source);
+  }
+}
+
+void print_quantities(Spool& output, const veldra::Material& material, veldra::Unit unit) {
+  bool first = true;
+  for_each_quantity(material, [&](const auto& field, double number, auto source) {
+    if (std::exchange(first, false)) output.print("quantities\n");
+    line(output, "  " + field.label,
+         fmt::format("{} {}, from the {}", rounded_number(number, 6),
+                     kit::unit_text(field.measure, unit), source_text(source)));
+  });
+}
+
 void print_details(Spool& output, const veldra::Material& material, veldra::Unit unit) {
   if (material.type()) line(output, "type", material.type()->name().utf8());
   if (material.has_code()) {
@@ -113,6 +156,7 @@ void print_details(Spool& output, const veldra::Material& material, veldra::Unit
   print_custom_values(output, material);
   print_asset(output, "structural asset", material.structuralAsset());
   print_asset(output, "thermal asset", material.thermalAsset());
+  print_quantities(output, material, unit);
 }
 
 std::string roles_text(const veldra::Composition& composition, std::size_t index) {
@@ -231,6 +275,14 @@ void add_thermal(Json& json, const veldra::Composition& composition, veldra::Uni
   thermal["inside_surface_resistance"] = transmission.inside;
   thermal["total_resistance"] = optional_number(transmission.total_resistance());
   thermal["transmittance"] = optional_number(transmission.transmittance());
+}
+
+void add_thermal(Json& json, const veldra::Material& material, veldra::Unit) {
+  for_each_quantity(material, [&](const auto& field, double number, auto source) {
+    Json& quantity = json["quantities"][field.key];
+    quantity["value"] = number_to_json(number);
+    quantity["source"] = source_key(source);
+  });
 }
 
 template <class T>
