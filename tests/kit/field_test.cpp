@@ -172,6 +172,22 @@ TEST_F(KitAssetFields, give_quantities_the_thermal_one_first) {
   EXPECT_EQ(value("resistance"), Value());
 }
 
+TEST_F(KitAssetFields, say_what_holds_a_quantity) {
+  const auto brick = library->get<Material>(1);
+  const auto materials = fields<Material>();
+  const auto source = [&](const char* key) {
+    return kit::quantity_source(materials.at(key), *brick);
+  };
+  EXPECT_EQ(source("density"), kit::QuantitySource::ThermalAsset);
+  EXPECT_EQ(source("specific_heat"), kit::QuantitySource::StructuralAsset);
+  EXPECT_EQ(source("conductivity"), kit::QuantitySource::ThermalAsset);
+  EXPECT_EQ(source("resistance"), kit::QuantitySource::None);
+  EXPECT_EQ(source("name"), kit::QuantitySource::None);
+  EXPECT_EQ(source("thermal_asset.density"), kit::QuantitySource::None);
+  materials.at("density").set(*brick, 7.0);
+  EXPECT_EQ(source("density"), kit::QuantitySource::CustomProperty);
+}
+
 TEST_F(KitAssetFields, stand_behind_custom_values) {
   const auto brick = library->get<Material>(1);
   const auto materials = fields<Material>();

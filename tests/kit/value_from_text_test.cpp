@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/kit_names.hpp"
 
+#include <limits>
+
 namespace veldra_tests {
 namespace {
 
@@ -125,6 +127,22 @@ TEST(MeasureUnits, are_for_people) {
   EXPECT_EQ(kit::unit_text(kit::Measure::None, Unit::Inches), "");
   EXPECT_EQ(kit::unit_factor("W/(m² K)", kit::Measure::Transmittance, Unit::Inches), 1.0);
   EXPECT_EQ(kit::unit_factor("mm", kit::Measure::Transmittance, Unit::Inches), std::nullopt);
+}
+
+TEST(ValueFromText, is_no_number_that_is_not_finite) {
+  const double infinite = std::numeric_limits<double>::infinity();
+  const double unknown = std::numeric_limits<double>::quiet_NaN();
+  for (const double number : {infinite, -infinite, unknown}) {
+    const std::string point = kit::value_text(Value(Point2d(1, number)));
+    EXPECT_THAT(refused("surface_pattern_alignment", point), HasSubstr("a number must be finite"));
+    const std::string list = kit::value_text(Value(Value::Numbers{number}));
+    EXPECT_THAT(refused("thicknesses", list), HasSubstr("a number must be finite"));
+    const std::string color = kit::value_text(Value(Color(number, 0, 0, 0)));
+    EXPECT_THAT(refused("shading_color", color), HasSubstr("a number must be finite"));
+  }
+  EXPECT_THAT(refused("conductivity", kit::value_text(Value(infinite))),
+              HasSubstr("a number must be finite"));
+  EXPECT_EQ(read("conductivity", kit::value_text(Value(unknown))), Value());
 }
 
 }  // namespace

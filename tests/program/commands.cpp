@@ -32,7 +32,7 @@ const std::vector<Command> writers = {
     {"export to a new file", {"export", "office.lib", "-o", "new.json"}, "new.json"},
     {"export over a file", {"export", "office.lib", "-o", "old.json", "--force"}, "old.json"},
     {"export over what a link leads to",
-     {"export", "office.lib", "--format", "csv", "-o", "link.json", "--force"},
+     {"export", "office.lib", "-o", "link.json", "--force"},
      "old.json"},
     {"draw to a new file", {"draw", "office.lib", "Ziegelwand", "-o", "new.svg"}, "new.svg"},
     {"draw over a file",

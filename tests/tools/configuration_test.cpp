@@ -58,8 +58,8 @@ class ConfigurationFile : public ProgramTest {
  protected:
   void SetUp() override {
     must({"create", "a.lib"});
-    for (const char* folder :
-         {"configuration", "configuration/veldra", "home", "home/.config", "home/.config/veldra"}) {
+    for (const char* folder : {"configuration", "configuration/veldra", "person", "person/.config",
+                               "person/.config/veldra"}) {
       ASSERT_EQ(::mkdir(path(folder).c_str(), 0755), 0);
     }
   }
@@ -68,14 +68,15 @@ class ConfigurationFile : public ProgramTest {
 };
 
 TEST_F(ConfigurationFile, is_that_of_the_environment_or_else_the_one_at_home) {
-  write("home/.config/veldra/config", wrong_);
+  write("person/.config/veldra/config", wrong_);
   must({"info", "a.lib"});
   for (const char* elsewhere :
        {"unset XDG_CONFIG_HOME", "XDG_CONFIG_HOME=", "XDG_CONFIG_HOME=not/from/the/root"}) {
-    const auto run = shell(std::string(elsewhere) + "; HOME=$PWD/home; veldra info a.lib");
+    const auto run = shell(std::string(elsewhere) + "; HOME=$PWD/person; veldra info a.lib");
     EXPECT_EQ(run.status, 1) << elsewhere;
-    EXPECT_THAT(run.err, AllOf(is_one_sentence(),
-                               HasSubstr("/home/.config/veldra/config': line 2: there is no key")));
+    EXPECT_THAT(run.err,
+                AllOf(is_one_sentence(),
+                      HasSubstr("/person/.config/veldra/config': line 2: there is no key")));
   }
   write("configuration/veldra/config", wrong_);
   EXPECT_THAT(veldra({"info", "a.lib"}).err,

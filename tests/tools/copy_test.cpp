@@ -26,9 +26,9 @@ class Copy : public ProgramTest {
 
 TEST_F(Copy, a_selection_brings_what_it_refers_to_in_the_other_unit) {
   const auto list = must({"copy", "a.lib", "in.lib", "composition:Wall", "--json"}).json();
-  EXPECT_EQ(outcome(list, "Wall"), "inserted");
-  EXPECT_EQ(outcome(list, "Brick"), "inserted");
-  EXPECT_EQ(outcome(list, "a.idf"), "inserted");
+  EXPECT_EQ(outcome(list, "Wall"), "added");
+  EXPECT_EQ(outcome(list, "Brick"), "added");
+  EXPECT_EQ(outcome(list, "a.idf"), "added");
   EXPECT_EQ(count("in.lib", "compositions"), 1U);
   const auto wall = must({"show", "in.lib", "composition", "Wall", "--json"}).json();
   EXPECT_NEAR(wall["layers"][0]["thickness"].get<double>(), 0.115 / 0.0254, 1e-12);
@@ -38,7 +38,7 @@ TEST_F(Copy, a_second_copy_takes_everything_as_it_is) {
   must({"copy", "a.lib", "in.lib", "--all"});
   const auto before = dump(path("in.lib"));
   const auto list = must({"copy", "a.lib", "in.lib", "--all", "--json"}).json();
-  for (const auto& entry : list) EXPECT_EQ(entry["outcome"], "existing") << entry;
+  for (const auto& entry : list) EXPECT_EQ(entry["outcome"], "equal") << entry;
   EXPECT_EQ(dump(path("in.lib")), before);
 }
 
@@ -60,7 +60,7 @@ TEST_F(Copy, an_object_that_differs_is_a_conflict) {
   EXPECT_EQ(dump(path("in.lib")), before);
   const auto list =
       must({"copy", "a.lib", "in.lib", "--all", "--on-conflict", "overwrite", "--json"}).json();
-  EXPECT_EQ(outcome(list, "Brick"), "updated");
+  EXPECT_EQ(outcome(list, "Brick"), "changed");
 }
 
 TEST_F(Copy, an_object_that_is_not_there_gives_a_sentence) {
@@ -73,6 +73,125 @@ TEST_F(Copy, a_name_may_have_a_colon) {
   library("a.lib")->save(veldra::Tag::create("a:b"));
   must({"copy", "a.lib", "in.lib", "tag:a:b"});
   EXPECT_EQ(must({"show", "in.lib", "tag", "a:b", "--json"}).json()["name"], "a:b");
+}
+
+TEST_F(Copy, makes_a_destination_that_is_missing_in_the_unit_of_the_source) {
+  must({"copy", "in.lib", "made.lib", "--all"});
+  EXPECT_EQ(must({"info", "made.lib", "--json"}).json()["unit"], "in");
+  must({"copy", "in.lib", "other.lib", "--all", "--unit", "mm"});
+  EXPECT_EQ(must({"info", "other.lib", "--json"}).json()["unit"], "mm");
+}
+
+TEST_F(Copy, that_fails_makes_no_destination) {
+  EXPECT_EQ(veldra({"copy", "a.lib", "made.lib", "material:Gold"}).status, 1);
+  EXPECT_FALSE(exists("made.lib"));
+}
+
+TEST_F(Copy, a_dry_run_makes_no_destination_and_tells_what_would_be) {
+  const auto list =
+      must({"copy", "a.lib", "made.lib", "composition:Wall", "--dry-run", "--json"}).json();
+  EXPECT_EQ(outcome(list, "Wall"), "added");
+  EXPECT_FALSE(exists("made.lib"));
+}
+
+TEST_F(Copy, a_dry_run_changes_nothing) {
+  const auto before = dump(path("in.lib"));
+  const auto run = must({"copy", "a.lib", "in.lib", "composition:Wall", "--dry-run"});
+  EXPECT_THAT(run.out, HasSubstr("Nothing was written, because this was a dry run.\n"));
+  EXPECT_EQ(dump(path("in.lib")), before);
+}
+
+/// Two materials and a build-up of the same names in both libraries, which differ.
+class CopyConflicts : public Copy {
+ protected:
+  void SetUp() override {
+    Copy::SetUp();
+    write("b.idf",
+          "Material, Brick, Rough, 0.24, 1, 1800, 1000; Material, Wool, Rough, 0.1, 2, 1, 1;"
+          "Construction, Wall, Brick;");
+    must({"import", "b.lib", "b.idf"});
+  }
+  Outcome copy(const std::vector<std::string>& rest) {
+    std::vector<std::string> arguments{"copy", "a.lib", "b.lib", "--all"};
+    arguments.insert(arguments.end(), rest.begin(), rest.end());
+    return veldra(arguments);
+  }
+};
+
+TEST_F(CopyConflicts, are_all_told_with_the_fields_that_differ) {
+  const auto before = dump(path("b.lib"));
+  const auto run = copy({});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.out, "");
+  EXPECT_THAT(run.err,
+              HasSubstr("veldra: the library has a material 'Brick' already, which differs "
+                        "(thicknesses: 240 there, 115 here)\n"));
+  EXPECT_THAT(run.err,
+              HasSubstr("'Wool' already, which differs "
+                        "(custom_values.Thermal conductivity [W/(m K)]: 2 there, 1 here)"));
+  EXPECT_THAT(run.err, HasSubstr("a composition 'Wall' already"));
+  EXPECT_THAT(run.err, HasSubstr("3 conflicts are to be decided first; --on-conflict says what to "
+                                 "do\n"));
+  EXPECT_EQ(dump(path("b.lib")), before);
+}
+
+TEST_F(CopyConflicts, are_among_all_else_in_a_dry_run) {
+  const auto run = copy({"--dry-run", "--json"});
+  EXPECT_EQ(run.status, 1);
+  const auto list = nlohmann::json::parse(run.out);
+  EXPECT_EQ(outcome(list, "Brick"), "undecided");
+  EXPECT_EQ(outcome(list, "Other"), "added");
+}
+
+TEST_F(CopyConflicts, may_be_decided_for_a_kind_and_for_one_object) {
+  const auto run = copy({"--on-conflict", "rename", "--on-conflict", "material=use",
+                         "--on-conflict", "material:Wool=overwrite", "--json"});
+  ASSERT_EQ(run.status, 0) << run.err;
+  const auto list = nlohmann::json::parse(run.out);
+  EXPECT_EQ(outcome(list, "Brick"), "kept");
+  EXPECT_EQ(outcome(list, "Wool"), "changed");
+  EXPECT_EQ(outcome(list, "Wall"), "renamed");
+}
+
+TEST_F(CopyConflicts, tell_each_field_that_changes) {
+  const auto run = copy({"--on-conflict", "overwrite", "--json"});
+  for (const auto& entry : nlohmann::json::parse(run.out)) {
+    if (entry["name"] != "Brick") continue;
+    EXPECT_EQ(entry["changes"][0].dump(), R"({"field":"thicknesses","new":[115.0],"old":[240.0]})");
+    EXPECT_EQ(entry["changes"][1].dump(),
+              R"({"field":"tags","new":["b.idf","a.idf"],"old":["b.idf"]})");
+  }
+}
+
+TEST_F(CopyConflicts, tell_each_field_that_changes_as_text) {
+  EXPECT_THAT(copy({"--on-conflict", "overwrite"}).out,
+              HasSubstr("material     Brick  changed\n    thicknesses: 240 -> 115\n"));
+}
+
+TEST_F(CopyConflicts, need_a_policy_that_there_is) {
+  for (const auto& [policy, sentence] : std::vector<std::pair<std::string, std::string>>{
+           {"none", "'none' is none of fail, use, overwrite, rename"},
+           {"tag=use", "'tag' is neither material nor composition"},
+           {"material:Brick=x", "'x' is none of fail, use, overwrite, rename"}}) {
+    const auto run = copy({"--on-conflict", policy});
+    EXPECT_EQ(run.status, 2) << policy;
+    EXPECT_THAT(run.err, HasSubstr(sentence)) << policy;
+  }
+  const auto run = copy({"--on-conflict", "material:Gold=use"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, HasSubstr("there is no material 'Gold'"));
+}
+
+TEST_F(Copy, more_than_20_objects_are_counted_unless_all_are_wanted) {
+  std::string source;
+  for (int i = 0; i < 21; ++i) source += "Material:AirGap, Gap" + std::to_string(i) + ", 0.1;";
+  write("many.idf", source);
+  must({"import", "many.lib", "many.idf"});
+  const auto run = must({"copy", "many.lib", "new.lib", "--all"});
+  EXPECT_THAT(run.out, HasSubstr("materials      21 added\n"));
+  EXPECT_THAT(run.out, Not(HasSubstr("Gap7")));
+  const auto all = must({"copy", "many.lib", "new.lib", "--all", "--verbose"});
+  EXPECT_THAT(all.out, HasSubstr("material  Gap7                         equal\n"));
 }
 
 constexpr const char* assets = R"sql(

@@ -98,6 +98,15 @@ TEST_F(Manual, each_man_page_has_all_that_the_help_has) {
   }
 }
 
+TEST_F(Manual, the_page_of_the_program_tells_of_its_configuration_and_its_language) {
+  const std::string man = veldra_manual::man_page(program);
+  EXPECT_THAT(man, HasSubstr(".SH CONFIGURATION\nThe file veldra/config in $XDG_CONFIG_HOME"));
+  EXPECT_THAT(man, HasSubstr(".SH LANGUAGE\nAll texts are English, and numbers have a point"));
+  const std::string page = veldra_manual::markdown_page(program);
+  EXPECT_THAT(page, HasSubstr("\n## Configuration\n\nThe file veldra/config"));
+  EXPECT_THAT(page, HasSubstr("\n## Language\n\nAll texts are English"));
+}
+
 TEST_F(Manual, a_line_that_begins_like_a_request_is_text) {
   veldra_manual::Command strange{"x", "is \\ strange", {}, ".SH it's - here", ""};
   EXPECT_THAT(veldra_manual::man_page(program, strange), HasSubstr("\n\\&.SH it\\(aqs \\- here\n"));

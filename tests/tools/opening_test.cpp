@@ -52,7 +52,7 @@ TEST_F(FileName, must_be_a_text_that_is_not_empty) {
   const std::string no_text = "\xFF.lib";
   for (const auto& [name, sentence] :
        {std::pair<std::string, const char*>("", "the name of the file is empty"),
-        std::pair<std::string, const char*>(no_text, "the name of the file is not UTF-8")}) {
+        std::pair<std::string, const char*>(no_text, "the name of a library must be UTF-8")}) {
     for (const std::vector<std::string>& arguments :
          {std::vector<std::string>{"create", name}, std::vector<std::string>{"info", name},
           std::vector<std::string>{"import", name, "a.lib"},

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "tools/program.hpp"
 
+#include "support/database.hpp"
+#include "support/rows.hpp"
+
 namespace veldra_tests {
 namespace {
 
@@ -174,6 +177,43 @@ TEST_F(WhereUsed, every_kind_of_reference_is_found) {
   EXPECT_EQ(as("type", "Wood"), "");
   EXPECT_EQ(as("composition", "Aufbau"), "");
   EXPECT_EQ(must({"where-used", "a.lib", "type", "Generic", "--json"}).json().size(), 4U);
+}
+
+/// A material with an asset of each kind, and a density of its own.
+class ShownQuantities : public ProgramTest {
+ protected:
+  void SetUp() override {
+    library("a.lib")->save(veldra::CustomProperty::create("Density [kg/m3]", {}));
+    PlainDatabase database(path("a.lib"));
+    put_structural_asset(database, "1");
+    put_thermal_asset(database, "2");
+    database.execute("UPDATE ThermalAsset SET specific_heat = NULL");
+    put_material(database,
+                 {{"id", "1"}, {"name", "'Brick'"}, {"structural_id", "1"}, {"thermal_id", "2"}});
+    const auto office = library("a.lib");
+    const auto brick = office->get<veldra::Material>(1);
+    brick->custom_value("Density [kg/m3]", "1800");
+    office->save(brick);
+  }
+};
+
+TEST_F(ShownQuantities, are_told_with_what_holds_them) {
+  EXPECT_THAT(must({"show", "a.lib", "material", "Brick"}).out,
+              HasSubstr("quantities\n"
+                        "  conductivity        4.25 W/(m K), from the thermal asset\n"
+                        "  density             1800 kg/m3, from the custom property\n"
+                        "  specific heat       2.5 J/(kg K), from the structural asset\n"));
+  const auto json = must({"show", "a.lib", "material", "Brick", "--json"}).json()["quantities"];
+  EXPECT_EQ(json["density"]["source"], "custom_property");
+  EXPECT_EQ(json["density"]["value"], 1800.0);
+  EXPECT_EQ(json["specific_heat"]["source"], "structural_asset");
+  EXPECT_EQ(json["conductivity"]["source"], "thermal_asset");
+  EXPECT_FALSE(json.contains("resistance"));
+}
+
+TEST_F(ShownQuantities, are_not_told_where_there_are_none) {
+  library("a.lib")->save(veldra::Material::create("Bare"));
+  EXPECT_THAT(must({"show", "a.lib", "material", "Bare"}).out, Not(HasSubstr("quantities")));
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "tools/program.hpp"
 
+#include "support/database.hpp"
+
 namespace veldra_tests {
 namespace {
 
@@ -65,6 +67,18 @@ TEST_F(Suggestion, does_not_steer_the_terminal) {
 TEST_F(Suggestion, says_for_what_there_are_properties) {
   EXPECT_EQ(error({"list", "a.lib", "properties", "--type", "walls"}),
             "veldra: there are no properties for 'walls'; there are material, composition\n");
+}
+
+TEST_F(Suggestion, says_when_not_all_names_were_compared) {
+  PlainDatabase(path("a.lib"))
+      .execute(
+          "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100000)"
+          "INSERT INTO Tag (name) SELECT 'number ' || i FROM n");
+  EXPECT_EQ(error({"show", "a.lib", "tag", "Aussenwand"}),
+            "veldra: 'a.lib': there is no tag 'Aussenwand' in the library; did you mean "
+            "'Außenwand'? (only 100000 of the 100001 names were compared)\n");
+  PlainDatabase(path("a.lib")).execute("DELETE FROM Tag WHERE name = 'number 1'");
+  EXPECT_THAT(error({"show", "a.lib", "tag", "Aussenwand"}), Not(HasSubstr("compared")));
 }
 
 }  // namespace

@@ -75,6 +75,15 @@ Command describe(const CLI::App& command) {
           part_of(footer, "Example:\n  "), rest.empty() ? "" : status + rest};
 }
 
+std::string joined(const std::string& lines) {
+  std::string text;
+  std::istringstream in(lines);
+  for (std::string line; std::getline(in, line);) {
+    text += (text.empty() ? "" : " ") + line.substr(line.find_first_not_of(' '));
+  }
+  return text;
+}
+
 /// Lines such as "  0  done", some of which go on in the next one.
 std::vector<std::pair<std::string, std::string>> statuses_in(const std::string& lines) {
   std::vector<std::pair<std::string, std::string>> statuses;
@@ -103,6 +112,10 @@ Description describe(const CLI::App& program, const std::string& version) {
     description.commands.push_back(describe(*command));
   }
   description.statuses = statuses_in(part_of(program.get_footer(), "Exit status:\n"));
+  for (const char* title : {"Configuration", "Language"}) {
+    const auto head = std::string(title) + ":\n";
+    description.notes.emplace_back(title, joined(part_of(program.get_footer(), head)));
+  }
   return description;
 }
 

@@ -36,7 +36,8 @@ struct Description {
   std::string summary;
   std::vector<Argument> options;  ///< without a command
   std::vector<Command> commands;
-  std::vector<std::pair<std::string, std::string>> statuses;  ///< numbers and their meanings
+  std::vector<std::pair<std::string, std::string>> statuses;    ///< numbers and their meanings
+  std::vector<std::pair<std::string, std::string>> notes = {};  ///< titles and what stands below
 };
 
 Description describe(const CLI::App& program, const std::string& version);

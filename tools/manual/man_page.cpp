@@ -79,7 +79,11 @@ std::string man_page(const Description& program) {
                         escaped(command.summary));
   }
   text += arguments_section("OPTIONS", program.options, true);
-  return text + statuses_section(program, "");
+  text += statuses_section(program, "");
+  for (const auto& [title, note] : program.notes) {
+    text += fmt::format(".SH {}\n{}\n", upper(title), escaped(note));
+  }
+  return text;
 }
 
 std::string man_page(const Description& program, const Command& command) {

@@ -45,7 +45,11 @@ std::string markdown_page(const Description& program) {
   for (const auto& command : program.commands) {
     text += fmt::format("| [{0}]({0}.md) | {1} |\n", command.name, command.summary);
   }
-  return text + arguments_table("Options", program.options, true) + statuses_table(program);
+  text += arguments_table("Options", program.options, true) + statuses_table(program);
+  for (const auto& [title, note] : program.notes) {
+    text += fmt::format("\n## {}\n\n{}\n", title, note);
+  }
+  return text;
 }
 
 std::string markdown_page(const Description& program, const Command& command) {

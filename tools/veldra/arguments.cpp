@@ -4,6 +4,9 @@
 #include "kinds.hpp"
 
 #include "failure.hpp"
+#include "files/output_file.hpp"
+#include "files/path.hpp"
+#include "text.hpp"
 
 #include <fmt/format.h>
 
@@ -34,6 +37,34 @@ CLI::Validator named_value(std::map<std::string, Value> values, const std::strin
 }
 
 }  // namespace
+
+std::string sentence_of(const CLI::App& program, const CLI::ParseError& error) {
+  const std::string text = error.what();
+  const auto before = [&text](const char* part) { return text.substr(0, text.find(part)); };
+  const auto says = [&text](const char* part) { return text.find(part) != std::string::npos; };
+  if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
+    const std::string extra = program.remaining(true).front();
+    return extra.front() == '-' ? fmt::format("there is no option {}", in_quotes(extra))
+                                : fmt::format("{} is one argument too many", in_quotes(extra));
+  }
+  if (says("A subcommand is required")) return "a command is missing";
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr) return text;
+  if (says(" was given")) return "--" + before(" was given") + ": there is no value for this";
+  return before(":") + (says("missing") ? ": the value is missing" : ": this is given twice");
+}
+
+void forbid_values_of_flags(CLI::App& command) {
+  for (CLI::Option* option : command.get_options()) {
+    if (option->get_items_expected_max() == 0) option->disable_flag_override();
+  }
+}
+
+CLI::Validator some_value() {
+  const auto has_text = [](const std::string& text) {
+    return std::string(trimmed(text).empty() ? "the value is empty" : "");
+  };
+  return CLI::Validator(has_text, "");
+}
 
 const char* const naming_help =
     "a name or an id; name:TEXT and id:NUMBER say which, where a number could be both";
@@ -80,30 +111,34 @@ void add_yes(CLI::App& command, bool& yes, const std::string& description) {
 }
 
 void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::string& description) {
-  command.add_option("--tag", tags, description)
-      ->type_size(1)
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  command.add_option("--tag", tags, description)->check(some_value())->allow_extra_args(false);
 }
 
 void add_output(CLI::App& command, std::string& output, bool& force) {
   command.add_option("-o,--output", output, "The file to write; standard output by default")
+      ->check(some_value())
       ->type_name("OUT");
   command.add_flag("--force", force,
                    "Replace OUT where there is a file of that name; a library is never replaced");
 }
 
 void add_backup(CLI::App& command, Host& host) {
-  const auto go_to_file = [&host](const std::string& file) {
-    if (file.empty()) throw CLI::ValidationError("--backup", "the name of the file is empty");
-    host.backup.go_to_file(file);
-  };
+  const auto go_to_file = [&host](const std::string& file) { host.backup.go_to_file(file); };
   command
       .add_option_function<std::string>(
           "--backup", go_to_file,
           "Write a backup of the library as it was into this new file before it is changed, or "
           "change nothing; 'veldra restore' brings it back")
+      ->check(some_value())
       ->type_name("BACKUP");
+}
+
+void require_ending(const std::string& output, const std::string& format) {
+  const std::string ending = ending_of(output);
+  if (is_standard_output(output) || ending.empty() || ending == format) return;
+  throw CLI::ValidationError(
+      "--output", fmt::format("{} has the ending of another format; what is written is {}",
+                              in_quotes(output), format));
 }
 
 void add_format(CLI::App& command, std::string& format) {
@@ -113,8 +148,8 @@ void add_format(CLI::App& command, std::string& format) {
   };
   command
       .add_option("--format", format,
-                  "json (default): everything, for 'import' to read again; csv: a table of "
-                  "materials, compositions and their layers")
+                  "json: everything, for 'import' to read again; csv: a table of materials, "
+                  "compositions and their layers; by default that of the ending of OUT, or json")
       ->check(CLI::Validator(known, "", "json, csv"))
       ->type_name("FORMAT");
 }
@@ -125,20 +160,6 @@ void add_unit(CLI::App& command, veldra::Unit& unit) {
   command.add_option("--unit", unit, "The unit of lengths in a new library: mm (default) or in")
       ->transform(named_value(units, "mm, in"))
       ->type_name("UNIT");
-}
-
-void add_on_conflict(CLI::App& command, OnConflict& policy) {
-  const std::map<std::string, OnConflict> policies{{"fail", OnConflict::Fail},
-                                                   {"use", OnConflict::Use},
-                                                   {"overwrite", OnConflict::Overwrite},
-                                                   {"rename", OnConflict::Rename}};
-  command
-      .add_option("--on-conflict", policy,
-                  "What to do about a material or composition whose name is taken by one that "
-                  "differs: fail (default), use the one that is there, overwrite it, or rename "
-                  "the new one")
-      ->transform(named_value(policies, "fail, use, overwrite, rename"))
-      ->type_name("WHAT");
 }
 
 void add_example(CLI::App& command, const std::string& example, const std::string& findings) {

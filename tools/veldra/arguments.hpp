@@ -2,7 +2,6 @@
 #ifndef VELDRA_TOOL_ARGUMENTS_HPP
 #define VELDRA_TOOL_ARGUMENTS_HPP
 
-#include "conflicts.hpp"
 #include "host.hpp"
 
 #include <veldra/veldra.hpp>
@@ -17,6 +16,15 @@ namespace veldra_tool {
 /// The names of all kinds, for people.
 std::string kind_choices();
 
+/// What is said of arguments that are wrong.
+std::string sentence_of(const CLI::App& program, const CLI::ParseError& error);
+
+/// Has the flags of a command refuse values, such as in `--json=no`.
+void forbid_values_of_flags(CLI::App& command);
+
+/// What an option checks that is not to be empty.
+CLI::Validator some_value();
+
 // Arguments that several commands have, and that they name alike.
 
 /// How an object is named, for the help of commands.
@@ -26,10 +34,13 @@ void add_file(CLI::App& command, std::string& file);
 void add_kind(CLI::App& command, veldra::ObjectType& kind);
 void add_object(CLI::App& command, std::string& object);
 void add_kinds(CLI::App& command, std::vector<veldra::ObjectType>& kinds);
-void add_on_conflict(CLI::App& command, OnConflict& policy);
 void add_yes(CLI::App& command, bool& yes, const std::string& description);
 void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::string& description);
 void add_output(CLI::App& command, std::string& output, bool& force);
+
+/// Throws a `CLI::ParseError` when the name of an output has the ending of another format than
+/// `format`, which is one of the endings that there are, without the point.
+void require_ending(const std::string& output, const std::string& format);
 void add_json(CLI::App& command, bool& json);
 void add_backup(CLI::App& command, Host& host);
 

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "arguments.hpp"
-#include "conflicts.hpp"
 #include "failure.hpp"
+#include "files/destination.hpp"
 #include "host.hpp"
-#include "json.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
-#include "progress.hpp"
-#include "table.hpp"
-#include "transfer.hpp"
+#include "planned_change.hpp"
 
 #include <fmt/format.h>
 
@@ -22,17 +19,10 @@ struct Arguments {
   std::string destination;
   std::vector<std::string> objects;
   bool all = false;
-  OnConflict on_conflict = OnConflict::Fail;
-  bool json = false;
-};
-
-/// What became of an object of the source.
-struct Copied {
-  veldra::ObjectType kind;
-  std::string name;    ///< in the source
-  std::string result;  ///< name in the destination
-  unsigned id;         ///< in the destination
-  Outcome outcome;
+  std::vector<std::string> on_conflict;
+  veldra::Unit unit = veldra::Unit::Millimetres;
+  bool unit_given = false;
+  PlanArguments plan;
 };
 
 /// What "KIND:OBJECT" says.
@@ -59,85 +49,8 @@ std::vector<Wanted> wanted_objects(const Arguments& arguments) {
 std::set<veldra::ObjectKey> keys_of(const veldra::Library& library,
                                     const std::vector<Wanted>& wanted) {
   std::set<veldra::ObjectKey> keys;
-  for (const auto& object : wanted) {
-    with_class_of(object.kind, [&](auto of) {
-      using T = typename decltype(of)::type;
-      keys.insert({object.kind, find_object<T>(library, object.object)->id()});
-    });
-  }
+  for (const auto& object : wanted) keys.insert(object_key(library, object.kind, object.object));
   return keys;
-}
-
-template <class T>
-Copied copied_of(const veldra::Library& source, const veldra::Library& destination, unsigned id,
-                 const veldra::IdMapping::Value& value, const ConflictReactor& reactor) {
-  constexpr auto kind = veldra::ObjectTraits<T>::type;
-  const auto from = source.get<T>(id);
-  const auto to = destination.get<T>(value.id);
-  const veldra::String name = from ? from->name() : veldra::String();
-  return {kind, name.utf8(), to ? to->name().utf8() : "", value.id,
-          reactor.outcome(kind, name, value.status)};
-}
-
-std::vector<Copied> copied_objects(const veldra::Library& source,
-                                   const veldra::Library& destination,
-                                   const veldra::IdMapping& mapping,
-                                   const ConflictReactor& reactor) {
-  std::vector<Copied> objects;
-  for (const auto& [key, value] : mapping) {
-    const unsigned id = key.key.id;
-    // Without an id it is the type that a material without one is given on the way.
-    if (id == 0) continue;
-    with_class_of(key.key.type, [&, value = value](auto of) {
-      using T = typename decltype(of)::type;
-      objects.push_back(copied_of<T>(source, destination, id, value, reactor));
-    });
-  }
-  return objects;
-}
-
-/// Tags, types, layers and properties of the same name are one and the same.
-std::string status_text(const Copied& copied) {
-  switch (copied.outcome) {
-    case Outcome::Added:
-      return "inserted";
-    case Outcome::Renamed:
-      return "inserted as " + copied.result;
-    case Outcome::Changed:
-      return "updated";
-    default:
-      return "taken as it is";
-  }
-}
-
-const char* outcome_text(Outcome outcome) {
-  switch (outcome) {
-    case Outcome::Added:
-    case Outcome::Renamed:
-      return "inserted";
-    case Outcome::Changed:
-      return "updated";
-    default:
-      return "existing";
-  }
-}
-
-/// The name is the one in the source, the id the one in the destination.
-void print(Spool& output, const std::vector<Copied>& objects, bool json) {
-  if (json) {
-    return print_json_list(output, objects, [](const Copied& copied) {
-      Json entry = key_to_json({copied.kind, copied.id}, copied.name);
-      entry["outcome"] = outcome_text(copied.outcome);
-      entry["name_in_destination"] = copied.result;
-      return entry;
-    });
-  }
-  Table table = object_table("what became of it");
-  for (const auto& copied : objects) {
-    table.add(
-        {singular_of(copied.kind), fmt::format("{}", copied.id), copied.name, status_text(copied)});
-  }
-  print_table(output, table, "There was nothing to copy.");
 }
 
 /// How many assets the materials of a library have, by their names.
@@ -153,17 +66,16 @@ AssetCounts assets_in(const veldra::Library& library) {
   return counts;
 }
 
-/// What is to be copied, in a library in memory, so that it is there to be compared in the unit of
-/// the destination, and nobody waits for the source.
+/// What is to be copied, in a library in memory, so that nobody waits for the source.
 struct Staged {
   std::shared_ptr<veldra::Library> library;
   AssetCounts assets;  ///< which stay behind, of all materials of the source
 };
 
-Staged staged(const Arguments& arguments, const std::vector<Wanted>& wanted, veldra::Unit unit) {
+Staged staged(const Arguments& arguments, const std::vector<Wanted>& wanted) {
   Staged result;
-  result.library = create_staging_library(unit);
   reading_one_state(arguments.source, [&](const veldra::Library& source) {
+    result.library = create_staging_library(source.unit());
     if (arguments.all) {
       result.library->copyAll(source.shared_from_this());
     } else {
@@ -174,37 +86,28 @@ Staged staged(const Arguments& arguments, const std::vector<Wanted>& wanted, vel
   return result;
 }
 
+bool is_written(const kit::PlanEntry& entry) {
+  return entry.decision == kit::Decision::Add || entry.decision == kit::Decision::Rename ||
+         entry.decision == kit::Decision::Change;
+}
+
 /// A material that is taken as it is in the destination loses nothing.
-unsigned lost_assets(const std::vector<Copied>& objects, const AssetCounts& assets) {
+unsigned lost_assets(const kit::Plan& plan, const AssetCounts& assets) {
   unsigned lost = 0;
-  for (const auto& copied : objects) {
-    const bool written = copied.outcome != Outcome::Equal && copied.outcome != Outcome::Kept;
-    const auto found = assets.find(copied.name);
-    if (copied.kind != veldra::ObjectType::Material || !written || found == assets.end()) continue;
-    lost += found->second;
+  for (const auto& entry : plan.entries()) {
+    const auto found = assets.find(entry.name);
+    const bool is_material = entry.source.type == veldra::ObjectType::Material;
+    if (is_material && is_written(entry) && found != assets.end()) lost += found->second;
   }
   return lost;
 }
 
 void tell_lost_assets(unsigned lost, Host& host) {
-  if (lost == 0) return;
+  if (lost == 0 || host.status == Status::Failed) return;
   host.status = Status::Findings;
   host.notes +=
       fmt::format("veldra: {} of the materials {} left behind, as a copy has none\n",
                   lost == 1 ? "1 asset" : fmt::format("{} assets", lost), lost == 1 ? "is" : "are");
-}
-
-void copy_objects(const Staged& staging, const std::shared_ptr<veldra::Library>& destination,
-                  const Arguments& arguments, Host& host) {
-  Progress progress("copying");
-  veldra::IdMapping mapping(destination.get());
-  ConflictReactor reactor(arguments.on_conflict, *staging.library, mapping);
-  change_as_a_whole(host, *destination, [&] {
-    transfer(staging.library, destination, reactor, mapping, progress);
-    const auto objects = copied_objects(*staging.library, *destination, mapping, reactor);
-    print(host.output, objects, arguments.json);
-    tell_lost_assets(lost_assets(objects, staging.assets), host);
-  });
 }
 
 void copy(const Arguments& arguments, Host& host) {
@@ -216,10 +119,17 @@ void copy(const Arguments& arguments, Host& host) {
     throw Failure("the source and the destination are the same file");
   }
   tell_as_they_were(arguments.source, arguments.destination);
+  const auto staging = staged(arguments, wanted);
+  const auto unit = arguments.unit_given ? arguments.unit : staging.library->unit();
   working_on(arguments.destination, [&] {
-    const auto destination = open_to_change(host, arguments.destination);
-    const auto staging = staged(arguments, wanted, destination->unit());
-    copy_objects(staging, destination, arguments, host);
+    const auto rules = rules_of(arguments.on_conflict, *staging.library);
+    PlannedChange change(arguments.plan, host, "copying");
+    Destination(arguments.destination, arguments.plan.dry_run, host)
+        .take(unit, true, [&](const std::shared_ptr<veldra::Library>& destination) {
+          return change.carry_out(staging.library, *destination, rules, [&](const kit::Plan& plan) {
+            tell_lost_assets(lost_assets(plan, staging.assets), host);
+          });
+        });
   });
 }
 
@@ -227,7 +137,7 @@ void copy(const Arguments& arguments, Host& host) {
 
 void add_copy(Host& host) {
   auto& command = *host.arguments.add_subcommand(
-      "copy", "Copy objects, and what they refer to, from one library into another");
+      "copy", "Copy objects, and what they refer to, into another library, making it if missing");
   const auto arguments = std::make_shared<Arguments>();
   command.add_option("SOURCE", arguments->source, "The library to copy from")
       ->required()
@@ -245,10 +155,14 @@ void add_copy(Host& host) {
   command.add_flag("--all", arguments->all, "Copy everything");
   add_on_conflict(command, arguments->on_conflict);
   add_backup(command, host);
-  add_json(command, arguments->json);
+  add_unit(command, arguments->unit);
+  add_plan_arguments(command, arguments->plan);
   add_example(command, "veldra copy office.lib site.lib 'composition:Flat roof' material:17",
               "materials had assets, which are not copied");
-  command.callback([arguments, &host] { copy(*arguments, host); });
+  command.callback([arguments, &command, &host] {
+    arguments->unit_given = command.count("--unit") > 0;
+    copy(*arguments, host);
+  });
 }
 
 }  // namespace veldra_tool

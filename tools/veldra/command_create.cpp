@@ -4,6 +4,7 @@
 #include "files/new_library.hpp"
 #include "host.hpp"
 #include "json.hpp"
+#include "locale.hpp"
 #include "opening.hpp"
 #include "summary.hpp"
 #include "text.hpp"
@@ -23,10 +24,6 @@ struct Arguments {
   bool json = false;
 };
 
-[[noreturn]] void refuse(const std::string& file) {
-  throw failure_of(file, "there is a file of that name already");
-}
-
 void print(Spool& output, const veldra::Library& library, bool json) {
   if (!json) return output.print("{}\n", library.guid().utf8());
   Json facts = facts_of(library);
@@ -38,14 +35,14 @@ void create(const Arguments& arguments, Host& host) {
   const auto locale = library_text(arguments.locale);
   const auto region = library_text(arguments.region);
   require_place_for_library(arguments.file);
-  if (file_exists(arguments.file)) refuse(arguments.file);
+  if (file_exists(arguments.file)) refuse_as_there(arguments.file);
   NewLibrary made(arguments.file, arguments.unit, arguments.guid);
   working_on(arguments.file, [&] {
     if (locale) made.library()->locale(locale);
     if (region) made.library()->region(region);
     print(host.output, *made.library(), arguments.json);
   });
-  if (!made.put_into_place(host)) refuse(arguments.file);
+  if (!made.put_into_place(host)) refuse_as_there(arguments.file);
 }
 
 }  // namespace
@@ -56,10 +53,21 @@ void add_create(Host& host) {
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
   add_unit(command, arguments->unit);
-  command.add_option("--guid", arguments->guid,
-                     "The GUID, or a text that it is derived from; random by default");
-  command.add_option("--locale", arguments->locale, "The locale of the texts, such as de_AT");
-  command.add_option("--region", arguments->region, "The region that it is for, such as AT");
+  command
+      .add_option("--guid", arguments->guid,
+                  "The GUID, or a text that it is derived from; random by default")
+      ->check(some_value());
+  const auto is_known = [](const std::string& locale) {
+    if (is_locale(locale)) return std::string();
+    return fmt::format(
+        "{} is no locale, which is a language with or without a country, such as de "
+        "or de_AT",
+        in_quotes(locale));
+  };
+  command.add_option("--locale", arguments->locale, "The locale of the texts, such as de_AT")
+      ->check(CLI::Validator(is_known, ""));
+  command.add_option("--region", arguments->region, "The region that it is for, such as AT")
+      ->check(some_value());
   add_json(command, arguments->json);
   add_example(command, "veldra create office.lib --unit mm --locale de_AT --region AT");
   command.callback([arguments, &host] { create(*arguments, host); });

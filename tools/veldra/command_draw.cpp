@@ -95,6 +95,7 @@ void draw(const Arguments& arguments, Host& host) {
   }
   const auto request = read_wishes(arguments.proof);
   const OutputFile output(arguments.output, arguments.file, arguments.force);
+  require_ending(arguments.output, "svg");
   const auto sheet = reading(arguments.file, [&](const veldra::Library& library) {
     const auto compositions = wanted_compositions(library, arguments);
     auto drawn = document_of(compositions, arguments, request, library);

@@ -2,6 +2,7 @@
 #include "arguments.hpp"
 #include "csv.hpp"
 #include "files/output_file.hpp"
+#include "files/path.hpp"
 #include "host.hpp"
 #include "json.hpp"
 #include "lookup.hpp"
@@ -21,7 +22,7 @@ namespace {
 
 struct Arguments {
   std::string file;
-  std::string format = "json";
+  std::string format;
   std::string output;
   bool force = false;
   bool json = false;
@@ -102,9 +103,16 @@ void require_sense(const Arguments& arguments) {
   throw CLI::ValidationError("--json", "a table is no JSON; give a file for it with -o");
 }
 
-void export_library(const Arguments& arguments, Host& host) {
+/// Nobody needs to say what the name of the output says.
+std::string usual_format(const std::string& output) {
+  return !is_standard_output(output) && ending_of(output) == "csv" ? "csv" : "json";
+}
+
+void export_library(Arguments& arguments, Host& host) {
+  if (arguments.format.empty()) arguments.format = usual_format(arguments.output);
   require_sense(arguments);
   const OutputFile output(arguments.output, arguments.file, arguments.force);
+  require_ending(arguments.output, arguments.format);
   const auto text = reading(arguments.file, [&](const veldra::Library& library) {
     auto whole = text_of(library, arguments);
     if (arguments.json && !is_standard_output(arguments.output)) {

@@ -185,11 +185,12 @@ void add_list(Host& host) {
   add_kind(command, arguments->kind);
   add_tags(command, arguments->tags,
            "Only materials or compositions with this tag; given several times, with one of them");
-  command.add_option(
-      "--type", arguments->type,
-      fmt::format("Only materials of this type, {}; compositions: wall, floor, roof, "
-                  "other; properties: material, composition",
-                  naming_help));
+  command
+      .add_option("--type", arguments->type,
+                  fmt::format("Only materials of this type, {}; compositions: wall, floor, roof, "
+                              "other; properties: material, composition",
+                              naming_help))
+      ->check(some_value());
   auto* search = command.add_option(
       "--search", arguments->pattern,
       "Only names like this: % stands for any text, _ for one character; A and a are alike");
@@ -203,11 +204,13 @@ void add_list(Host& host) {
   command
       .add_option("--sort", arguments->order,
                   "Sort by these fields, with commas between them; -FIELD sorts from high to low")
+      ->check(some_value())
       ->type_name("FIELDS");
   command
       .add_option("--columns", arguments->columns,
                   "Show these fields, with commas between them; one that is not there is answered "
                   "with all that are")
+      ->check(some_value())
       ->type_name("FIELDS");
   add_json(command, arguments->json);
   add_example(command,

@@ -5,7 +5,6 @@
 #include "json.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
-#include "material_fields.hpp"
 #include "opening.hpp"
 #include "physics_text.hpp"
 #include "process/standard_streams.hpp"
@@ -14,6 +13,9 @@
 #include "text.hpp"
 
 #include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
 
 namespace veldra_tool {
 
@@ -83,12 +85,52 @@ std::string function_text(veldra::Material::Function function) {
   }
 }
 
+/// What holds a quantity, as a word of the JSON format.
+const char* source_key(kit::QuantitySource source) {
+  switch (source) {
+    case kit::QuantitySource::CustomProperty:
+      return "custom_property";
+    case kit::QuantitySource::ThermalAsset:
+      return "thermal_asset";
+    case kit::QuantitySource::StructuralAsset:
+      return "structural_asset";
+    default:
+      return "";
+  }
+}
+
+std::string source_text(kit::QuantitySource source) {
+  std::string text = source_key(source);
+  std::replace(text.begin(), text.end(), '_', ' ');
+  return text;
+}
+
+/// Calls `visit(field, number, source)` for each quantity that the material has.
+template <class Visit>
+void for_each_quantity(const veldra::Material& material, Visit visit) {
+  for (const auto& field : kit::built_in_fields<veldra::Material>()) {
+    const auto source = kit::quantity_source(field, material);
+    if (source == kit::QuantitySource::None) continue;
+    visit(field, field.get(material).as<double>(), source);
+  }
+}
+
+void print_quantities(Spool& output, const veldra::Material& material, veldra::Unit unit) {
+  bool first = true;
+  for_each_quantity(material, [&](const auto& field, double number, auto source) {
+    if (std::exchange(first, false)) output.print("quantities\n");
+    line(output, "  " + field.label,
+         fmt::format("{} {}, from the {}", rounded_number(number, 6),
+                     kit::unit_text(field.measure, unit), source_text(source)));
+  });
+}
+
 void print_details(Spool& output, const veldra::Material& material, veldra::Unit unit) {
   if (material.type()) line(output, "type", material.type()->name().utf8());
   if (material.has_code()) {
     line(output, "code", material.code() ? material.code().utf8() : "(empty)");
   }
-  for (const auto* field : plain_material_fields(kit::Value::Kind::Text)) {
+  for (const auto* field : kit::plain_material_fields(kit::Value::Kind::Text)) {
     line(output, field->key, kit::value_text(field->get(material)));
   }
   line(output, "tags", tags_text(material));
@@ -99,10 +141,10 @@ void print_details(Spool& output, const veldra::Material& material, veldra::Unit
   line(output, "function", function_text(material.function()));
   line(output, "shading",
        material.shading_use_appearance() ? "from the appearance" : "from its colour");
-  for (const auto* field : plain_material_fields(kit::Value::Kind::Color)) {
+  for (const auto* field : kit::plain_material_fields(kit::Value::Kind::Color)) {
     line(output, field->key, color_text(field->get(material).as<veldra::Color>()));
   }
-  for (const auto* field : plain_material_fields(kit::Value::Kind::Pattern)) {
+  for (const auto* field : kit::plain_material_fields(kit::Value::Kind::Pattern)) {
     line(output, field->key, pattern_text(field->get(material).as<veldra::Pattern>()));
   }
   const auto& alignment = material.surface_pattern_alignment();
@@ -115,6 +157,7 @@ void print_details(Spool& output, const veldra::Material& material, veldra::Unit
   print_custom_values(output, material);
   print_asset(output, "structural asset", material.structuralAsset());
   print_asset(output, "thermal asset", material.thermalAsset());
+  print_quantities(output, material, unit);
 }
 
 std::string roles_text(const veldra::Composition& composition, std::size_t index) {
@@ -196,7 +239,7 @@ void print_details(Spool& output, const veldra::Composition& composition, veldra
 }
 
 void print_details(Spool& output, const veldra::CustomProperty& property, veldra::Unit) {
-  const auto& owner = built_in_fields<veldra::CustomProperty>().at("object_type");
+  const auto& owner = kit::built_in_fields<veldra::CustomProperty>().at("object_type");
   line(output, "for", kit::value_text(owner.get(property)));
 }
 
@@ -206,6 +249,14 @@ void print_details(Spool&, const Named&, veldra::Unit) {}
 void add_thermal(Json& json, const veldra::Composition& composition, veldra::Unit unit) {
   json["total_thickness"] = number_to_json(kit::total_thickness(composition));
   json["thermal"] = transmission_json(kit::transmission_of(composition, unit));
+}
+
+void add_thermal(Json& json, const veldra::Material& material, veldra::Unit) {
+  for_each_quantity(material, [&](const auto& field, double number, auto source) {
+    Json& quantity = json["quantities"][field.key];
+    quantity["value"] = number_to_json(number);
+    quantity["source"] = source_key(source);
+  });
 }
 
 template <class T>

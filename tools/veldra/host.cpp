@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "host.hpp"
 
+#include "arguments.hpp"
 #include "configuration.hpp"
 #include "failure.hpp"
 #include "process/writing.hpp"
@@ -38,12 +39,25 @@ Host::Host() : arguments("Catalogues of building materials and build-ups in libr
       "  1  an error: nothing was done\n"
       "  2  wrong use: nothing was done\n"
       "  3  done, with findings: 'check' has found something, objects stay because they are in\n"
-      "     use, something did not come along, or the report could not be written");
+      "     use, something did not come along, or the report could not be written\n\n"
+      "Configuration:\n"
+      "  The file veldra/config in $XDG_CONFIG_HOME, or else ~/.config/veldra/config, has lines "
+      "such\n"
+      "  as 'backup = FOLDER', which has each command that changes a library write a backup of it\n"
+      "  into that folder before; # begins a comment.\n\n"
+      "Language:\n"
+      "  All texts are English, and numbers have a point and nothing between thousands, whatever\n"
+      "  the locale of the system. Names may be any UTF-8. Colours are shown on terminals only, "
+      "and\n"
+      "  nowhere when NO_COLOR is set.");
   for (const auto add :
        {add_create, add_info, add_list, add_show, add_where_used, add_import, add_export, add_copy,
         add_remove, add_purge, add_restore, add_draw, add_calc, add_check, add_help})
     add(*this);
-  for (CLI::App* command : arguments.get_subcommands({})) command->group("Commands")->fallthrough();
+  for (CLI::App* command : arguments.get_subcommands({})) {
+    command->group("Commands")->fallthrough();
+    forbid_values_of_flags(*command);
+  }
 }
 
 bool Host::has_command(const std::string& name) const {

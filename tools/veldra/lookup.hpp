@@ -44,10 +44,11 @@ std::vector<std::shared_ptr<veldra::CustomProperty>> objects_named(const veldra:
 bool is_unreadable_object();
 
 /// A question for those names of a kind that are most like one that is not there; empty where none
-/// is. Of a large library it looks at the first objects only, as somebody waits.
+/// is. Of a large library it looks at the first objects only, as somebody waits, and says so.
 template <class T>
 std::string suggested_names(const veldra::Library& library, const std::string& name) {
-  std::size_t left = 100000;
+  constexpr std::size_t most = 100000;
+  std::size_t left = most;
   kit::Nearest nearest(name);
   try {
     library.for_each<T>([&](const std::shared_ptr<T>& object) {
@@ -57,7 +58,10 @@ std::string suggested_names(const veldra::Library& library, const std::string& n
   } catch (...) {
     if (!is_unreadable_object()) throw;
   }
-  return printable(kit::suggestion(nearest.names()));
+  const std::string question = printable(kit::suggestion(nearest.names()));
+  if (left > 0 || library.count<T>() <= most) return question;
+  return fmt::format("{} (only {} of the {} names were compared)", question, most,
+                     library.count<T>());
 }
 
 /// The object that a text names (`naming_of`). Throws `LibraryFailure` when there is none, and when
@@ -87,6 +91,15 @@ std::shared_ptr<T> find_object(const veldra::Library& library, const std::string
                     printable(text)));
   }
   return named.empty() ? numbered : named[0];
+}
+
+/// The key of the object of a kind that a text names. Throws `LibraryFailure` as `find_object`.
+inline veldra::ObjectKey object_key(const veldra::Library& library, veldra::ObjectType kind,
+                                    const std::string& text) {
+  return with_class_of(kind, [&](auto of) {
+    using T = typename decltype(of)::type;
+    return veldra::ObjectKey(kind, find_object<T>(library, text)->id());
+  });
 }
 
 /// The order of lists: by name, and by id where names are equal.

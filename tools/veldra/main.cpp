@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "arguments.hpp"
 #include "failure.hpp"
 #include "files/output_file.hpp"
 #include "host.hpp"
@@ -27,7 +28,7 @@ constexpr std::string_view done = "what was asked for is done, but ";
 
 /// Needs no memory, as there may be none.
 Status complain(std::initializer_list<std::string_view> parts, Status status) noexcept {
-  say("veldra: ");
+  say(error_mark());
   for (const auto part : parts) say(part);
   say("\n");
   return status;
@@ -41,14 +42,14 @@ Status give_up(const Host& host, std::string_view sentence) noexcept {
 }
 
 Status refuse(const std::string& sentence, const std::string& command) {
-  say(fmt::format("veldra: {}\n'{} --help' tells more.\n", printable(sentence), command));
+  say(fmt::format("{}{}\n'{} --help' tells more.\n", error_mark(), printable(sentence), command));
   return Status::WrongUse;
 }
 
 /// What the arguments are wrong about, for the command that they begin with.
 Status refuse(const Host& host, const CLI::ParseError& error) {
   const auto commands = host.arguments.get_subcommands();
-  return refuse(error.what(),
+  return refuse(sentence_of(host.arguments, error),
                 commands.empty() ? "veldra" : "veldra " + commands.front()->get_name());
 }
 

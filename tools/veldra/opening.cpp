@@ -182,6 +182,12 @@ bool file_exists(const std::string& file) {
   return ::lstat(absolute_path(file).c_str(), &status) == 0;
 }
 
+void refuse_as_there(const std::string& file) {
+  struct stat there {};
+  const bool is_folder = ::stat(absolute_path(file).c_str(), &there) == 0 && S_ISDIR(there.st_mode);
+  throw failure_of(file, is_folder ? "this is a folder" : "there is a file of that name already");
+}
+
 void tell_as_it_was(const std::string& file) {
   tell_when_stopped(fmt::format("{} is as it was", in_quotes(file)));
 }

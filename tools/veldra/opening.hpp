@@ -44,6 +44,9 @@ bool same_file(const std::string& left, const std::string& right);
 /// Whether there is anything of that name, be it a link that leads nowhere.
 bool file_exists(const std::string& file);
 
+/// Throws the `Failure` of something that shall be made where there is something of that name.
+[[noreturn]] void refuse_as_there(const std::string& file);
+
 /// Tells from now on, when the program stops, that a library is as it was, or that both are.
 void tell_as_it_was(const std::string& file);
 void tell_as_they_were(const std::string& file, const std::string& other);

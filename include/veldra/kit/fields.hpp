@@ -127,6 +127,21 @@ class VELDRA_KIT_EXPORT UnknownField : public Error {
   std::string name_;
 };
 
+/// What holds the value of a quantity of a material.
+enum class QuantitySource : int {
+  None = 0,            ///< nothing: it has no value
+  CustomProperty = 1,  ///< the custom property of the known name
+  ThermalAsset = 2,    ///< the thermal asset of the material
+  StructuralAsset = 3  ///< its structural asset
+};
+
+/// What holds the value that a field of `Origin::Quantity` has for a material; nothing for other
+/// fields.
+///
+/// Throws: `std::bad_alloc`, and `utf8::invalid_utf16` for a custom value that is malformed.
+VELDRA_KIT_EXPORT QuantitySource quantity_source(const FieldDescription& field,
+                                                 const Material& material);
+
 /// A field of the objects of a kind: what it is, and how it is read and written.
 ///
 ///     const auto& manufacturer = fields.at("manufacturer");
@@ -236,12 +251,29 @@ class VELDRA_KIT_EXPORT Fields {
   Unit unit_;
 };
 
+/// The fields that there are without a library, with lengths in millimetres. They live as long as
+/// the program.
+///
+/// Throws: `std::bad_alloc`.
+template <class T>
+const Fields<T>& built_in_fields() {
+  static const Fields<T> fields;
+  return fields;
+}
+
+/// Of these, the fields of a material that hold a value of a kind, and none but that by default. So
+/// the name, the code and the references are not among the texts.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::vector<const Field<Material>*> plain_material_fields(Value::Kind kind);
+
 /// The value for a field that a text says, as somebody types it. An empty text is nothing.
 ///
 /// - Numbers are decimal with a point, and may have a unit behind them: "100 mm", "4 in".
 /// - "yes", "no", "true" and "false"; a choice in whatever case; else what `value_text` gives.
 ///
-/// Numbers that measure something must be 0 or greater.
+/// Numbers that measure something must be 0 or greater, and all numbers finite: what `value_text`
+/// writes for others is refused, since nobody means it.
 ///
 /// Throws:
 /// - `FieldError`: the field cannot have the value.

@@ -7,6 +7,7 @@
 #include <veldra/kit/export.hpp>
 #include <veldra/kit/progress.hpp>
 #include <veldra/kit/value.hpp>
+#include <veldra/id_mapping.hpp>
 #include <veldra/library.hpp>
 
 #include <cstddef>
@@ -51,6 +52,7 @@ struct Clash {
   With with;         ///< what both have
   unsigned id;       ///< the stored object
   std::string name;  ///< its name
+  std::string code;  ///< the code that both have; else empty
 };
 
 /// What is to become of one object.
@@ -149,19 +151,21 @@ class VELDRA_KIT_EXPORT Plan {
   /// Does what was planned. The caller holds the transaction of the destination within which the
   /// plan was made, and rolls it back when this throws. Takes the reactor of the destination off.
   ///
+  /// Returns which stored object stands for each of the source.
+  ///
   /// Throws:
   /// - `PlanError`: something is undecided; nothing is done then.
   /// - a database error (`Library`), and what `progress` throws.
-  void apply(Library& destination, const Progress& progress = {}) const;
+  IdMapping apply(Library& destination, const Progress& progress = {}) const;
 
   /// Does what was planned some time ago, in a transaction of its own: all of it, or nothing. The
-  /// source must be as it was. Takes the reactor of the destination off.
+  /// source must be as it was. Takes the reactor of the destination off. Returns what `apply` does.
   ///
   /// Throws:
   /// - `PlanError`: something is undecided, or an object that the plan is about is not as it was;
   ///   this is found out by the fingerprints, with which the plan must have been made.
   /// - a database error (`Library`), and what `progress` throws.
-  void apply_later(Library& destination, const Progress& progress = {}) const;
+  IdMapping apply_later(Library& destination, const Progress& progress = {}) const;
 
  private:
   std::shared_ptr<const Library> source_;

@@ -140,6 +140,8 @@ VELDRA_KIT_EXPORT std::string name_of(Value::Kind kind);
 /// - A colour is red; green; blue; alpha.
 /// - A hatch is type; name; scale; angle; whether it is crossed.
 /// - A layer is material | thickness | function.
+/// - A number that is not finite is "inf", "-inf" or, in a list, a colour, a hatch, a point and a
+///   layer, "nan". These are for people: no text is read as such a number.
 /// - A text in a list stands in double quotes where it would not read back otherwise.
 ///
 /// Throws: `std::bad_alloc`, and `utf8::invalid_utf16` for the name of a hatch that is malformed.

@@ -186,7 +186,13 @@ void add_assets(Table<Material>& table) {
   thermal.add_number("emissivity", Measure::None, &ThermalAsset::emissivity);
 }
 
-using AssetNumber = std::optional<double> (*)(const Material&);
+/// A number, and what holds it.
+struct Held {
+  std::optional<double> number;
+  QuantitySource source = QuantitySource::None;
+};
+
+using AssetNumber = Held (*)(const Material&);
 
 struct Quantity {
   const char* key;
@@ -195,28 +201,30 @@ struct Quantity {
   AssetNumber of_assets;  ///< where no custom value holds
 };
 
-std::optional<double> known(double number) {
-  return std::isnan(number) ? std::nullopt : std::optional<double>(number);
+/// A number of an asset that the material may not have.
+template <class Asset>
+Held held_by(const std::shared_ptr<Asset>& asset, double (Asset::*number)() const noexcept,
+             QuantitySource source) {
+  if (!asset || std::isnan(((*asset).*number)())) return {};
+  return {((*asset).*number)(), source};
 }
 
 /// Of the thermal asset, or else of the structural one.
 template <double (ThermalAsset::*thermal)() const noexcept,
           double (StructuralAsset::*structural)() const noexcept>
-std::optional<double> of_either(const Material& material) {
-  if (const auto& asset = material.thermalAsset()) {
-    if (const auto number = known(((*asset).*thermal)())) return number;
-  }
-  const auto& asset = material.structuralAsset();
-  return asset ? known(((*asset).*structural)()) : std::nullopt;
+Held of_either(const Material& material) {
+  const Held held = held_by(material.thermalAsset(), thermal, QuantitySource::ThermalAsset);
+  if (held.number) return held;
+  return held_by(material.structuralAsset(), structural, QuantitySource::StructuralAsset);
 }
 
 /// The transmittance knows no other asset either.
-std::optional<double> of_thermal_asset(const Material& material) {
-  const auto& asset = material.thermalAsset();
-  return asset ? known(asset->thermal_conductivity()) : std::nullopt;
+Held of_thermal_asset(const Material& material) {
+  return held_by(material.thermalAsset(), &ThermalAsset::thermal_conductivity,
+                 QuantitySource::ThermalAsset);
 }
 
-std::optional<double> of_no_asset(const Material&) { return std::nullopt; }
+Held of_no_asset(const Material&) { return {}; }
 
 constexpr Quantity quantities[] = {
     {"conductivity", property::conductivity, Measure::Conductivity, of_thermal_asset},
@@ -227,10 +235,14 @@ constexpr Quantity quantities[] = {
     {"resistance", property::resistance, Measure::Resistance, of_no_asset},
     {"vapour_resistance", property::vapour_factor, Measure::None, of_no_asset}};
 
+Held held_of(const Material& material, const Quantity& quantity) {
+  const auto number = number_value(material, quantity.property);
+  return number ? Held{number, QuantitySource::CustomProperty} : quantity.of_assets(material);
+}
+
 Value quantity_of(const Material& material, const Quantity& quantity) {
-  auto number = number_value(material, quantity.property);
-  if (!number) number = quantity.of_assets(material);
-  return number ? Value(*number) : Value();
+  const Held held = held_of(material, quantity);
+  return held.number ? Value(*held.number) : Value();
 }
 
 /// The property that holds a quantity: the library's for materials, or else one for all kinds, or
@@ -267,6 +279,14 @@ void add_quantities(Table<Material>& table, const Context& context) {
 }
 
 }  // namespace
+
+QuantitySource quantity_source(const FieldDescription& field, const Material& material) {
+  if (field.origin != Origin::Quantity) return QuantitySource::None;
+  for (const Quantity& quantity : quantities) {
+    if (quantity.key == field.key) return held_of(material, quantity).source;
+  }
+  return QuantitySource::None;
+}
 
 template <>
 Table<Material> table_of<Material>(const Context& context) {

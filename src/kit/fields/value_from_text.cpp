@@ -78,7 +78,14 @@ class Reader {
     return number;
   }
 
+  /// As such numbers are written, which `number_in` does not read.
+  void require_finite(const std::string& text) const {
+    const std::string word = lower_case(text.substr(text.find_first_not_of("+-") == 1 ? 1 : 0));
+    if (word == "inf" || word == "nan") refuse("a number must be finite");
+  }
+
   double number(const std::string& text) const {
+    require_finite(text);
     const auto result = number_in(text);
     if (!result) refuse();
     return *result;
@@ -86,6 +93,7 @@ class Reader {
 
   /// A number with or without a unit behind it.
   double measured(const std::string& text) const {
+    require_finite(text);
     const auto digits = std::min(text.find_first_not_of("0123456789.+-eE"), text.size());
     const std::string unit = trimmed(text.substr(digits));
     double result = number(text.substr(0, digits));

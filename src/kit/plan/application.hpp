@@ -19,7 +19,7 @@ class Application {
  public:
   Application(const Plan& plan, Library& destination, const Progress& progress);
 
-  void run();
+  IdMapping run();
 
  private:
   using Entries = std::map<unsigned, const PlanEntry*>;  ///< by the ids of the stored objects
@@ -35,6 +35,8 @@ class Application {
   void give_up_names(const Entries& entries);
   template <class T>
   void add();
+  template <class T>
+  void copy(const std::set<unsigned>& ids);
   template <class T>
   void give_new_names(const std::set<unsigned>& ids);
   template <class T>

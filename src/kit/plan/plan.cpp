@@ -79,18 +79,19 @@ bool Plan::changes_anything() const noexcept {
   });
 }
 
-void Plan::apply(Library& destination, const Progress& progress) const {
+IdMapping Plan::apply(Library& destination, const Progress& progress) const {
   require_decided(*this);
-  if (changes_anything()) Application(*this, destination, progress).run();
+  return Application(*this, destination, progress).run();
 }
 
-void Plan::apply_later(Library& destination, const Progress& progress) const {
+IdMapping Plan::apply_later(Library& destination, const Progress& progress) const {
   if (!rules_.fingerprints) throw PlanError("the plan was made without fingerprints");
   Library::Transaction transaction(destination);
   const Plan now(source_, destination, rules_, progress);
   require_same_state(*this, now);
-  now.apply(destination, progress);
+  auto mapping = now.apply(destination, progress);
   transaction.commit();
+  return mapping;
 }
 
 void require_same_state(const Plan& plan, const Plan& now) {

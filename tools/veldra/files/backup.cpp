@@ -39,10 +39,6 @@ void make_folder(const std::string& folder) {
                    fmt::format("the folder for backups cannot be made: {}", text_of_error(errno)));
 }
 
-[[noreturn]] void refuse(const std::string& file) {
-  throw failure_of(file, "there is a file of that name already");
-}
-
 }  // namespace
 
 bool Backup::is_wanted() const { return !library_.empty() && (!file_.empty() || !folder_.empty()); }
@@ -50,7 +46,7 @@ bool Backup::is_wanted() const { return !library_.empty() && (!file_.empty() || 
 void Backup::require_place() const {
   if (file_.empty()) return;
   require_place_for_library(file_);
-  if (file_exists(file_)) refuse(file_);
+  if (file_exists(file_)) refuse_as_there(file_);
 }
 
 std::string Backup::folder() const {
@@ -102,7 +98,7 @@ void Backup::put_into_place() {
   if (!temporary_) return;
   if (!file_.empty()) {
     require_place();
-    if (!temporary_->place(library_path(file_))) refuse(file_);
+    if (!temporary_->place(library_path(file_))) refuse_as_there(file_);
   } else {
     // Another library of that name may have got a backup in the same second.
     for (int number = first_number; !temporary_->place(candidate(number)); ++number) {

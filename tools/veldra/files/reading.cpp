@@ -20,6 +20,7 @@ namespace veldra_tool {
 namespace {
 
 [[noreturn]] void fail(const std::string& file, int error) {
+  if (error == ENOENT) throw failure_of(file, "there is no such file");
   if (error == EISDIR) throw failure_of(file, "this is a folder");
   throw failure_of(file, fmt::format("it cannot be read: {}", text_of_error(error)));
 }

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 
 namespace veldra_tool {
@@ -33,6 +34,24 @@ int write_all(int descriptor, std::string_view bytes) noexcept {
 }
 
 const char* text_of_error(int error) noexcept { return std::strerror(error != 0 ? error : EIO); }
+
+namespace {
+
+bool is_set(const char* variable) noexcept {
+  const char* const value = std::getenv(variable);
+  return value != nullptr && *value != '\0';
+}
+
+bool shows_colours(int descriptor) noexcept {
+  if (::isatty(descriptor) != 1 || is_set("NO_COLOR") || !is_set("TERM")) return false;
+  return std::string_view(std::getenv("TERM")) != "dumb";
+}
+
+}  // namespace
+
+std::string_view error_mark() noexcept {
+  return shows_colours(STDERR_FILENO) ? "\x1b[1;31mveldra:\x1b[0m " : "veldra: ";
+}
 
 void say(std::string_view text) noexcept { write_all(STDERR_FILENO, text); }
 

@@ -16,6 +16,10 @@ const char* text_of_error(int error) noexcept;
 /// Says something on standard error, if that is possible; what cannot be said changes nothing.
 void say(std::string_view text) noexcept;
 
+/// What stands before the sentence of an error on standard error: the name of the program, in
+/// colour where that is a terminal that shows some and nobody has set NO_COLOR.
+std::string_view error_mark() noexcept;
+
 }  // namespace veldra_tool
 
 #endif
