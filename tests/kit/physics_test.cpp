@@ -41,7 +41,7 @@ TEST(Resistance, is_that_of_layers_and_surfaces) {
   EXPECT_DOUBLE_EQ(*result.resistance, 5.02);
   EXPECT_DOUBLE_EQ(*result.total_resistance(), 5.02 + 0.13 + 0.04);
   EXPECT_DOUBLE_EQ(*result.transmittance(), 1 / (5.02 + 0.13 + 0.04));
-  EXPECT_STREQ(result.heat_flow, "horizontal");
+  EXPECT_EQ(result.border.boundary.heat_flow, kit::physics::HeatFlow::Horizontal);
 }
 
 TEST(Resistance, has_surfaces_by_the_direction_of_the_heat) {
@@ -66,7 +66,7 @@ TEST(Resistance, is_not_known_where_that_of_a_layer_is_not) {
   const auto result = kit::transmission_of(*composition, Unit::Millimetres);
   EXPECT_EQ(result.total_resistance(), std::nullopt);
   EXPECT_EQ(result.transmittance(), std::nullopt);
-  EXPECT_EQ(result.layers[2], std::nullopt);
+  EXPECT_EQ(result.layers[2].resistance, std::nullopt);
   EXPECT_EQ(kit::transmission_of(*Composition::create("Bare"), Unit::Inches).transmittance(),
             std::nullopt);
 }

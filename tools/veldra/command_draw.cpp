@@ -4,8 +4,10 @@
 #include "files/output_file.hpp"
 #include "host.hpp"
 #include "json.hpp"
+#include "kinds.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
+#include "proof.hpp"
 
 #include <fmt/format.h>
 
@@ -16,6 +18,9 @@ namespace {
 struct Arguments {
   std::string file;
   std::vector<std::string> compositions;
+  std::string orientation;
+  std::string type;
+  std::string boundary;
   std::string output;
   bool force = false;
   bool json = false;
@@ -47,6 +52,15 @@ void print_written(const Arguments& arguments, const std::string& sheet,
   print_json(output, written);
 }
 
+DrawingWishes wishes_of(const Arguments& arguments, const veldra::Library& library) {
+  DrawingWishes wishes;
+  wishes.locale = library.locale().utf8();
+  if (!arguments.orientation.empty()) wishes.lying = arguments.orientation == "lying";
+  if (!arguments.type.empty()) wishes.type = composition_type(arguments.type);
+  wishes.boundary = boundary_asked(arguments.boundary);
+  return wishes;
+}
+
 void draw(const Arguments& arguments, Host& host) {
   if (arguments.json && is_standard_output(arguments.output)) {
     throw CLI::ValidationError("--json", "a drawing is no JSON; give a file for it with -o");
@@ -55,7 +69,7 @@ void draw(const Arguments& arguments, Host& host) {
   require_ending(arguments.output, "svg");
   const auto sheet = reading(arguments.file, [&](const veldra::Library& library) {
     const auto compositions = wanted_compositions(library, arguments);
-    auto drawn = draw_sheet(compositions, library.unit());
+    auto drawn = draw_sheet(compositions, library.unit(), wishes_of(arguments, library));
     if (arguments.json) print_written(arguments, drawn, compositions, host.output);
     return drawn;
   });
@@ -74,6 +88,17 @@ void add_draw(Host& host) {
                   fmt::format("The build-ups, each {}", naming_help))
       ->required()
       ->type_name("");
+  command
+      .add_option("--orientation", arguments->orientation,
+                  "standing or lying; else as the type of each says")
+      ->check(CLI::IsMember({"standing", "lying"}))
+      ->type_name("WAY");
+  command
+      .add_option("--type", arguments->type,
+                  "Draw them as wall, floor, roof or other, whatever their types are")
+      ->check(CLI::IsMember({"wall", "floor", "roof", "other"}))
+      ->type_name("TYPE");
+  add_boundary(command, arguments->boundary);
   add_output(command, arguments->output, arguments->force);
   add_json_of_file(command, arguments->json);
   add_example(command, "veldra draw office.lib 'Cavity wall' 'Flat roof' -o sheet.svg");

@@ -6,6 +6,7 @@
 #include "kinds.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
+#include "physics_text.hpp"
 #include "process/standard_streams.hpp"
 #include "summary.hpp"
 #include "table.hpp"
@@ -203,32 +204,19 @@ std::string variable_text(const veldra::Composition& composition, veldra::Unit u
   return text + " " + name_of(unit);
 }
 
-/// What was taken for the surfaces, for a library does not say what is outside and inside.
-std::string surfaces_text(const kit::Transmission& transmission) {
-  return fmt::format(
-      "{:.2f} outside, {:.2f} inside, in m²K/W: {} heat flow after ISO 6946, {}",
-      transmission.outside, transmission.inside, transmission.heat_flow,
-      transmission.ventilated > 0 ? "a ventilated cavity outside" : "outdoor air outside");
-}
-
-void print_transmission(Spool& output, const veldra::Composition& composition,
-                        const kit::Transmission& transmission) {
+void print_transmission(Spool& output, const kit::Transmission& transmission) {
   line(output, "surfaces", surfaces_text(transmission));
+  line(output, "assumed", assumption_text(transmission));
   if (transmission.ventilated > 0) {
     line(output, "ventilated",
          fmt::format("layer {} and what is outside it do not count", transmission.ventilated));
   }
+  for (const auto& note : transmission.notes) line(output, "note", note);
   if (const auto total = transmission.total_resistance()) {
     line(output, "resistance R_T", fmt::format("{:.3f} m²K/W with surfaces", *total));
     line(output, "transmittance U", fmt::format("{:.3f} W/(m²K)", *transmission.transmittance()));
-    return;
   }
-  for (std::size_t i = 0; i < transmission.layers.size(); ++i) {
-    if (transmission.layers[i]) continue;
-    line(output, "no U-value",
-         fmt::format("layer {}, {}, has neither a conductivity nor a resistance", i + 1,
-                     in_quotes(composition.layers()[i].material()->name().utf8())));
-  }
+  for (const auto& fault : transmission.faults) line(output, "no U-value", fault);
 }
 
 void print_details(Spool& output, const veldra::Composition& composition, veldra::Unit unit) {
@@ -247,7 +235,7 @@ void print_details(Spool& output, const veldra::Composition& composition, veldra
   line(output, "structural layer", fmt::format("{}", composition.structural_layer() + 1ULL));
   if (composition.has_variable_layer())
     line(output, "variable layer", variable_text(composition, unit));
-  print_transmission(output, composition, transmission);
+  print_transmission(output, transmission);
 }
 
 void print_details(Spool& output, const veldra::CustomProperty& property, veldra::Unit) {
@@ -258,23 +246,9 @@ void print_details(Spool& output, const veldra::CustomProperty& property, veldra
 template <class Named>
 void print_details(Spool&, const Named&, veldra::Unit) {}
 
-Json optional_number(const std::optional<double>& number) {
-  return number ? number_to_json(*number) : Json();
-}
-
 void add_thermal(Json& json, const veldra::Composition& composition, veldra::Unit unit) {
-  const auto transmission = kit::transmission_of(composition, unit);
   json["total_thickness"] = number_to_json(kit::total_thickness(composition));
-  Json& thermal = json["thermal"];
-  for (const auto& resistance : transmission.layers) {
-    thermal["layer_resistances"].push_back(optional_number(resistance));
-  }
-  thermal["heat_flow"] = transmission.heat_flow;
-  thermal["ventilated_layers"] = transmission.ventilated;
-  thermal["outside_surface_resistance"] = transmission.outside;
-  thermal["inside_surface_resistance"] = transmission.inside;
-  thermal["total_resistance"] = optional_number(transmission.total_resistance());
-  thermal["transmittance"] = optional_number(transmission.transmittance());
+  json["thermal"] = transmission_json(kit::transmission_of(composition, unit));
 }
 
 void add_thermal(Json& json, const veldra::Material& material, veldra::Unit) {

@@ -173,6 +173,7 @@ class Examination {
     examine_name(material);
     examine_values(material, veldra::ObjectType::Material);
     add_all(material, kit::doubtful_numbers(material));
+    examine_physics(material);
     if (!material.type()) add(material, "it has no type");
   }
 
@@ -182,6 +183,19 @@ class Examination {
     examine_layers(composition);
     examine_core(composition);
     add_all(composition, kit::doubtful_numbers(composition));
+    add_all(composition, kit::KnownValues(composition).faults());
+    const auto border = kit::boundary_of(composition);
+    if (!border.fault.empty()) add(composition, border.fault);
+  }
+
+  /// The conductivity has been looked at with the numbers that keep a material from being imported.
+  void examine_physics(const veldra::Material& material) {
+    const kit::KnownValues values(material);
+    const auto conductivity = values.fault(kit::Known::Conductivity);
+    const bool told = !material.custom_value(veldra::String(kit::property::conductivity)).null();
+    for (const auto& fault : values.faults()) {
+      if (!told || fault != conductivity) add(material, fault);
+    }
   }
 
   void examine_layers(const veldra::Composition& composition) {

@@ -52,7 +52,7 @@ Host::Host() : arguments("Catalogues of building materials and build-ups in libr
       "  nowhere when NO_COLOR is set.");
   for (const auto add :
        {add_create, add_info, add_list, add_show, add_where_used, add_import, add_export, add_copy,
-        add_remove, add_purge, add_restore, add_draw, add_check, add_help})
+        add_remove, add_purge, add_restore, add_draw, add_calc, add_check, add_help})
     add(*this);
   for (CLI::App* command : arguments.get_subcommands({})) {
     command->group("Commands")->fallthrough();

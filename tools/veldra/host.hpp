@@ -51,6 +51,7 @@ void add_purge(Host& host);
 void add_restore(Host& host);
 void add_check(Host& host);
 void add_draw(Host& host);
+void add_calc(Host& host);
 void add_help(Host& host);
 
 }  // namespace veldra_tool

@@ -69,8 +69,9 @@ std::string length_text(double length, veldra::Unit unit) {
 }
 
 std::string resistance_text(const kit::Transmission& transmission, std::size_t layer) {
-  const bool told = layer >= transmission.ventilated && transmission.layers[layer];
-  return told ? fixed_number(*transmission.layers[layer], 3) : "–";
+  const auto& resistance = transmission.layers[layer].resistance;
+  const bool told = layer >= transmission.ventilated && resistance;
+  return told ? fixed_number(*resistance, 3) : "–";
 }
 
 }  // namespace veldra_tool

@@ -17,13 +17,16 @@ namespace veldra::kit {
 
 /// What a number measures, and so in which unit it is.
 enum class Measure : int {
-  None = 0,          ///< a number without a unit
-  Length = 1,        ///< in the unit of the library
-  Conductivity = 2,  ///< W/(m K)
-  Density = 3,       ///< kg/m3
-  SpecificHeat = 4,  ///< J/(kg K)
-  Resistance = 5,    ///< m2 K/W
-  Transmittance = 6  ///< W/(m2 K)
+  None = 0,             ///< a number without a unit
+  Length = 1,           ///< in the unit of the library
+  Conductivity = 2,     ///< W/(m K)
+  Density = 3,          ///< kg/m3
+  SpecificHeat = 4,     ///< J/(kg K)
+  Resistance = 5,       ///< m2 K/W
+  Transmittance = 6,    ///< W/(m2 K)
+  VapourThickness = 7,  ///< m, in libraries of whatever unit
+  AreaMass = 8,         ///< kg/m2
+  AreaCapacity = 9      ///< kJ/(m2 K)
 };
 
 /// The unit of a measure for people, such as "W/(m²K)"; empty for none.
@@ -35,7 +38,8 @@ VELDRA_KIT_EXPORT std::string unit_text(Measure measure, Unit library);
 /// millimetres. Blanks do not count, and "²" is "2". Empty if it is no unit of the measure.
 ///
 /// - Lengths: mm, cm, m, in, ft.
-/// - Densities also in g/cm3, specific heats also in kJ/(kg K).
+/// - Densities also in g/cm3, specific heats also in kJ/(kg K), heat capacities of
+///   areas also in J/(m2 K).
 ///
 /// Throws: `std::bad_alloc`.
 VELDRA_KIT_EXPORT std::optional<double> unit_factor(const std::string& unit, Measure measure,

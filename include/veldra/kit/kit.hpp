@@ -13,6 +13,9 @@
 #include <veldra/kit/kinds.hpp>
 #include <veldra/kit/numbers.hpp>
 #include <veldra/kit/physics.hpp>
+#include <veldra/kit/physics_moisture.hpp>
+#include <veldra/kit/physics_solve.hpp>
+#include <veldra/kit/physics_storage.hpp>
 #include <veldra/kit/plan.hpp>
 #include <veldra/kit/progress.hpp>
 #include <veldra/kit/select.hpp>

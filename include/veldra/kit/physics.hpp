@@ -4,22 +4,16 @@
 
 #include <veldra/composition.hpp>
 #include <veldra/kit/export.hpp>
+#include <veldra/kit/physics_glazing.hpp>
+#include <veldra/kit/physics_heat.hpp>
+#include <veldra/kit/physics_properties.hpp>
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace veldra::kit {
-
-/// The names of the custom properties that hold what is known of a material's behaviour. A name
-/// that ends with a unit in square brackets has numbers as its values.
-namespace property {
-constexpr const char* conductivity = "Thermal conductivity [W/(m K)]";  ///< of heat
-constexpr const char* density = "Density [kg/m3]";                      ///< mass of a volume
-constexpr const char* specific_heat = "Specific heat [J/(kg K)]";       ///< of a mass
-constexpr const char* resistance = "Thermal resistance [m2 K/W]";       ///< of a layer as a whole
-constexpr const char* ventilation = "Ventilation";  ///< "well ventilated", of an air layer
-}  // namespace property
 
 /// A length in metres as one in the unit `unit`.
 VELDRA_KIT_EXPORT double from_metres(double length, Unit unit);
@@ -31,42 +25,89 @@ VELDRA_KIT_EXPORT double in_metres(double length, Unit unit);
 /// is not known (NaN) is the same as what is not known.
 VELDRA_KIT_EXPORT bool same_length(double left, double right);
 
-/// Heat flow through a build-up of plane layers after ISO 6946, in m2 K/W and W/(m2 K).
-///
-/// The outside is taken for the air outdoors. Where a material says that it is a well-ventilated
-/// air layer, this layer and those outside it count for nothing, and the air in it is as still at
-/// the next layer as indoors.
-struct VELDRA_KIT_EXPORT Transmission {
-  std::vector<std::optional<double>> layers;  ///< the resistance of each layer, where known
-  const char* heat_flow = "";                 ///< the direction that the surfaces are for
-  double outside = 0;                         ///< the resistance of the outside surface
-  double inside = 0;                          ///< the resistance of the inside surface
-  std::size_t ventilated = 0;        ///< layers, from the outside, that a ventilated cavity ends
-  std::optional<double> resistance;  ///< of the layers together, where all are known
+/// From where it is known what a composition borders on.
+enum class BoundaryBasis : int {
+  Asked = 0,   ///< the caller said it
+  Stated = 1,  ///< a custom property of the composition
+  Type = 2,    ///< assumed by its type
+  Name = 3     ///< assumed by a word in its name
+};
 
-  /// The resistance with both surfaces; empty where that of a layer is not known.
+/// What a composition borders on.
+struct CompositionBoundary {
+  physics::Boundary boundary;                 ///< both sides and the direction
+  BoundaryBasis basis = BoundaryBasis::Type;  ///< from where it is known
+  bool assumed = true;  ///< whether the outside or the direction is no statement
+  std::string fault;    ///< why a statement of the composition cannot be read; usually empty
+};
+
+/// What a composition borders on: what is asked for, then what its property "Boundary" states. The
+/// rest is assumed: the direction by the type, of other types by the words roof, ceiling and floor
+/// in the name; the outside by words for rooms or soil in the name, or else outdoor air.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT CompositionBoundary boundary_of(const Composition& composition,
+                                                  const physics::BoundaryStatement& asked = {});
+
+/// How heat goes through a layer of a composition.
+struct LayerHeat {
+  /// From where the resistance is known.
+  enum class Basis : int {
+    Unknown = 0,       ///< it is not
+    Stated = 1,        ///< a stated resistance
+    Conductivity = 2,  ///< thickness and conductivity
+    Air = 3,           ///< an air layer
+    Gas = 4,           ///< gas between panes
+    NotCounted = 5     ///< the layer is outside of a well-ventilated one, or is this
+  };
+
+  std::optional<double> resistance;       ///< in m2 K/W, beside a bridge; 0 if it does not count
+  Basis basis = Basis::Unknown;           ///< from where it is known
+  std::optional<double> conductivity;     ///< of the material, if it has one
+  std::string fault;                      ///< why it is not known, as a sentence without the layer
+  std::optional<physics::Bridge> bridge;  ///< if there is one; the resistance is that of its depth
+  std::string bridge_name;                ///< what it is
+  double bridge_conductivity = 0;         ///< in W/(m K)
+};
+
+/// One correction of a transmittance.
+struct Correction {
+  std::string name;  ///< for people, such as "air voids in layer 2"
+  double value = 0;  ///< in W/(m2 K)
+};
+
+/// Heat flow through a build-up after ISO 6946:2017, in m2 K/W and W/(m2 K); that of panes with gas
+/// between them after EN 673:2011.
+///
+/// Where a material is a well-ventilated air layer, this layer and those outside it count for
+/// nothing, and the air in it is as still at the next layer as indoors.
+struct VELDRA_KIT_EXPORT Transmission {
+  CompositionBoundary border;        ///< what the surfaces are for
+  double outside = 0;                ///< the resistance of the outside surface
+  double inside = 0;                 ///< the resistance of the inside surface
+  std::size_t ventilated = 0;        ///< layers, from the outside, that a ventilated cavity ends
+  std::vector<LayerHeat> layers;     ///< from the outside to the inside
+  std::optional<double> stated;      ///< a transmittance that is used as it is stated
+  std::optional<double> resistance;  ///< of the layers together, without surfaces
+  bool bridged = false;              ///< whether the limits differ
+  std::optional<physics::CombinedResistance> limits;  ///< with surfaces, without taper
+  std::optional<double> tapered;                      ///< the transmittance with a tapered layer
+  std::vector<Correction> corrections;                ///< those that are not 0
+  std::vector<std::string> notes;                     ///< what was assumed, and limits of methods
+  std::vector<std::string> faults;                    ///< why there is no figure, as sentences
+
+  /// The resistance with both surfaces, before corrections; empty where a layer is not known.
   std::optional<double> total_resistance() const;
 
-  /// 1 divided by the total resistance; empty where that is not known.
+  /// 1 divided by the total resistance, with corrections; empty where that is not known.
   std::optional<double> transmittance() const;
 };
 
 /// Computes the heat flow through a composition, whose lengths are in the unit `unit`.
 ///
 /// Throws: `std::bad_alloc`.
-VELDRA_KIT_EXPORT Transmission transmission_of(const Composition& composition, Unit unit);
-
-/// The number that a custom value of a material says, if it says one.
-///
-/// Throws: `std::bad_alloc`.
-VELDRA_KIT_EXPORT std::optional<double> number_value(const Material& material,
-                                                     const char* property);
-
-/// The conductivity of a material: its custom value, or else that of its thermal asset; empty where
-/// neither is known.
-///
-/// Throws: `std::bad_alloc`.
-VELDRA_KIT_EXPORT std::optional<double> conductivity_of(const Material& material);
+VELDRA_KIT_EXPORT Transmission transmission_of(const Composition& composition, Unit unit,
+                                               const physics::BoundaryStatement& asked = {});
 
 /// The sum of all layers; NaN when the thickness of one is not known.
 VELDRA_KIT_EXPORT double total_thickness(const Composition& composition);

@@ -3,6 +3,8 @@
 
 #include <veldra/kit/kinds.hpp>
 #include <veldra/kit/physics.hpp>
+#include <veldra/kit/physics_moisture.hpp>
+#include <veldra/kit/physics_storage.hpp>
 
 #include <fmt/format.h>
 
@@ -205,6 +207,15 @@ Value optional_value(const std::optional<double>& number) {
   return number ? Value(*number) : Value();
 }
 
+void add_capacity(Table<Composition>& table, const char* key, const char* label,
+                  double physics::Storage::*side, Unit unit) {
+  table.add(figure(key, label, Measure::AreaCapacity, key, 1),
+            [unit, side](const Composition& composition) {
+              const auto storage = storage_of(composition, unit).storage;
+              return storage ? Value((*storage).*side / 1000) : Value();
+            });
+}
+
 void add_figures(Table<Composition>& table, Unit unit) {
   table.add(derived("layer_count", "layers", Value::Kind::WholeNumber),
             [](const Composition& composition) {
@@ -220,6 +231,16 @@ void add_figures(Table<Composition>& table, Unit unit) {
             [unit](const Composition& composition) {
               return optional_value(transmission_of(composition, unit).transmittance());
             });
+  table.add(figure("sd", "s_d", Measure::VapourThickness, "vapour_thickness", 2),
+            [unit](const Composition& composition) {
+              return optional_value(diffusion_of(composition, unit).total);
+            });
+  table.add(figure("mass", "mass", Measure::AreaMass, "areal_mass", 1),
+            [unit](const Composition& composition) {
+              return optional_value(mass_of(composition, unit));
+            });
+  add_capacity(table, "kappa_inside", "κ inside", &physics::Storage::inside, unit);
+  add_capacity(table, "kappa_outside", "κ outside", &physics::Storage::outside, unit);
 }
 
 }  // namespace

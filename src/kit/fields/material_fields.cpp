@@ -232,7 +232,8 @@ constexpr Quantity quantities[] = {
      of_either<&ThermalAsset::density, &StructuralAsset::density>},
     {"specific_heat", property::specific_heat, Measure::SpecificHeat,
      of_either<&ThermalAsset::specific_heat, &StructuralAsset::specific_heat>},
-    {"resistance", property::resistance, Measure::Resistance, of_no_asset}};
+    {"resistance", property::resistance, Measure::Resistance, of_no_asset},
+    {"vapour_resistance", property::vapour_factor, Measure::None, of_no_asset}};
 
 Held held_of(const Material& material, const Quantity& quantity) {
   const auto number = number_value(material, quantity.property);

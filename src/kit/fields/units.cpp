@@ -22,7 +22,11 @@ constexpr WrittenUnit written_units[] = {{"mm", Measure::Length, 1},
                                          {"J/(kgK)", Measure::SpecificHeat, 1},
                                          {"kJ/(kgK)", Measure::SpecificHeat, 1000},
                                          {"m2K/W", Measure::Resistance, 1},
-                                         {"W/(m2K)", Measure::Transmittance, 1}};
+                                         {"W/(m2K)", Measure::Transmittance, 1},
+                                         {"m", Measure::VapourThickness, 1},
+                                         {"kg/m2", Measure::AreaMass, 1},
+                                         {"kJ/(m2K)", Measure::AreaCapacity, 1},
+                                         {"J/(m2K)", Measure::AreaCapacity, 0.001}};
 
 void replace_all(std::string& text, const std::string& from, const std::string& to) {
   for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at)) {
@@ -48,6 +52,12 @@ std::string unit_text(Measure measure, Unit library) {
       return "m²K/W";
     case Measure::Transmittance:
       return "W/(m²K)";
+    case Measure::VapourThickness:
+      return "m";
+    case Measure::AreaMass:
+      return "kg/m²";
+    case Measure::AreaCapacity:
+      return "kJ/(m²K)";
   }
   return {};
 }

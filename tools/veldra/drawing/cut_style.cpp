@@ -15,15 +15,16 @@ namespace {
 /// The fill for a hatch when the material has no colour of its own.
 std::string usual_fill(const std::string& hatch) {
   static const std::map<std::string, const char*> fills{
-      {"insulation", "#fbf1c0"}, {"rigid insulation", "#f6e3c5"},
-      {"concrete", "#d5d8d4"},   {"masonry", "#e6b59b"},
-      {"timber", "#ecd3a4"},     {"board", "#e3c48f"},
-      {"plaster", "#efece4"},    {"screed", "#dedbd2"},
-      {"gypsum", "#f4f2ec"},     {"gravel", "#e4ddd0"},
-      {"earth", "#cdb89b"},      {"membrane", "#303030"},
-      {"metal", "#707880"},      {"air", "#ffffff"},
-      {"glass", "#d7ecf2"},      {"stone", "#cfc8bd"},
-      {"tile", "#d9a98c"},       {"vegetation", "#bcd39a"}};
+      {"insulation", "#fbf1c0"},     {"rigid insulation", "#f6e3c5"},
+      {"concrete", "#d5d8d4"},       {"reinforced concrete", "#d5d8d4"},
+      {"plain concrete", "#e2e4df"}, {"masonry", "#e6b59b"},
+      {"timber", "#ecd3a4"},         {"board", "#e3c48f"},
+      {"plaster", "#efece4"},        {"screed", "#dedbd2"},
+      {"gypsum", "#f4f2ec"},         {"gravel", "#e4ddd0"},
+      {"earth", "#cdb89b"},          {"membrane", "#303030"},
+      {"metal", "#707880"},          {"air", "#ffffff"},
+      {"glass", "#d7ecf2"},          {"stone", "#cfc8bd"},
+      {"tile", "#d9a98c"},           {"vegetation", "#bcd39a"}};
   const auto found = fills.find(hatch);
   return found != fills.end() ? found->second : "#ececec";
 }
@@ -42,16 +43,19 @@ std::string likely_hatch(const veldra::Material& material) {
   if (type == "glazing" || type == "simple glazing" || type == "glass") return "glass";
   const auto conductivity = kit::conductivity_of(material);
   const auto density = kit::number_value(material, kit::property::density);
-  if (!conductivity)
-    return kit::number_value(material, kit::property::resistance) ? "insulation" : "lines";
+  if (!conductivity) return "unknown";
   if (*conductivity > 10) return "metal";
-  if (*conductivity <= 0.065) return "insulation";
   if (*conductivity <= 0.25 && density && *density >= 300 && *density <= 750) return "timber";
   if (density && *density >= 1900) return "concrete";
-  return "lines";
+  return "unknown";
 }
 
 }  // namespace
+
+CutStyle bridge_style(double conductivity) {
+  const std::string hatch = conductivity > 10 ? "metal" : "timber";
+  return {usual_fill(hatch), 1, "#3a3a3a", hatch, 1, 0, false};
+}
 
 CutStyle cut_style(const veldra::Material& material) {
   const auto& pattern = material.cut_pattern();
@@ -70,7 +74,7 @@ CutStyle cut_style(const veldra::Material& material) {
   style.fill = coloured ? hex(fill) : usual_fill(style.hatch);
   style.fill_opacity = coloured ? std::min(fill.alpha, 1.0) : 1.0;
   const auto& line = material.cut_pattern_color();
-  style.line = line.alpha > 0 ? hex(line) : "#3a3a3a";
+  style.line = line.alpha > 0 ? hex(line) : style.hatch == "metal" ? "#ffffff" : "#3a3a3a";
   return style;
 }
 

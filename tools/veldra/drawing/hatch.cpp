@@ -148,6 +148,28 @@ std::string concrete(Hatch& hatch) {
   return full + broken.elements(0.16, "1.4 0.7");
 }
 
+/// Concrete without steel: broken diagonals only.
+std::string plain_concrete(Hatch& hatch) {
+  add_lines(hatch, 2.6, 45);
+  return hatch.elements(0.16, "1.4 0.7");
+}
+
+/// Pairs of close diagonals, light on the dark of the layer.
+std::string metal(Hatch& hatch) {
+  add_lines(hatch, 1.6, 45);
+  add_lines(hatch, 1.6, 45, 0.3);
+  return hatch.elements(0.14);
+}
+
+/// Small crosses, unlike the dots of plaster.
+std::string gypsum(Hatch& hatch) {
+  scattered(hatch, 2.2, [&](double x, double y, unsigned, unsigned) {
+    hatch.segment(x - 0.3, y, x + 0.3, y);
+    hatch.segment(x, y - 0.3, x, y + 0.3);
+  });
+  return hatch.elements(0.13);
+}
+
 std::string masonry(Hatch& hatch) {
   add_lines(hatch, 1.8, 45);
   return hatch.elements(0.16);
@@ -278,14 +300,17 @@ std::string hatch_elements(const CutStyle& style, double width, double length) {
       {"board", board},
       {"plaster", plaster},
       {"screed", screed},
-      {"gypsum", nothing},
+      {"gypsum", gypsum},
+      {"plain concrete", plain_concrete},
+      {"reinforced concrete", concrete},
+      {"unknown", nothing},
       {"gravel", gravel},
       {"earth", earth},
       {"glass", glass},
       {"stone", stone},
       {"tile", tile},
       {"membrane", membrane},
-      {"metal", nothing},
+      {"metal", metal},
       {"air", nothing},
       {"solid", nothing},
       {"vegetation", vegetation}};

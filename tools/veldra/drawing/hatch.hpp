@@ -23,6 +23,9 @@ struct CutStyle {
 /// it.
 CutStyle cut_style(const veldra::Material& material);
 
+/// The style of a bridge of that conductivity in W/(m K).
+CutStyle bridge_style(double conductivity);
+
 /// The hatch of a layer as SVG elements, in a frame in which the layer reaches from 0 to `width`
 /// across and from 0 to `length` along. What lies outside must be clipped.
 std::string hatch_elements(const CutStyle& style, double width, double length);

@@ -22,16 +22,20 @@ constexpr double thinnest = 1.1;  ///< that a layer is drawn
 constexpr double number_radius = 2.3;
 constexpr double number_spacing = 5.4;
 constexpr double number_distance = 9;
-constexpr double margin_before = 16;  ///< for the numbers, or for what stands outside
-constexpr double margin_behind = 18;  ///< for the dimensions
-constexpr double margin_lying = 8;    ///< for what stands outside and inside
+constexpr double margin_before = 16;   ///< for the numbers, or for what stands outside
+constexpr double margin_behind = 3.5;  ///< behind the last dimension
+constexpr double margin_lying = 8;     ///< for what stands outside and inside
 constexpr double chain_distance = 7;
-constexpr double total_distance = 14.5;
+constexpr double total_distance = 7.5;  ///< from the chain
+constexpr double row_distance = 2.7;    ///< of the thicknesses behind the chain
+constexpr std::size_t most_rows = 3;
+constexpr std::size_t none = static_cast<std::size_t>(-1);
 constexpr double digit_width = 1.46;
 constexpr double text_before = -0.9;  ///< from a dimension line
 constexpr double text_beyond = 3.5;
 constexpr double bar_margin = 9;
 constexpr double longest_bar = 40;
+constexpr double longest_lying_numbers = 135;
 constexpr std::size_t longest_hatches = 400'000;  ///< bytes of all hatches together
 
 double millimetres(double length, veldra::Unit unit) {
@@ -47,6 +51,12 @@ std::vector<double> spread(std::vector<double> places) {
   return places;
 }
 
+/// The two diagonals by which timber is shown that is cut across.
+std::string crossed_lines(double width, double height, const std::string& color) {
+  return fmt::format(R"(<path d="M0 0L{0} {1}M{0} 0L0 {1}" stroke="{2}" stroke-width="0.15"/>)",
+                     paper(width), paper(height), color);
+}
+
 double mean(const std::vector<double>& values) {
   double sum = 0;
   for (const double value : values) sum += value;
@@ -55,9 +65,10 @@ double mean(const std::vector<double>& values) {
 
 }  // namespace
 
-Section::Section(const veldra::Composition& composition, veldra::Unit unit, Point origin)
-    : composition_(composition), unit_(unit), origin_(origin) {
-  switch (composition.type()) {
+Section::Section(const veldra::Composition& composition, veldra::Unit unit, Point origin,
+                 const kit::Transmission& heat, const DrawingWishes& wishes)
+    : composition_(composition), unit_(unit), origin_(origin), heat_(heat), words_(wishes.locale) {
+  switch (wishes.type.value_or(composition.type())) {
     case veldra::Composition::Type::Roof:
       lie_ = Lie::OutsideAbove;
       break;
@@ -67,7 +78,13 @@ Section::Section(const veldra::Composition& composition, veldra::Unit unit, Poin
     default:
       lie_ = Lie::Standing;
   }
+  if (wishes.lying && *wishes.lying != (lie_ != Lie::Standing)) {
+    lie_ = *wishes.lying ? Lie::OutsideAbove : Lie::Standing;
+  }
   place_layers();
+  const double numbers = static_cast<double>(numbered_layers().size()) * number_spacing;
+  margin_lying_ = std::max(margin_lying, (numbers - width()) / 2 + number_radius);
+  place_dimensions();
 }
 
 void Section::place_layers() {
@@ -102,8 +119,8 @@ bool Section::place_layers(double scale, double deepest) {
 double Section::height() const { return depth() + bar_margin; }
 
 double Section::depth() const {
-  return lie_ == Lie::Standing ? margin_before + length + margin_behind
-                               : margin_lying + width() + margin_lying;
+  return lie_ == Lie::Standing ? margin_before + length + total_place() + margin_behind
+                               : margin_lying_ + width() + margin_lying_;
 }
 
 /// A place of the section on paper; `along` runs down or to the right.
@@ -111,9 +128,9 @@ Point Section::at(double across, double along) const {
   const double left = origin_.x + (area_width - lying_length) / 2;
   switch (lie_) {
     case Lie::OutsideAbove:
-      return {left + along, origin_.y + margin_lying + across};
+      return {left + along, origin_.y + margin_lying_ + across};
     case Lie::OutsideBelow:
-      return {left + along, origin_.y + margin_lying + width() - across};
+      return {left + along, origin_.y + margin_lying_ + width() - across};
     default:
       break;
   }
@@ -139,14 +156,44 @@ bool Section::draw_layers(Svg& svg) const {
   bool hatched = true;
   for (std::size_t i = 0; i < composition_.layers().size(); ++i) {
     const auto style = cut_style(*composition_.layers()[i].material());
+    const double layer_width = edges_[i + 1] - edges_[i];
     std::string hatch;
-    if (hatched) hatch = hatch_elements(style, edges_[i + 1] - edges_[i], layer_length);
+    if (hatched) {
+      hatch = hatch_elements(style, layer_width, layer_length) +
+              bridge_elements(i, layer_width, layer_length);
+    }
     hatched = hatched && hatch.size() <= room;
     if (!hatched) hatch.clear();
     room -= hatch.size();
     draw_layer(svg, i, style, hatch);
   }
   return hatched;
+}
+
+/// What interrupts a layer, in the frame of its hatch: as wide as its share of the distance between
+/// two, and from the inner side as deep as it is.
+std::string Section::bridge_elements(std::size_t index, double layer_width,
+                                     double layer_length) const {
+  if (index >= heat_.layers.size() || !heat_.layers[index].bridge) return "";
+  const auto& heat = heat_.layers[index];
+  const kit::KnownValues values(*composition_.layers()[index].material());
+  const double apart = values.number(kit::Known::BridgeSpacing).value_or(0) / scale_;
+  const double spacing = apart > 0 ? std::clamp(apart, 6.0, layer_length) : layer_length / 3;
+  const double across = spacing * heat.bridge->share;
+  const double thickness = composition_.layers()[index].thickness();
+  const double deep = veldra::converted_length(values.number(kit::Known::BridgeDepth).value_or(0),
+                                               veldra::Unit::Millimetres, unit_);
+  const double depth = deep > 0 && deep < thickness ? layer_width * deep / thickness : layer_width;
+  const auto style = bridge_style(heat.bridge_conductivity);
+  std::string result;
+  for (double middle = spacing / 2; middle < layer_length; middle += spacing) {
+    result += fmt::format(
+        R"svg(<g transform="translate({} {})"><rect width="{}" height="{}" fill="{}" )svg"
+        R"svg(stroke="#1a1a1a" stroke-width="0.2"/>{}</g>)svg",
+        paper(layer_width - depth), paper(middle - across / 2), paper(depth), paper(across),
+        style.fill, crossed_lines(depth, across, style.line));
+  }
+  return result;
 }
 
 /// The frame of a hatch has its origin at the outer end of the layer; lying layers swap its axes.
@@ -235,26 +282,64 @@ void Section::draw_dimension_text(Svg& svg, double middle, double distance, doub
   svg.text(at(middle, standing ? length + distance + shift : -distance + shift), text, style);
 }
 
-/// A number that is too wide for its layer stands on the other side of the line, if there is room.
+/// The row of each thickness: before the chain where its layer is wide enough, else in the first
+/// row behind it that has room. Beyond the last row it is left to the list.
+void Section::place_dimensions() {
+  std::vector<double> free_from(most_rows, -area_width);
+  for (std::size_t i = 0; i < composition_.layers().size(); ++i) {
+    const auto text = drawn_length(composition_.layers()[i].thickness(), unit_, words_);
+    const double text_width = digit_width * static_cast<double>(display_width(text));
+    const double middle = (edges_[i] + edges_[i + 1]) / 2;
+    std::size_t row = 0;
+    if (text_width + 2 >= edges_[i + 1] - edges_[i]) {
+      while (row < most_rows && middle - text_width / 2 < free_from[row]) ++row;
+      if (row < most_rows) free_from[row] = middle + text_width / 2 + 1;
+      row = row < most_rows ? row + 1 : none;
+    }
+    if (row == none) ++undimensioned_;
+    if (row != none) greatest_row_ = std::max(greatest_row_, row);
+    rows_.push_back(row);
+  }
+}
+
+/// How far from the chain the thicknesses of a row stand. Behind the chain of a section that lies
+/// is room for one row; further ones stand on its other side.
+double Section::row_shift(std::size_t row) const {
+  if (row == 0) return text_before;
+  const double further = static_cast<double>(row - 1) * row_distance;
+  if (lie_ == Lie::Standing || row == 1) return text_beyond + further;
+  return text_before - further;
+}
+
+/// How far from the section its whole thickness stands.
+double Section::total_place() const {
+  const auto further = static_cast<double>(std::max<std::size_t>(greatest_row_, 1) - 1);
+  return chain_distance + total_distance + further * row_distance;
+}
+
+/// A thickness far from the chain has a line that leads to it.
 void Section::draw_dimensions(Svg& svg) const {
   double sum = 0;
-  double free_from = -area_width;
   for (std::size_t i = 0; i < composition_.layers().size(); ++i) {
     const double thickness = composition_.layers()[i].thickness();
     sum += thickness;
-    const std::string text = drawn_length(thickness, unit_);
-    const double text_width = digit_width * static_cast<double>(display_width(text));
     const double middle = (edges_[i] + edges_[i + 1]) / 2;
     draw_dimension(svg, edges_[i], edges_[i + 1], chain_distance);
-    if (text_width + 2 < edges_[i + 1] - edges_[i]) {
-      draw_dimension_text(svg, middle, chain_distance, text_before, text);
-    } else if (middle - text_width / 2 >= free_from) {
-      draw_dimension_text(svg, middle, chain_distance, text_beyond, text);
-      free_from = middle + text_width / 2 + 1;
-    }
+    if (rows_[i] == none) continue;
+    const double shift = row_shift(rows_[i]);
+    draw_dimension_text(svg, middle, chain_distance, shift, drawn_length(thickness, unit_, words_));
+    if (rows_[i] > 1) draw_leader(svg, middle, shift);
   }
-  draw_dimension(svg, 0, width(), total_distance);
-  draw_dimension_text(svg, width() / 2, total_distance, text_before, drawn_length(sum, unit_));
+  draw_dimension(svg, 0, width(), total_place());
+  draw_dimension_text(svg, width() / 2, total_place(), text_before,
+                      drawn_length(sum, unit_, words_));
+}
+
+/// From the chain to a thickness that stands so far from it.
+void Section::draw_leader(Svg& svg, double middle, double shift) const {
+  const bool standing = lie_ == Lie::Standing;
+  const double chain = standing ? length + chain_distance : -chain_distance;
+  svg.line(at(middle, chain), at(middle, chain + (standing ? shift - 2 : shift)), 0.09, "#777777");
 }
 
 /// The length that the bar shows.
@@ -283,14 +368,18 @@ void Section::draw_scale_bar(Svg& svg) const {
   style.size = 2.3;
   style.anchor = Anchor::Middle;
   svg.text({start.x, start.y + 3.2}, "0", style);
-  svg.text({middle.x, middle.y + 3.2}, drawn_length(bar / 2, unit_), style);
-  svg.text({end.x, end.y + 3.2}, drawn_length(bar, unit_) + " " + name_of(unit_), style);
+  const auto half_text = drawn_length(bar / 2, unit_, words_);
+  const auto end_text = drawn_length(bar, unit_, words_) + " " + name_of(unit_);
+  const auto columns = static_cast<double>(display_width(half_text) + display_width(end_text));
+  if (columns * digit_width / 2 + 1 < bar_length / 2) {
+    svg.text({middle.x, middle.y + 3.2}, half_text, style);
+  }
+  svg.text({end.x, end.y + 3.2}, end_text, style);
 }
 
 /// Those whose numbers are drawn: all, or every so many where there is no room for all.
 std::vector<std::size_t> Section::numbered_layers() const {
-  const double room =
-      lie_ == Lie::Standing ? area_width : margin_lying + deepest_lying + margin_lying;
+  const double room = lie_ == Lie::Standing ? area_width : longest_lying_numbers;
   const std::size_t count = composition_.layers().size();
   const auto most = static_cast<std::size_t>(room / number_spacing);
   const std::size_t step = (count + most - 1) / most;
@@ -337,23 +426,48 @@ void Section::draw_sides(Svg& svg) const {
   style.italic = true;
   style.anchor = Anchor::Middle;
   style.color = "#555555";
+  const auto& boundary = heat_.border.boundary;
+  using Side = kit::physics::Side;
+  const bool open = boundary.outside == Side::Outdoors;
+  const bool between_rooms =
+      boundary.outside == Side::Interior || boundary.inside != Side::Interior;
+  const auto* outside = open ? words_.say("outside", "außen") : side_text(boundary.outside);
+  const auto* inside = between_rooms ? side_text(boundary.inside) : words_.say("inside", "innen");
   if (lie_ == Lie::Standing) {
     style.turn = -90;
-    const Point outside = at(-5, length / 2);
-    const Point inside = at(width() + 6.5, length / 2);
-    svg.text(outside, "outside", style);
-    svg.text(inside, "inside", style);
+    svg.text(at(-5, length / 2), outside, style);
+    svg.text(at(width() + 6.5, length / 2), inside, style);
     return;
   }
   const bool above = lie_ == Lie::OutsideAbove;
   const Point top = at(above ? 0 : width(), lying_length / 2);
   const Point bottom = at(above ? width() : 0, lying_length / 2);
-  svg.text({top.x, top.y - 3}, above ? "outside" : "inside", style);
-  svg.text({bottom.x, bottom.y + 5}, above ? "inside" : "outside", style);
+  svg.text({top.x, top.y - 3}, above ? outside : inside, style);
+  svg.text({bottom.x, bottom.y + 5}, above ? inside : outside, style);
 }
 
-std::string drawn_length(double length, veldra::Unit unit) {
-  return short_number(length, unit == veldra::Unit::Inches ? 3 : 2);
+const char* Section::side_text(kit::physics::Side side) const {
+  switch (side) {
+    case kit::physics::Side::Ground:
+      return words_.say("ground", "Erdreich");
+    case kit::physics::Side::Unheated:
+      return words_.say("unheated room", "unbeheizter Raum");
+    case kit::physics::Side::Ventilated:
+      return words_.say("ventilated air", "belüftet");
+    case kit::physics::Side::Interior:
+      return words_.say("room", "Raum");
+    default:
+      return words_.say("outside", "außen");
+  }
+}
+
+/// What is no length is a dash, and what would round to 0 and is not is less than the least.
+std::string drawn_length(double length, veldra::Unit unit, const Words& words) {
+  if (!std::isfinite(length)) return "–";
+  const int decimals = unit == veldra::Unit::Inches ? 3 : 2;
+  const double least = unit == veldra::Unit::Inches ? 0.001 : 0.01;
+  if (length > 0 && length < least / 2) return "<" + words.number(rounded_number(least, decimals));
+  return words.number(short_number(length, decimals));
 }
 
 void draw_number(Svg& svg, Point center, std::size_t number, bool structural) {

@@ -4,19 +4,32 @@
 
 #include "drawing/hatch.hpp"
 #include "drawing/svg.hpp"
+#include "drawing/words.hpp"
+#include "kit.hpp"
 
 #include <veldra/veldra.hpp>
 
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace veldra_tool {
+
+/// How build-ups are to be drawn.
+struct DrawingWishes {
+  std::string locale;                             ///< of the library, for language and decimal sign
+  std::optional<bool> lying;                      ///< else as the type says
+  std::optional<veldra::Composition::Type> type;  ///< else that of the build-up
+  kit::physics::BoundaryStatement boundary;       ///< what they border on
+};
 
 /// The cut through a build-up, placed on paper: walls stand, with the outside on the left; roofs
 /// lie, with the outside above; floors lie, with the outside below.
 class Section {
  public:
-  /// Chooses the largest usual scale that fits. There are layers.
-  Section(const veldra::Composition& composition, veldra::Unit unit, Point origin);
+  /// Chooses the largest usual scale that fits. There are layers. `heat` outlives the section.
+  Section(const veldra::Composition& composition, veldra::Unit unit, Point origin,
+          const kit::Transmission& heat, const DrawingWishes& wishes);
 
   /// Draws the layers, the core, the ends, the dimensions and a bar that shows the scale, with a
   /// number for each layer, or for every so many where they would not fit. Returns false when some
@@ -27,12 +40,17 @@ class Section {
   double height() const;  ///< of all that is drawn
   bool has_thickened_layers() const { return thickened_; }
 
+  /// How many thicknesses are so close together that they stand in the list alone.
+  std::size_t undimensioned_layers() const { return undimensioned_; }
+
  private:
   enum class Lie { Standing, OutsideAbove, OutsideBelow };
 
   void place_layers();
   bool place_layers(double scale, double deepest);
   Point at(double across, double along) const;
+  std::string bridge_elements(std::size_t index, double layer_width, double layer_length) const;
+  void place_dimensions();
   void draw_layer(Svg& svg, std::size_t index, const CutStyle& style,
                   const std::string& hatch) const;
   bool draw_layers(Svg& svg) const;
@@ -42,6 +60,10 @@ class Section {
   void draw_dimension_text(Svg& svg, double middle, double distance, double shift,
                            const std::string& text) const;
   void draw_dimensions(Svg& svg) const;
+  void draw_leader(Svg& svg, double middle, double shift) const;
+  double row_shift(std::size_t row) const;
+  double total_place() const;
+  const char* side_text(kit::physics::Side side) const;
   void draw_scale_bar(Svg& svg) const;
   void draw_numbers(Svg& svg) const;
   void draw_sides(Svg& svg) const;
@@ -57,13 +79,19 @@ class Section {
   veldra::Unit unit_;
   Point origin_;  ///< of the area that the drawing may use
   Lie lie_;
+  const kit::Transmission& heat_;
+  Words words_;
   double scale_ = 1;
+  double margin_lying_ = 8;        ///< above and below a section that lies
+  std::vector<std::size_t> rows_;  ///< of the thicknesses: 0 before the line, 1 and more behind
+  std::size_t greatest_row_ = 0;
+  std::size_t undimensioned_ = 0;
   bool thickened_ = false;
   std::vector<double> edges_;  ///< across, from the outside; one more than layers
 };
 
 /// A length as it stands in drawings, without its unit.
-std::string drawn_length(double length, veldra::Unit unit);
+std::string drawn_length(double length, veldra::Unit unit, const Words& words);
 
 /// A layer number in its circle.
 void draw_number(Svg& svg, Point center, std::size_t number, bool structural);

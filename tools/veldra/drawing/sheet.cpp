@@ -25,26 +25,45 @@ constexpr double conductivity_right = right - 14;
 constexpr double line_height = 3.7;
 constexpr double row_padding = 2.4;
 constexpr std::size_t name_columns = 48;
-constexpr std::size_t title_columns = 160;
-constexpr std::size_t subtitle_columns = 280;
+constexpr std::size_t title_columns = 88;
+constexpr std::size_t subtitle_columns = 165;
+constexpr std::size_t most_title_lines = 3;
+constexpr std::size_t note_columns = 92;
 constexpr std::size_t most_layers = 200;        ///< of a build-up that is drawn
 constexpr std::size_t longest_panel = 950'000;  ///< bytes of one, without its title
 
-/// The text in lines of at most so many columns, broken at blanks where there are any.
+/// The text in lines of at most so many columns, broken at blanks where there are any, and else
+/// within words.
 std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {
   std::vector<std::string> lines(1);
   std::size_t start = 0;
   while (start < text.size()) {
     auto end = text.find(' ', start + 1);
     if (end == std::string::npos) end = text.size();
-    const std::string word = text.substr(start, end - start);
+    std::string word = text.substr(start, end - start);
     if (!lines.back().empty() && display_width(lines.back() + word) > columns) {
-      lines.push_back(trimmed(word));
-    } else {
-      lines.back() += word;
+      lines.emplace_back();
+      word = trimmed(word);
     }
+    while (display_width(word) > columns) {
+      const auto part = leading_columns(word, columns);
+      if (part.empty()) break;
+      lines.back() += part;
+      lines.emplace_back();
+      word.erase(0, part.size());
+    }
+    lines.back() += word;
     start = end;
   }
+  return lines;
+}
+
+/// As many lines as a title may have; the last one tells that there was more.
+std::vector<std::string> title_lines(const std::string& text, std::size_t columns) {
+  auto lines = wrapped(text, columns);
+  if (lines.size() <= most_title_lines) return lines;
+  lines.resize(most_title_lines);
+  lines.back() = leading_columns(lines.back(), columns - 1) + "…";
   return lines;
 }
 
@@ -66,71 +85,113 @@ std::string conductivity_text(double conductivity) {
   return fixed_number(conductivity, conductivity < 10 ? 3 : 0);
 }
 
-std::string title_of(veldra::Composition::Type type) {
+const char* title_of(veldra::Composition::Type type, const Words& words) {
   switch (type) {
     case veldra::Composition::Type::Wall:
-      return "Wall";
+      return words.say("Wall", "Wand");
     case veldra::Composition::Type::Floor:
-      return "Floor";
+      return words.say("Floor", "Decke");
     case veldra::Composition::Type::Roof:
-      return "Roof";
+      return words.say("Roof", "Dach");
     default:
-      return "Build-up";
+      return words.say("Build-up", "Aufbau");
   }
 }
 
 /// One build-up on the sheet.
 class Panel {
  public:
-  Panel(const veldra::Composition& composition, veldra::Unit unit, double top)
-      : composition_(composition), unit_(unit), top_(top) {}
+  Panel(const veldra::Composition& composition, veldra::Unit unit, const DrawingWishes& wishes,
+        double top)
+      : composition_(composition),
+        unit_(unit),
+        wishes_(wishes),
+        words_(wishes.locale),
+        names_(title_lines(composition.name().utf8(), title_columns)),
+        top_(top) {}
 
   /// Draws the build-up and returns where the next one may begin.
   double draw(Svg& svg) {
     const std::size_t layers = composition_.layers().size();
-    if (layers == 0) return draw_sentence(svg, "This build-up has no layers.");
-    if (layers > most_layers) return draw_sentence(svg, "It has too many layers to be drawn.");
-    transmission_ = kit::transmission_of(composition_, unit_);
-    const Section section(composition_, unit_, {margin, top_ + 15});
+    if (layers == 0) {
+      return draw_sentence(
+          svg, words_.say("This build-up has no layers.", "Dieser Aufbau hat keine Schichten."));
+    }
+    if (layers > most_layers) {
+      return draw_sentence(svg, words_.say("It has too many layers to be drawn.",
+                                           "Er hat zu viele Schichten für eine Zeichnung."));
+    }
+    transmission_ = kit::transmission_of(composition_, unit_, wishes_.boundary);
+    // The subtitle needs the scale, and the section the place below it: first anywhere.
+    const Section trial(composition_, unit_, {margin, top_}, transmission_, wishes_);
+    subtitles_ = subtitle_lines(trial.scale());
+    const double body_top = top_ + title_height() + 2.5;
+    const Section section(composition_, unit_, {margin, body_top}, transmission_, wishes_);
     thickened_ = section.has_thickened_layers();
+    undimensioned_ = section.undimensioned_layers();
     Svg body;
     hatched_ = section.draw(body);
-    const double list_end = draw_sum(body, draw_list(body));
+    const double list_end = draw_sum(body, draw_list(body, body_top + 4));
     if (body.size() > longest_panel) {
-      return draw_sentence(svg, "The names of its materials are too long to be drawn.");
+      return draw_sentence(svg,
+                           words_.say("The names of its materials are too long to be drawn.",
+                                      "Die Namen der Baustoffe sind zu lang für eine Zeichnung."));
     }
-    draw_title(svg,
-               fmt::format(" · scale 1:{} · thicknesses in {}", short_number(section.scale(), 0),
-                           unit_ == veldra::Unit::Inches ? "inches" : "millimetres"));
+    draw_title(svg);
     svg.add(body);
-    return std::max(top_ + 15 + section.height(), list_end) + 10;
+    return std::max(body_top + section.height(), list_end) + 10;
   }
 
  private:
-  double draw_sentence(Svg& svg, const char* sentence) const {
-    draw_title(svg, "");
-    svg.text({margin, top_ + 22}, sentence, style_of(3));
-    return top_ + 32;
+  double draw_sentence(Svg& svg, const char* sentence) {
+    subtitles_ = subtitle_lines(0);
+    draw_title(svg);
+    svg.text({margin, top_ + title_height() + 9.5}, sentence, style_of(3));
+    return top_ + title_height() + 19.5;
   }
 
-  void draw_title(Svg& svg, const std::string& scale) const {
+  double title_height() const {
+    return 1.1 + static_cast<double>(names_.size()) * 6 +
+           static_cast<double>(subtitles_.size()) * 4 + 1.4;
+  }
+
+  /// A scale of 0 stands for none.
+  std::vector<std::string> subtitle_lines(double scale) const {
+    const auto type = wishes_.type.value_or(composition_.type());
+    const auto count = composition_.layers().size();
+    std::string text = fmt::format("{} · {} {}", title_of(type, words_), count,
+                                   words_.say("layers", count == 1 ? "Schicht" : "Schichten"));
+    if (scale > 0) {
+      text += fmt::format(" · {} 1:{} · {}", words_.say("scale", "Maßstab"),
+                          words_.number(short_number(scale, 0)), unit_text());
+    }
+    if (composition_.description()) text += " · " + composition_.description().utf8();
+    return title_lines(text, subtitle_columns);
+  }
+
+  const char* unit_text() const {
+    return unit_ == veldra::Unit::Inches
+               ? words_.say("thicknesses in inches", "Dicken in Zoll")
+               : words_.say("thicknesses in millimetres", "Dicken in Millimetern");
+  }
+
+  void draw_title(Svg& svg) const {
     TextStyle style = style_of(5);
     style.bold = true;
-    svg.text({margin, top_ + 5}, shortened(composition_.name().utf8(), title_columns), style);
-    std::string subtitle = fmt::format("{} · {} layers{}", title_of(composition_.type()),
-                                       composition_.layers().size(), scale);
-    if (composition_.description()) subtitle += " · " + composition_.description().utf8();
+    double y = top_ - 1;
+    for (const auto& line : names_) svg.text({margin, y += 6}, line, style);
     TextStyle small = style_of(2.8);
     small.color = "#555555";
-    svg.text({margin, top_ + 10}, shortened(subtitle, subtitle_columns), small);
-    svg.line({margin, top_ + 12.5}, {right, top_ + 12.5}, 0.35);
+    y += 1;
+    for (const auto& line : subtitles_) svg.text({margin, y += 4}, line, small);
+    const double end = top_ + title_height();
+    svg.line({margin, end}, {right, end}, 0.35);
   }
 
-  double draw_list(Svg& svg) const {
-    double y = top_ + 19;
+  double draw_list(Svg& svg, double y) const {
     TextStyle head = style_of(2.3);
     head.color = "#555555";
-    svg.text({name_left, y}, "from outside to inside", head);
+    svg.text({name_left, y}, words_.say("from outside to inside", "von außen nach innen"), head);
     head.anchor = Anchor::End;
     svg.text({thickness_right, y}, fmt::format("d [{}]", name_of(unit_)), head);
     svg.text({conductivity_right, y}, "λ [W/(m·K)]", head);
@@ -152,59 +213,119 @@ class Panel {
     for (std::size_t i = 0; i < lines.size(); ++i) {
       svg.text({name_left, base + static_cast<double>(i) * line_height}, lines[i], style);
     }
-    TextStyle number = style_of(2.8, Anchor::End);
-    svg.text({thickness_right, base}, thickness_text(index), number);
     const auto conductivity = kit::conductivity_of(*layer.material());
-    svg.text({conductivity_right, base}, conductivity ? conductivity_text(*conductivity) : "–",
-             number);
-    svg.text({right, base}, resistance_text(transmission_, index), number);
-    const double end = y + row_padding + line_height * static_cast<double>(lines.size());
+    draw_cells(svg, base, thickness_text(index), conductivity ? number(*conductivity) : "–",
+               words_.number(resistance_text(transmission_, index)));
+    double end = y + row_padding + line_height * static_cast<double>(lines.size());
+    if (transmission_.layers[index].bridge) {
+      draw_bridge(svg, transmission_.layers[index], end - row_padding / 2 + line_height * 0.78);
+      end += line_height;
+    }
     svg.line({list_left - 2.5, end}, {right, end}, 0.09, "#999999");
     return end;
   }
 
+  void draw_cells(Svg& svg, double base, const std::string& thickness,
+                  const std::string& conductivity, const std::string& resistance) const {
+    const TextStyle cell = style_of(2.8, Anchor::End);
+    svg.text({thickness_right, base}, thickness, cell);
+    svg.text({conductivity_right, base}, conductivity, cell);
+    svg.text({right, base}, resistance, cell);
+  }
+
+  void draw_bridge(Svg& svg, const kit::LayerHeat& heat, double base) const {
+    const std::string name =
+        heat.bridge_name.empty() ? words_.say("bridge", "Unterbrechung") : heat.bridge_name;
+    const auto share = words_.number(rounded_number(heat.bridge->share * 100, 1));
+    svg.text({name_left, base}, shortened(fmt::format("+ {}, {} %", name, share), name_columns),
+             style_of(2.8));
+    draw_cells(svg, base, "", number(heat.bridge_conductivity),
+               words_.number(fixed_number(heat.bridge->resistance, 3)));
+  }
+
+  std::string number(double conductivity) const {
+    return words_.number(conductivity_text(conductivity));
+  }
+
   std::string thickness_text(std::size_t index) const {
-    const std::string text = drawn_length(composition_.layers()[index].thickness(), unit_);
+    const auto drawn = [this](double length) { return drawn_length(length, unit_, words_); };
+    const std::string text = drawn(composition_.layers()[index].thickness());
     const bool variable =
         composition_.has_variable_layer() && composition_.variable_layer() == index;
     if (!variable) return text;
-    const std::string least = drawn_length(composition_.variable_layer_min_thickness(), unit_);
+    const std::string least = drawn(composition_.variable_layer_min_thickness());
     if (!composition_.has_variable_layer_max_thickness()) return "≥" + least + " / " + text;
-    return least + "–" + drawn_length(composition_.variable_layer_max_thickness(), unit_);
+    return least + "–" + drawn(composition_.variable_layer_max_thickness());
   }
 
   double draw_sum(Svg& svg, double y) const {
-    TextStyle label = style_of(2.8);
-    TextStyle number = style_of(2.8, Anchor::End);
-    number.bold = true;
     y += 5;
-    svg.text({name_left, y}, "total thickness", label);
-    svg.text({thickness_right, y}, drawn_length(kit::total_thickness(composition_), unit_), number);
-    y = draw_transmission(svg, y + 5);
+    draw_figure(svg, y, words_.say("total thickness", "Gesamtdicke"),
+                drawn_length(kit::total_thickness(composition_), unit_, words_), thickness_right);
+    y = draw_further_figures(svg, draw_transmission(svg, y + 5));
     TextStyle note = style_of(2.2);
     note.color = "#555555";
-    for (const auto& text : notes()) svg.text({name_left, y += 4.5}, text, note);
+    for (const auto& text : notes()) {
+      for (const auto& line : wrapped(text, note_columns)) {
+        svg.text({name_left, y += 3.6}, line, note);
+      }
+    }
     return y;
   }
 
+  void draw_figure(Svg& svg, double y, const std::string& label, const std::string& value,
+                   double end) const {
+    svg.text({name_left, y}, label, style_of(2.8));
+    TextStyle style = style_of(2.8, Anchor::End);
+    style.bold = true;
+    svg.text({end, y}, value, style);
+  }
+
   double draw_transmission(Svg& svg, double y) const {
-    TextStyle label = style_of(2.8);
     const auto total = transmission_.total_resistance();
     if (!total) {
-      svg.text({name_left, y}, "U-value unknown: " + lacking_text(), label);
+      const auto text =
+          fmt::format("{}: {}", words_.say("U-value unknown", "U-Wert unbekannt"), lacking_text());
+      svg.text({name_left, y}, text, style_of(2.8));
       return y;
     }
-    TextStyle number = style_of(2.8, Anchor::End);
-    svg.text({name_left, y},
-             fmt::format("total R, with surfaces {:.2f} outside and {:.2f} inside",
-                         transmission_.outside, transmission_.inside),
-             label);
-    svg.text({right, y}, fixed_number(*total, 3), number);
+    const auto surfaces = fmt::format(
+        fmt::runtime(words_.say("total R, with surfaces {:.2f} outside and {:.2f} inside",
+                                "R gesamt, mit Übergängen {:.2f} außen und {:.2f} innen")),
+        transmission_.outside, transmission_.inside);
+    draw_figure(svg, y, words_.number(surfaces), words_.number(fixed_number(*total, 3)), right);
+    for (const auto& correction : transmission_.corrections) {
+      draw_figure(svg, y += 4.5, "ΔU: " + correction.name,
+                  words_.number(fixed_number(correction.value, 4)), right);
+    }
+    return draw_transmittance(svg, y);
+  }
+
+  /// What was only assumed is smaller than what is stated.
+  double draw_transmittance(Svg& svg, double y) const {
+    const bool assumed = transmission_.border.assumed && !transmission_.stated;
     y += 8;
-    TextStyle large = style_of(5, Anchor::End);
+    TextStyle large = style_of(assumed ? 3.8 : 5, Anchor::End);
     large.bold = true;
-    svg.text({right, y}, transmittance_text(*transmission_.transmittance()), large);
+    svg.text({right, y}, words_.number(transmittance_text(*transmission_.transmittance())), large);
+    if (!assumed) return y;
+    TextStyle muted = style_of(2.2, Anchor::End);
+    muted.color = "#555555";
+    svg.text({right, y += 3.6}, assumed_text(), muted);
     return y;
+  }
+
+  std::string assumed_text() const {
+    using Side = kit::physics::Side;
+    const bool by_name = transmission_.border.basis == kit::BoundaryBasis::Name;
+    const auto* by = by_name ? words_.say("by its name", "nach dem Namen")
+                             : words_.say("by its type", "nach der Art");
+    const auto side = transmission_.border.boundary.outside;
+    const auto* outside =
+        side == Side::Outdoors ? words_.say("outdoor air outside", "außen Außenluft")
+        : side == Side::Ground ? words_.say("ground outside", "außen Erdreich")
+                               : words_.say("a room on both sides", "beiderseits Räume");
+    return fmt::format("{} {}: {}", words_.say("assumed", "angenommen"), by, outside);
   }
 
   std::string transmittance_text(double transmittance) const {
@@ -213,46 +334,93 @@ class Panel {
                        transmittance * 0.17611);
   }
 
+  /// Those that are known.
+  double draw_further_figures(Svg& svg, double y) const {
+    const auto figure = [&](const char* label, double value, int decimals, const char* unit) {
+      const auto text = words_.number(fixed_number(value, decimals));
+      draw_figure(svg, y += 4.5, label, fmt::format("{} {}", text, unit), right);
+    };
+    const auto storage = kit::storage_of(composition_, unit_, wishes_.boundary);
+    if (storage.mass) figure(words_.say("mass", "Masse"), *storage.mass, 0, "kg/m²");
+    if (storage.storage) {
+      figure(words_.say("heat capacity κ inside", "Wärmekapazität κ innen"),
+             storage.storage->inside / 1000, 1, "kJ/(m²K)");
+      figure(words_.say("time shift", "Phasenverschiebung"), storage.storage->time_shift, 1, "h");
+    }
+    const auto diffusion = kit::diffusion_of(composition_, unit_);
+    if (diffusion.total) {
+      figure(words_.say("vapour diffusion s_d", "Dampfdiffusion s_d"), *diffusion.total, 2, "m");
+    }
+    return y;
+  }
+
   std::string lacking_text() const {
     std::string numbers;
     for (std::size_t i = 0; i < transmission_.layers.size(); ++i) {
-      if (transmission_.layers[i]) continue;
+      if (transmission_.layers[i].fault.empty()) continue;
       numbers += fmt::format("{}{}", numbers.empty() ? "" : ", ", i + 1);
     }
-    return fmt::format("nothing is known of layer {}", numbers);
+    if (numbers.empty()) return transmission_.faults.empty() ? "" : transmission_.faults.front();
+    return fmt::format(
+        fmt::runtime(words_.say("nothing is known of layer {}", "nichts bekannt von Schicht {}")),
+        numbers);
   }
 
   std::vector<std::string> notes() const {
-    std::vector<std::string> notes{"Filled number: structural layer. Thick lines: the core."};
-    if (thickened_) notes.front() += " The thinnest layers are drawn thicker.";
-    if (!hatched_) notes.push_back("Some layers are drawn without their hatch.");
-    if (transmission_.ventilated > 0) {
-      notes.push_back(fmt::format("Layer {} is well ventilated: R counts from the next one.",
-                                  transmission_.ventilated));
+    std::vector<std::string> notes{
+        words_.say("Filled number: structural layer. Thick lines: the core.",
+                   "Gefüllte Nummer: tragende Schicht. Dicke Linien: der Kern.")};
+    if (thickened_) {
+      notes.front() += words_.say(" The thinnest layers are drawn thicker.",
+                                  " Die dünnsten Schichten sind dicker gezeichnet.");
     }
+    if (undimensioned_ > 0) {
+      notes.push_back(fmt::format(fmt::runtime(words_.say("{} thicknesses stand in this list only.",
+                                                          "{} Dicken stehen nur in dieser Liste.")),
+                                  undimensioned_));
+    }
+    if (!hatched_) {
+      notes.emplace_back(words_.say("Some layers are drawn without their hatch.",
+                                    "Einige Schichten sind ohne Schraffur gezeichnet."));
+    }
+    if (transmission_.ventilated > 0) {
+      notes.push_back(fmt::format(
+          fmt::runtime(words_.say("Layer {} is well ventilated: R counts from the next one.",
+                                  "Schicht {} ist stark belüftet: R zählt ab der nächsten.")),
+          transmission_.ventilated));
+    }
+    notes.insert(notes.end(), transmission_.notes.begin(), transmission_.notes.end());
     return notes;
   }
 
   const veldra::Composition& composition_;
   veldra::Unit unit_;
+  const DrawingWishes& wishes_;
+  Words words_;
+  std::vector<std::string> names_;
+  std::vector<std::string> subtitles_;
   double top_;
   kit::Transmission transmission_;
   bool thickened_ = false;
   bool hatched_ = true;
+  std::size_t undimensioned_ = 0;
 };
 
 }  // namespace
 
 std::string draw_sheet(const std::vector<std::shared_ptr<veldra::Composition>>& compositions,
-                       veldra::Unit unit) {
+                       veldra::Unit unit, const DrawingWishes& wishes) {
   Svg svg;
   double y = margin;
   std::string title;
   for (const auto& composition : compositions) {
-    y = Panel(*composition, unit, y).draw(svg);
+    y = Panel(*composition, unit, wishes, y).draw(svg);
     title += (title.empty() ? "" : ", ") + shortened(composition->name().utf8(), title_columns);
   }
-  return svg.document(sheet_width, std::max(y, margin * 2), title);
+  const Words words(wishes.locale);
+  const auto* description = words.say("Sections to scale, with layers and figures",
+                                      "Maßstäbliche Schnitte mit Schichten und Kennwerten");
+  return svg.document(sheet_width, std::max(y, margin * 2), title, description, words.code());
 }
 
 }  // namespace veldra_tool

@@ -80,16 +80,18 @@ void Svg::text(Point at, const std::string& text, const TextStyle& style) {
   raw(fmt::format("<text {}>{}</text>", attributes, xml_text(text)));
 }
 
-std::string Svg::document(double width, double height, const std::string& title) const {
+std::string Svg::document(double width, double height, const std::string& title,
+                          const std::string& description, const char* language) const {
   return fmt::format(
       R"(<?xml version="1.0" encoding="UTF-8"?>
-<svg xmlns="http://www.w3.org/2000/svg" width="{0}mm" height="{1}mm" viewBox="0 0 {0} {1}" )"
+<svg xmlns="http://www.w3.org/2000/svg" width="{0}mm" height="{1}mm" viewBox="0 0 {0} {1}" xml:lang="{5}" )"
       R"(font-family="Helvetica, Arial, 'Liberation Sans', 'DejaVu Sans', sans-serif">
 <title>{2}</title>
+<desc>{4}</desc>
 <rect width="{0}" height="{1}" fill="#ffffff"/>
 {3}</svg>
 )",
-      paper(width), paper(height), xml_text(title), elements_);
+      paper(width), paper(height), xml_text(title), elements_, xml_text(description), language);
 }
 
 }  // namespace veldra_tool

@@ -47,7 +47,8 @@ class Svg {
   std::size_t size() const { return elements_.size(); }
 
   /// The whole document.
-  std::string document(double width, double height, const std::string& title) const;
+  std::string document(double width, double height, const std::string& title,
+                       const std::string& description, const char* language) const;
 
  private:
   std::string elements_;
