@@ -30,7 +30,10 @@ TEST(Kinds, lead_to_their_classes) {
 
 TEST(CompositionTypes, have_names) {
   std::vector<std::string> names;
-  for (const auto type : kit::all_composition_types()) names.push_back(kit::name_of(type));
+  for (const auto type : kit::all_composition_types()) {
+    names.push_back(kit::name_of(type));
+    EXPECT_EQ(kit::composition_type(names.back()), type);
+  }
   EXPECT_THAT(names, ElementsAre("wall", "floor", "roof", "other"));
   EXPECT_EQ(kit::name_of(static_cast<Composition::Type>(64)), "other");
 }
@@ -38,6 +41,11 @@ TEST(CompositionTypes, have_names) {
 TEST(Units, have_names) {
   EXPECT_EQ(kit::name_of(Unit::Millimetres), "mm");
   EXPECT_EQ(kit::name_of(Unit::Inches), "in");
+}
+
+TEST(CompositionType, that_is_not_there_is_told_with_those_that_are) {
+  EXPECT_EQ(error_of([] { kit::composition_type("Wall"); }),
+            "there is no type of composition 'Wall'; there are wall, floor, roof, other");
 }
 
 }  // namespace

@@ -50,6 +50,40 @@ TEST(LowerCase, ends_before_what_is_not_utf8) {
             "äb");
 }
 
+TEST(Utf8, has_no_broken_and_no_impossible_characters) {
+  EXPECT_TRUE(kit::is_utf8(""));
+  EXPECT_TRUE(kit::is_utf8("Dämmung \xF0\x9F\xA7\xB1"));
+  EXPECT_FALSE(kit::is_utf8("Gr\xFC\xDF"));
+  EXPECT_FALSE(kit::is_utf8("\xC3"));              // ends within a character
+  EXPECT_FALSE(kit::is_utf8("\xC0\xAF"));          // longer than it must be
+  EXPECT_FALSE(kit::is_utf8("\xED\xA0\x80"));      // half of a character of UTF-16
+  EXPECT_FALSE(kit::is_utf8("\xF4\x90\x80\x80"));  // beyond the last
+}
+
+TEST(Utf8, is_made_of_latin_1_where_a_text_is_not) {
+  EXPECT_EQ(kit::from_latin1("Gr\xFC\xDF"), "Grüß");
+  EXPECT_EQ(kit::in_utf8("Gr\xFC\xDF"), "Grüß");
+  EXPECT_EQ(kit::in_utf8("Grüß"), "Grüß");
+}
+
+TEST(TextWithoutControls, has_something_else_in_their_place) {
+  const auto star = [](char32_t) { return std::string("*"); };
+  EXPECT_EQ(kit::without_controls("a\x1b[1m\nü", star), "a*[1m*ü");
+  EXPECT_EQ(kit::without_controls("\u202e\u2066\u200f\u2028\u0085\u061c", star), "******");
+  EXPECT_EQ(kit::without_controls("\uffff\ufffe", star), "**");
+  EXPECT_EQ(kit::without_controls("a\xFF"
+                                  "b",
+                                  star),
+            "a");
+}
+
+TEST(TextWithoutControls, tells_which_it_replaces) {
+  const auto number = [](char32_t character) {
+    return std::to_string(static_cast<unsigned>(character));
+  };
+  EXPECT_EQ(kit::without_controls("\t\u2028", number), "98232");
+}
+
 TEST(TrimmedText, has_no_blanks_around_it) {
   EXPECT_EQ(kit::trimmed(" \t a b \r\n"), "a b");
   EXPECT_EQ(kit::trimmed(" \t "), "");

@@ -69,7 +69,7 @@ TEST_F(Conflict, rename_puts_the_new_one_beside_the_old_one) {
 TEST_F(Conflict, equal_objects_are_none_whatever_the_file_is_called) {
   write("copy.idf", "Material:AirGap, Gap, 0.1;");
   const auto report = must({"import", "a.lib", "copy.idf", "--json"}).json()[0];
-  EXPECT_EQ(report["materials"]["equal"], 1);
+  EXPECT_EQ(report["materials"]["tagged"], 1);
   EXPECT_EQ(count("a.lib", "materials"), 1U);
 }
 
@@ -80,6 +80,77 @@ TEST_F(Conflict, between_sources_is_settled_like_one_with_the_library) {
   EXPECT_EQ(
       must({"show", "b.lib", "composition", "Wall", "--json"}).json()["layers"][0]["material"],
       "Gap (2)");
+}
+
+/// A source whose names ignore case, with a gap that is written in another case.
+class OtherCase : public Conflict {
+ protected:
+  void SetUp() override {
+    Conflict::SetUp();
+    write("same.idf", "Material:AirGap, GAP, 0.1; Construction, Wall, gAP;");
+    write("other.idf", "Material:AirGap, GAP, 0.2; Construction, Wall, gAP;");
+  }
+};
+
+TEST_F(OtherCase, is_equal_if_all_else_is) {
+  const auto report = must({"import", "a.lib", "same.idf", "--tag", "old.idf", "--json"}).json()[0];
+  EXPECT_EQ(report["materials"]["equal"], 1);
+  EXPECT_EQ(count("a.lib", "materials"), 1U);
+  EXPECT_EQ(wall_material(), "Gap");
+}
+
+TEST_F(OtherCase, is_a_conflict_if_it_differs) {
+  const auto run = veldra({"import", "a.lib", "other.idf"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, is_one_sentence());
+  EXPECT_THAT(run.err, HasSubstr("a material 'GAP' already, written 'Gap', which differs"));
+}
+
+TEST_F(OtherCase, is_the_stored_one_for_use) {
+  must({"import", "a.lib", "other.idf", "--on-conflict", "use"});
+  EXPECT_EQ(resistance("Gap"), "0.1");
+  EXPECT_EQ(wall_material(), "Gap");
+}
+
+TEST_F(OtherCase, is_overwritten_under_the_stored_spelling) {
+  must({"import", "a.lib", "other.idf", "--on-conflict", "overwrite"});
+  EXPECT_EQ(count("a.lib", "materials"), 1U);
+  EXPECT_EQ(resistance("Gap"), "0.2");
+  EXPECT_EQ(wall_material(), "Gap");
+}
+
+TEST_F(OtherCase, gets_a_new_name_for_rename) {
+  must({"import", "a.lib", "other.idf", "--on-conflict", "rename"});
+  EXPECT_EQ(resistance("Gap"), "0.1");
+  EXPECT_EQ(resistance("GAP (2)"), "0.2");
+  EXPECT_EQ(wall_material(), "GAP (2)");
+}
+
+TEST_F(OtherCase, counts_for_names_of_libraries) {
+  write("own.json", R"({"format": "veldra", "materials": [{"name": "GAP"}]})");
+  EXPECT_EQ(must({"import", "a.lib", "own.json", "--json"}).json()[0]["materials"]["added"], 1);
+}
+
+TEST_F(Conflict, of_one_object_is_decided_for_it_alone) {
+  write("two.idf", "Material:AirGap, Gap, 0.2; Material:AirGap, Gap2, 0.2;");
+  write("three.idf", "Material:AirGap, Gap, 0.3; Material:AirGap, Gap2, 0.3;");
+  must({"import", "b.lib", "two.idf"});
+  must({"import", "b.lib", "three.idf", "--on-conflict", "use", "--on-conflict",
+        "material:Gap2=overwrite"});
+  EXPECT_EQ(must({"show", "b.lib", "material", "Gap", "--json"})
+                .json()["custom_values"]["Thermal resistance [m2 K/W]"],
+            "0.2");
+  EXPECT_EQ(must({"show", "b.lib", "material", "Gap2", "--json"})
+                .json()["custom_values"]["Thermal resistance [m2 K/W]"],
+            "0.3");
+}
+
+TEST_F(Conflict, names_each_object_and_each_field_that_changes) {
+  const auto object = imported("overwrite")["objects"][0];
+  EXPECT_EQ(object["name"], "Gap");
+  EXPECT_EQ(object["outcome"], "changed");
+  EXPECT_EQ(object["changes"][0].dump(),
+            R"({"field":"custom_values.Thermal resistance [m2 K/W]","new":"0.2","old":"0.1"})");
 }
 
 /// Sources in the program's own format that differ in one value.
@@ -111,12 +182,18 @@ class Difference : public ProgramTest {
   }
 };
 
-TEST_F(Difference, of_tags_counts) {
-  expect_conflict(material(R"(, "tags": ["a"])"), material(R"(, "tags": ["b"])"));
-}
-
-TEST_F(Difference, of_a_tag_that_is_missing_counts) {
-  expect_conflict(composition(R"(, "tags": ["a"])"), composition(""));
+TEST_F(Difference, of_tags_alone_is_none) {
+  write("a.json", material(R"(, "tags": ["a"])"));
+  write("b.json", material(R"(, "tags": ["b"])"));
+  must({"import", "a.lib", "a.json"});
+  const auto report = must({"import", "a.lib", "b.json", "--json"}).json()[0];
+  EXPECT_EQ(report["materials"]["tagged"], 1);
+  EXPECT_EQ(report["objects"][0]["tags"].dump(), R"(["b"])");
+  EXPECT_EQ(must({"show", "a.lib", "material", "Oak", "--json"}).json()["tags"].dump(),
+            R"(["a","b"])");
+  must({"import", "a.lib", "b.json"});
+  write("none.json", material(""));
+  EXPECT_EQ(must({"import", "a.lib", "none.json", "--json"}).json()[0]["materials"]["equal"], 1);
 }
 
 TEST_F(Difference, of_the_index_of_the_variable_layer_counts) {
@@ -133,11 +210,17 @@ TEST_F(Difference, of_the_greatest_thickness_of_the_variable_layer_counts) {
                   composition(R"(, "variable_layer": 0, "variable_layer_max_thickness": 41)"));
 }
 
-TEST_F(Difference, of_tags_that_are_given_counts) {
-  write("a.idf", "Material:AirGap, Gap, 0.1;");
+TEST_F(Difference, of_tags_that_are_given_adds_them) {
+  write("a.idf", "Material:AirGap, Gap, 0.1; Construction, Wall, Gap;");
   must({"import", "a.lib", "a.idf", "--tag", "x"});
+  const auto before = read("a.lib");
   must({"import", "a.lib", "a.idf", "--tag", "x"});
-  EXPECT_EQ(veldra({"import", "a.lib", "a.idf", "--tag", "y"}).status, 1);
+  EXPECT_EQ(read("a.lib"), before);
+  const auto report = must({"import", "a.lib", "a.idf", "--tag", "y", "--json"}).json()[0];
+  EXPECT_EQ(report["materials"]["tagged"], 1);
+  EXPECT_EQ(report["compositions"]["tagged"], 1);
+  EXPECT_EQ(must({"show", "a.lib", "composition", "Wall", "--json"}).json()["tags"].dump(),
+            R"(["x","y"])");
 }
 
 /// Materials with codes, about which the library asks nobody.
@@ -273,8 +356,10 @@ TEST_F(ClashOfCodes, with_the_library_names_file_and_code_though_names_are_chang
 TEST_F(Conflict, that_ends_a_command_names_the_library) {
   must({"import", "b.lib", "new.idf"});
   const std::string sentence =
-      "veldra: 'a.lib': the library has a material 'Gap' already, which differs; --on-conflict "
-      "says what to do\n";
+      "veldra: 'a.lib': the library has a material 'Gap' already, which differs "
+      "(custom_values.Thermal resistance [m2 K/W]: 0.1 there, 0.2 here); --on-conflict says what "
+      "to "
+      "do\n";
   EXPECT_EQ(veldra({"import", "a.lib", "new.idf"}).err, sentence);
   EXPECT_EQ(veldra({"copy", "b.lib", "a.lib", "--all"}).err, sentence);
 }

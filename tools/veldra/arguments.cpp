@@ -111,11 +111,7 @@ void add_yes(CLI::App& command, bool& yes, const std::string& description) {
 }
 
 void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::string& description) {
-  command.add_option("--tag", tags, description)
-      ->check(some_value())
-      ->type_size(1)
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  command.add_option("--tag", tags, description)->check(some_value())->allow_extra_args(false);
 }
 
 void add_output(CLI::App& command, std::string& output, bool& force) {
@@ -164,20 +160,6 @@ void add_unit(CLI::App& command, veldra::Unit& unit) {
   command.add_option("--unit", unit, "The unit of lengths in a new library: mm (default) or in")
       ->transform(named_value(units, "mm, in"))
       ->type_name("UNIT");
-}
-
-void add_on_conflict(CLI::App& command, OnConflict& policy) {
-  const std::map<std::string, OnConflict> policies{{"fail", OnConflict::Fail},
-                                                   {"use", OnConflict::Use},
-                                                   {"overwrite", OnConflict::Overwrite},
-                                                   {"rename", OnConflict::Rename}};
-  command
-      .add_option("--on-conflict", policy,
-                  "What to do about a material or composition whose name is taken by one that "
-                  "differs: fail (default), use the one that is there, overwrite it, or rename "
-                  "the new one")
-      ->transform(named_value(policies, "fail, use, overwrite, rename"))
-      ->type_name("WHAT");
 }
 
 void add_example(CLI::App& command, const std::string& example, const std::string& findings) {

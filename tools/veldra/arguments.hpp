@@ -2,7 +2,6 @@
 #ifndef VELDRA_TOOL_ARGUMENTS_HPP
 #define VELDRA_TOOL_ARGUMENTS_HPP
 
-#include "conflicts.hpp"
 #include "host.hpp"
 
 #include <veldra/veldra.hpp>
@@ -35,7 +34,6 @@ void add_file(CLI::App& command, std::string& file);
 void add_kind(CLI::App& command, veldra::ObjectType& kind);
 void add_object(CLI::App& command, std::string& object);
 void add_kinds(CLI::App& command, std::vector<veldra::ObjectType>& kinds);
-void add_on_conflict(CLI::App& command, OnConflict& policy);
 void add_yes(CLI::App& command, bool& yes, const std::string& description);
 void add_tags(CLI::App& command, std::vector<std::string>& tags, const std::string& description);
 void add_output(CLI::App& command, std::string& output, bool& force);

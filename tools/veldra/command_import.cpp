@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "arguments.hpp"
 #include "failure.hpp"
-#include "files/new_library.hpp"
+#include "files/destination.hpp"
+#include "files/reading.hpp"
 #include "host.hpp"
-#include "import/sources.hpp"
-#include "import/staging.hpp"
+#include "import/report.hpp"
 #include "json.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
+#include "planned_change.hpp"
 #include "progress.hpp"
 
 #include <fmt/format.h>
@@ -22,23 +23,22 @@ namespace {
 struct Arguments {
   std::string file;
   std::vector<std::string> sources;
-  OnConflict on_conflict = OnConflict::Fail;
+  std::vector<std::string> on_conflict;
   std::vector<std::string> tags;
   veldra::Unit unit = veldra::Unit::Millimetres;
   bool unit_given = false;
-  bool dry_run = false;
   bool strict = false;
-  bool json = false;
+  PlanArguments plan;
 };
 
-std::vector<Source> read_sources(const Arguments& arguments) {
-  std::vector<Source> sources;
-  for (const auto& file : arguments.sources) sources.emplace_back(file);
+std::vector<kit::Source> read_sources(const Arguments& arguments) {
+  std::vector<kit::Source> sources;
+  for (const auto& file : arguments.sources) sources.emplace_back(file, content_of(file));
   return sources;
 }
 
 /// The unit of a library that is made by the import: that of the first source that has one.
-veldra::Unit unit_for(const std::vector<Source>& sources, const Arguments& arguments) {
+veldra::Unit unit_for(const std::vector<kit::Source>& sources, const Arguments& arguments) {
   if (arguments.unit_given) return arguments.unit;
   for (const auto& source : sources) {
     if (const auto unit = source.unit()) return *unit;
@@ -63,18 +63,18 @@ void remove_other_types(veldra::Library& library, const std::set<veldra::String>
 }
 
 /// An empty library takes over what a catalogue says of its own library.
-void adopt_settings(veldra::Library& library, const ImportSet& set) {
-  if (library.locale().empty() && set.locale()) library.locale(set.locale());
-  if (library.region().empty() && set.region()) library.region(set.region());
-  if (set.types()) remove_other_types(library, *set.types());
+void adopt_settings(veldra::Library& library, const kit::Sources& sources) {
+  if (library.locale().empty() && sources.locale) library.locale(sources.locale);
+  if (library.region().empty() && sources.region) library.region(sources.region);
+  if (sources.types) remove_other_types(library, *sources.types);
 }
 
 /// All that did not go as one might expect, a line each.
-std::vector<std::string> findings_in(const ImportReport& report) {
+std::vector<std::string> findings_in(const kit::Sources& sources) {
   std::vector<std::string> findings;
-  for (const auto& source : report) {
-    findings.insert(findings.end(), source.problems.begin(), source.problems.end());
-    for (const auto& [what, count] : source.dropped) {
+  for (const auto& source : sources.reports) {
+    for (const auto& problem : source.problems) findings.push_back(printable(problem.text()));
+    for (const auto& [what, count] : dropped_in(source)) {
       findings.push_back(fmt::format("{}: {} {} have no place in a library and are left out",
                                      in_quotes(source.file), count, what));
     }
@@ -82,92 +82,64 @@ std::vector<std::string> findings_in(const ImportReport& report) {
   return findings;
 }
 
-void print(const ImportReport& report, const Arguments& arguments, Spool& output) {
-  if (arguments.json) return print_json(output, to_json(report));
-  output.write(text_of(report));
-  if (arguments.dry_run) output.print("Nothing was written, because this was a dry run.\n");
-}
-
 /// One import of all sources. It may be tried with one library after another.
 class Import {
  public:
   Import(const Arguments& arguments, Host& host)
-      : arguments_(arguments), host_(host), sources_(read_sources(arguments)) {}
+      : arguments_(arguments), host_(host), files_(read_sources(arguments)) {}
 
-  /// Goes into the library that is there, be it that somebody makes it meanwhile, or into one that
-  /// is made for it.
   void run() {
-    while (!file_exists(arguments_.file)) {
-      require_place_for_library(arguments_.file);
-      if (arguments_.dry_run || !any_objects()) return pretend_with_new();
-      if (into_new()) return;
-    }
-    into_existing();
+    tell_as_it_was(arguments_.file);
+    Destination destination(arguments_.file, arguments_.plan.dry_run, host_);
+    destination.prepare_by([this](veldra::Unit unit) { read_all(unit); });
+    destination.take(unit_for(files_, arguments_), any_objects(),
+                     [this](const auto& library) { return into(*library); });
   }
 
  private:
   bool any_objects() const {
-    return std::any_of(sources_.begin(), sources_.end(),
-                       [](const Source& source) { return source.has_objects(); });
+    return std::any_of(files_.begin(), files_.end(),
+                       [](const kit::Source& source) { return source.has_objects(); });
   }
 
-  void into_existing() {
-    tell_as_it_was(arguments_.file);
-    const auto library = arguments_.dry_run ? open_library(arguments_.file, Access::Write)
-                                            : open_to_change(host_, arguments_.file);
-    into(library);
-    host_.done = !arguments_.dry_run;
+  bool into(veldra::Library& library) {
+    const bool was_empty = is_empty(library);
+    PlannedChange change(arguments_.plan, host_, "importing");
+    change.report_by([this](const auto& plan, const auto& mapping) { report(plan, mapping); });
+    const bool changed = change.carry_out(watched(sources_.library), library, rules());
+    if (was_empty) adopt_settings(library, sources_);
+    return changed || was_empty;
   }
 
-  bool into_new() {
-    NewLibrary made(arguments_.file, unit_for(sources_, arguments_), "");
-    into(made.library());
-    if (made.put_into_place(host_)) return true;
-    host_.output.clear();
-    return false;
+  kit::PlanRules rules() const {
+    auto rules = rules_of(arguments_.on_conflict, *sources_.library);
+    rules.ignores_case = [this](const veldra::ObjectKey& key) {
+      const auto origin = sources_.origins.find(key);
+      return origin != sources_.origins.end() && origin->second.ignores_case;
+    };
+    return rules;
   }
 
-  void pretend_with_new() {
-    into(watched(veldra::Library::create(":memory:", unit_for(sources_, arguments_), "")));
+  void report(const kit::Plan& plan, const veldra::IdMapping& mapping) {
+    const ImportReport report(sources_, plan);
+    if (arguments_.plan.json) return print_json(host_.output, report.json(mapping));
+    host_.output.write(report.text(arguments_.plan.verbose));
+    if (arguments_.plan.dry_run) tell_dry_run(host_);
   }
 
-  void into(const std::shared_ptr<veldra::Library>& library) {
-    ImportReport report(sources_.size());
-    const ImportSet set = read_set(library->unit(), report);
-    const auto staging = staged(set, library->unit(), progress_);
-    veldra::Library::Transaction transaction(*library);
-    forbid_sudden_end();  // from here on the file may be written
-    host_.backup.make();
-    const bool was_empty = is_empty(*library);
-    transfer_set(set, staging, library, arguments_.on_conflict, report, progress_);
-    if (was_empty) adopt_settings(*library, set);
-    print(report, arguments_, host_.output);
-    stop_if_asked();
-    if (arguments_.dry_run) return;
-    host_.backup.put_into_place();
-    transaction.commit();
+  void read_all(veldra::Unit unit) {
+    Progress progress("reading");
+    kit::SourceRules rules;
+    rules.unit = unit;
+    rules.on_clash = general_rule(arguments_.on_conflict);
+    rules.tags = arguments_.tags;
+    rules.on_object = [&progress] { progress.step(); };
+    sources_ = kit::read_together(files_, rules);
+    tell_findings(sources_);
   }
 
-  ImportSet read_set(veldra::Unit unit, ImportReport& report) {
-    ImportSet set(unit, arguments_.on_conflict, arguments_.tags);
-    for (std::size_t i = 0; i < sources_.size(); ++i) {
-      report[i].file = sources_[i].file();
-      report[i].format = sources_[i].format();
-      sources_[i].add_to(set, unit, report[i]);
-      if (!sources_[i].has_objects()) report[i].problems.push_back(why_nothing(sources_[i]));
-    }
-    set.resolve();
-    tell_findings(report);
-    return set;
-  }
-
-  static std::string why_nothing(const Source& source) {
-    return fmt::format("{}: this {} source has no materials and no constructions",
-                       in_quotes(source.file()), source.format());
-  }
-
-  void tell_findings(const ImportReport& report) {
-    const auto findings = findings_in(report);
+  void tell_findings(const kit::Sources& sources) {
+    const auto findings = findings_in(sources);
     host_.notes.clear();
     for (const auto& finding : findings) host_.notes += fmt::format("veldra: {}\n", finding);
     host_.status = findings.empty() ? Status::Done : Status::Findings;
@@ -180,8 +152,8 @@ class Import {
 
   const Arguments& arguments_;
   Host& host_;
-  std::vector<Source> sources_;
-  Progress progress_{"importing"};
+  std::vector<kit::Source> files_;
+  kit::Sources sources_;
 };
 
 }  // namespace
@@ -197,11 +169,10 @@ void add_import(Host& host) {
            "A tag for every material and composition that is imported; may be given several "
            "times. Without it, those of IDF and epJSON are tagged with the name of their file");
   add_unit(command, arguments->unit);
-  command.add_flag("--dry-run", arguments->dry_run, "Tell what would happen, and write nothing");
+  add_plan_arguments(command, arguments->plan);
   command.add_flag("--strict", arguments->strict,
                    "Import nothing when there is any problem, or anything would be left out");
   add_backup(command, host);
-  add_json(command, arguments->json);
   add_example(command, "veldra import office.lib walls.idf glass.epJSON --on-conflict use",
               "anything of the sources has not come in: an object with a problem, a field or asset "
               "that no library has a place for, or all of a source that has no objects; or when "

@@ -5,7 +5,6 @@
 #include "json.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
-#include "material_fields.hpp"
 #include "opening.hpp"
 #include "process/standard_streams.hpp"
 #include "summary.hpp"
@@ -108,7 +107,7 @@ std::string source_text(kit::QuantitySource source) {
 /// Calls `visit(field, number, source)` for each quantity that the material has.
 template <class Visit>
 void for_each_quantity(const veldra::Material& material, Visit visit) {
-  for (const auto& field : built_in_fields<veldra::Material>()) {
+  for (const auto& field : kit::built_in_fields<veldra::Material>()) {
     const auto source = kit::quantity_source(field, material);
     if (source == kit::QuantitySource::None) continue;
     visit(field, field.get(material).as<double>(), source);
@@ -130,7 +129,7 @@ void print_details(Spool& output, const veldra::Material& material, veldra::Unit
   if (material.has_code()) {
     line(output, "code", material.code() ? material.code().utf8() : "(empty)");
   }
-  for (const auto* field : plain_material_fields(kit::Value::Kind::Text)) {
+  for (const auto* field : kit::plain_material_fields(kit::Value::Kind::Text)) {
     line(output, field->key, kit::value_text(field->get(material)));
   }
   line(output, "tags", tags_text(material));
@@ -141,10 +140,10 @@ void print_details(Spool& output, const veldra::Material& material, veldra::Unit
   line(output, "function", function_text(material.function()));
   line(output, "shading",
        material.shading_use_appearance() ? "from the appearance" : "from its colour");
-  for (const auto* field : plain_material_fields(kit::Value::Kind::Color)) {
+  for (const auto* field : kit::plain_material_fields(kit::Value::Kind::Color)) {
     line(output, field->key, color_text(field->get(material).as<veldra::Color>()));
   }
-  for (const auto* field : plain_material_fields(kit::Value::Kind::Pattern)) {
+  for (const auto* field : kit::plain_material_fields(kit::Value::Kind::Pattern)) {
     line(output, field->key, pattern_text(field->get(material).as<veldra::Pattern>()));
   }
   const auto& alignment = material.surface_pattern_alignment();
@@ -252,7 +251,7 @@ void print_details(Spool& output, const veldra::Composition& composition, veldra
 }
 
 void print_details(Spool& output, const veldra::CustomProperty& property, veldra::Unit) {
-  const auto& owner = built_in_fields<veldra::CustomProperty>().at("object_type");
+  const auto& owner = kit::built_in_fields<veldra::CustomProperty>().at("object_type");
   line(output, "for", kit::value_text(owner.get(property)));
 }
 

@@ -3,7 +3,6 @@
 
 #include "kinds.hpp"
 #include "lookup.hpp"
-#include "material_fields.hpp"
 #include "text.hpp"
 
 #include <fmt/format.h>
@@ -118,7 +117,7 @@ class PropertyHeadings {
 
   /// No word for a kind has a colon, so that no two of these are the same.
   static std::string qualified(const veldra::CustomProperty& property) {
-    static const auto& owner = built_in_fields<veldra::CustomProperty>().at("object_type");
+    static const auto& owner = kit::built_in_fields<veldra::CustomProperty>().at("object_type");
     const bool for_all = property.object_type() == veldra::ObjectType{};
     const std::string word = for_all ? "all" : kit::value_text(owner.get(property));
     return fmt::format("property:{}:{}", word, property.name().utf8());
@@ -161,7 +160,7 @@ Row common_cells(const Owner& owner, const char* kind, const PropertyHeadings& h
 }
 
 const std::vector<const kit::Field<veldra::Material>*>& text_fields() {
-  static const auto fields = plain_material_fields(kit::Value::Kind::Text);
+  static const auto fields = kit::plain_material_fields(kit::Value::Kind::Text);
   return fields;
 }
 

@@ -164,6 +164,8 @@ void rethrow_for(const std::string& file) {
     throw;
   } catch (const LibraryFailure& failure) {
     throw failure_of(file, failure.what());
+  } catch (const kit::SourceError& error) {
+    throw Failure(printable(error.what()));
   } catch (const kit::Error& error) {
     throw failure_of(file, printable(error.what()));
   } catch (const std::bad_alloc&) {

@@ -4,7 +4,6 @@
 #include "failure.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
-#include "numbers.hpp"
 #include "progress.hpp"
 
 #include <fmt/format.h>
@@ -173,7 +172,7 @@ class Examination {
   void examine(const veldra::Material& material) {
     examine_name(material);
     examine_values(material, veldra::ObjectType::Material);
-    add_all(material, doubtful_numbers(material));
+    add_all(material, kit::doubtful_numbers(material));
     if (!material.type()) add(material, "it has no type");
   }
 
@@ -182,7 +181,7 @@ class Examination {
     examine_values(composition, veldra::ObjectType::Composition);
     examine_layers(composition);
     examine_core(composition);
-    add_all(composition, doubtful_numbers(composition));
+    add_all(composition, kit::doubtful_numbers(composition));
   }
 
   void examine_layers(const veldra::Composition& composition) {
@@ -228,7 +227,7 @@ class Examination {
 
   template <class T>
   void add_all(const T& object, const std::vector<std::string>& sentences) {
-    for (const auto& sentence : sentences) add(object, sentence);
+    for (const auto& sentence : sentences) add(object, printable(sentence));
   }
   template <class T>
   void add(const T& object, const std::string& sentence) {

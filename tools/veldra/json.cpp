@@ -2,7 +2,6 @@
 #include "json.hpp"
 
 #include "kinds.hpp"
-#include "material_fields.hpp"
 #include "text.hpp"
 
 #include <fmt/format.h>
@@ -59,7 +58,7 @@ void add_custom_values(Json& json, const Owner& object) {
 /// the object, whichever properties a library has.
 template <class T>
 Json stored_fields_to_json(const T& object) {
-  const auto& fields = built_in_fields<T>();
+  const auto& fields = kit::built_in_fields<T>();
   Json json = Json::object();
   for (auto field = fields.begin(); field != fields.end(); ++field) {
     if constexpr (std::is_base_of_v<veldra::CustomValued<T>, T>) {
@@ -135,8 +134,8 @@ Json key_to_json(const veldra::ObjectKey& key, const std::string& name) {
 }
 
 std::string json_text(const Json& json) {
-  const auto escape = [](wchar_t character) {
-    if (character == L'\n') return std::string("\n");  // between the values
+  const auto escape = [](char32_t character) {
+    if (character == U'\n') return std::string("\n");  // between the values
     return fmt::format("\\u{:04x}", static_cast<unsigned>(character));
   };
   return without_controls(json.dump(2), escape) + "\n";

@@ -2,8 +2,7 @@
 #include "kinds.hpp"
 
 #include "failure.hpp"
-
-#include <fmt/format.h>
+#include "text.hpp"
 
 namespace veldra_tool {
 
@@ -20,11 +19,11 @@ const std::map<std::string, veldra::ObjectType>& kinds_by_name() {
 }
 
 veldra::Composition::Type composition_type(const std::string& name) {
-  for (const auto type : kit::all_composition_types()) {
-    if (name_of(type) == name) return type;
+  try {
+    return kit::composition_type(name);
+  } catch (const kit::Error& error) {
+    throw Failure(printable(error.what()));
   }
-  throw Failure(fmt::format(
-      "there is no type of composition {}; there are wall, floor, roof, other", in_quotes(name)));
 }
 
 }  // namespace veldra_tool

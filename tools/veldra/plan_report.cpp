@@ -19,13 +19,6 @@ using kit::Clash;
 using kit::Decision;
 using kit::PlanEntry;
 
-/// So many objects a person reads one by one.
-constexpr std::size_t many = 20;
-
-constexpr Decision all_decisions[] = {Decision::Add,      Decision::Equal,  Decision::Tag,
-                                      Decision::Keep,     Decision::Change, Decision::Rename,
-                                      Decision::Undecided};
-
 std::string text_of(const kit::Value& value) {
   return value.is_empty() ? "nothing" : printable(kit::value_text(value));
 }
@@ -80,7 +73,7 @@ std::string counted_text(const PlanEntries& entries) {
   std::string text;
   for (const auto kind : all_kinds()) {
     std::string line;
-    for (const auto decision : all_decisions) {
+    for (const auto decision : all_decisions()) {
       const auto count = counts[kind][decision];
       if (count == 0) continue;
       line += fmt::format("{}{} {}", line.empty() ? "" : ", ", count, name_of(decision));
@@ -184,13 +177,20 @@ std::string sentence_of(const PlanEntry& entry, const Clash& clash) {
       return fmt::format("the library has a {} already, written {}, which differs ({})", object,
                          in_quotes(clash.name), differences_text(entry));
     case Clash::With::Code:
-      return fmt::format("{} has the code that {} of the library has already", object,
-                         in_quotes(clash.name));
+      return fmt::format("{} has the code {}, which {} of the library has already", object,
+                         in_quotes(clash.code), in_quotes(clash.name));
   }
   return {};
 }
 
 }  // namespace
+
+const std::vector<kit::Decision>& all_decisions() {
+  static const std::vector<Decision> decisions{
+      Decision::Add,    Decision::Equal,  Decision::Tag,      Decision::Keep,
+      Decision::Change, Decision::Rename, Decision::Undecided};
+  return decisions;
+}
 
 PlanEntries entries_of(const kit::Plan& plan) {
   PlanEntries entries;
@@ -201,7 +201,7 @@ PlanEntries entries_of(const kit::Plan& plan) {
 std::string text_of(const PlanEntries& entries, bool verbose) {
   const auto shown = verbose ? entries : noteworthy(entries);
   if (shown.empty()) return "There was nothing to do.\n";
-  return verbose || shown.size() <= many ? full_text(in_order(shown)) : counted_text(shown);
+  return verbose || shown.size() <= few_objects ? full_text(in_order(shown)) : counted_text(shown);
 }
 
 Json json_of(const PlanEntries& entries, const veldra::IdMapping& mapping,
@@ -215,13 +215,15 @@ Json json_of(const PlanEntries& entries, const veldra::IdMapping& mapping,
   return list;
 }
 
-std::vector<std::string> clashes_of(const kit::Plan& plan) {
-  std::vector<std::string> sentences;
+std::vector<Undecided> clashes_of(const kit::Plan& plan) {
+  std::vector<Undecided> clashes;
   for (const auto& entry : plan.entries()) {
     if (entry.decision != Decision::Undecided) continue;
-    for (const auto& clash : entry.clashes) sentences.push_back(sentence_of(entry, clash));
+    for (const auto& clash : entry.clashes) {
+      clashes.push_back({sentence_of(entry, clash), clash.with != Clash::With::Code});
+    }
   }
-  return sentences;
+  return clashes;
 }
 
 }  // namespace veldra_tool

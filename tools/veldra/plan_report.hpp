@@ -12,6 +12,12 @@
 
 namespace veldra_tool {
 
+/// So many objects a person reads one by one.
+constexpr std::size_t few_objects = 20;
+
+/// In the order in which they are counted.
+const std::vector<kit::Decision>& all_decisions();
+
 using PlanEntries = std::vector<const kit::PlanEntry*>;
 
 /// All entries of a plan, or those that `wanted` holds for.
@@ -25,8 +31,13 @@ std::string text_of(const PlanEntries& entries, bool verbose);
 Json json_of(const PlanEntries& entries, const veldra::IdMapping& mapping,
              const veldra::Library& source);
 
-/// What nobody has decided, a sentence for each object.
-std::vector<std::string> clashes_of(const kit::Plan& plan);
+/// What nobody has decided.
+struct Undecided {
+  std::string sentence;
+  bool is_of_names;  ///< so that it can be decided
+};
+
+std::vector<Undecided> clashes_of(const kit::Plan& plan);
 
 }  // namespace veldra_tool
 

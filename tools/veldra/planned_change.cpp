@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <map>
 
 namespace veldra_tool {
@@ -99,9 +100,7 @@ void add_on_conflict(CLI::App& command, std::vector<std::string>& policies) {
                   "the new one. KIND=WHAT says it for materials or compositions, and "
                   "KIND:OBJECT=WHAT for one of them; may be given several times")
       ->check(CLI::Validator(check, "", policy_names))
-      ->type_size(1)
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->allow_extra_args(false)
       ->type_name("WHAT");
 }
 
@@ -120,6 +119,10 @@ kit::OnClash general_rule(const std::vector<std::string>& policies) {
   return rule;
 }
 
+void tell_dry_run(Host& host) {
+  host.output.print("Nothing was written, because this was a dry run.\n");
+}
+
 PlannedChange::PlannedChange(const PlanArguments& arguments, Host& host, std::string what)
     : arguments_(arguments), host_(host), what_(std::move(what)) {
   tell_ = [this](const auto& plan, const auto& mapping) { tell_usually(plan, mapping); };
@@ -133,32 +136,33 @@ bool PlannedChange::carry_out(const std::shared_ptr<const veldra::Library>& sour
   const kit::Plan plan(source, library, std::move(rules), step);
   const bool is_decided = plan.is_decided();
   if (!is_decided) refuse_clashes(plan);
-  const bool does = is_decided && !arguments_.dry_run;
-  const auto mapping = does ? plan.apply(library, step) : veldra::IdMapping(&library);
+  // A dry run does it as well, and the caller rolls it back, so that it tells what would be.
+  const auto mapping = is_decided ? plan.apply(library, step) : veldra::IdMapping(&library);
   tell_(plan, mapping);
   if (remark) remark(plan);
-  return does && plan.changes_anything();
+  return is_decided && !arguments_.dry_run && plan.changes_anything();
 }
 
 void PlannedChange::tell_usually(const kit::Plan& plan, const veldra::IdMapping& mapping) {
   const auto entries = entries_of(plan);
   if (arguments_.json) return print_json(host_.output, json_of(entries, mapping, *plan.source()));
   host_.output.write(text_of(entries, arguments_.verbose));
-  if (arguments_.dry_run) host_.output.print("Nothing was written, because this was a dry run.\n");
+  if (arguments_.dry_run) tell_dry_run(host_);
 }
 
-/// A dry run shows them among all else.
+/// A dry run shows them among all else. About a code there is nothing that could be said.
 void PlannedChange::refuse_clashes(const kit::Plan& plan) {
-  const auto sentences = clashes_of(plan);
-  constexpr const char* advice = "--on-conflict says what to do";
-  if (sentences.size() == 1 && !arguments_.dry_run) {
-    throw LibraryFailure(fmt::format("{}; {}", sentences.front(), advice));
+  const auto clashes = clashes_of(plan);
+  const bool by_name = std::any_of(clashes.begin(), clashes.end(),
+                                   [](const auto& clash) { return clash.is_of_names; });
+  const std::string advice = by_name ? "; --on-conflict says what to do" : "";
+  if (clashes.size() == 1 && !arguments_.dry_run) {
+    throw LibraryFailure(clashes.front().sentence + advice);
   }
-  for (const auto& sentence : sentences) host_.notes += fmt::format("veldra: {}\n", sentence);
-  const auto summary = fmt::format(
-      "{} to be decided first; {}",
-      sentences.size() == 1 ? "1 conflict is" : fmt::format("{} conflicts are", sentences.size()),
-      advice);
+  for (const auto& clash : clashes) host_.notes += fmt::format("veldra: {}\n", clash.sentence);
+  const auto count =
+      clashes.size() == 1 ? "1 conflict is" : fmt::format("{} conflicts are", clashes.size());
+  const auto summary = fmt::format("{} to be decided first{}", count, advice);
   if (!arguments_.dry_run) throw LibraryFailure(summary);
   host_.notes += fmt::format("veldra: {}\n", summary);
   host_.status = Status::Failed;

@@ -33,6 +33,9 @@ kit::PlanRules rules_of(const std::vector<std::string>& policies, const veldra::
 /// The rule for objects of which nothing more is said.
 kit::OnClash general_rule(const std::vector<std::string>& policies);
 
+/// Says of a dry run that it was one.
+void tell_dry_run(Host& host);
+
 /// Plans what is to become of the objects of a source in a library, tells it, and does it unless it
 /// is a dry run. The caller holds the transaction of the library, and commits it where this gives
 /// true.

@@ -6,7 +6,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <climits>
 #include <clocale>
 #include <cmath>
 #include <cwchar>
@@ -35,41 +34,13 @@ bool for_each_character(std::string_view text, Visit visit) {
   return true;
 }
 
-constexpr wchar_t first_beyond_ascii = 0x80;
-
-void append_character(std::string& text, wchar_t character) {
-  if (character < first_beyond_ascii) {
-    text += static_cast<char>(character);
-    return;
-  }
-  char bytes[MB_LEN_MAX];
-  std::mbstate_t state{};
-  const std::size_t written = std::wcrtomb(bytes, character, &state);
-  if (written != static_cast<std::size_t>(-1)) text.append(bytes, written);
-}
-
-bool is_control(wchar_t character) {
-  return character < 0x20 || (character >= 0x7f && character < 0xa0) || character == 0x2028 ||
-         character == 0x2029;
-}
-
-/// Characters that turn the direction of the text around them.
-bool is_direction_mark(wchar_t character) {
-  return character == 0x061c || character == 0x200e || character == 0x200f ||
-         (character >= 0x202a && character <= 0x202e) ||
-         (character >= 0x2066 && character <= 0x2069);
-}
-
-/// The two that no XML may have.
-bool is_noncharacter(wchar_t character) { return character == 0xfffe || character == 0xffff; }
-
-std::string escape_of(wchar_t character) {
+std::string escape_of(char32_t character) {
   switch (character) {
-    case L'\n':
+    case U'\n':
       return "\\n";
-    case L'\r':
+    case U'\r':
       return "\\r";
-    case L'\t':
+    case U'\t':
       return "\\t";
   }
   return fmt::format(character < 0x100 ? "\\x{:02x}" : "\\u{:04x}",
@@ -106,18 +77,6 @@ std::string special_text(double number) {
 
 void use_unicode() { std::setlocale(LC_CTYPE, "C.UTF-8"); }
 
-bool is_utf8(std::string_view text) {
-  return for_each_character(text, [](wchar_t, std::string_view) {});
-}
-
-std::string from_latin1(std::string_view text) {
-  std::string result;
-  for (const char byte : text) {
-    append_character(result, static_cast<wchar_t>(static_cast<unsigned char>(byte)));
-  }
-  return result;
-}
-
 std::size_t display_width(std::string_view text) {
   std::size_t width = 0;
   for_each_character(text, [&](wchar_t character, std::string_view) {
@@ -137,22 +96,9 @@ std::string leading_columns(std::string_view text, std::size_t columns) {
   return std::string(text.substr(0, bytes));
 }
 
-std::string without_controls(std::string_view text, std::string (*replacement)(wchar_t)) {
-  std::string result;
-  result.reserve(text.size());
-  for_each_character(text, [&](wchar_t character, std::string_view bytes) {
-    if (is_control(character) || is_direction_mark(character) || is_noncharacter(character)) {
-      result += replacement(character);
-    } else {
-      result += bytes;
-    }
-  });
-  return result;
-}
-
 std::string printable(std::string_view text) {
   return is_utf8(text) ? without_controls(text, escape_of)
-                       : without_controls(from_latin1(text), escape_of);
+                       : without_controls(kit::from_latin1(text), escape_of);
 }
 
 veldra::String library_text(const std::string& text) {

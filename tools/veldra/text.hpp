@@ -12,7 +12,10 @@
 namespace veldra_tool {
 
 using kit::exact_number;
+using kit::in_utf8;
+using kit::is_utf8;
 using kit::trimmed;
+using kit::without_controls;
 
 // Texts are UTF-8 on this side of the library. All of this needs the locale that
 // `use_unicode()` sets.
@@ -20,23 +23,15 @@ using kit::trimmed;
 /// Makes the functions for wide characters of the C library know Unicode.
 void use_unicode();
 
-bool is_utf8(std::string_view text);
-
-/// Each byte taken for the character of that number.
-std::string from_latin1(std::string_view text);
-
 /// The number of columns that a text takes on a terminal.
 std::size_t display_width(std::string_view text);
 
 /// As much of the beginning of a text as takes no more than so many columns.
 std::string leading_columns(std::string_view text, std::size_t columns);
 
-/// The text with what `replacement` gives in the place of each character that can steer a terminal
-/// or turn the text around it, and of the two that are none. The text is UTF-8.
-std::string without_controls(std::string_view text, std::string (*replacement)(wchar_t));
-
-/// The text with such characters written as escapes, so that it can neither break a table nor steer
-/// a terminal. What is not UTF-8 is taken byte for byte.
+/// The text with characters that can steer a terminal or turn the text around them written as
+/// escapes, so that it can neither break a table nor steer a terminal. What is not UTF-8 is taken
+/// byte for byte.
 std::string printable(std::string_view text);
 
 /// The text as one of the library's. Throws `Failure` when it is not UTF-8 or has a zero byte,

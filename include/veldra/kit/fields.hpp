@@ -247,6 +247,22 @@ class VELDRA_KIT_EXPORT Fields {
   Unit unit_;
 };
 
+/// The fields that there are without a library, with lengths in millimetres. They live as long as
+/// the program.
+///
+/// Throws: `std::bad_alloc`.
+template <class T>
+const Fields<T>& built_in_fields() {
+  static const Fields<T> fields;
+  return fields;
+}
+
+/// Of these, the fields of a material that hold a value of a kind, and none but that by default. So
+/// the name, the code and the references are not among the texts.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::vector<const Field<Material>*> plain_material_fields(Value::Kind kind);
+
 /// The value for a field that a text says, as somebody types it. An empty text is nothing.
 ///
 /// - Numbers are decimal with a point, and may have a unit behind them: "100 mm", "4 in".

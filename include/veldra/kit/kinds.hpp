@@ -3,6 +3,7 @@
 #define VELDRA_KIT_KINDS_HPP
 
 #include <veldra/composition.hpp>
+#include <veldra/kit/error.hpp>
 #include <veldra/kit/export.hpp>
 
 #include <stdexcept>
@@ -63,6 +64,11 @@ VELDRA_KIT_EXPORT const std::vector<Composition::Type>& all_composition_types();
 
 /// "wall", "floor", "roof", or "other" for all else.
 VELDRA_KIT_EXPORT std::string name_of(Composition::Type type);
+
+/// The type of that name.
+///
+/// Throws `Error`: there is none.
+VELDRA_KIT_EXPORT Composition::Type composition_type(const std::string& name);
 
 /// "mm" or "in".
 VELDRA_KIT_EXPORT std::string name_of(Unit unit);

@@ -6,9 +6,12 @@
 /// Everything that the kit offers to programs around a library, as C++17 or later.
 
 #include <veldra/kit/clash.hpp>
+#include <veldra/kit/compare.hpp>
 #include <veldra/kit/error.hpp>
+#include <veldra/kit/exchange.hpp>
 #include <veldra/kit/fields.hpp>
 #include <veldra/kit/kinds.hpp>
+#include <veldra/kit/numbers.hpp>
 #include <veldra/kit/physics.hpp>
 #include <veldra/kit/plan.hpp>
 #include <veldra/kit/progress.hpp>

@@ -52,6 +52,7 @@ struct Clash {
   With with;         ///< what both have
   unsigned id;       ///< the stored object
   std::string name;  ///< its name
+  std::string code;  ///< the code that both have; else empty
 };
 
 /// What is to become of one object.

@@ -35,6 +35,27 @@ VELDRA_KIT_EXPORT std::string lower_case(std::string_view text);
 /// Throws: `std::bad_alloc`.
 VELDRA_KIT_EXPORT std::string trimmed(std::string_view text);
 
+/// Whether a text is UTF-8, with no character that does not exist.
+VELDRA_KIT_EXPORT bool is_utf8(std::string_view text);
+
+/// The text with each byte taken for the character of that number, as Latin-1 has them.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::string from_latin1(std::string_view text);
+
+/// The text as it is if it is UTF-8, and else as if it were Latin-1.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::string in_utf8(const std::string& text);
+
+/// The text with what `replacement` gives in the place of each character that can steer a terminal
+/// or turn the direction of the text around it, and of the two that no XML may have. Of a text that
+/// is not UTF-8 it is the part before the first malformed character.
+///
+/// Throws: `std::bad_alloc`, and the exceptions of `replacement`.
+VELDRA_KIT_EXPORT std::string without_controls(std::string_view text,
+                                               std::string (*replacement)(char32_t));
+
 /// The shortest text that reads back to the same number.
 ///
 /// Throws: `std::bad_alloc`.

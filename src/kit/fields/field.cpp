@@ -5,7 +5,6 @@
 #include <veldra/kit/text.hpp>
 
 #include <fmt/format.h>
-#include <utf8proc.h>
 
 #include <algorithm>
 
@@ -16,19 +15,6 @@ namespace {
 std::string sentence_of(const std::string& field, const std::string& value,
                         const std::string& allowed) {
   return fmt::format("'{}' is no value for '{}': {}", value, field, allowed);
-}
-
-bool is_utf8(const std::string& text) {
-  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-  auto left = static_cast<utf8proc_ssize_t>(text.size());
-  while (left > 0) {
-    utf8proc_int32_t character = 0;
-    const auto read = utf8proc_iterate(bytes, left, &character);
-    if (read < 0) return false;
-    bytes += read;
-    left -= read;
-  }
-  return true;
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include <veldra/kit/kinds.hpp>
 
+#include "kit/text/quoted.hpp"
+
 #include <fmt/format.h>
 
 namespace veldra::kit {
@@ -61,6 +63,14 @@ std::string name_of(Composition::Type type) {
     default:
       return "other";
   }
+}
+
+Composition::Type composition_type(const std::string& name) {
+  for (const auto type : all_composition_types()) {
+    if (name_of(type) == name) return type;
+  }
+  throw Error(fmt::format("there is no type of composition {}; there are wall, floor, roof, other",
+                          quoted(name)));
 }
 
 std::string name_of(Unit unit) { return unit == Unit::Inches ? "in" : "mm"; }

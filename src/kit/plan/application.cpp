@@ -113,21 +113,6 @@ void change_bound(Material&, const PlanEntry&, const Fields<Material>&) {}
 Application::Application(const Plan& plan, Library& destination, const Progress& progress)
     : plan_(plan), destination_(destination), progress_(progress), mapping_(&destination) {}
 
-IdMapping Application::run() {
-  assign_existing();
-  if (!plan_.changes_anything()) return std::move(mapping_);
-  Names names(plan_, progress_);
-  const ReactorGuard guard(destination_, names);
-  add_named();
-  change<Material>();
-  add<Material>();
-  change<Composition>();
-  add<Composition>();
-  tag<Material>();
-  tag<Composition>();
-  return std::move(mapping_);
-}
-
 void Application::step() const {
   if (progress_) progress_();
 }
@@ -228,6 +213,17 @@ void Application::give_up_names(const Entries& entries) {
 }
 
 template <class T>
+void Application::copy(const std::set<unsigned>& ids) {
+  destination_.copy<T>(plan_.source(), ids, mapping_);
+}
+
+/// They are all that is left by now, and come in the order of their ids this way.
+template <>
+void Application::copy<Composition>(const std::set<unsigned>&) {
+  destination_.copyAll(plan_.source(), mapping_);
+}
+
+template <class T>
 void Application::add() {
   std::set<unsigned> ids;
   for (const auto& entry : plan_.entries()) {
@@ -235,7 +231,7 @@ void Application::add() {
     if (is_kind && comes_in(entry)) ids.insert(ids.end(), entry.source.id);
   }
   if (ids.empty()) return;
-  destination_.copy<T>(plan_.source(), ids, mapping_);
+  copy<T>(ids);
   give_new_names<T>(ids);
 }
 
@@ -268,6 +264,21 @@ std::shared_ptr<Tag> Application::tag_named(const std::string& name) {
   auto& tag = tags_[name];
   if (!tag) tag = destination_.get<Tag>(library_text(name));
   return tag;
+}
+
+IdMapping Application::run() {
+  assign_existing();
+  if (!plan_.changes_anything()) return std::move(mapping_);
+  Names names(plan_, progress_);
+  const ReactorGuard guard(destination_, names);
+  add_named();
+  change<Material>();
+  add<Material>();
+  change<Composition>();
+  add<Composition>();
+  tag<Material>();
+  tag<Composition>();
+  return std::move(mapping_);
 }
 
 }  // namespace veldra::kit

@@ -36,6 +36,8 @@ class Application {
   template <class T>
   void add();
   template <class T>
+  void copy(const std::set<unsigned>& ids);
+  template <class T>
   void give_new_names(const std::set<unsigned>& ids);
   template <class T>
   void tag();

@@ -161,7 +161,7 @@ PlanEntry KindPlanning<T>::entry_of(const T& incoming) const {
   entry.result = entry.name;
   bool other_case = false;
   entry.stored = stored_for(incoming, other_case);
-  if (other_case) entry.clashes.push_back({Clash::With::OtherCase, entry.stored, {}});
+  if (other_case) entry.clashes.push_back({Clash::With::OtherCase, entry.stored, {}, {}});
   return entry;
 }
 
@@ -189,7 +189,7 @@ void KindPlanning<T>::compare(PlanEntry& entry, const T& incoming, const T& stor
   entry.changes = comparing_.differences(incoming, stored, materials_);
   entry.result = stored.name().utf8();
   if (!entry.changes.empty()) {
-    if (entry.clashes.empty()) entry.clashes.push_back({Clash::With::Name, entry.stored, {}});
+    if (entry.clashes.empty()) entry.clashes.push_back({Clash::With::Name, entry.stored, {}, {}});
     entry.clashes.back().name = entry.result;
     return;
   }
@@ -278,25 +278,31 @@ void KindPlanning<T>::settle_taken(std::vector<PlanEntry>& entries, std::size_t 
     if (change_of(entries[i], "code")) give_code_up.insert(entries[i].stored);
     if (change_of(entries[i], "name")) give_name_up.insert(entries[i].stored);
   }
-  const auto require_free = [&](PlanEntry& entry, unsigned holder, Clash::With with,
-                                const std::set<unsigned>& give_up) {
-    const bool same = entry.decision == Decision::Change && holder == entry.stored;
-    if (holder == 0 || same || give_up.count(holder) != 0) return;
-    const auto other = destination_.get<T>(holder);
-    entry.clashes.push_back({with, holder, other ? other->name().utf8() : std::string()});
-    entry.decision = Decision::Undecided;
-  };
   for (std::size_t i = begin; i < entries.size(); ++i) {
     auto& entry = entries[i];
     if (!is_written(entry)) continue;
     const auto code = codes_.find(entry.source);
     if (code != codes_.end()) {
-      require_free(entry, stored_.with_code(code->second), Clash::With::Code, give_code_up);
+      require_free(entry, stored_.with_code(code->second), give_code_up, code->second);
     }
     if (change_of(entry, "name")) {
-      require_free(entry, stored_.with_name(entry.result), Clash::With::Name, give_name_up);
+      require_free(entry, stored_.with_name(entry.result), give_name_up, {});
     }
   }
+}
+
+/// What was decided about the name does not help then. Without a code it is the name that is taken.
+template <class T>
+void KindPlanning<T>::require_free(PlanEntry& entry, unsigned holder,
+                                   const std::set<unsigned>& give_up,
+                                   const std::string& code) const {
+  const bool own = entry.decision == Decision::Change && holder == entry.stored;
+  if (holder == 0 || own || give_up.count(holder) != 0) return;
+  if (entry.decision != Decision::Undecided) entry.clashes.clear();
+  const auto other = destination_.get<T>(holder);
+  const auto with = code.empty() ? Clash::With::Name : Clash::With::Code;
+  entry.clashes.push_back({with, holder, other ? other->name().utf8() : std::string(), code});
+  entry.decision = Decision::Undecided;
 }
 
 template class KindPlanning<Material>;

@@ -43,6 +43,8 @@ class KindPlanning {
   OnClash policy_for(const ObjectKey& key) const;
 
   void settle_taken(std::vector<PlanEntry>& entries, std::size_t begin) const;
+  void require_free(PlanEntry& entry, unsigned holder, const std::set<unsigned>& give_up,
+                    const std::string& code) const;
 
   const Library& source_;
   const Library& destination_;

@@ -30,6 +30,40 @@ bool is_ascii(std::string_view text) {
   return true;
 }
 
+/// Calls `visit(character, bytes)` for each character; returns false at the first that is
+/// malformed.
+template <class Visit>
+bool for_each_character(std::string_view text, Visit visit) {
+  while (!text.empty()) {
+    utf8proc_int32_t character = static_cast<unsigned char>(text[0]);
+    utf8proc_ssize_t size = 1;
+    if (character >= 0x80) {  // most are below, and this is faster
+      size = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                              static_cast<utf8proc_ssize_t>(text.size()), &character);
+      if (size < 0) return false;
+    }
+    const auto bytes = static_cast<std::size_t>(size);
+    visit(static_cast<char32_t>(character), text.substr(0, bytes));
+    text.remove_prefix(bytes);
+  }
+  return true;
+}
+
+bool is_control(char32_t character) {
+  return character < 0x20 || (character >= 0x7f && character < 0xa0) || character == 0x2028 ||
+         character == 0x2029;
+}
+
+/// Characters that turn the direction of the text around them.
+bool is_direction_mark(char32_t character) {
+  return character == 0x061c || character == 0x200e || character == 0x200f ||
+         (character >= 0x202a && character <= 0x202e) ||
+         (character >= 0x2066 && character <= 0x2069);
+}
+
+/// The two that no XML may have.
+bool is_noncharacter(char32_t character) { return character == 0xfffe || character == 0xffff; }
+
 std::string ascii_lower_case(std::string_view text) {
   std::string result(text);
   for (char& letter : result) {
@@ -74,14 +108,10 @@ std::string folded(std::string_view text) {
 std::string lower_case(std::string_view text) {
   if (is_ascii(text)) return ascii_lower_case(text);
   std::string result;
-  while (!text.empty()) {
-    utf8proc_int32_t character = 0;
-    const auto read = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-                                       static_cast<utf8proc_ssize_t>(text.size()), &character);
-    if (read < 0) break;
-    append_character(result, static_cast<char32_t>(utf8proc_tolower(character)));
-    text.remove_prefix(static_cast<std::size_t>(read));
-  }
+  for_each_character(text, [&](char32_t character, std::string_view) {
+    const auto lower = utf8proc_tolower(static_cast<utf8proc_int32_t>(character));
+    append_character(result, static_cast<char32_t>(lower));
+  });
   return result;
 }
 
@@ -90,6 +120,31 @@ std::string trimmed(std::string_view text) {
   const auto first = text.find_first_not_of(blanks);
   if (first == std::string_view::npos) return {};
   return std::string(text.substr(first, text.find_last_not_of(blanks) - first + 1));
+}
+
+bool is_utf8(std::string_view text) {
+  return for_each_character(text, [](char32_t, std::string_view) {});
+}
+
+std::string from_latin1(std::string_view text) {
+  std::string result;
+  for (const char byte : text) append_character(result, static_cast<unsigned char>(byte));
+  return result;
+}
+
+std::string in_utf8(const std::string& text) { return is_utf8(text) ? text : from_latin1(text); }
+
+std::string without_controls(std::string_view text, std::string (*replacement)(char32_t)) {
+  std::string result;
+  result.reserve(text.size());
+  for_each_character(text, [&](char32_t character, std::string_view bytes) {
+    if (is_control(character) || is_direction_mark(character) || is_noncharacter(character)) {
+      result += replacement(character);
+    } else {
+      result += bytes;
+    }
+  });
+  return result;
 }
 
 std::string exact_number(double number) { return fmt::format("{}", number); }

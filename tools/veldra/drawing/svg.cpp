@@ -25,8 +25,8 @@ const char* name_of(Anchor anchor) {
 }  // namespace
 
 std::string xml_text(const std::string& text) {
-  const auto replacement = [](wchar_t character) -> std::string {
-    const bool blank = character == L'\t' || character == L'\n' || character == L'\r';
+  const auto replacement = [](char32_t character) -> std::string {
+    const bool blank = character == U'\t' || character == U'\n' || character == U'\r';
     return blank ? " " : "\xEF\xBF\xBD";
   };
   std::string result;

@@ -34,6 +34,7 @@ bool Destination::into_new(veldra::Unit unit, const Work& work) {
 
 /// What is kept has its backup in place before.
 void Destination::within(const std::shared_ptr<veldra::Library>& library, const Work& work) {
+  if (prepare_) prepare_(library->unit());
   veldra::Library::Transaction transaction(*library);
   forbid_sudden_end();  // from here on the file may be written
   host_.backup.make();

@@ -18,6 +18,9 @@ class Destination {
   /// Works within a transaction of the library, and gives whether it is to be kept.
   using Work = std::function<bool(const std::shared_ptr<veldra::Library>&)>;
 
+  /// Gets ready for a library before others have to wait for it.
+  using Prepare = std::function<void(veldra::Unit)>;
+
   /// In a dry run nothing is made or kept.
   Destination(const std::string& file, bool dry_run, Host& host)
       : file_(file), dry_run_(dry_run), host_(host) {}
@@ -27,6 +30,8 @@ class Destination {
   /// Unless `makes_new`, a new one is not made in the end.
   void take(veldra::Unit unit, bool makes_new, const Work& work);
 
+  void prepare_by(Prepare prepare) { prepare_ = std::move(prepare); }
+
  private:
   void into_existing(const Work& work);
   bool into_new(veldra::Unit unit, const Work& work);
@@ -35,6 +40,7 @@ class Destination {
   const std::string& file_;
   bool dry_run_;
   Host& host_;
+  Prepare prepare_;
 };
 
 }  // namespace veldra_tool

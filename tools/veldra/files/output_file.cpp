@@ -166,7 +166,7 @@ void require_no_library_as_standard_output() {
 
 Json written_to_json(const std::string& file, const std::string& format, const std::string& text) {
   Json json = Json::object();
-  json["file"] = is_utf8(file) ? file : from_latin1(file);
+  json["file"] = in_utf8(file);
   json["format"] = format;
   json["bytes"] = text.size();
   return json;

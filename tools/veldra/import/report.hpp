@@ -2,8 +2,8 @@
 #ifndef VELDRA_TOOL_IMPORT_REPORT_HPP
 #define VELDRA_TOOL_IMPORT_REPORT_HPP
 
-#include "conflicts.hpp"
 #include "json.hpp"
+#include "plan_report.hpp"
 
 #include <map>
 #include <string>
@@ -11,29 +11,41 @@
 
 namespace veldra_tool {
 
-/// What an import did with one source.
-struct SourceReport {
-  std::string file;
-  std::string format;
-  std::map<std::string, unsigned> read;     ///< objects, by class
-  std::map<std::string, unsigned> skipped;  ///< objects, by class
-  std::map<std::string, unsigned> dropped;  ///< what imported objects had besides, by what it is
-  std::map<Outcome, unsigned> materials;
-  std::map<Outcome, unsigned> compositions;
-  unsigned layers = 0;
-  unsigned layers_without_thickness = 0;
-  unsigned references_not_found = 0;
-  std::vector<std::string> problems;  ///< one sentence each
+/// What the objects of a source had besides that no library has a place for, by what it is.
+std::map<std::string, unsigned> dropped_in(const kit::SourceReport& source);
+
+/// What an import does with each of several sources: what was found in them, and what is planned
+/// for their objects. Both must outlive it.
+class ImportReport {
+ public:
+  ImportReport(const kit::Sources& sources, const kit::Plan& plan);
+
+  Json json(const veldra::IdMapping& mapping) const;
+
+  /// For people; more than 20 objects are counted unless `verbose`.
+  std::string text(bool verbose) const;
+
+ private:
+  using Counts = std::map<kit::Decision, unsigned>;
+
+  /// What became of the objects of one source.
+  struct OfSource {
+    const kit::SourceReport* found;
+    Counts materials;
+    Counts compositions;
+    PlanEntries entries;
+  };
+
+  static Counts& counts_of(veldra::ObjectType kind, OfSource& source);
+  void count_repeated();
+  void count(const kit::PlanEntry& entry);
+  Json json_of_source(const OfSource& source, const veldra::IdMapping& mapping) const;
+  static std::string text_of_source(const OfSource& source);
+
+  const kit::Sources& sources_;
+  const kit::Plan& plan_;
+  std::vector<OfSource> of_sources_;
 };
-
-using ImportReport = std::vector<SourceReport>;
-
-std::string name_of(Outcome outcome);
-
-Json to_json(const ImportReport& report);
-
-/// The report for people.
-std::string text_of(const ImportReport& report);
 
 }  // namespace veldra_tool
 

@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#ifndef VELDRA_KIT_EXCHANGE_HPP
+#define VELDRA_KIT_EXCHANGE_HPP
+
+#include <veldra/kit/clash.hpp>
+#include <veldra/kit/error.hpp>
+#include <veldra/kit/export.hpp>
+#include <veldra/library.hpp>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace veldra::kit {
+
+class SourceContent;
+
+/// What is wrong in a source, and where.
+struct VELDRA_KIT_EXPORT SourceProblem {
+  std::string file;      ///< the name of the source as it was given, which need not be UTF-8
+  unsigned line = 0;     ///< counted from 1; 0 for the source as a whole
+  std::string object;    ///< the name that the object has in the source; empty if it is about none
+  std::string sentence;  ///< what is wrong; it calls the object by its class and name
+
+  /// Place and sentence: "'walls.idf', line 12: Material 'Brick': the thickness is missing". In
+  /// UTF-8, and quotes names as they are.
+  ///
+  /// Throws: `std::bad_alloc`.
+  std::string text() const;
+};
+
+/// A source that cannot be read, or that cannot be read together with others. `what()` is the text
+/// of the problem.
+class VELDRA_KIT_EXPORT SourceError : public Error {
+ public:
+  /// Makes the error of a problem.
+  explicit SourceError(const SourceProblem& problem);
+
+  /// Copies the error.
+  SourceError(const SourceError& other) = default;
+
+  /// Destroys the error.
+  ~SourceError() override;
+
+  /// The problem in its parts.
+  const SourceProblem& problem() const noexcept { return problem_; }
+
+ private:
+  SourceProblem problem_;
+};
+
+/// A format of files that can be read or written.
+struct Format {
+  std::string name;                  ///< for people, such as "epJSON"
+  std::vector<std::string> endings;  ///< usual ones of file names, in lower case without the point
+  bool readable = false;             ///< whether there is a reader (`Source`)
+  bool writable = false;             ///< whether there is a writer
+};
+
+/// The formats that there are.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT const std::vector<Format>& formats();
+
+/// What a file holds, as far as that can be read without knowing the library and other files. A
+/// plain value; copies share what was read.
+///
+/// Thread rule: any number of threads may use an object, as nothing changes it.
+class VELDRA_KIT_EXPORT Source {
+ public:
+  /// Reads the content of a file, which tells the format by itself; `file` is for messages, and for
+  /// tags.
+  ///
+  /// Throws:
+  /// - `SourceError`: the content is malformed, or of a format without a reader. The sentence says
+  ///   what it seems to be.
+  /// - `std::bad_alloc`.
+  Source(std::string file, std::string content);
+
+  /// The name of the file as it was given.
+  const std::string& file() const noexcept { return file_; }
+
+  /// The format of the content. Lives as long as the program.
+  const Format& format() const noexcept { return *format_; }
+
+  /// Whether there is anything that a library has a place for.
+  bool has_objects() const;
+
+  /// The unit of the lengths, if the source is of a library and says its unit.
+  ///
+  /// Throws `SourceError`: there is no such unit.
+  std::optional<Unit> unit() const;
+
+ private:
+  friend class SourceReading;
+
+  std::string file_;
+  const Format* format_;
+  std::shared_ptr<const SourceContent> content_;
+};
+
+/// A value of a source that a library has no place for.
+struct NotKept {
+  std::string object_class;  ///< the class of the object, as the format calls it
+  std::string field;         ///< the field, by the format's own name
+  std::string object;        ///< the name of the object
+  unsigned line = 0;         ///< where the object begins
+  std::string value;         ///< the value as a text
+};
+
+/// What becomes of an object whose name another object of the sources has.
+enum class Repetition : int {
+  Equal = 0,     ///< they are equal: the first stands for both
+  Used = 1,      ///< they differ: the first stands for both (`OnClash::Use`)
+  Overwrote = 2  ///< they differ: the first has got its values (`OnClash::Overwrite`)
+};
+
+/// An object that is not in the library by itself, as another one stands for it.
+struct RepeatedObject {
+  ObjectKey object;                     ///< the one in the library
+  std::string name;                     ///< the name in the source
+  unsigned line = 0;                    ///< where it begins
+  Repetition what = Repetition::Equal;  ///< why
+};
+
+/// What was found in one source.
+struct SourceReport {
+  std::string file;                         ///< the name as it was given
+  std::string format;                       ///< the name of the format
+  std::map<std::string, unsigned> read;     ///< how many objects, by class
+  std::map<std::string, unsigned> skipped;  ///< how many objects of classes that are not read
+  std::vector<NotKept> not_kept;            ///< values of objects that were read
+  std::vector<RepeatedObject> repeated;     ///< objects for which others stand
+  std::vector<String> tags;                 ///< which its materials and compositions got from here
+  unsigned layers = 0;                      ///< of all compositions
+  unsigned layers_without_thickness = 0;    ///< how many of these have the thickness 0 or none
+  unsigned references_not_found = 0;        ///< layers whose material is in no source
+  std::vector<SourceProblem> problems;      ///< objects with problems are left out, unless only a
+                                            ///< number is doubtful
+};
+
+/// Where an object comes from.
+struct SourceObject {
+  std::size_t source = 0;     ///< the index of the source
+  unsigned line = 0;          ///< where it begins there
+  std::string name;           ///< the name that it has there
+  bool ignores_case = false;  ///< names of the format compare without regard to case
+  bool renamed = false;       ///< it has another name, as an object of another source has this one
+};
+
+/// What several sources hold together.
+struct Sources {
+  /// All objects, in a library in memory that has nothing else.
+  std::shared_ptr<Library> library;
+
+  /// What was found, in the order of the sources.
+  std::vector<SourceReport> reports;
+
+  /// Where each material and composition of the library comes from.
+  std::map<ObjectKey, SourceObject> origins;
+
+  /// The locale that the first source gives that has one; else empty.
+  String locale;
+
+  /// The region, likewise.
+  String region;
+
+  /// The material types of sources that list all of their library; none if no source does.
+  std::optional<std::set<String>> types;
+};
+
+/// How sources are read together.
+struct SourceRules {
+  Unit unit = Unit::Millimetres;     ///< the unit of the library
+  OnClash on_clash = OnClash::Fail;  ///< what is done about objects of two sources that differ
+
+  /// Tags for each material and composition. Without any, those of formats that are no library's
+  /// get the name of their file.
+  std::vector<std::string> tags;
+
+  /// Is called for each material and composition that is in the library now. What it throws ends
+  /// the reading.
+  std::function<void()> on_object;
+};
+
+/// Reads sources as one: a composition may be of materials of another source. Objects that differ
+/// in nothing but their tags are one.
+///
+/// Throws:
+/// - `SourceError`: a source is malformed, two sources differ about an object though they must not,
+///   or two materials have one code.
+/// - `Error`: a tag is not UTF-8.
+/// - a database error (`Library`).
+VELDRA_KIT_EXPORT Sources read_together(const std::vector<Source>& sources,
+                                        const SourceRules& rules);
+
+}  // namespace veldra::kit
+
+#endif

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#ifndef VELDRA_KIT_NUMBERS_HPP
+#define VELDRA_KIT_NUMBERS_HPP
+
+#include <veldra/composition.hpp>
+#include <veldra/kit/export.hpp>
+
+#include <string>
+#include <vector>
+
+namespace veldra::kit {
+
+// What is wrong with the numbers of an object: sentences that go on behind the object's name. They
+// quote texts as they are.
+
+/// What is doubtful though a library takes it and finds no fault with it (`Library::check`): a
+/// thermal conductivity that is none, a thickness of 0.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::vector<std::string> doubtful_numbers(const Material& material);
+
+/// The same of a composition: layers of the thickness 0, a variable layer that is none of its
+/// layers, or limits of its thickness that contradict each other. A layer may be without thickness
+/// where its material is known by what it resists or lets through.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::vector<std::string> doubtful_numbers(const Composition& composition);
+
+/// What is doubtful, and what a library finds fault with when it has the material: a thickness that
+/// is negative, infinite or not known.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::vector<std::string> wrong_numbers(const Material& material);
+
+/// The same of a composition.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::vector<std::string> wrong_numbers(const Composition& composition);
+
+}  // namespace veldra::kit
+
+#endif

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#ifndef VELDRA_KIT_EXCHANGE_CATALOGUE_READER_HPP
+#define VELDRA_KIT_EXCHANGE_CATALOGUE_READER_HPP
+
+#include <veldra/kit/exchange.hpp>
+
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace veldra::kit {
+
+/// A layer whose material is known by name only.
+struct NamedLayer {
+  std::string material;
+  Material::Function function;
+  double thickness;
+};
+
+struct CatalogueMaterial {
+  std::shared_ptr<Material> object;
+  unsigned line;
+};
+
+struct CatalogueComposition {
+  std::shared_ptr<Composition> object;  ///< without layers
+  unsigned line;
+  std::vector<NamedLayer> layers;
+  unsigned first_core_layer;
+  unsigned last_core_layer;
+  unsigned structural_layer;
+};
+
+/// What a file of this program's own format holds, lengths in the unit that was asked for.
+struct Catalogue {
+  String locale;
+  String region;
+  std::vector<CatalogueMaterial> materials;
+  std::vector<CatalogueComposition> compositions;
+  std::optional<std::set<String>> types;  ///< all material types, where the file lists them
+  std::vector<NotKept> not_kept;          ///< assets, which are never read
+};
+
+/// Gives a composition its layers, with their materials, and its indices. Throws `SourceError` for
+/// indices that contradict each other.
+void complete(const CatalogueComposition& composition,
+              const std::vector<Composition::Layer>& layers, const std::string& file);
+
+}  // namespace veldra::kit
+
+#endif

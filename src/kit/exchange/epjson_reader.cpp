@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/exchange/problem.hpp"
+#include "kit/exchange/readers.hpp"
+#include "kit/text/quoted.hpp"
+
+#include <veldra/kit/text.hpp>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <set>
+
+namespace veldra::kit {
+
+namespace {
+
+void require_object(const JsonNode& node, const std::string& what, const std::string& file) {
+  if (node.kind == JsonNode::Kind::Object) return;
+  fail_at(file, node.line, fmt::format("{} must be a JSON object", what));
+}
+
+std::string text_of(const JsonNode& node, const std::string& file) {
+  switch (node.kind) {
+    case JsonNode::Kind::Null:
+      return "";
+    case JsonNode::Kind::Number:
+      return exact_number(node.number);
+    case JsonNode::Kind::Text:
+      return trimmed(node.text);
+    case JsonNode::Kind::Boolean:
+      return node.boolean ? "Yes" : "No";
+    default:
+      fail_at(file, node.line, "a number or a text is expected");
+  }
+}
+
+/// Whether a member says something of the object: not the order that it had in another file, and
+/// not that a value is missing.
+bool says_something(const std::string& key, const JsonNode& value) {
+  if (key.compare(0, 4, "idf_") == 0 || value.kind == JsonNode::Kind::Null) return false;
+  return value.kind != JsonNode::Kind::Text || !trimmed(value.text).empty();
+}
+
+/// The text of a value that is not read, whatever it is.
+std::string short_text_of(const JsonNode& node) {
+  switch (node.kind) {
+    case JsonNode::Kind::Array:
+      return "[...]";
+    case JsonNode::Kind::Object:
+      return "{...}";
+    default:
+      return text_of(node, "");
+  }
+}
+
+SourceMaterial material_from(const std::string& name, const JsonNode& node,
+                             const MaterialClass& described, const std::string& file) {
+  SourceMaterial material;
+  material.described = &described;
+  material.name = name;
+  material.line = node.line;
+  std::set<std::string> known;
+  for (const auto& field : described.fields) {
+    if (field.kind == FieldKind::Dropped) continue;
+    known.insert(field.key);
+    const JsonNode* value = node.member(field.key);
+    if (value == nullptr || field.kind == FieldKind::Implied) continue;
+    std::string text = text_of(*value, file);
+    if (!text.empty()) material.values[field.key] = std::move(text);
+  }
+  for (const auto& [key, value] : node.members) {
+    if (known.count(key) == 0 && says_something(key, value)) {
+      material.not_kept.emplace_back(key, short_text_of(value));
+    }
+  }
+  return material;
+}
+
+/// The position of a layer among the layers: 1 for the outside layer, 0 for what is no layer.
+unsigned layer_position(const std::string& key) {
+  if (key == "outside_layer") return 1;
+  constexpr std::string_view prefix = "layer_";
+  if (key.compare(0, prefix.size(), prefix) != 0) return 0;
+  unsigned position = 0;
+  const char* end = key.data() + key.size();
+  const auto result = std::from_chars(key.data() + prefix.size(), end, position);
+  return result.ec == std::errc() && result.ptr == end ? position : 0;
+}
+
+SourceConstruction construction_from(const std::string& name, const JsonNode& node,
+                                     const ConstructionClass& described, const std::string& file) {
+  SourceConstruction construction;
+  construction.described = &described;
+  construction.name = name;
+  construction.line = node.line;
+  if (described.kind == ConstructionKind::WithoutLayers) return construction;
+  std::map<unsigned, std::string> layers;
+  for (const auto& [key, value] : node.members) {
+    const unsigned position = layer_position(key);
+    if (position == 0 && says_something(key, value)) {
+      construction.not_kept.emplace_back(key, short_text_of(value));
+    }
+    if (position == 0) continue;
+    std::string text = text_of(value, file);
+    if (!text.empty()) layers[position] = std::move(text);
+  }
+  for (auto& layer : layers) construction.layers.push_back(std::move(layer.second));
+  return construction;
+}
+
+bool has_objects_only(const JsonNode& node) {
+  return node.kind == JsonNode::Kind::Object &&
+         std::all_of(node.members.begin(), node.members.end(), [](const auto& member) {
+           return member.second.kind == JsonNode::Kind::Object;
+         });
+}
+
+/// A class whose name is not spelled as usual may be something else.
+bool is_evidence(const std::string& name, const JsonNode& objects) {
+  const auto* material = material_class(name);
+  const auto* construction = construction_class(name);
+  if (objects.kind == JsonNode::Kind::Object) return material || construction;
+  return (material && name == material->name) || (construction && name == construction->name);
+}
+
+/// Whether a document is of the format, maybe with mistakes: it has a class of materials or
+/// constructions, or nothing but objects of objects under names that classes can have.
+bool is_epjson(const JsonNode& document) {
+  if (document.kind != JsonNode::Kind::Object) return false;
+  const auto& members = document.members;
+  if (std::any_of(members.begin(), members.end(),
+                  [](const auto& member) { return is_evidence(member.first, member.second); })) {
+    return true;
+  }
+  return std::all_of(members.begin(), members.end(), [](const auto& member) {
+    const auto& [name, objects] = member;
+    return can_be_class(name) && name[0] >= 'A' && name[0] <= 'Z' && has_objects_only(objects);
+  });
+}
+
+SourceModel read_epjson(const JsonNode& document, const std::string& file) {
+  SourceModel model;
+  require_object(document, "the document", file);
+  for (const auto& [name, objects] : document.members) {
+    const auto* material = material_class(name);
+    const auto* construction = construction_class(name);
+    require_object(objects, quoted(name), file);
+    if (!material && !construction) {
+      model.skipped[name] += static_cast<unsigned>(objects.members.size());
+      continue;
+    }
+    for (const auto& [object, node] : objects.members) {
+      require_object(node, quoted(object), file);
+      if (material) {
+        model.materials.push_back(material_from(object, node, *material, file));
+      } else {
+        model.constructions.push_back(construction_from(object, node, *construction, file));
+      }
+    }
+  }
+  return model;
+}
+
+}  // namespace
+
+Reader epjson_reader() {
+  return {{"epJSON", {"epjson", "json"}, true, false},
+          [](const FileContent& content) {
+            return content.document && !is_foreign(*content.document) &&
+                   is_epjson(*content.document);
+          },
+          [](FileContent content) -> std::shared_ptr<const SourceContent> {
+            return std::make_shared<ModelContent>(read_epjson(*content.document, content.file));
+          }};
+}
+
+}  // namespace veldra::kit

@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/exchange/json_tree.hpp"
+
+#include "kit/exchange/problem.hpp"
+
+#include <veldra/kit/text.hpp>
+
+#include <nlohmann/json.hpp>
+
+#include <iterator>
+
+namespace veldra::kit {
+
+namespace {
+
+/// Goes through a text and counts its lines, for the parser tells no places but those of errors.
+class CountingIterator {
+ public:
+  using iterator_category = std::input_iterator_tag;
+  using value_type = char;
+  using difference_type = std::ptrdiff_t;
+  using pointer = const char*;
+  using reference = const char&;
+
+  CountingIterator(const char* position, unsigned* line) : position_(position), line_(line) {}
+
+  reference operator*() const { return *position_; }
+  CountingIterator& operator++() {
+    if (*position_ == '\n') ++*line_;
+    ++position_;
+    return *this;
+  }
+  CountingIterator operator++(int) {
+    auto former = *this;
+    ++*this;
+    return former;
+  }
+  bool operator==(const CountingIterator& other) const { return position_ == other.position_; }
+  bool operator!=(const CountingIterator& other) const { return position_ != other.position_; }
+
+ private:
+  const char* position_;
+  unsigned* line_;
+};
+
+/// Builds the tree from what the parser meets.
+class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
+ public:
+  TreeBuilder(const std::string& file, const unsigned& line) : file_(file), line_(line) {}
+
+  JsonNode root;
+
+  bool null() override { return add(JsonNode()); }
+
+  bool boolean(bool value) override {
+    JsonNode node;
+    node.kind = JsonNode::Kind::Boolean;
+    node.boolean = value;
+    return add(std::move(node));
+  }
+
+  bool number_integer(number_integer_t value) override {
+    return add_number(static_cast<double>(value));
+  }
+  bool number_unsigned(number_unsigned_t value) override {
+    return add_number(static_cast<double>(value));
+  }
+  bool number_float(number_float_t value, const string_t&) override { return add_number(value); }
+
+  bool string(string_t& value) override {
+    JsonNode node;
+    node.kind = JsonNode::Kind::Text;
+    node.text = std::move(value);
+    return add(std::move(node));
+  }
+
+  bool binary(binary_t&) override { return false; }
+
+  bool start_object(std::size_t) override { return open(JsonNode::Kind::Object); }
+  bool start_array(std::size_t) override { return open(JsonNode::Kind::Array); }
+  bool end_object() override { return close(); }
+  bool end_array() override { return close(); }
+
+  bool key(string_t& name) override {
+    names_.back() = std::move(name);
+    lines_.back() = line_;
+    return true;
+  }
+
+  bool parse_error(std::size_t, const std::string&,
+                   const nlohmann::detail::exception& error) override {
+    fail_at(file_, line_, "this is no proper JSON" + reason_in(error.what()));
+  }
+
+ private:
+  static constexpr std::size_t deepest = 64;
+
+  /// What the parser says, without the name and number of its exception and without the place.
+  static std::string reason_in(const std::string& message) {
+    const auto start = message.find("- ");
+    return start == std::string::npos ? "" : " (" + in_utf8(message.substr(start + 2)) + ")";
+  }
+
+  bool add_number(double value) {
+    JsonNode node;
+    node.kind = JsonNode::Kind::Number;
+    node.number = value;
+    return add(std::move(node));
+  }
+
+  bool open(JsonNode::Kind kind) {
+    if (open_.size() == deepest) {
+      fail_at(file_, line_, "the values are nested too deep");
+    }
+    JsonNode node;
+    node.kind = kind;
+    node.line = line_;
+    open_.push_back(std::move(node));
+    names_.emplace_back();
+    lines_.push_back(line_);
+    return true;
+  }
+
+  bool close() {
+    JsonNode node = std::move(open_.back());
+    open_.pop_back();
+    names_.pop_back();
+    lines_.pop_back();
+    return place_node(std::move(node));
+  }
+
+  bool add(JsonNode node) {
+    node.line = line_;
+    return place_node(std::move(node));
+  }
+
+  bool place_node(JsonNode node) {
+    if (open_.empty()) {
+      root = std::move(node);
+    } else if (open_.back().kind == JsonNode::Kind::Array) {
+      open_.back().elements.push_back(std::move(node));
+    } else {
+      node.line = lines_.back();
+      open_.back().members.emplace_back(names_.back(), std::move(node));
+    }
+    return true;
+  }
+
+  const std::string& file_;
+  const unsigned& line_;
+  std::vector<JsonNode> open_;
+  std::vector<std::string> names_;  ///< of the members that are being read, one a level
+  std::vector<unsigned> lines_;     ///< of those names
+};
+
+}  // namespace
+
+const JsonNode* JsonNode::member(const std::string& name) const {
+  for (const auto& [key, value] : members) {
+    if (key == name) return &value;
+  }
+  return nullptr;
+}
+
+JsonNode parse_json(const std::string& text, const std::string& file) {
+  unsigned line = 1;
+  TreeBuilder builder(file, line);
+  const char* begin = text.data();
+  nlohmann::json::sax_parse(CountingIterator(begin, &line),
+                            CountingIterator(begin + text.size(), &line), &builder);
+  return std::move(builder.root);
+}
+
+}  // namespace veldra::kit

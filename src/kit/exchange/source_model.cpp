@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/exchange/source_model.hpp"
+
+#include <veldra/kit/physics.hpp>
+#include <veldra/kit/text.hpp>
+
+#include <algorithm>
+
+namespace veldra::kit {
+
+namespace {
+
+constexpr double required = 0;
+constexpr double none = -1;
+
+SourceField number(const char* key, const char* property) {
+  return {key, property, FieldKind::Number};
+}
+
+SourceField text(const char* key, const char* property) { return {key, property, FieldKind::Text}; }
+
+SourceField thickness() { return {"thickness", "", FieldKind::Thickness}; }
+
+SourceField dropped(const char* key) { return {key, "", FieldKind::Dropped}; }
+
+SourceField implied(const char* key) { return {key, "", FieldKind::Implied}; }
+
+SourceField roughness() { return text("roughness", "Roughness"); }
+
+std::vector<SourceField> joined(std::vector<SourceField> fields,
+                                const std::vector<SourceField>& more) {
+  fields.insert(fields.end(), more.begin(), more.end());
+  return fields;
+}
+
+std::vector<SourceField> absorptances() {
+  return {number("thermal_absorptance", "Thermal absorptance [-]"),
+          number("solar_absorptance", "Solar absorptance [-]"),
+          number("visible_absorptance", "Visible absorptance [-]")};
+}
+
+std::vector<SourceField> solid() {
+  return {number("conductivity", property::conductivity), number("density", property::density),
+          number("specific_heat", property::specific_heat)};
+}
+
+std::vector<SourceField> glazing_fields() {
+  return {
+      text("optical_data_type", "Optical data type"),
+      text("window_glass_spectral_data_set_name", "Spectral data set"),
+      thickness(),
+      number("solar_transmittance_at_normal_incidence", "Solar transmittance [-]"),
+      number("front_side_solar_reflectance_at_normal_incidence", "Front solar reflectance [-]"),
+      number("back_side_solar_reflectance_at_normal_incidence", "Back solar reflectance [-]"),
+      number("visible_transmittance_at_normal_incidence", "Visible transmittance [-]"),
+      number("front_side_visible_reflectance_at_normal_incidence", "Front visible reflectance [-]"),
+      number("back_side_visible_reflectance_at_normal_incidence", "Back visible reflectance [-]"),
+      number("infrared_transmittance_at_normal_incidence", "Infrared transmittance [-]"),
+      number("front_side_infrared_hemispherical_emissivity", "Front infrared emissivity [-]"),
+      number("back_side_infrared_hemispherical_emissivity", "Back infrared emissivity [-]"),
+      number("conductivity", property::conductivity),
+      number("dirt_correction_factor_for_solar_and_visible_transmittance",
+             "Dirt correction factor [-]"),
+      text("solar_diffusing", "Solar diffusing")};
+}
+
+std::vector<SourceField> refraction_fields() {
+  return {thickness(),
+          number("solar_index_of_refraction", "Solar index of refraction [-]"),
+          number("solar_extinction_coefficient", "Solar extinction coefficient [1/m]"),
+          number("visible_index_of_refraction", "Visible index of refraction [-]"),
+          number("visible_extinction_coefficient", "Visible extinction coefficient [1/m]"),
+          number("infrared_transmittance_at_normal_incidence", "Infrared transmittance [-]"),
+          number("infrared_hemispherical_emissivity", "Infrared emissivity [-]"),
+          number("conductivity", property::conductivity)};
+}
+
+std::vector<SourceField> gas_mixture_fields() {
+  return {thickness(),
+          implied("number_of_gases_in_mixture"),
+          text("gas_1_type", "Gas 1 type"),
+          number("gas_1_fraction", "Gas 1 fraction [-]"),
+          text("gas_2_type", "Gas 2 type"),
+          number("gas_2_fraction", "Gas 2 fraction [-]"),
+          text("gas_3_type", "Gas 3 type"),
+          number("gas_3_fraction", "Gas 3 fraction [-]"),
+          text("gas_4_type", "Gas 4 type"),
+          number("gas_4_fraction", "Gas 4 fraction [-]")};
+}
+
+std::vector<SourceField> shade_fields() {
+  return {number("solar_transmittance", "Solar transmittance [-]"),
+          number("solar_reflectance", "Solar reflectance [-]"),
+          number("visible_transmittance", "Visible transmittance [-]"),
+          number("visible_reflectance", "Visible reflectance [-]"),
+          number("infrared_hemispherical_emissivity", "Infrared emissivity [-]"),
+          number("infrared_transmittance", "Infrared transmittance [-]"),
+          thickness(),
+          number("conductivity", property::conductivity)};
+}
+
+std::vector<SourceField> vegetation_fields() {
+  return joined(joined({dropped("height_of_plants"), dropped("leaf_area_index"),
+                        number("leaf_reflectivity", "Leaf reflectance [-]"),
+                        dropped("leaf_emissivity"), dropped("minimum_stomatal_resistance"),
+                        dropped("soil_layer_name"), roughness(), thickness()},
+                       {number("conductivity_of_dry_soil", property::conductivity),
+                        number("density_of_dry_soil", property::density),
+                        number("specific_heat_of_dry_soil", property::specific_heat)}),
+                absorptances());
+}
+
+std::vector<MaterialClass> make_material_classes() {
+  const auto resistance = number("thermal_resistance", property::resistance);
+  return {{"Material", "Opaque", required,
+           joined(joined({roughness(), thickness()}, solid()), absorptances())},
+          {"Material:NoMass", "No mass", none, joined({roughness(), resistance}, absorptances())},
+          {"Material:AirGap", "Air gap", none, {resistance}},
+          {"Material:InfraredTransparent", "Infrared transparent", none, {}},
+          {"Material:RoofVegetation", "Vegetation", 0.1, vegetation_fields()},
+          {"WindowMaterial:Glazing", "Glazing", required, glazing_fields()},
+          {"WindowMaterial:Glazing:RefractionExtinctionMethod", "Glazing", required,
+           refraction_fields()},
+          {"WindowMaterial:Gas", "Gas", required, {text("gas_type", "Gas type"), thickness()}},
+          {"WindowMaterial:GasMixture", "Gas mixture", required, gas_mixture_fields()},
+          {"WindowMaterial:Gap:EquivalentLayer",
+           "Gas",
+           required,
+           {text("gas_type", "Gas type"), thickness(), text("gap_vent_type", "Gap vent type")}},
+          {"WindowMaterial:SimpleGlazingSystem",
+           "Simple glazing",
+           none,
+           {number("u_factor", "U-factor [W/(m2 K)]"),
+            number("solar_heat_gain_coefficient", "Solar heat gain coefficient [-]"),
+            number("visible_transmittance", "Visible transmittance [-]")}},
+          {"WindowMaterial:Shade", "Shade", required, shade_fields()},
+          {"WindowMaterial:Blind", "Blind", none, {}},
+          {"WindowMaterial:Screen", "Screen", none, {}},
+          {"WindowMaterial:Glazing:EquivalentLayer", "Glazing", none, {}},
+          {"WindowMaterial:Shade:EquivalentLayer", "Shade", none, {}},
+          {"WindowMaterial:Drape:EquivalentLayer", "Shade", none, {}},
+          {"WindowMaterial:Blind:EquivalentLayer", "Blind", none, {}},
+          {"WindowMaterial:Screen:EquivalentLayer", "Screen", none, {}}};
+}
+
+const std::vector<MaterialClass>& material_classes() {
+  static const auto classes = make_material_classes();
+  return classes;
+}
+
+template <class Class>
+std::map<std::string, const Class*> by_name(const std::vector<Class>& classes) {
+  std::map<std::string, const Class*> result;
+  for (const Class& described : classes) result[lower_case(described.name)] = &described;
+  return result;
+}
+
+template <class Class>
+const Class* find(const std::map<std::string, const Class*>& classes, const std::string& name) {
+  const auto found = classes.find(lower_case(name));
+  return found != classes.end() ? found->second : nullptr;
+}
+
+}  // namespace
+
+const MaterialClass* material_class(const std::string& name) {
+  static const auto index = by_name(material_classes());
+  return find(index, name);
+}
+
+bool is_known_class(const std::string& name) {
+  return material_class(name) != nullptr || construction_class(name) != nullptr;
+}
+
+bool can_be_class(const std::string& name) {
+  const auto is_letter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
+  char before = ':';
+  for (const char c : name) {
+    const bool inner = (c >= '0' && c <= '9') || c == '_' || c == '-' || c == ':';
+    if (!is_letter(c) && (before == ':' || !inner)) return false;
+    before = c;
+  }
+  return before != ':';
+}
+
+bool may_lack_thickness(const std::string& type) {
+  const auto& classes = material_classes();
+  return std::any_of(classes.begin(), classes.end(), [&](const MaterialClass& described) {
+    return described.type == type && described.default_thickness < 0;
+  });
+}
+
+const ConstructionClass* construction_class(const std::string& name) {
+  static const std::vector<ConstructionClass> classes{
+      {"Construction", ConstructionKind::Layers},
+      {"Construction:InternalSource", ConstructionKind::InternalSource},
+      {"Construction:WindowEquivalentLayer", ConstructionKind::Layers},
+      {"Construction:CfactorUndergroundWall", ConstructionKind::WithoutLayers},
+      {"Construction:FfactorGroundFloor", ConstructionKind::WithoutLayers},
+      {"Construction:WindowDataFile", ConstructionKind::WithoutLayers},
+      {"Construction:AirBoundary", ConstructionKind::WithoutLayers}};
+  static const auto index = by_name(classes);
+  return find(index, name);
+}
+
+}  // namespace veldra::kit

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#ifndef VELDRA_KIT_EXCHANGE_SOURCE_MODEL_HPP
+#define VELDRA_KIT_EXCHANGE_SOURCE_MODEL_HPP
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace veldra::kit {
+
+/// How a field of a class of the simulation formats comes into a library.
+enum class FieldKind {
+  Dropped,  ///< a library has no place for it
+  Implied,  ///< other fields say it as well
+  Thickness,
+  Number,
+  Text
+};
+
+struct SourceField {
+  const char* key;       ///< the name of the field in epJSON
+  const char* property;  ///< the custom property that takes the value
+  FieldKind kind;
+};
+
+/// A class of materials of the simulation formats.
+struct MaterialClass {
+  const char* name;                 ///< in its usual spelling
+  const char* type;                 ///< the material type in the library
+  double default_thickness;         ///< in metres, where the class has one; else negative
+  std::vector<SourceField> fields;  ///< behind the name, in the order of IDF
+};
+
+/// The class of that name in whatever case; null when there is none.
+const MaterialClass* material_class(const std::string& name);
+
+/// Whether the name is that of a class of materials or constructions.
+bool is_known_class(const std::string& name);
+
+/// Whether a class could have that name: words of letters and digits with colons between them.
+bool can_be_class(const std::string& name);
+
+/// Whether a material type is that of a class whose materials have no thickness.
+bool may_lack_thickness(const std::string& type);
+
+enum class ConstructionKind { Layers, InternalSource, WithoutLayers };
+
+struct ConstructionClass {
+  const char* name;
+  ConstructionKind kind;
+};
+
+const ConstructionClass* construction_class(const std::string& name);
+
+/// Fields that a library has no place for, and their values.
+using FieldsNotKept = std::vector<std::pair<std::string, std::string>>;
+
+/// An object as a source has it, whatever its format.
+struct SourceMaterial {
+  const MaterialClass* described = nullptr;
+  std::string name;
+  unsigned line = 0;
+  std::map<std::string, std::string> values;  ///< by the key of the field; none is empty
+  FieldsNotKept not_kept;
+};
+
+struct SourceConstruction {
+  const ConstructionClass* described = nullptr;
+  std::string name;
+  unsigned line = 0;
+  std::vector<std::string> layers;  ///< from outside to inside
+  FieldsNotKept not_kept;
+};
+
+/// What a file of the simulation formats holds.
+struct SourceModel {
+  std::vector<SourceMaterial> materials;
+  std::vector<SourceConstruction> constructions;
+  std::map<std::string, unsigned> skipped;  ///< objects of other classes, by class
+};
+
+}  // namespace veldra::kit
+
+#endif

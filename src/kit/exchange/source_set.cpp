@@ -1,0 +1,306 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/exchange/source_set.hpp"
+
+#include <veldra/kit/compare.hpp>
+#include <veldra/kit/fields.hpp>
+#include <veldra/kit/kinds.hpp>
+#include <veldra/kit/numbers.hpp>
+
+#include "kit/exchange/mapping.hpp"
+#include "kit/exchange/problem.hpp"
+#include "kit/text/quoted.hpp"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <filesystem>
+
+namespace veldra::kit {
+
+namespace {
+
+using MaterialNames = IncomingObjects<Material>::Names;
+
+/// An object as sentences call it: by its class or kind, and its name.
+std::string called(const std::string& kind, const std::string& name) {
+  return fmt::format("{} {}", kind, quoted(name));
+}
+
+template <class T>
+std::string called(const T& object) {
+  return called(singular_of(ObjectTraits<T>::type), object.name().utf8());
+}
+
+void add_problem(SourceReport& report, unsigned line, const std::string& object,
+                 const std::string& sentence) {
+  report.problems.push_back({report.file, line, object, sentence});
+}
+
+template <class T>
+void add_repeated(Repetition what, const IncomingObjects<T>& objects, const Incoming<T>& first,
+                  const Incoming<T>& second, SourceReport& report) {
+  const auto place = static_cast<unsigned>(objects.index_of(first));
+  report.repeated.push_back(
+      {{ObjectTraits<T>::type, place}, second.origin.name, second.origin.line, what});
+}
+
+/// The fields of an object for which no library has a place.
+template <class Object>
+void add_not_kept(const Object& object, SourceReport& report) {
+  for (const auto& [field, value] : object.not_kept) {
+    report.not_kept.push_back({object.described->name, field, object.name, object.line, value});
+  }
+}
+
+/// A name with a number that no object has.
+template <class T>
+std::string free_name(const IncomingObjects<T>& objects, const std::string& name) {
+  using Names = typename IncomingObjects<T>::Names;
+  for (unsigned number = 2;; ++number) {
+    std::string candidate = fmt::format("{} ({})", name, number);
+    if (!objects.taken(candidate, Names::Folded)) return candidate;
+  }
+}
+
+template <class T>
+void give_tags(T& object, const SourceReport& report, SharedObjects& shared) {
+  for (const auto& tag : report.tags) object.addTag(shared.tag(tag));
+}
+
+}  // namespace
+
+template <class T>
+std::shared_ptr<T> IncomingObjects<T>::find(const std::string& name, std::size_t source,
+                                            Names names) const {
+  const auto exact = exact_.find(name);
+  if (names == Names::Exact && exact != exact_.end()) return all_[exact->second].object;
+  const auto own = own_.find({source, lower_case(name)});
+  if (own != own_.end()) return all_[own->second].object;
+  const auto* other = taken(name, Names::Folded);
+  return other ? other->object : nullptr;
+}
+
+template <class T>
+const Incoming<T>* IncomingObjects<T>::taken(const std::string& name, Names names) const {
+  const auto& index = names == Names::Exact ? exact_ : folded_;
+  const auto found = index.find(names == Names::Exact ? name : lower_case(name));
+  return found != index.end() ? &all_[found->second] : nullptr;
+}
+
+template <class T>
+void IncomingObjects<T>::add(const Incoming<T>& incoming) {
+  const std::size_t index = all_.size();
+  const std::string own_name = incoming.object->name().utf8();
+  const std::string& source_name = incoming.origin.name;
+  all_.push_back(incoming);
+  const std::string own_folded = lower_case(own_name);
+  exact_.emplace(own_name, index);
+  folded_.emplace(own_folded, index);
+  own_.emplace(std::make_pair(incoming.origin.source,
+                              source_name == own_name ? own_folded : lower_case(source_name)),
+               index);
+}
+
+/// What comes from the simulation formats is tagged with its file, unless other tags are given.
+void SourceSet::choose_tags(bool from_simulation, SourceReport& report) const {
+  for (const auto& tag : rules_.tags) report.tags.push_back(library_text(tag));
+  if (!from_simulation || !rules_.tags.empty()) return;
+  const std::string base = std::filesystem::path(report.file).filename().string();
+  report.tags.push_back(library_text(in_utf8(base)));
+}
+
+/// Whether an object has the name of its file as its tag, and no other.
+bool SourceSet::tags_tell_origin(const SourceObject& origin) const {
+  return origin.ignores_case && rules_.tags.empty();
+}
+
+/// Whether two incoming objects are the same but for the case of their names. Tags that tell where
+/// an object came from do not count.
+template <class T>
+bool SourceSet::same_objects(const Incoming<T>& left, const Incoming<T>& right) const {
+  const auto other = right.object->clone();
+  other->name(left.object->name());
+  if (tags_tell_origin(left.origin) || tags_tell_origin(right.origin)) {
+    other->tags(toModify) = left.object->tags();
+  }
+  return same_values(*left.object, *other);
+}
+
+template <class T>
+void SourceSet::enter(IncomingObjects<T>& objects, const Incoming<T>& incoming,
+                      SourceReport& report) {
+  using Names = NamesOf<T>;
+  T& object = *incoming.object;
+  const auto& origin = incoming.origin;
+  for (const auto& sentence : wrong_numbers(object)) {
+    add_problem(report, origin.line, origin.name, fmt::format("{}: {}", called(object), sentence));
+  }
+  give_tags(object, report, shared_);
+  const auto* first =
+      objects.taken(origin.name, origin.ignores_case ? Names::Folded : Names::Exact);
+  if (!first) {
+    require_free_code(incoming, report);
+    return objects.add(incoming);
+  }
+  if (same_objects(*first, incoming)) {
+    return add_repeated(Repetition::Equal, objects, *first, incoming, report);
+  }
+  settle(objects, *first, incoming, report);
+}
+
+/// Two objects of one name that differ: within a source that is an error of the second, between
+/// sources it is a clash like one with a library.
+template <class T>
+void SourceSet::settle(IncomingObjects<T>& objects, const Incoming<T>& first,
+                       const Incoming<T>& incoming, SourceReport& report) {
+  const auto& origin = incoming.origin;
+  const auto sentence = [&](const char* where) {
+    return fmt::format("another {} stands {} already", called(*incoming.object), where);
+  };
+  if (first.origin.source == origin.source) {
+    return add_problem(report, origin.line, origin.name, sentence("in this file"));
+  }
+  switch (rules_.on_clash) {
+    case OnClash::Fail:
+      fail_at(report.file, origin.line, sentence("in another source"), origin.name);
+    case OnClash::Use:
+      return add_repeated(Repetition::Used, objects, first, incoming, report);
+    case OnClash::Overwrite:
+      release_code(*first.object);
+      *first.object = *incoming.object;
+      require_free_code({first.object, origin}, report);
+      return add_repeated(Repetition::Overwrote, objects, first, incoming, report);
+    case OnClash::Rename: {
+      require_free_code(incoming, report);
+      incoming.object->name(library_text(free_name(objects, origin.name)));
+      Incoming<T> renamed = incoming;
+      renamed.origin.renamed = true;
+      return objects.add(renamed);
+    }
+  }
+}
+
+void SourceSet::require_free_code(const Incoming<Material>& incoming, const SourceReport& report) {
+  const Material& material = *incoming.object;
+  if (!material.has_code()) return;
+  const auto [holder, is_free] = names_by_code_.emplace(material.code(), material.name());
+  if (is_free) return;
+  fail_at(report.file, incoming.origin.line,
+          fmt::format("{} has the code {}, which {} of the sources has already", called(material),
+                      quoted(material.code().utf8()), quoted(holder->second.utf8())),
+          material.name().utf8());
+}
+
+void SourceSet::add_material(const SourceMaterial& material, std::size_t source,
+                             SourceReport& report) {
+  ++report.read[material.described->name];
+  std::shared_ptr<Material> object;
+  try {
+    object = map_material(material, rules_.unit, shared_);
+  } catch (const Error& error) {
+    return add_problem(
+        report, material.line, material.name,
+        fmt::format("{}: {}", called(material.described->name, material.name), error.what()));
+  }
+  add_not_kept(material, report);
+  enter(materials_, {object, {source, material.line, material.name, true, false}}, report);
+}
+
+void SourceSet::add(const SourceModel& model, SourceReport& report) {
+  const std::size_t source = sources_++;
+  choose_tags(true, report);
+  for (const auto& material : model.materials) add_material(material, source, report);
+  for (const auto& [name, count] : model.skipped) report.skipped[name] += count;
+  constructions_.push_back({&model.constructions, &report, source});
+}
+
+void SourceSet::add(Catalogue catalogue, SourceReport& report) {
+  const std::size_t source = sources_++;
+  choose_tags(false, report);
+  for (const auto& material : catalogue.materials) {
+    ++report.read["material"];
+    const auto name = material.object->name().utf8();
+    enter(materials_, {material.object, {source, material.line, name, false, false}}, report);
+  }
+  report.not_kept = std::move(catalogue.not_kept);
+  if (catalogue.types) {
+    if (!types_) types_.emplace();
+    types_->insert(catalogue.types->begin(), catalogue.types->end());
+  }
+  if (locale_.empty()) locale_ = catalogue.locale;
+  if (region_.empty()) region_ = catalogue.region;
+  catalogue_compositions_.push_back({std::move(catalogue.compositions), &report, source});
+}
+
+void SourceSet::resolve() {
+  for (const auto& [objects, report, source] : constructions_) {
+    for (const auto& construction : *objects) resolve(construction, source, *report);
+  }
+  for (const auto& [objects, report, source] : catalogue_compositions_) {
+    for (const auto& composition : objects) resolve(composition, source, *report);
+  }
+}
+
+void SourceSet::count_layer(const std::shared_ptr<Material>& material, double thickness,
+                            SourceReport& report) {
+  ++report.layers;
+  if (!material) ++report.references_not_found;
+  if (thickness == 0 || std::isnan(thickness)) ++report.layers_without_thickness;
+}
+
+void SourceSet::resolve(const SourceConstruction& construction, std::size_t source,
+                        SourceReport& report) {
+  const std::string& class_name = construction.described->name;
+  ++report.read[class_name];
+  const auto problem = [&](const std::string& sentence) {
+    add_problem(report, construction.line, construction.name,
+                fmt::format("{}: {}", called(class_name, construction.name), sentence));
+  };
+  if (construction.layers.empty()) {
+    ++report.skipped[class_name];
+    return problem("it has no layers and is not imported");
+  }
+  std::vector<std::shared_ptr<Material>> materials;
+  bool all_found = true;
+  for (const auto& name : construction.layers) {
+    const auto material = materials_.find(name, source, MaterialNames::Folded);
+    materials.push_back(material);
+    count_layer(material, material ? usual_thickness(*material) : 0, report);
+    if (material) continue;
+    all_found = false;
+    problem(fmt::format("there is no material {}", quoted(name)));
+  }
+  if (construction.name.empty()) return problem("the name is missing");
+  if (!all_found) return;
+  add_not_kept(construction, report);
+  const auto object = map_construction(library_text(construction.name), map_layers(materials));
+  enter(compositions_, {object, {source, construction.line, construction.name, true, false}},
+        report);
+}
+
+void SourceSet::resolve(const CatalogueComposition& composition, std::size_t source,
+                        SourceReport& report) {
+  ++report.read["composition"];
+  const auto name = composition.object->name().utf8();
+  std::vector<Composition::Layer> layers;
+  bool all_found = true;
+  for (const auto& layer : composition.layers) {
+    const auto material = materials_.find(layer.material, source, MaterialNames::Exact);
+    layers.emplace_back(material, layer.function, layer.thickness);
+    count_layer(material, layer.thickness, report);
+    if (material) continue;
+    all_found = false;
+    add_problem(report, composition.line, name,
+                fmt::format("{}: there is no material {}", called(*composition.object),
+                            quoted(layer.material)));
+  }
+  if (!all_found) return;
+  complete(composition, layers, report.file);
+  enter(compositions_, {composition.object, {source, composition.line, name, false, false}},
+        report);
+}
+
+template class IncomingObjects<Material>;
+template class IncomingObjects<Composition>;
+
+}  // namespace veldra::kit

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#ifndef VELDRA_KIT_EXCHANGE_SOURCE_SET_HPP
+#define VELDRA_KIT_EXCHANGE_SOURCE_SET_HPP
+
+#include "kit/exchange/catalogue_reader.hpp"
+#include "kit/exchange/shared_objects.hpp"
+#include "kit/exchange/source_model.hpp"
+
+#include <veldra/kit/exchange.hpp>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace veldra::kit {
+
+/// An object of a source, and where it comes from.
+template <class T>
+struct Incoming {
+  std::shared_ptr<T> object;
+  SourceObject origin;
+};
+
+/// The objects of one kind of all sources, found by their names.
+///
+/// Names of the simulation formats compare without regard to case, those of this program's own
+/// format exactly.
+template <class T>
+class IncomingObjects {
+ public:
+  enum class Names { Exact, Folded };
+
+  /// The object of that name, of the source itself if it has one.
+  std::shared_ptr<T> find(const std::string& name, std::size_t source, Names names) const;
+
+  const Incoming<T>* taken(const std::string& name, Names names) const;
+  void add(const Incoming<T>& incoming);
+  const std::vector<Incoming<T>>& all() const { return all_; }
+
+  /// The place of one of them in their list.
+  std::size_t index_of(const Incoming<T>& incoming) const {
+    return static_cast<std::size_t>(&incoming - all_.data());
+  }
+
+ private:
+  std::vector<Incoming<T>> all_;
+  std::map<std::string, std::size_t> exact_;
+  std::map<std::string, std::size_t> folded_;
+  std::map<std::pair<std::size_t, std::string>, std::size_t> own_;  ///< by source, folded
+};
+
+/// Everything that sources hold, put together: a construction may name a material of another
+/// source.
+class SourceSet {
+ public:
+  /// The rules must outlive the set.
+  explicit SourceSet(const SourceRules& rules) : rules_(rules) {}
+
+  Unit unit() const { return rules_.unit; }
+
+  /// Adds a source, whose report must stay where it is; its layers are looked up when all sources
+  /// are there.
+  void add(const SourceModel& model, SourceReport& report);
+  void add(Catalogue catalogue, SourceReport& report);
+
+  SharedObjects& shared() { return shared_; }
+  void resolve();
+
+  const IncomingObjects<Material>& materials() const { return materials_; }
+  const IncomingObjects<Composition>& compositions() const { return compositions_; }
+
+  /// The material types of the sources, where one of them lists all that there are.
+  const std::optional<std::set<String>>& types() const { return types_; }
+  const String& locale() const { return locale_; }
+  const String& region() const { return region_; }
+
+ private:
+  template <class T>
+  using NamesOf = typename IncomingObjects<T>::Names;
+
+  struct Constructions {
+    const std::vector<SourceConstruction>* objects;
+    SourceReport* report;
+    std::size_t source;
+  };
+  struct Compositions {
+    std::vector<CatalogueComposition> objects;
+    SourceReport* report;
+    std::size_t source;
+  };
+
+  void choose_tags(bool from_simulation, SourceReport& report) const;
+  bool tags_tell_origin(const SourceObject& origin) const;
+  template <class T>
+  bool same_objects(const Incoming<T>& left, const Incoming<T>& right) const;
+  template <class T>
+  void enter(IncomingObjects<T>& objects, const Incoming<T>& incoming, SourceReport& report);
+  template <class T>
+  void settle(IncomingObjects<T>& objects, const Incoming<T>& first, const Incoming<T>& incoming,
+              SourceReport& report);
+  void require_free_code(const Incoming<Material>& material, const SourceReport& report);
+  void require_free_code(const Incoming<Composition>&, const SourceReport&) {}
+  static void count_layer(const std::shared_ptr<Material>& material, double thickness,
+                          SourceReport& report);
+  void release_code(const Material& material) { names_by_code_.erase(material.code()); }
+  void release_code(const Composition&) {}
+  void add_material(const SourceMaterial& material, std::size_t source, SourceReport& report);
+  void resolve(const SourceConstruction& construction, std::size_t source, SourceReport& report);
+  void resolve(const CatalogueComposition& composition, std::size_t source, SourceReport& report);
+
+  const SourceRules& rules_;
+  SharedObjects shared_;
+  IncomingObjects<Material> materials_;
+  IncomingObjects<Composition> compositions_;
+  std::vector<Constructions> constructions_;
+  std::vector<Compositions> catalogue_compositions_;
+  std::size_t sources_ = 0;
+  std::optional<std::set<String>> types_;
+  std::map<String, String> names_by_code_;  ///< of materials
+  String locale_;
+  String region_;
+};
+
+}  // namespace veldra::kit
+
+#endif

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include <veldra/kit/exchange.hpp>
+
+#include "kit/exchange/readers.hpp"
+#include "kit/exchange/source_set.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace veldra::kit {
+
+namespace {
+
+/// In the order in which they are asked.
+const std::vector<Reader>& readers() {
+  static const std::vector<Reader> all{catalogue_reader(), epjson_reader(), idf_reader()};
+  return all;
+}
+
+const Reader& reader_of(const FileContent& content) {
+  const auto found = std::find_if(readers().begin(), readers().end(),
+                                  [&](const Reader& reader) { return reader.recognises(content); });
+  if (found == readers().end()) refuse_unknown(content);
+  return *found;
+}
+
+SourceProblem nothing_in(const Source& source) {
+  return {
+      source.file(), 0, "",
+      fmt::format("this {} source has no materials and no constructions", source.format().name)};
+}
+
+template <class T>
+void save_all(const IncomingObjects<T>& objects, const SourceRules& rules, Sources& sources) {
+  for (const auto& incoming : objects.all()) {
+    sources.library->save(incoming.object);
+    sources.origins[{ObjectTraits<T>::type, incoming.object->id()}] = incoming.origin;
+    if (rules.on_object) rules.on_object();
+  }
+}
+
+/// Objects for which others stand know these by their places until they are saved.
+void give_ids(std::vector<RepeatedObject>& repeated, const SourceSet& set) {
+  for (auto& each : repeated) {
+    auto& key = each.object;
+    key.id = key.type == ObjectType::Material ? set.materials().all()[key.id].object->id()
+                                              : set.compositions().all()[key.id].object->id();
+  }
+}
+
+std::shared_ptr<Library> library_in_memory(Unit unit) {
+  auto library = Library::create(":memory:", unit, "");
+  library->purge<MaterialType>();
+  return library;
+}
+
+}  // namespace
+
+/// Knows what a source holds.
+class SourceReading {
+ public:
+  static const SourceContent& content_of(const Source& source) { return *source.content_; }
+};
+
+const std::vector<Format>& formats() {
+  static const auto all = [] {
+    std::vector<Format> formats;
+    for (const Reader& reader : readers()) formats.push_back(reader.format);
+    return formats;
+  }();
+  return all;
+}
+
+Source::Source(std::string file, std::string content) : file_(std::move(file)) {
+  FileContent read = content_from(file_, std::move(content));
+  const Reader& reader = reader_of(read);
+  format_ = &reader.format;
+  content_ = reader.read(std::move(read));
+}
+
+bool Source::has_objects() const { return content_->has_objects(); }
+
+std::optional<Unit> Source::unit() const { return content_->unit(); }
+
+Sources read_together(const std::vector<Source>& sources, const SourceRules& rules) {
+  Sources result;
+  result.reports.resize(sources.size());
+  SourceSet set(rules);
+  for (std::size_t i = 0; i < sources.size(); ++i) {
+    auto& report = result.reports[i];
+    report.file = sources[i].file();
+    report.format = sources[i].format().name;
+    SourceReading::content_of(sources[i]).add_to(set, report);
+    if (!sources[i].has_objects()) report.problems.push_back(nothing_in(sources[i]));
+  }
+  set.resolve();
+  result.locale = set.locale();
+  result.region = set.region();
+  result.types = set.types();
+  result.library = library_in_memory(rules.unit);
+  set.shared().save_all(*result.library);
+  save_all(set.materials(), rules, result);
+  save_all(set.compositions(), rules, result);
+  for (auto& report : result.reports) give_ids(report.repeated, set);
+  return result;
+}
+
+}  // namespace veldra::kit

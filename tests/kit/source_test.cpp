@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/kit_names.hpp"
+
+#include <gmock/gmock.h>
+
+namespace veldra_tests {
+namespace {
+
+using kit::Source;
+
+kit::SourceProblem problem_of(const std::string& content, const std::string& file = "a.idf") {
+  try {
+    const Source source(file, content);
+  } catch (const kit::SourceError& error) {
+    EXPECT_EQ(error.what(), error.problem().text());
+    return error.problem();
+  }
+  return {};
+}
+
+TEST(Formats, are_known_by_name_and_endings) {
+  std::vector<std::string> names;
+  for (const auto& format : kit::formats()) {
+    names.push_back(format.name);
+    EXPECT_FALSE(format.endings.empty()) << format.name;
+    EXPECT_TRUE(format.readable || format.writable) << format.name;
+  }
+  EXPECT_THAT(names, testing::IsSupersetOf({"veldra", "IDF", "epJSON"}));
+}
+
+TEST(Source, is_of_the_format_that_its_content_tells) {
+  EXPECT_EQ(Source("a", "Material:AirGap, Gap, 0.1;").format().name, "IDF");
+  EXPECT_EQ(Source("a", R"({"Material:AirGap": {}})").format().name, "epJSON");
+  EXPECT_EQ(Source("a.idf", R"({"format": "veldra"})").format().name, "veldra");
+}
+
+TEST(Source, may_begin_with_a_byte_order_mark) {
+  EXPECT_EQ(Source("a",
+                   "\xEF\xBB\xBF"
+                   R"({"format": "veldra"})")
+                .format()
+                .name,
+            "veldra");
+  EXPECT_TRUE(Source("a", "\xEF\xBB\xBFMaterial:AirGap, Gap, 0.1;").has_objects());
+}
+
+TEST(Source, knows_whether_it_has_objects) {
+  EXPECT_TRUE(Source("a", "Material:AirGap, Gap, 0.1;").has_objects());
+  EXPECT_FALSE(Source("a", "Version, 9.4;").has_objects());
+  EXPECT_TRUE(Source("a", R"({"format": "veldra", "tags": ["t"]})").has_objects());
+  EXPECT_FALSE(Source("a", R"({"format": "veldra", "version": 1})").has_objects());
+}
+
+TEST(Source, has_a_unit_if_it_is_of_a_library_that_says_one) {
+  EXPECT_EQ(Source("a", R"({"format": "veldra", "library": {"unit": "in"}})").unit(), Unit::Inches);
+  EXPECT_EQ(Source("a", R"({"format": "veldra", "library": {}})").unit(), std::nullopt);
+  EXPECT_EQ(Source("a", "Version, 9.4;").unit(), std::nullopt);
+}
+
+TEST(Source, cannot_have_a_unit_that_nobody_knows) {
+  const Source source("a.json", "{\"format\": \"veldra\",\n \"library\": {\"unit\": \"ell\"}}");
+  EXPECT_EQ(error_of([&] { source.unit(); }),
+            "'a.json', line 2: the library: the unit must be \"mm\" or \"in\"");
+}
+
+TEST(SourceProblem, has_the_place_in_parts) {
+  const auto problem = problem_of("Version, 9.4;\nMaterial,\n Brick, Rough");
+  EXPECT_EQ(problem.file, "a.idf");
+  EXPECT_EQ(problem.line, 2U);
+  EXPECT_EQ(problem.sentence, "the file ends within the object that begins here");
+  EXPECT_EQ(problem.text(), "'a.idf', line 2: the file ends within the object that begins here");
+}
+
+TEST(SourceProblem, of_a_whole_file_has_no_line) {
+  const auto problem = problem_of("");
+  EXPECT_EQ(problem.line, 0U);
+  EXPECT_EQ(problem.text(), "'a.idf': this is empty");
+}
+
+TEST(SourceProblem, names_the_format_of_what_cannot_be_read) {
+  EXPECT_THAT(problem_of("%PDF-1.7 ").sentence, HasSubstr("this seems to be a PDF document"));
+  EXPECT_THAT(problem_of("a,b,c\n1,2,3\n").sentence, HasSubstr("a table (CSV)"));
+  EXPECT_THAT(problem_of("{\"a\": 1}").sentence, HasSubstr("JSON of another kind"));
+}
+
+TEST(SourceProblem, tells_the_line_of_what_is_no_json) {
+  const auto problem = problem_of("{\n\n\"a\": ?}");
+  EXPECT_EQ(problem.line, 3U);
+  EXPECT_THAT(problem.sentence, HasSubstr("this is no proper JSON"));
+}
+
+TEST(SourceProblem, is_utf8_whatever_the_name_of_the_file) {
+  EXPECT_EQ(problem_of("", "Gr\xFC\xDF.idf").text(), "'Grüß.idf': this is empty");
+  EXPECT_EQ(problem_of("", "Gr\xFC\xDF.idf").file, "Gr\xFC\xDF.idf");
+}
+
+TEST(SourceProblem, quotes_names_as_they_are) {
+  EXPECT_EQ(problem_of("", "a\x1b[1m").text(), "'a\x1b[1m': this is empty");
+}
+
+}  // namespace
+}  // namespace veldra_tests

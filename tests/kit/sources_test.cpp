@@ -1,0 +1,256 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/kit_names.hpp"
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+
+namespace veldra_tests {
+namespace {
+
+using kit::OnClash;
+using kit::Repetition;
+using kit::Source;
+
+constexpr const char* brick = "Material, Brick, Rough, 0.24, 0.8, 1800, 900;\n";
+constexpr const char* thin_brick = "Material, BRICK, Rough, 0.12, 0.8, 1800, 900;\n";
+constexpr const char* wall = "Construction, Wall, brick, Brick;\n";
+
+kit::Sources read(const std::vector<std::string>& contents, const kit::SourceRules& rules = {}) {
+  std::vector<Source> sources;
+  for (const auto& content : contents) {
+    sources.emplace_back("folder/" + std::string(1, static_cast<char>('a' + sources.size())),
+                         content);
+  }
+  return kit::read_together(sources, rules);
+}
+
+kit::SourceRules when_they_clash(OnClash decision) {
+  kit::SourceRules rules;
+  rules.on_clash = decision;
+  return rules;
+}
+
+std::string own(const std::string& members) { return R"({"format": "veldra", )" + members + "}"; }
+
+std::vector<std::string> tags_of(const kit::Sources& sources, const std::string& name) {
+  std::vector<std::string> names;
+  const auto material = sources.library->get<Material>(text(name));
+  for (const auto& tag : material->tags()) {
+    names.push_back(tag->name().utf8());
+  }
+  return names;
+}
+
+const kit::SourceObject& origin_of(const kit::Sources& sources, const std::string& name) {
+  const auto material = sources.library->get<Material>(text(name));
+  return sources.origins.at({ObjectType::Material, material->id()});
+}
+
+std::vector<std::string> problems_in(const kit::SourceReport& report) {
+  std::vector<std::string> sentences;
+  for (const auto& problem : report.problems) sentences.push_back(problem.text());
+  return sentences;
+}
+
+TEST(SourcesTogether, are_a_library_in_the_unit_that_was_asked_for) {
+  kit::SourceRules rules;
+  rules.unit = Unit::Inches;
+  const auto sources = read({"Material, Brick, Rough, 0.254, 1, 1, 1;"}, rules);
+  EXPECT_EQ(sources.library->unit(), Unit::Inches);
+  EXPECT_THAT(sources.library->get<Material>(text("Brick"))->thicknesses(), ElementsAre(10));
+}
+
+TEST(SourcesTogether, have_nothing_that_the_sources_do_not_have) {
+  const auto sources = read({own(R"("tags": [])")});
+  EXPECT_EQ(sources.library->count<MaterialType>(), 0U);
+  EXPECT_EQ(sources.library->count<Material>(), 0U);
+}
+
+TEST(SourcesTogether, may_refer_to_each_other) {
+  const auto sources = read({wall, brick});
+  const auto composition = sources.library->get<Composition>(text("Wall"));
+  ASSERT_EQ(composition->layers().size(), 2U);
+  EXPECT_EQ(composition->layers()[1].material()->name(), text("Brick"));
+  EXPECT_EQ(sources.reports[0].layers, 2U);
+  EXPECT_EQ(sources.reports[0].references_not_found, 0U);
+}
+
+TEST(SourcesTogether, know_where_each_object_comes_from) {
+  const auto sources = read(
+      {"Version, 9.4;\n" + std::string(brick), own("\n\"materials\": [\n{\"name\": \"Wool\"}]")});
+  const auto& idf = origin_of(sources, "Brick");
+  EXPECT_EQ(idf.source, 0U);
+  EXPECT_EQ(idf.line, 2U);
+  EXPECT_EQ(idf.name, "Brick");
+  EXPECT_TRUE(idf.ignores_case);
+  const auto& json = origin_of(sources, "Wool");
+  EXPECT_EQ(json.source, 1U);
+  EXPECT_EQ(json.line, 3U);
+  EXPECT_FALSE(json.ignores_case);
+  EXPECT_EQ(sources.origins.size(), 2U);
+}
+
+TEST(SourcesTogether, tell_each_step_of_the_writing) {
+  kit::SourceRules rules;
+  int steps = 0;
+  rules.on_object = [&] { ++steps; };
+  read({brick, wall}, rules);
+  EXPECT_EQ(steps, 2);
+}
+
+TEST(SourcesTogether, are_not_read_to_the_end_when_a_step_throws) {
+  kit::SourceRules rules;
+  rules.on_object = [] { throw std::runtime_error("enough"); };
+  EXPECT_THROW(read({brick}, rules), std::runtime_error);
+}
+
+TEST(SourcesTogether, give_simulation_models_the_name_of_their_file_as_a_tag) {
+  const auto sources = read({brick, own(R"("materials": [{"name": "Wool", "tags": ["w"]}])")});
+  EXPECT_THAT(tags_of(sources, "Brick"), ElementsAre("a"));
+  EXPECT_THAT(sources.reports[0].tags, ElementsAre(text("a")));
+  EXPECT_THAT(tags_of(sources, "Wool"), ElementsAre("w"));
+  EXPECT_THAT(sources.reports[1].tags, IsEmpty());
+}
+
+TEST(SourcesTogether, give_every_object_the_tags_that_were_asked_for) {
+  kit::SourceRules rules;
+  rules.tags = {"new", "w"};
+  const auto sources =
+      read({brick, own(R"("materials": [{"name": "Wool", "tags": ["w"]}])")}, rules);
+  EXPECT_THAT(tags_of(sources, "Brick"), ElementsAre("new", "w"));
+  EXPECT_THAT(tags_of(sources, "Wool"), testing::IsSupersetOf({"new", "w"}));
+  EXPECT_THAT(sources.reports[1].tags, ElementsAre(text("new"), text("w")));
+}
+
+TEST(SourcesTogether, refuse_a_tag_that_is_not_utf8) {
+  kit::SourceRules rules;
+  rules.tags = {"\xFF"};
+  EXPECT_EQ(error_of([&] { read({brick}, rules); }), "a text is not UTF-8");
+}
+
+TEST(RepeatedObject, that_is_equal_stands_for_both_whatever_the_case_of_its_name) {
+  const auto sources = read({brick, "\nMaterial, BRICK, Rough, 0.24, 0.8, 1800, 900;"});
+  EXPECT_EQ(sources.library->count<Material>(), 1U);
+  ASSERT_EQ(sources.reports[1].repeated.size(), 1U);
+  const auto& repeated = sources.reports[1].repeated[0];
+  EXPECT_EQ(repeated.what, Repetition::Equal);
+  EXPECT_EQ(repeated.name, "BRICK");
+  EXPECT_EQ(repeated.line, 2U);
+  EXPECT_EQ(sources.origins.at(repeated.object).name, "Brick");
+}
+
+TEST(RepeatedObject, that_differs_is_an_error_between_sources_unless_somebody_has_decided) {
+  try {
+    read({brick, thin_brick});
+    FAIL() << "they went together";
+  } catch (const kit::SourceError& error) {
+    EXPECT_EQ(error.problem().object, "BRICK");
+    EXPECT_STREQ(error.what(),
+                 "'folder/b', line 1: another material 'BRICK' stands in another source already");
+  }
+}
+
+TEST(RepeatedObject, that_differs_is_left_out_where_the_first_is_used) {
+  const auto sources = read({brick, thin_brick}, when_they_clash(OnClash::Use));
+  EXPECT_THAT(sources.library->get<Material>(text("Brick"))->thicknesses(), ElementsAre(240));
+  EXPECT_EQ(sources.reports[1].repeated.at(0).what, Repetition::Used);
+}
+
+TEST(RepeatedObject, that_differs_gives_its_values_where_the_first_is_overwritten) {
+  const auto sources = read({brick, thin_brick}, when_they_clash(OnClash::Overwrite));
+  EXPECT_EQ(sources.library->count<Material>(), 1U);
+  const auto& repeated = sources.reports[1].repeated.at(0);
+  EXPECT_EQ(repeated.what, Repetition::Overwrote);
+  EXPECT_THAT(sources.library->get<Material>(repeated.object.id)->thicknesses(), ElementsAre(120));
+}
+
+TEST(RepeatedObject, of_a_composition_is_found_among_compositions) {
+  const std::string two_materials = "Material:AirGap, Gap, 0.1;" + std::string(brick);
+  const auto sources = read({two_materials + wall, wall});
+  const auto& repeated = sources.reports[1].repeated.at(0);
+  EXPECT_EQ(repeated.object.type, ObjectType::Composition);
+  EXPECT_EQ(sources.library->get<Composition>(repeated.object.id)->name(), text("Wall"));
+}
+
+TEST(RenamedObject, has_a_number_and_its_own_source_means_it_by_its_name) {
+  const auto sources =
+      read({brick, thin_brick + std::string(wall)}, when_they_clash(OnClash::Rename));
+  const auto& origin = origin_of(sources, "BRICK (2)");
+  EXPECT_TRUE(origin.renamed);
+  EXPECT_EQ(origin.name, "BRICK");
+  EXPECT_FALSE(origin_of(sources, "Brick").renamed);
+  const auto composition = sources.library->get<Composition>(text("Wall"));
+  EXPECT_EQ(composition->layers()[0].material()->name(), text("BRICK (2)"));
+}
+
+TEST(SourceReport, counts_what_was_read_and_what_was_passed_over) {
+  const auto sources = read({"Version, 9.4;" + std::string(brick) + wall});
+  const auto& report = sources.reports[0];
+  EXPECT_EQ(report.file, "folder/a");
+  EXPECT_EQ(report.format, "IDF");
+  EXPECT_THAT(report.read, ElementsAre(std::pair("Construction", 1U), std::pair("Material", 1U)));
+  EXPECT_THAT(report.skipped, ElementsAre(std::pair("Version", 1U)));
+  EXPECT_THAT(problems_in(report), IsEmpty());
+}
+
+TEST(SourceReport, has_the_problems_of_single_objects) {
+  const auto sources =
+      read({"Material, Brick, Rough, thick, 1, 1, 1;\n"
+            "Construction, Wall, Brick;\n"});
+  EXPECT_THAT(problems_in(sources.reports[0]),
+              ElementsAre("'folder/a', line 1: Material 'Brick': 'thick' is not a number for "
+                          "'thickness'",
+                          "'folder/a', line 2: Construction 'Wall': there is no material 'Brick'"));
+  EXPECT_EQ(sources.reports[0].problems[0].object, "Brick");
+  EXPECT_EQ(sources.library->count<Material>(), 0U);
+}
+
+TEST(SourceReport, says_that_a_source_has_nothing) {
+  EXPECT_THAT(problems_in(read({"Version, 9.4;"}).reports[0]),
+              ElementsAre("'folder/a': this IDF source has no materials and no constructions"));
+}
+
+TEST(SourceReport, has_the_values_that_were_not_kept) {
+  const auto sources = read({"\nWindowMaterial:Blind, Blind, Horizontal;"});
+  ASSERT_EQ(sources.reports[0].not_kept.size(), 1U);
+  const auto& value = sources.reports[0].not_kept[0];
+  EXPECT_EQ(value.object_class, "WindowMaterial:Blind");
+  EXPECT_EQ(value.object, "Blind");
+  EXPECT_EQ(value.line, 2U);
+  EXPECT_EQ(value.value, "Horizontal");
+}
+
+TEST(SourceReport, has_the_assets_that_were_not_kept) {
+  const auto sources = read({own(R"("materials": [{"name": "Steel", "thermal_asset": {}}])")});
+  ASSERT_EQ(sources.reports[0].not_kept.size(), 1U);
+  EXPECT_EQ(sources.reports[0].not_kept[0].field, "thermal_asset");
+  EXPECT_EQ(sources.reports[0].not_kept[0].object, "Steel");
+}
+
+TEST(Settings, are_those_of_the_first_source_that_has_them) {
+  const auto sources = read({brick, own(R"("library": {"region": "CH"})"),
+                             own(R"("library": {"locale": "de", "region": "AT"})")});
+  EXPECT_EQ(sources.locale, text("de"));
+  EXPECT_EQ(sources.region, text("CH"));
+  EXPECT_FALSE(sources.types);
+}
+
+TEST(Settings, have_the_types_of_all_sources_that_list_theirs) {
+  const auto sources = read({own(R"("material_types": ["A"])"), own(R"("material_types": ["B"])")});
+  ASSERT_TRUE(sources.types);
+  EXPECT_THAT(*sources.types, ElementsAre(text("A"), text("B")));
+}
+
+TEST(MaterialCode, of_two_sources_must_not_be_the_same) {
+  const auto one = own(R"("materials": [{"name": "A", "code": "1"}])");
+  const auto other = own("\n\"materials\": [{\"name\": \"B\", \"code\": \"1\"}]");
+  EXPECT_EQ(error_of([&] {
+              read({one, other});
+            }),
+            "'folder/b', line 2: material 'B' has the code '1', which 'A' of the sources has "
+            "already");
+}
+
+}  // namespace
+}  // namespace veldra_tests
