@@ -5,9 +5,9 @@
 #include <veldra/kit/clash.hpp>
 #include <veldra/kit/error.hpp>
 #include <veldra/kit/export.hpp>
+#include <veldra/kit/progress.hpp>
 #include <veldra/library.hpp>
 
-#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -112,6 +112,13 @@ struct NotKept {
   std::string value;         ///< the value as a text
 };
 
+/// How many values of one field of one class were not kept.
+struct FieldNotKept {
+  std::string object_class;  ///< the class, as the format calls it
+  std::string field;         ///< the field, likewise
+  std::size_t count = 0;     ///< how many values
+};
+
 /// What becomes of an object whose name another object of the sources has.
 enum class Repetition : int {
   Equal = 0,     ///< they are equal: the first stands for both
@@ -142,6 +149,11 @@ struct SourceReport {
   std::vector<SourceProblem> problems;      ///< objects with problems are left out, unless only a
                                             ///< number is doubtful
 };
+
+/// The values of a source that were not kept, counted by class and field.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::vector<FieldNotKept> fields_not_kept(const SourceReport& report);
 
 /// Where an object comes from.
 struct SourceObject {
@@ -182,9 +194,12 @@ struct SourceRules {
   /// get the name of their file.
   std::vector<std::string> tags;
 
-  /// Is called for each material and composition that is in the library now. What it throws ends
-  /// the reading.
-  std::function<void()> on_object;
+  /// Whether values that a library has no place for become custom values. The property has the name
+  /// of the class and, behind a point, of the field, such as "WindowMaterial:Blind.slat_width".
+  bool keep_unknown = false;
+
+  /// Is called for each material and composition that is in the library now.
+  Progress progress;
 };
 
 /// Reads sources as one: a composition may be of materials of another source. Objects that differ
@@ -194,7 +209,7 @@ struct SourceRules {
 /// - `SourceError`: a source is malformed, two sources differ about an object though they must not,
 ///   or two materials have one code.
 /// - `Error`: a tag is not UTF-8.
-/// - a database error (`Library`).
+/// - a database error (`Library`), and what `progress` throws.
 VELDRA_KIT_EXPORT Sources read_together(const std::vector<Source>& sources,
                                         const SourceRules& rules);
 
