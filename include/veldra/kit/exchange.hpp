@@ -6,13 +6,16 @@
 #include <veldra/kit/error.hpp>
 #include <veldra/kit/export.hpp>
 #include <veldra/kit/progress.hpp>
+#include <veldra/kit/value.hpp>
 #include <veldra/library.hpp>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace veldra::kit {
@@ -212,6 +215,43 @@ struct SourceRules {
 /// - a database error (`Library`), and what `progress` throws.
 VELDRA_KIT_EXPORT Sources read_together(const std::vector<Source>& sources,
                                         const SourceRules& rules);
+
+/// Takes the parts of a text, one after the other.
+using TextSink = std::function<void(std::string_view part)>;
+
+/// Writes all that a library holds as JSON, in a form that `Source` reads: names in place of ids,
+/// and no members for what is as in a new object. Objects stand in the order of their names; the
+/// GUID is not written, as it belongs to one file. Characters that can steer a terminal stand as
+/// escapes.
+///
+/// - Only a part of the objects is in memory at a time, besides their names.
+/// - Hold a `Snapshot` of a library that others may change meanwhile.
+///
+/// Throws:
+/// - `std::out_of_range`: an object has gone meanwhile.
+/// - a database error (`Library`), and what `sink` and `progress` throw.
+VELDRA_KIT_EXPORT void write_json(const Library& library, const TextSink& sink,
+                                  const Progress& progress = {});
+
+/// The value of a field as it stands in that JSON, in one line; "null" for nothing.
+///
+/// Throws: `std::bad_alloc`, and `utf8::invalid_utf16` for a text that is malformed.
+VELDRA_KIT_EXPORT std::string json_of(const Value& value);
+
+/// An object as it stands in that JSON, in one line.
+///
+/// Throws: as `Field::get`.
+VELDRA_KIT_EXPORT std::string json_of(const Material& material);
+
+/// The same of a composition.
+///
+/// Throws: as `Field::get`.
+VELDRA_KIT_EXPORT std::string json_of(const Composition& composition);
+
+/// The same of a custom property.
+///
+/// Throws: as `Field::get`.
+VELDRA_KIT_EXPORT std::string json_of(const CustomProperty& property);
 
 }  // namespace veldra::kit
 
