@@ -107,7 +107,7 @@ std::string source_text(kit::QuantitySource source) {
 /// Calls `visit(field, number, source)` for each quantity that the material has.
 template <class Visit>
 void for_each_quantity(const veldra::Material& material, Visit visit) {
-  for (const auto& field : built_in_fields<veldra::Material>()) {
+  for (const auto& field : kit::built_in_fields<veldra::Material>()) {
     const auto source = kit::quantity_source(field, material);
     if (source == kit::QuantitySource::None) continue;
     visit(field, field.get(material).as<double>(), source);
