@@ -47,7 +47,7 @@ Json to_json(const Compositions& compositions) {
 
 void print_written(const Arguments& arguments, const std::string& sheet,
                    const Compositions& compositions, Spool& output) {
-  Json written = written_to_json(arguments.output, "svg", sheet);
+  Json written = written_to_json(arguments.output, "svg", sheet.size());
   written["compositions"] = to_json(compositions);
   print_json(output, written);
 }
