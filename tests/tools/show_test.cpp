@@ -201,7 +201,7 @@ TEST_F(ShownQuantities, are_told_with_what_holds_them) {
   EXPECT_THAT(must({"show", "a.lib", "material", "Brick"}).out,
               HasSubstr("quantities\n"
                         "  conductivity        4.25 W/(m K), from the thermal asset\n"
-                        "  density             1800 kg/m3, from the custom property\n"
+                        "  density             1800 kg/m³, from the custom property\n"
                         "  specific heat       2.5 J/(kg K), from the structural asset\n"));
   const auto json = must({"show", "a.lib", "material", "Brick", "--json"}).json()["quantities"];
   EXPECT_EQ(json["density"]["source"], "custom_property");

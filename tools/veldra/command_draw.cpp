@@ -59,7 +59,7 @@ std::string format_of(const Arguments& arguments) {
 
 void print_written(const Arguments& arguments, const std::string& sheet,
                    const Compositions& compositions, Spool& output) {
-  Json written = written_to_json(arguments.output, format_of(arguments), sheet);
+  Json written = written_to_json(arguments.output, format_of(arguments), sheet.size());
   written["compositions"] = to_json(compositions);
   print_json(output, written);
 }

@@ -2,12 +2,12 @@
 #ifndef VELDRA_KIT_PLAN_HPP
 #define VELDRA_KIT_PLAN_HPP
 
+#include <veldra/id_mapping.hpp>
 #include <veldra/kit/clash.hpp>
 #include <veldra/kit/error.hpp>
 #include <veldra/kit/export.hpp>
 #include <veldra/kit/progress.hpp>
 #include <veldra/kit/value.hpp>
-#include <veldra/id_mapping.hpp>
 #include <veldra/library.hpp>
 
 #include <cstddef>
