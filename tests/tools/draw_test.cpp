@@ -265,10 +265,13 @@ TEST_F(DrawSheet, hatches_differ_without_colours) {
     composition->appendLayer({of, veldra::Material::Function::None, 200});
     library("a.lib")->save(composition);
     const auto svg = drawn(name);
-    std::smatch match;
-    ASSERT_TRUE(std::regex_search(svg, match, std::regex("<g clip-path[^>]*>(<path[^/]*)")))
-        << name;
-    const auto path = std::regex_replace(match[1].str(), std::regex("#[0-9a-f]{6}"), "");
+    const auto group = svg.find("<g clip-path");
+    const auto from = svg.find("<path", group);
+    ASSERT_LT(from, svg.find("</g>", group)) << name;
+    auto path = svg.substr(from, svg.find("/>", from) - from);
+    for (auto at = path.find('#'); at != std::string::npos; at = path.find('#')) {
+      path.erase(at, 7);
+    }
     EXPECT_TRUE(seen.insert(path).second) << name;
   }
 }
@@ -301,9 +304,9 @@ TEST_F(DrawSheet, numbers_are_never_those_of_a_machine) {
     add(material("Brick", {{"Thermal conductivity [W/(m K)]", "0.000025"}}), thickness);
     library("a.lib")->save(wall_);
     const auto svg = must({"draw", "a.lib", wall_->name().utf8()}).out;
-    EXPECT_FALSE(std::regex_search(svg, std::regex(">[^<]*([0-9]e[-+]?[0-9]|inf|nan)[^<]*<")) &&
-                 !std::regex_search(svg, std::regex("<title>Wall (inf|nan)")))
-        << thickness;
+    for (const char* machine : {">inf<", ">nan<", "\"inf\"", "\"nan\"", "e-05", "e+"}) {
+      EXPECT_THAT(svg, Not(HasSubstr(machine))) << thickness;
+    }
   }
 }
 
