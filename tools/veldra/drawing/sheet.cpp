@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "drawing/sheet.hpp"
 
+#include "drawing/charts.hpp"
 #include "drawing/section.hpp"
 #include "drawing/svg.hpp"
 #include "kinds.hpp"
@@ -139,10 +140,26 @@ class Panel {
     }
     draw_title(svg);
     svg.add(body);
-    return std::max(body_top + section.height(), list_end) + 10;
+    return draw_moisture(svg, std::max(body_top + section.height(), list_end)) + 10;
   }
 
  private:
+  /// Charts where there is a climate, or why there are none.
+  double draw_moisture(Svg& svg, double y) const {
+    if (!wishes_.climate) return y;
+    const auto moisture = kit::moisture_of(composition_, unit_, *wishes_.climate, wishes_.boundary);
+    if (moisture.year) {
+      draw_charts(svg, *moisture.year, words_, {margin, y + 6});
+      return y + charts_height;
+    }
+    for (const auto& fault : moisture.faults) {
+      for (const auto& line : wrapped(fault, subtitle_columns)) {
+        svg.text({margin, y += 4.5}, line, style_of(2.6));
+      }
+    }
+    return y;
+  }
+
   double draw_sentence(Svg& svg, const char* sentence) {
     subtitles_ = subtitle_lines(0);
     draw_title(svg);
@@ -265,6 +282,7 @@ class Panel {
     y = draw_further_figures(svg, draw_transmission(svg, y + 5));
     TextStyle note = style_of(2.2);
     note.color = "#555555";
+    y += 2;
     for (const auto& text : notes()) {
       for (const auto& line : wrapped(text, note_columns)) {
         svg.text({name_left, y += 3.6}, line, note);
@@ -375,9 +393,10 @@ class Panel {
                                   " Die dünnsten Schichten sind dicker gezeichnet.");
     }
     if (undimensioned_ > 0) {
-      notes.push_back(fmt::format(fmt::runtime(words_.say("{} thicknesses stand in this list only.",
-                                                          "{} Dicken stehen nur in dieser Liste.")),
-                                  undimensioned_));
+      notes.push_back(
+          fmt::format(fmt::runtime(words_.say("Thicknesses that have room in this list only: {}.",
+                                              "Dicken, die nur in dieser Liste Platz haben: {}.")),
+                      undimensioned_));
     }
     if (!hatched_) {
       notes.emplace_back(words_.say("Some layers are drawn without their hatch.",
