@@ -265,13 +265,13 @@ TEST_F(DrawSheet, hatches_differ_without_colours) {
     composition->appendLayer({of, veldra::Material::Function::None, 200});
     library("a.lib")->save(composition);
     const auto svg = drawn(name);
+    // A path is too long for the regular expressions of the library.
     const auto group = svg.find("<g clip-path");
-    const auto from = svg.find("<path", group);
-    ASSERT_LT(from, svg.find("</g>", group)) << name;
-    auto path = svg.substr(from, svg.find("/>", from) - from);
-    for (auto at = path.find('#'); at != std::string::npos; at = path.find('#')) {
-      path.erase(at, 7);
-    }
+    const auto begin = svg.find("<path", group);
+    ASSERT_NE(begin, std::string::npos) << name;
+    const auto data = svg.find(" d=\"", begin);
+    ASSERT_NE(data, std::string::npos) << name;
+    const auto path = svg.substr(data, svg.find('"', data + 4) - data);
     EXPECT_TRUE(seen.insert(path).second) << name;
   }
 }

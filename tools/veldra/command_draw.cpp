@@ -95,7 +95,7 @@ void draw(const Arguments& arguments, Host& host) {
   }
   const auto request = read_wishes(arguments.proof);
   const OutputFile output(arguments.output, arguments.file, arguments.force);
-  require_ending(arguments.output, "svg");
+  require_ending(arguments.output, format_of(arguments));
   const auto sheet = reading(arguments.file, [&](const veldra::Library& library) {
     const auto compositions = wanted_compositions(library, arguments);
     auto drawn = document_of(compositions, arguments, request, library);
