@@ -299,9 +299,10 @@ TEST_F(DrawSheet, speaks_german_in_a_german_library) {
 }
 
 TEST_F(DrawSheet, numbers_are_never_those_of_a_machine) {
+  const auto brick = material("Brick", {{"Thermal conductivity [W/(m K)]", "0.000025"}});
   for (const double thickness : {1e-5, 1e300, 0.0, std::nan(""), -5.0, HUGE_VAL}) {
     wall_ = veldra::Composition::create(("Wall " + std::to_string(thickness)).c_str());
-    add(material("Brick", {{"Thermal conductivity [W/(m K)]", "0.000025"}}), thickness);
+    add(brick, thickness);
     library("a.lib")->save(wall_);
     const auto svg = must({"draw", "a.lib", wall_->name().utf8()}).out;
     for (const char* machine : {">inf<", ">nan<", "\"inf\"", "\"nan\"", "e-05", "e+"}) {
