@@ -461,12 +461,11 @@ const char* Section::side_text(kit::physics::Side side) const {
   }
 }
 
-/// What is no length is a dash, and what would round to 0 and is not is less than the least.
+/// What is no length is a dash.
 std::string drawn_length(double length, veldra::Unit unit, const Words& words) {
-  if (!std::isfinite(length)) return "–";
+  if (std::isnan(length)) return "–";
   const int decimals = unit == veldra::Unit::Inches ? 3 : 2;
-  const double least = unit == veldra::Unit::Inches ? 0.001 : 0.01;
-  if (length > 0 && length < least / 2) return "<" + words.number(rounded_number(least, decimals));
+  if (std::isinf(length)) return rounded_number(length, decimals);
   return words.number(short_number(length, decimals));
 }
 

@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <string_view>
 
 namespace veldra_tool {
 
@@ -33,6 +34,27 @@ constexpr std::size_t note_columns = 92;
 constexpr std::size_t most_layers = 200;        ///< of a build-up that is drawn
 constexpr std::size_t longest_panel = 950'000;  ///< bytes of one, without its title
 
+/// As much of the beginning of a text as can have so many columns, without half a character, so that
+/// a word without end is gone through once.
+std::string_view beginning(std::string_view text, std::size_t columns) {
+  std::size_t end = std::min(text.size(), 16 * columns);
+  while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) ++end;
+  return text.substr(0, end);
+}
+
+/// Puts what fills lines of a word into lines, and gives the rest.
+std::string broken(std::string_view word, std::size_t columns, std::vector<std::string>& lines) {
+  while (true) {
+    const auto part = beginning(word, columns);
+    if (part.size() == word.size() && display_width(part) <= columns) return std::string(word);
+    const auto line = leading_columns(part, columns);
+    if (line.empty()) return std::string(word);
+    lines.back() += line;
+    lines.emplace_back();
+    word.remove_prefix(line.size());
+  }
+}
+
 /// The text in lines of at most so many columns, broken at blanks where there are any, and else
 /// within words.
 std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {
@@ -46,13 +68,7 @@ std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {
       lines.emplace_back();
       word = trimmed(word);
     }
-    while (display_width(word) > columns) {
-      const auto part = leading_columns(word, columns);
-      if (part.empty()) break;
-      lines.back() += part;
-      lines.emplace_back();
-      word.erase(0, part.size());
-    }
+    word = broken(word, columns, lines);
     lines.back() += word;
     start = end;
   }
