@@ -465,7 +465,6 @@ const char* Section::side_text(kit::physics::Side side) const {
 std::string drawn_length(double length, veldra::Unit unit, const Words& words) {
   if (std::isnan(length)) return "–";
   const int decimals = unit == veldra::Unit::Inches ? 3 : 2;
-  if (std::isinf(length)) return rounded_number(length, decimals);
   return words.number(short_number(length, decimals));
 }
 
