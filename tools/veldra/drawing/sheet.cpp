@@ -34,8 +34,8 @@ constexpr std::size_t note_columns = 92;
 constexpr std::size_t most_layers = 200;        ///< of a build-up that is drawn
 constexpr std::size_t longest_panel = 950'000;  ///< bytes of one, without its title
 
-/// As much of the beginning of a text as can have so many columns, without half a character, so that
-/// a word without end is gone through once.
+/// As much of the beginning of a text as can have so many columns, without half a character, so
+/// that a word without end is gone through once.
 std::string_view beginning(std::string_view text, std::size_t columns) {
   std::size_t end = std::min(text.size(), 16 * columns);
   while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) ++end;
