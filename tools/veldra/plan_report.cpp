@@ -42,8 +42,9 @@ std::string outcome_text(const PlanEntry& entry) {
 std::string changes_text(const PlanEntry& entry) {
   std::string text;
   for (const auto& change : entry.changes) {
-    text += fmt::format("    {}: {} -> {}\n", printable(change.field), text_of(change.before),
-                        text_of(change.after));
+    const bool stays = entry.decision == Decision::Keep || entry.decision == Decision::Undecided;
+    text += fmt::format("    {}: {}{}{}\n", printable(change.field), text_of(change.before),
+                        stays ? ", and not " : " -> ", text_of(change.after));
   }
   return text;
 }
