@@ -27,6 +27,7 @@ SourceField implied(const char* key) { return {key, "", FieldKind::Implied}; }
 
 std::vector<SourceField> dropped(const std::vector<const char*>& keys) {
   std::vector<SourceField> fields;
+  fields.reserve(keys.size());
   for (const char* key : keys) fields.push_back(dropped(key));
   return fields;
 }

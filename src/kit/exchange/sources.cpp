@@ -76,6 +76,7 @@ std::vector<FieldNotKept> fields_not_kept(const SourceReport& report) {
   std::map<std::pair<std::string, std::string>, std::size_t> counts;
   for (const auto& value : report.not_kept) ++counts[{value.object_class, value.field}];
   std::vector<FieldNotKept> fields;
+  fields.reserve(counts.size());
   for (const auto& [field, count] : counts) fields.push_back({field.first, field.second, count});
   return fields;
 }
