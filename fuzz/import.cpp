@@ -55,7 +55,7 @@ constexpr const char* stored_objects = R"({
 })";
 
 // Runs a command of the program; gives the sentence with which it failed, and in `notes` what it
-// had to say besides.
+// had to say besides. A dry run that tells of clashes fails without throwing.
 std::string run(std::vector<std::string> arguments, std::string* notes = nullptr) {
   std::string sentence;
   const auto thrown = veldra_tests::thrown_by([&] {
@@ -66,6 +66,7 @@ std::string run(std::vector<std::string> arguments, std::string* notes = nullptr
     } catch (const veldra_tool::Failure& failure) {
       sentence = failure.what();
     }
+    if (host.status == veldra_tool::Status::Failed) sentence = host.notes;
     if (notes != nullptr) *notes = host.notes;
   });
   if (!(thrown == "")) std::cerr << thrown << std::endl;

@@ -94,14 +94,14 @@ TEST(SourcesTogether, know_where_each_object_comes_from) {
 TEST(SourcesTogether, tell_each_step_of_the_writing) {
   kit::SourceRules rules;
   int steps = 0;
-  rules.on_object = [&] { ++steps; };
+  rules.progress = [&] { ++steps; };
   read({brick, wall}, rules);
   EXPECT_EQ(steps, 2);
 }
 
 TEST(SourcesTogether, are_not_read_to_the_end_when_a_step_throws) {
   kit::SourceRules rules;
-  rules.on_object = [] { throw std::runtime_error("enough"); };
+  rules.progress = [] { throw std::runtime_error("enough"); };
   EXPECT_THROW(read({brick}, rules), std::runtime_error);
 }
 
@@ -218,7 +218,56 @@ TEST(SourceReport, has_the_values_that_were_not_kept) {
   EXPECT_EQ(value.object_class, "WindowMaterial:Blind");
   EXPECT_EQ(value.object, "Blind");
   EXPECT_EQ(value.line, 2U);
+  EXPECT_EQ(value.field, "slat_orientation");
   EXPECT_EQ(value.value, "Horizontal");
+}
+
+TEST(SourceReport, counts_what_was_not_kept_by_class_and_field) {
+  const auto sources = read({"WindowMaterial:Blind, A, , 1, 2; WindowMaterial:Blind, B, , 3;"});
+  const auto fields = kit::fields_not_kept(sources.reports[0]);
+  ASSERT_EQ(fields.size(), 2U);
+  EXPECT_EQ(fields[0].object_class, "WindowMaterial:Blind");
+  EXPECT_EQ(fields[0].field, "slat_separation");
+  EXPECT_EQ(fields[0].count, 1U);
+  EXPECT_EQ(fields[1].field, "slat_width");
+  EXPECT_EQ(fields[1].count, 2U);
+}
+
+TEST(SourceReport, names_a_field_alike_in_both_formats_of_simulations) {
+  for (const auto* content : {"WindowMaterial:Gas, G, Custom, 0.01, 2;",
+                              R"({"WindowMaterial:Gas": {"G": {"gas_type": "Custom",
+                                 "thickness": 0.01, "conductivity_coefficient_a": 2}}})"}) {
+    const auto fields = kit::fields_not_kept(read({content}).reports[0]);
+    ASSERT_EQ(fields.size(), 1U) << content;
+    EXPECT_EQ(fields[0].field, "conductivity_coefficient_a");
+  }
+}
+
+TEST(SourceReport, has_values_of_any_kind_that_were_not_kept) {
+  const auto sources = read({R"({"Material": {"Brick": {"thickness": 0.1,
+    "list": [1, "a", null, true], "object": {"b": 0.5}, "text": "plain", "yes": true}}})"});
+  std::vector<std::string> values;
+  for (const auto& value : sources.reports[0].not_kept) values.push_back(value.value);
+  EXPECT_THAT(values, ElementsAre(R"([1.0,"a",null,true])", R"({"b":0.5})", "plain", "true"));
+}
+
+TEST(UnknownFields, become_custom_values_where_they_are_wanted) {
+  kit::SourceRules rules;
+  rules.keep_unknown = true;
+  const auto sources = read({"WindowMaterial:Blind, Blind, , 0.025;"
+                             "Construction:InternalSource, Warm, 1, , , , Blind;",
+                             own(R"("materials": [{"name": "Oak", "thermal_asset": {"a": 1}}])")},
+                            rules);
+  for (const auto& report : sources.reports) EXPECT_THAT(report.not_kept, IsEmpty());
+  const auto value = [](const auto& object, const char* property) {
+    return object->custom_value(text(property)).get().utf8();
+  };
+  EXPECT_EQ(value(sources.library->get<Material>(text("Blind")), "WindowMaterial:Blind.slat_width"),
+            "0.025");
+  EXPECT_EQ(value(sources.library->get<Material>(text("Oak")), "material.thermal_asset.a"), "1");
+  EXPECT_EQ(value(sources.library->get<Composition>(text("Warm")),
+                  "Construction:InternalSource.source_present_after_layer_number"),
+            "1");
 }
 
 TEST(SourceReport, has_the_assets_that_were_not_kept) {

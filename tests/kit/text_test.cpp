@@ -84,6 +84,10 @@ TEST(TextWithoutControls, tells_which_it_replaces) {
   EXPECT_EQ(kit::without_controls("\t\u2028", number), "98232");
 }
 
+TEST(TextWithoutControls, of_json_has_escapes_and_its_own_line_breaks) {
+  EXPECT_EQ(kit::without_controls_in_json("{\n\"a\": \"\u202e\"}"), "{\n\"a\": \"\\u202e\"}");
+}
+
 TEST(TrimmedText, has_no_blanks_around_it) {
   EXPECT_EQ(kit::trimmed(" \t a b \r\n"), "a b");
   EXPECT_EQ(kit::trimmed(" \t "), "");

@@ -13,6 +13,7 @@ const std::vector<Command> readers = {
     {"list as JSON", {"list", "office.lib", "compositions", "--json"}},
     {"show", {"show", "office.lib", "composition", "Ziegelwand"}},
     {"where-used", {"where-used", "office.lib", "material", "Kalkputz"}},
+    {"calc", {"calc", "office.lib", "Ziegelwand", "--target-u", "5", "--layer", "1"}},
     {"check", {"check", "office.lib"}},
     {"export", {"export", "office.lib"}},
     {"export of much", {"export", "much.lib"}},

@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <regex>
+#include <set>
 
 namespace veldra_tests {
 namespace {
@@ -138,6 +139,226 @@ TEST_F(Draw, a_composition_that_is_not_there_writes_no_file) {
   EXPECT_EQ(run.status, 1);
   EXPECT_THAT(run.err, is_one_sentence());
   EXPECT_FALSE(exists("sheet.svg"));
+}
+
+class DrawSheet : public Draw {
+ protected:
+  using Properties = std::vector<std::pair<const char*, const char*>>;
+
+  std::shared_ptr<veldra::Material> material(const char* name, const Properties& properties) {
+    const auto result = veldra::Material::create(name);
+    for (const auto& [property, value] : properties) result->custom_value(property, value);
+    return result;
+  }
+
+  void add(const std::shared_ptr<veldra::Material>& material, double thickness) {
+    wall_->appendLayer({material, veldra::Material::Function::None, thickness});
+  }
+
+  std::string sheet(const std::vector<std::string>& options = {}) {
+    library("a.lib")->save(wall_);
+    std::vector<std::string> arguments{"draw", "a.lib", "Wall"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return must(arguments).out;
+  }
+
+  /// The font size of the first text that begins so; 0 if there is none.
+  static double size_of(const std::string& svg, const std::string& beginning) {
+    std::smatch match;
+    const std::regex element("font-size=\"([0-9.]+)\"[^>]*>" + beginning);
+    return std::regex_search(svg, match, element) ? std::stod(match[1]) : 0;
+  }
+
+  std::shared_ptr<veldra::Composition> wall_ = veldra::Composition::create("Wall");
+};
+
+TEST_F(DrawSheet, an_assumed_transmittance_is_smaller_than_a_stated_one) {
+  wall_->type(veldra::Composition::Type::Wall);
+  add(material("Brick", {{"Thermal conductivity [W/(m K)]", "0.4"}}), 200);
+  const auto assumed = sheet();
+  EXPECT_THAT(assumed, HasSubstr(">assumed by its type: outdoor air outside<"));
+  const auto stated = sheet({"--boundary", "ground"});
+  EXPECT_THAT(stated, Not(HasSubstr("assumed")));
+  EXPECT_THAT(stated, HasSubstr(">ground<"));
+  EXPECT_GT(size_of(stated, "U = "), size_of(assumed, "U = "));
+}
+
+TEST_F(DrawSheet, an_interior_wall_has_a_room_on_both_sides) {
+  wall_->custom_value("Boundary", "interior,horizontal");
+  add(material("Brick", {{"Thermal conductivity [W/(m K)]", "0.4"}}), 200);
+  const auto svg = sheet();
+  EXPECT_THAT(svg, HasSubstr(">room<"));
+  EXPECT_THAT(svg, Not(HasSubstr(">outside<")));
+}
+
+TEST_F(DrawSheet, a_bridge_is_drawn_and_listed) {
+  add(material("Wool", {{"Thermal conductivity [W/(m K)]", "0.04"},
+                        {"Bridge", "rafters"},
+                        {"Bridge share [-]", "0.12"},
+                        {"Bridge conductivity [W/(m K)]", "0.13"},
+                        {"Bridge spacing [mm]", "100"}}),
+      200);
+  const auto svg = sheet();
+  EXPECT_THAT(svg, HasSubstr(">+ rafters, 12 %<"));
+  // At 1:2 the wool is 100 wide and a bridge, 12 % of 50, is 6.
+  EXPECT_THAT(svg, HasSubstr("<rect width=\"100\" height=\"6\""));
+}
+
+TEST_F(DrawSheet, twenty_layers_have_all_their_thicknesses) {
+  for (int i = 0; i < 20; ++i) {
+    add(material(("M" + std::to_string(i)).c_str(), {}), i % 4 == 0 ? 60 : 1.25 + i);
+  }
+  const auto svg = sheet();
+  for (int i = 0; i < 20; ++i) {
+    const auto thickness = i % 4 == 0 ? std::string("60") : std::to_string(1 + i) + ".25";
+    EXPECT_THAT(svg, ContainsRegex("font-size=\"2.3\"[^>]*>" + thickness + "<")) << i;
+  }
+  EXPECT_THAT(svg, Not(HasSubstr("room in this list only")));
+}
+
+TEST_F(DrawSheet, thicknesses_without_room_are_told) {
+  for (int i = 0; i < 60; ++i) add(material(("M" + std::to_string(i)).c_str(), {}), 10.25);
+  EXPECT_THAT(sheet(), ContainsRegex("Thicknesses that have room in this list only: [0-9]+"));
+}
+
+TEST_F(DrawSheet, long_titles_and_words_are_broken) {
+  wall_->name(std::string(150, 'W').c_str());
+  wall_->description("x");
+  add(material(std::string(120, 'b').c_str(), {}), 100);
+  library("a.lib")->save(wall_);
+  const auto svg = must({"draw", "a.lib", "1"}).out;
+  EXPECT_THAT(svg, HasSubstr(">" + std::string(88, 'W') + "<"));
+  EXPECT_THAT(svg, HasSubstr(">" + std::string(150 - 88, 'W') + "<"));
+  EXPECT_THAT(svg, HasSubstr(">" + std::string(48, 'b') + "<"));
+  EXPECT_THAT(svg, HasSubstr(">" + std::string(24, 'b') + "<"));
+}
+
+TEST_F(DrawSheet, soft_insulation_is_never_guessed) {
+  const auto loops = [this](const char* hatch) {
+    wall_ = veldra::Composition::create("Wall");
+    const auto wool = material("Wool", {{"Thermal conductivity [W/(m K)]", "0.04"}});
+    if (hatch) {
+      veldra::Pattern pattern(1, 45, false);
+      pattern.name = hatch;
+      wool->cut_pattern(pattern);
+    }
+    add(wool, 100);
+    const std::string name = std::string("Wall ") + (hatch ? hatch : "plain");
+    wall_->name(name.c_str());
+    library(hatch ? "b.lib" : "c.lib")->save(wall_);
+    return must({"draw", hatch ? "b.lib" : "c.lib", name}).out.size();
+  };
+  EXPECT_GT(loops("Insulation"), loops(nullptr) + 1000);
+}
+
+TEST_F(DrawSheet, hatches_differ_without_colours) {
+  std::set<std::string> seen;
+  const char* names[] = {"Metal",   "Gypsum",   "Plain concrete", "Reinforced concrete",
+                         "Glass",   "Membrane", "Insulation",     "Rigid insulation",
+                         "Masonry", "Plaster",  "Timber",         "Board"};
+  for (const char* name : names) {
+    const auto composition = veldra::Composition::create(name);
+    const auto of = material(name, {});
+    veldra::Pattern pattern(1, 45, false);
+    pattern.name = name;
+    of->cut_pattern(pattern);
+    composition->appendLayer({of, veldra::Material::Function::None, 200});
+    library("a.lib")->save(composition);
+    const auto svg = drawn(name);
+    // A path is too long for the regular expressions of the library.
+    const auto group = svg.find("<g clip-path");
+    const auto begin = svg.find("<path", group);
+    ASSERT_NE(begin, std::string::npos) << name;
+    const auto data = svg.find(" d=\"", begin);
+    ASSERT_NE(data, std::string::npos) << name;
+    const auto path = svg.substr(data, svg.find('"', data + 4) - data);
+    EXPECT_TRUE(seen.insert(path).second) << name;
+  }
+}
+
+TEST_F(DrawSheet, lies_or_stands_as_is_asked_for) {
+  save("Wall", veldra::Composition::Type::Wall, {100, 200});
+  EXPECT_THAT(must({"draw", "a.lib", "Wall"}).out, HasSubstr("matrix(1 0 0 1"));
+  EXPECT_THAT(must({"draw", "a.lib", "Wall", "--orientation", "lying"}).out,
+              HasSubstr("matrix(0 1 1 0"));
+  const auto floor = must({"draw", "a.lib", "Wall", "--type", "floor"}).out;
+  EXPECT_THAT(floor, HasSubstr("matrix(0 -1 1 0"));
+  EXPECT_THAT(floor, HasSubstr("Floor · 2 layers"));
+}
+
+TEST_F(DrawSheet, speaks_german_in_a_german_library) {
+  must({"create", "de.lib", "--locale", "de_CH"});
+  save("Wall", veldra::Composition::Type::Wall, {12.5});
+  must({"copy", "a.lib", "de.lib", "--all"});
+  const auto svg = must({"draw", "de.lib", "Wall"}).out;
+  EXPECT_THAT(svg, HasSubstr("xml:lang=\"de\""));
+  EXPECT_THAT(svg, HasSubstr("Wand · 1 Schicht · Maßstab 1:1"));
+  EXPECT_THAT(svg, HasSubstr(">12,5<"));
+  EXPECT_THAT(svg, HasSubstr(">außen<"));
+  EXPECT_THAT(svg, Not(HasSubstr(">12.5<")));
+}
+
+TEST_F(DrawSheet, numbers_are_never_those_of_a_machine) {
+  const auto brick = material("Brick", {{"Thermal conductivity [W/(m K)]", "0.000025"}});
+  for (const double thickness : {1e-5, 1e300, 0.0, std::nan(""), -5.0, HUGE_VAL}) {
+    wall_ = veldra::Composition::create(("Wall " + std::to_string(thickness)).c_str());
+    add(brick, thickness);
+    library("a.lib")->save(wall_);
+    const auto svg = must({"draw", "a.lib", wall_->name().utf8()}).out;
+    for (const char* machine : {">inf<", ">nan<", "\"inf\"", "\"nan\"", "e-05", "e+"}) {
+      EXPECT_THAT(svg, Not(HasSubstr(machine))) << thickness;
+    }
+  }
+}
+
+TEST_F(DrawSheet, has_title_description_and_language) {
+  save("Wall", veldra::Composition::Type::Wall, {100});
+  const auto svg = drawn("Wall");
+  EXPECT_THAT(svg, HasSubstr("<title>Wall</title>\n<desc>Sections to scale"));
+  EXPECT_THAT(svg, HasSubstr("xml:lang=\"en\""));
+}
+
+TEST_F(DrawSheet, as_a_page_escapes_what_comes_from_the_library_and_loads_nothing) {
+  save("<script>alert(1)</script>", veldra::Composition::Type::Wall, {100});
+  must({"draw", "a.lib", "1", "-o", "sheet.html"});
+  const auto page = read("sheet.html");
+  EXPECT_THAT(page, StartsWith("<!DOCTYPE html>\n<html lang=\"en\">"));
+  EXPECT_THAT(page, HasSubstr("<title>&lt;script&gt;"));
+  EXPECT_THAT(page, Not(HasSubstr("<script")));
+  EXPECT_THAT(page, Not(ContainsRegex("(src|href)=")));
+}
+
+TEST_F(DrawSheet, charts_of_moisture_stand_below_it) {
+  add(material("Sheet", {{"Thermal conductivity [W/(m K)]", "0.4"},
+                         {"Vapour diffusion thickness [m]", "10"}}),
+      20);
+  add(material("Board", {{"Thermal conductivity [W/(m K)]", "0.2"},
+                         {"Water vapour resistance factor [-]", "10"}}),
+      50);
+  std::string table =
+      "month,outside_temperature,outside_humidity,inside_temperature,"
+      "inside_humidity\n";
+  for (int month = 1; month <= 12; ++month) table += std::to_string(month) + ",0,90,20,60\n";
+  write("climate.csv", table);
+  const auto svg = sheet({"--climate", "climate.csv"});
+  EXPECT_THAT(svg, HasSubstr(">Vapour pressures, December<"));
+  EXPECT_THAT(svg, HasSubstr(">Accumulated moisture<"));
+  EXPECT_THAT(svg, HasSubstr(">s_d [m]<"));
+  EXPECT_THAT(sheet(), Not(HasSubstr("Vapour pressures")));
+}
+
+/// librsvg and cairo need not be on a machine.
+TEST_F(DrawSheet, as_a_pdf_is_one_or_a_sentence_tells_what_is_missing) {
+  save("Wall", veldra::Composition::Type::Wall, {100});
+  const auto run = veldra({"draw", "a.lib", "Wall", "-o", "sheet.pdf"});
+  if (run.status != 0) {
+    EXPECT_THAT(run.err, HasSubstr("a PDF needs 'lib"));
+    EXPECT_THAT(run.err, is_one_sentence());
+    EXPECT_FALSE(exists("sheet.pdf"));
+    return;
+  }
+  EXPECT_THAT(read("sheet.pdf"), StartsWith("%PDF-"));
+  EXPECT_THAT(read("sheet.pdf"), HasSubstr("%%EOF"));
 }
 
 }  // namespace

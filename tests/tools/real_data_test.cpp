@@ -210,5 +210,17 @@ TEST_F(RealData, exports_give_a_round_trip) {
   EXPECT_EQ(exported("b.lib"), read("a.json"));
 }
 
+// Panes and gases stand in files of their own, beside the constructions that are made of them.
+TEST_F(RealData, each_glazing_has_a_transmittance_that_glazings_have) {
+  imported("WindowGlassMaterials.idf+WindowGasMaterials.idf+WindowConstructs.idf", "a.lib");
+  const auto rows = must({"list", "a.lib", "compositions", "--columns", "name,U", "--json"}).json();
+  EXPECT_EQ(rows.size(), 207U);
+  for (const auto& row : rows) {
+    ASSERT_TRUE(row["transmittance"].is_number()) << row["name"];
+    EXPECT_GT(row["transmittance"].get<double>(), 0.4) << row["name"];
+    EXPECT_LT(row["transmittance"].get<double>(), 6) << row["name"];
+  }
+}
+
 }  // namespace
 }  // namespace veldra_tests

@@ -83,11 +83,40 @@ TEST_F(Report, tells_of_the_fields_that_no_library_has_a_place_for) {
     "note": "", "age": null}}, "Construction": {"W": {"outside_layer": "Brick", "use": "wall"}}})");
   const auto run = veldra({"import", "a.lib", "a.idf", "a.epJSON", "--json"});
   EXPECT_EQ(run.json()[0]["dropped"],
-            nlohmann::json({{"fields of WindowMaterial:Blind", 3},
-                            {"fields of Construction:InternalSource", 3}}));
+            nlohmann::json({{"WindowMaterial:Blind.slat_orientation", 1},
+                            {"WindowMaterial:Blind.slat_width", 1},
+                            {"WindowMaterial:Blind.slat_thickness", 1},
+                            {"Construction:InternalSource.source_present_after_layer_number", 1},
+                            {"Construction:InternalSource.dimensions_for_the_ctf_calculation", 1},
+                            {"Construction:InternalSource.tube_spacing", 1}}));
   EXPECT_EQ(run.json()[1]["dropped"],
-            nlohmann::json({{"fields of Material", 1}, {"fields of Construction", 1}}));
+            nlohmann::json({{"Material.colour", 1}, {"Construction.use", 1}}));
   EXPECT_EQ(run.status, 3);
+}
+
+TEST_F(Report, tells_of_each_field_once_and_of_each_value_if_asked) {
+  write("a.idf",
+        "WindowMaterial:Blind, A, , 0.025;\nWindowMaterial:Blind, B, , 0.05;"
+        "Material:AirGap, Gap, 0.1, 7;");
+  EXPECT_EQ(veldra({"import", "a.lib", "a.idf"}).err,
+            "veldra: 'a.idf': Material:AirGap: a library has no place for 'field 3', 1 value is "
+            "left out\n"
+            "veldra: 'a.idf': WindowMaterial:Blind: a library has no place for 'slat_width', 2 "
+            "values are left out\n");
+  EXPECT_EQ(veldra({"import", "a.lib", "a.idf", "--verbose"}).err,
+            "veldra: 'a.idf', line 1: WindowMaterial:Blind 'A': a library has no place for "
+            "'slat_width', '0.025' is left out\n"
+            "veldra: 'a.idf', line 2: WindowMaterial:Blind 'B': a library has no place for "
+            "'slat_width', '0.05' is left out\n"
+            "veldra: 'a.idf', line 2: Material:AirGap 'Gap': a library has no place for 'field 3', "
+            "'7' is left out\n");
+}
+
+TEST_F(Report, has_no_such_fields_where_they_are_kept) {
+  write("a.idf", "WindowMaterial:Blind, Blind, , 0.025;");
+  must({"import", "a.lib", "a.idf", "--keep-unknown", "--strict"});
+  const auto blind = veldra({"show", "a.lib", "material", "Blind", "--json"}).json();
+  EXPECT_EQ(blind["custom_values"]["WindowMaterial:Blind.slat_width"], "0.025");
 }
 
 TEST_F(Report, tells_of_assets_that_stay_behind) {
@@ -95,7 +124,7 @@ TEST_F(Report, tells_of_assets_that_stay_behind) {
     "structural_asset": {}}, {"name": "Ash", "thermal_asset": {}}]})");
   const auto run = veldra({"import", "a.lib", "a.json"});
   EXPECT_EQ(run.status, 3);
-  EXPECT_THAT(run.out, HasSubstr("dropped       3 assets"));
+  EXPECT_THAT(run.out, HasSubstr("dropped       3 values of 2 fields"));
   EXPECT_EQ(count("a.lib", "materials"), 2U);
 }
 

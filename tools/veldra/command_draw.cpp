@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "arguments.hpp"
+#include "drawing/page.hpp"
+#include "drawing/pdf.hpp"
 #include "drawing/sheet.hpp"
 #include "files/output_file.hpp"
 #include "host.hpp"
@@ -20,7 +22,8 @@ struct Arguments {
   std::vector<std::string> compositions;
   std::string orientation;
   std::string type;
-  std::string boundary;
+  ProofWishes proof;
+  std::string format;
   std::string output;
   bool force = false;
   bool json = false;
@@ -45,31 +48,57 @@ Json to_json(const Compositions& compositions) {
   return list;
 }
 
+/// The ending tells, where no format is asked for.
+std::string format_of(const Arguments& arguments) {
+  if (!arguments.format.empty()) return arguments.format;
+  const auto point = arguments.output.rfind('.');
+  const auto ending =
+      point == std::string::npos ? "" : kit::lower_case(arguments.output.substr(point + 1));
+  return ending == "html" || ending == "pdf" ? ending : "svg";
+}
+
 void print_written(const Arguments& arguments, const std::string& sheet,
                    const Compositions& compositions, Spool& output) {
-  Json written = written_to_json(arguments.output, "svg", sheet);
+  Json written = written_to_json(arguments.output, format_of(arguments), sheet.size());
   written["compositions"] = to_json(compositions);
   print_json(output, written);
 }
 
-DrawingWishes wishes_of(const Arguments& arguments, const veldra::Library& library) {
+DrawingWishes wishes_of(const Arguments& arguments, const ProofRequest& request,
+                        const veldra::Library& library) {
   DrawingWishes wishes;
   wishes.locale = library.locale().utf8();
   if (!arguments.orientation.empty()) wishes.lying = arguments.orientation == "lying";
   if (!arguments.type.empty()) wishes.type = composition_type(arguments.type);
-  wishes.boundary = boundary_asked(arguments.boundary);
+  wishes.boundary = request.boundary;
+  wishes.climate = request.climate;
   return wishes;
+}
+
+/// The sheet in the format that is wanted.
+std::string document_of(const Compositions& compositions, const Arguments& arguments,
+                        const ProofRequest& request, const veldra::Library& library) {
+  const auto wishes = wishes_of(arguments, request, library);
+  auto svg = draw_sheet(compositions, library.unit(), wishes);
+  const auto format = format_of(arguments);
+  if (format == "svg") return svg;
+  std::string title;
+  for (const auto& each : compositions) {
+    title += (title.empty() ? "" : ", ") + each->name().utf8();
+  }
+  return format == "pdf" ? pdf_of(svg, title) : page_of(svg, title, Words(wishes.locale));
 }
 
 void draw(const Arguments& arguments, Host& host) {
   if (arguments.json && is_standard_output(arguments.output)) {
     throw CLI::ValidationError("--json", "a drawing is no JSON; give a file for it with -o");
   }
+  const auto request = read_wishes(arguments.proof);
   const OutputFile output(arguments.output, arguments.file, arguments.force);
-  require_ending(arguments.output, "svg");
+  require_ending(arguments.output, format_of(arguments));
   const auto sheet = reading(arguments.file, [&](const veldra::Library& library) {
     const auto compositions = wanted_compositions(library, arguments);
-    auto drawn = draw_sheet(compositions, library.unit(), wishes_of(arguments, library));
+    auto drawn = document_of(compositions, arguments, request, library);
     if (arguments.json) print_written(arguments, drawn, compositions, host.output);
     return drawn;
   });
@@ -80,7 +109,8 @@ void draw(const Arguments& arguments, Host& host) {
 
 void add_draw(Host& host) {
   auto& command = *host.arguments.add_subcommand(
-      "draw", "Draw sections through build-ups, to scale, as an SVG picture");
+      "draw",
+      "Draw sections through build-ups, to scale, with layers and figures, as SVG, HTML or PDF");
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
   command
@@ -98,7 +128,12 @@ void add_draw(Host& host) {
                   "Draw them as wall, floor, roof or other, whatever their types are")
       ->check(CLI::IsMember({"wall", "floor", "roof", "other"}))
       ->type_name("TYPE");
-  add_boundary(command, arguments->boundary);
+  add_climate(command, arguments->proof);
+  command
+      .add_option("--format", arguments->format,
+                  "svg, html or pdf; else what the ending of OUT says, and svg without one")
+      ->check(CLI::IsMember({"svg", "html", "pdf"}))
+      ->type_name("FORMAT");
   add_output(command, arguments->output, arguments->force);
   add_json_of_file(command, arguments->json);
   add_example(command, "veldra draw office.lib 'Cavity wall' 'Flat roof' -o sheet.svg");

@@ -5,7 +5,6 @@
 #include "files/path.hpp"
 #include "host.hpp"
 #include "json.hpp"
-#include "lookup.hpp"
 #include "opening.hpp"
 #include "progress.hpp"
 #include "summary.hpp"
@@ -28,49 +27,6 @@ struct Arguments {
   bool json = false;
 };
 
-template <class T>
-Json names_to_json(const veldra::Library& library) {
-  Json names = Json::array();
-  for (const auto& object : all_objects<T>(library)) names.push_back(object->name().utf8());
-  return names;
-}
-
-template <class T>
-Json objects_to_json(const veldra::Library& library, Progress& progress) {
-  Json objects = Json::array();
-  for (const auto& object : all_objects<T>(library)) {
-    objects.push_back(to_json(*object));
-    progress.step();
-  }
-  return objects;
-}
-
-/// Properties of one name are told apart by the kind of object that they are for.
-Json properties_to_json(const veldra::Library& library) {
-  auto properties = all_objects<veldra::CustomProperty>(library);
-  std::stable_sort(properties.begin(), properties.end(), [](const auto& left, const auto& right) {
-    if (left->name() != right->name()) return left->name() < right->name();
-    return left->object_type() < right->object_type();
-  });
-  Json objects = Json::array();
-  for (const auto& property : properties) objects.push_back(to_json(*property));
-  return objects;
-}
-
-std::string json_of(const veldra::Library& library, Progress& progress) {
-  Json json = Json::object();
-  json["format"] = "veldra";
-  json["version"] = 1;
-  json["library"] = settings_to_json(library);
-  json["tags"] = names_to_json<veldra::Tag>(library);
-  json["layers"] = names_to_json<veldra::Layer>(library);
-  json["material_types"] = names_to_json<veldra::MaterialType>(library);
-  json["custom_properties"] = properties_to_json(library);
-  json["materials"] = objects_to_json<veldra::Material>(library, progress);
-  json["compositions"] = objects_to_json<veldra::Composition>(library, progress);
-  return json_text(json);
-}
-
 bool goes_to_terminal(const std::string& output) {
   if (is_standard_output(output)) return ::isatty(STDOUT_FILENO) == 1;
   struct stat found {};
@@ -81,16 +37,27 @@ bool goes_to_terminal(const std::string& output) {
   return terminal;
 }
 
-std::string text_of(const veldra::Library& library, const Arguments& arguments) {
+/// Writes the text into a spool; gives its size.
+std::size_t write_text(const veldra::Library& library, const Arguments& arguments, Spool& text) {
   Progress progress("exporting");
-  if (arguments.format == "json") return json_of(library, progress);
-  const auto reader = goes_to_terminal(arguments.output) ? CsvFor::People : CsvFor::Programs;
-  return csv_of(library, reader, progress);
+  if (arguments.format != "json") {
+    const auto reader = goes_to_terminal(arguments.output) ? CsvFor::People : CsvFor::Programs;
+    const auto table = csv_of(library, reader, progress);
+    text.write(table);
+    return table.size();
+  }
+  std::size_t size = 0;
+  const auto keep = [&](std::string_view part) {
+    text.write(part);
+    size += part.size();
+  };
+  kit::write_json(library, keep, [&progress] { progress.step(); });
+  return size;
 }
 
-void print_written(const Arguments& arguments, const std::string& text,
-                   const veldra::Library& library, Spool& output) {
-  Json written = written_to_json(arguments.output, arguments.format, text);
+void print_written(const Arguments& arguments, std::size_t bytes, const veldra::Library& library,
+                   Spool& output) {
+  Json written = written_to_json(arguments.output, arguments.format, bytes);
   written["counts"] = counts_of(library);
   print_json(output, written);
 }
@@ -113,14 +80,15 @@ void export_library(Arguments& arguments, Host& host) {
   require_sense(arguments);
   const OutputFile output(arguments.output, arguments.file, arguments.force);
   require_ending(arguments.output, arguments.format);
-  const auto text = reading(arguments.file, [&](const veldra::Library& library) {
-    auto whole = text_of(library, arguments);
-    if (arguments.json && !is_standard_output(arguments.output)) {
-      print_written(arguments, whole, library, host.output);
+  const bool to_standard_output = is_standard_output(arguments.output);
+  Spool kept;
+  reading(arguments.file, [&](const veldra::Library& library) {
+    const auto bytes = write_text(library, arguments, to_standard_output ? host.output : kept);
+    if (arguments.json && !to_standard_output) {
+      print_written(arguments, bytes, library, host.output);
     }
-    return whole;
   });
-  output.write(host, text);
+  if (!to_standard_output) output.write(host, kept);
 }
 
 }  // namespace

@@ -28,6 +28,7 @@ struct Arguments {
   veldra::Unit unit = veldra::Unit::Millimetres;
   bool unit_given = false;
   bool strict = false;
+  bool keep_unknown = false;
   PlanArguments plan;
 };
 
@@ -69,15 +70,37 @@ void adopt_settings(veldra::Library& library, const kit::Sources& sources) {
   if (sources.types) remove_other_types(library, *sources.types);
 }
 
+/// A line for each field of which a library has no place for the values.
+std::vector<std::string> fields_left_out(const kit::SourceReport& source) {
+  std::vector<std::string> lines;
+  for (const auto& field : kit::fields_not_kept(source)) {
+    lines.push_back(fmt::format("{}: {}: a library has no place for {}, {} {}",
+                                in_quotes(source.file), printable(field.object_class),
+                                in_quotes(field.field), field.count,
+                                field.count == 1 ? "value is left out" : "values are left out"));
+  }
+  return lines;
+}
+
+/// A line for each of the values.
+std::vector<std::string> values_left_out(const kit::SourceReport& source) {
+  std::vector<std::string> lines;
+  for (const auto& value : source.not_kept) {
+    lines.push_back(fmt::format("{}, line {}: {} {}: a library has no place for {}, {} is left out",
+                                in_quotes(source.file), value.line, printable(value.object_class),
+                                in_quotes(value.object), in_quotes(value.field),
+                                in_quotes(value.value)));
+  }
+  return lines;
+}
+
 /// All that did not go as one might expect, a line each.
-std::vector<std::string> findings_in(const kit::Sources& sources) {
+std::vector<std::string> findings_in(const kit::Sources& sources, bool verbose) {
   std::vector<std::string> findings;
   for (const auto& source : sources.reports) {
     for (const auto& problem : source.problems) findings.push_back(printable(problem.text()));
-    for (const auto& [what, count] : dropped_in(source)) {
-      findings.push_back(fmt::format("{}: {} {} have no place in a library and are left out",
-                                     in_quotes(source.file), count, what));
-    }
+    const auto more = verbose ? values_left_out(source) : fields_left_out(source);
+    findings.insert(findings.end(), more.begin(), more.end());
   }
   return findings;
 }
@@ -133,13 +156,14 @@ class Import {
     rules.unit = unit;
     rules.on_clash = general_rule(arguments_.on_conflict);
     rules.tags = arguments_.tags;
-    rules.on_object = [&progress] { progress.step(); };
+    rules.keep_unknown = arguments_.keep_unknown;
+    rules.progress = [&progress] { progress.step(); };
     sources_ = kit::read_together(files_, rules);
     tell_findings(sources_);
   }
 
   void tell_findings(const kit::Sources& sources) {
-    const auto findings = findings_in(sources);
+    const auto findings = findings_in(sources, arguments_.plan.verbose);
     host_.notes.clear();
     for (const auto& finding : findings) host_.notes += fmt::format("veldra: {}\n", finding);
     host_.status = findings.empty() ? Status::Done : Status::Findings;
@@ -172,6 +196,9 @@ void add_import(Host& host) {
   add_plan_arguments(command, arguments->plan);
   command.add_flag("--strict", arguments->strict,
                    "Import nothing when there is any problem, or anything would be left out");
+  command.add_flag("--keep-unknown", arguments->keep_unknown,
+                   "Keep fields that a library has no place for as custom values, each under the "
+                   "names of its class and of itself");
   add_backup(command, host);
   add_example(command, "veldra import office.lib walls.idf glass.epJSON --on-conflict use",
               "anything of the sources has not come in: an object with a problem, a field or asset "

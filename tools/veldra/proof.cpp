@@ -133,7 +133,7 @@ class Printer {
     }
     lines("note", moisture.notes);
     if (moisture.year) print_year(*moisture.year);
-    if (!moisture.year) lines("no condensation", moisture.faults);
+    if (!moisture.year) lines("no moisture figure", moisture.faults);
   }
 
   void print_year(const kit::physics::MoistureYear& year) const {
@@ -247,25 +247,13 @@ Json solution_json(const kit::ThicknessSolution& solution) {
 
 }  // namespace
 
-void add_boundary(CLI::App& command, std::string& boundary) {
+void add_climate(CLI::App& command, ProofWishes& wishes) {
   command
-      .add_option("--boundary", boundary,
+      .add_option("--boundary", wishes.boundary,
                   "What is outside and then inside (outdoors, ventilated, ground, interior, "
                   "unheated) and where heat flows (horizontal, upward, downward), with commas "
                   "between them; goes before what a build-up states")
       ->type_name("WORDS");
-}
-
-kit::physics::BoundaryStatement boundary_asked(const std::string& boundary) {
-  try {
-    return kit::physics::boundary_statement(boundary);
-  } catch (const kit::Error& error) {
-    throw CLI::ValidationError("--boundary", error.what());
-  }
-}
-
-void add_proof_wishes(CLI::App& command, ProofWishes& wishes) {
-  add_boundary(command, wishes.boundary);
   command
       .add_option("--climate", wishes.climate,
                   "A table (CSV) of the year's climate, for condensation and mould")
@@ -274,6 +262,10 @@ void add_proof_wishes(CLI::App& command, ProofWishes& wishes) {
       .add_option("--room-class", wishes.room_class,
                   "The room class, 1 (dry) to 5 (wet), where the climate has no humidity inside")
       ->type_name("CLASS");
+}
+
+void add_proof_wishes(CLI::App& command, ProofWishes& wishes) {
+  add_climate(command, wishes);
   command
       .add_option("--target-u", wishes.target,
                   "Find the thickness of the variable layer with which U is at most this")
@@ -297,7 +289,11 @@ ProofRequest read_wishes(const ProofWishes& wishes) {
   ProofRequest request;
   request.target = wishes.target;
   if (wishes.layer) request.layer = *wishes.layer - 1;
-  request.boundary = boundary_asked(wishes.boundary);
+  try {
+    request.boundary = kit::physics::boundary_statement(wishes.boundary);
+  } catch (const kit::Error& error) {
+    throw CLI::ValidationError("--boundary", error.what());
+  }
   if (wishes.climate.empty()) return request;
   const auto text = content_of(wishes.climate, most_bytes_of_climate);
   try {

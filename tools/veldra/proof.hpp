@@ -24,13 +24,10 @@ struct ProofWishes {
   std::optional<unsigned> layer;  ///< counted from 1
 };
 
-/// The option for what build-ups border on.
-void add_boundary(CLI::App& command, std::string& boundary);
+/// The options for what is around a build-up.
+void add_climate(CLI::App& command, ProofWishes& wishes);
 
-/// The same, understood. Throws `CLI::ValidationError`.
-kit::physics::BoundaryStatement boundary_asked(const std::string& boundary);
-
-/// The options for them.
+/// All options for them.
 void add_proof_wishes(CLI::App& command, ProofWishes& wishes);
 
 /// The same, understood.

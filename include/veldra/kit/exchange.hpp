@@ -5,6 +5,8 @@
 #include <veldra/kit/clash.hpp>
 #include <veldra/kit/error.hpp>
 #include <veldra/kit/export.hpp>
+#include <veldra/kit/progress.hpp>
+#include <veldra/kit/value.hpp>
 #include <veldra/library.hpp>
 
 #include <functional>
@@ -13,6 +15,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace veldra::kit {
@@ -112,6 +115,13 @@ struct NotKept {
   std::string value;         ///< the value as a text
 };
 
+/// How many values of one field of one class were not kept.
+struct FieldNotKept {
+  std::string object_class;  ///< the class, as the format calls it
+  std::string field;         ///< the field, likewise
+  std::size_t count = 0;     ///< how many values
+};
+
 /// What becomes of an object whose name another object of the sources has.
 enum class Repetition : int {
   Equal = 0,     ///< they are equal: the first stands for both
@@ -142,6 +152,11 @@ struct SourceReport {
   std::vector<SourceProblem> problems;      ///< objects with problems are left out, unless only a
                                             ///< number is doubtful
 };
+
+/// The values of a source that were not kept, counted by class and field.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::vector<FieldNotKept> fields_not_kept(const SourceReport& report);
 
 /// Where an object comes from.
 struct SourceObject {
@@ -182,9 +197,12 @@ struct SourceRules {
   /// get the name of their file.
   std::vector<std::string> tags;
 
-  /// Is called for each material and composition that is in the library now. What it throws ends
-  /// the reading.
-  std::function<void()> on_object;
+  /// Whether values that a library has no place for become custom values. The property has the name
+  /// of the class and, behind a point, of the field, such as "WindowMaterial:Blind.slat_width".
+  bool keep_unknown = false;
+
+  /// Is called for each material and composition that is in the library now.
+  Progress progress;
 };
 
 /// Reads sources as one: a composition may be of materials of another source. Objects that differ
@@ -194,9 +212,46 @@ struct SourceRules {
 /// - `SourceError`: a source is malformed, two sources differ about an object though they must not,
 ///   or two materials have one code.
 /// - `Error`: a tag is not UTF-8.
-/// - a database error (`Library`).
+/// - a database error (`Library`), and what `progress` throws.
 VELDRA_KIT_EXPORT Sources read_together(const std::vector<Source>& sources,
                                         const SourceRules& rules);
+
+/// Takes the parts of a text, one after the other.
+using TextSink = std::function<void(std::string_view part)>;
+
+/// Writes all that a library holds as JSON, in a form that `Source` reads: names in place of ids,
+/// and no members for what is as in a new object. Objects stand in the order of their names; the
+/// GUID is not written, as it belongs to one file. Characters that can steer a terminal stand as
+/// escapes.
+///
+/// - Only a part of the objects is in memory at a time, besides their names.
+/// - Hold a `Snapshot` of a library that others may change meanwhile.
+///
+/// Throws:
+/// - `std::out_of_range`: an object has gone meanwhile.
+/// - a database error (`Library`), and what `sink` and `progress` throw.
+VELDRA_KIT_EXPORT void write_json(const Library& library, const TextSink& sink,
+                                  const Progress& progress = {});
+
+/// The value of a field as it stands in that JSON, in one line; "null" for nothing.
+///
+/// Throws: `std::bad_alloc`, and `utf8::invalid_utf16` for a text that is malformed.
+VELDRA_KIT_EXPORT std::string json_of(const Value& value);
+
+/// An object as it stands in that JSON, in one line.
+///
+/// Throws: as `Field::get`.
+VELDRA_KIT_EXPORT std::string json_of(const Material& material);
+
+/// The same of a composition.
+///
+/// Throws: as `Field::get`.
+VELDRA_KIT_EXPORT std::string json_of(const Composition& composition);
+
+/// The same of a custom property.
+///
+/// Throws: as `Field::get`.
+VELDRA_KIT_EXPORT std::string json_of(const CustomProperty& property);
 
 }  // namespace veldra::kit
 

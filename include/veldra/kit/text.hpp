@@ -56,6 +56,12 @@ VELDRA_KIT_EXPORT std::string in_utf8(const std::string& text);
 VELDRA_KIT_EXPORT std::string without_controls(std::string_view text,
                                                std::string (*replacement)(char32_t));
 
+/// A JSON text in which those characters stand as the escapes that JSON has for them; line breaks
+/// between its values stay.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::string without_controls_in_json(std::string_view json);
+
 /// The shortest text that reads back to the same number.
 ///
 /// Throws: `std::bad_alloc`.

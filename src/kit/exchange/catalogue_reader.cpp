@@ -141,6 +141,7 @@ class CatalogueReader {
   void read_material(const JsonNode& node) {
     auto reader = ObjectReader::of_kind(node, "material", file_);
     auto material = Material::create(reader.required_text("name"));
+    CatalogueMaterial result{material, node.line, {}};
     if (const JsonNode* code = reader.find("code")) material->code(reader.text_of(*code));
     if (reader.find("type")) material->type(shared_.type(reader.required_text("type")));
     read_texts(reader, *material);
@@ -154,12 +155,18 @@ class CatalogueReader {
     read_custom_values(reader, "common_custom_values", ObjectType{}, *material);
     read_appearance(reader, *material);
     for (const char* asset : {"structural_asset", "thermal_asset"}) {
-      if (reader.find(asset)) {
-        catalogue_.not_kept.push_back({"material", asset, material->name().utf8(), node.line, ""});
-      }
+      if (const JsonNode* found = reader.find(asset)) add_asset(asset, *found, result.not_kept);
     }
     reader.finish();
-    catalogue_.materials.push_back({material, node.line});
+    catalogue_.materials.push_back(std::move(result));
+  }
+
+  /// The library never writes assets.
+  static void add_asset(const std::string& asset, const JsonNode& node, FieldsNotKept& not_kept) {
+    if (node.members.empty()) not_kept.emplace_back(asset, text_of_any(node));
+    for (const auto& [name, value] : node.members) {
+      not_kept.emplace_back(asset + "." + name, text_of_any(value));
+    }
   }
 
   void read_texts(ObjectReader& reader, Material& material) {

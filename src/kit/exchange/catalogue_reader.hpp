@@ -2,6 +2,8 @@
 #ifndef VELDRA_KIT_EXCHANGE_CATALOGUE_READER_HPP
 #define VELDRA_KIT_EXCHANGE_CATALOGUE_READER_HPP
 
+#include "kit/exchange/source_model.hpp"
+
 #include <veldra/kit/exchange.hpp>
 
 #include <memory>
@@ -22,6 +24,7 @@ struct NamedLayer {
 struct CatalogueMaterial {
   std::shared_ptr<Material> object;
   unsigned line;
+  FieldsNotKept not_kept;
 };
 
 struct CatalogueComposition {
@@ -40,7 +43,6 @@ struct Catalogue {
   std::vector<CatalogueMaterial> materials;
   std::vector<CatalogueComposition> compositions;
   std::optional<std::set<String>> types;  ///< all material types, where the file lists them
-  std::vector<NotKept> not_kept;          ///< assets, which are never read
 };
 
 /// Gives a composition its layers, with their materials, and its indices. Throws `SourceError` for

@@ -42,18 +42,6 @@ bool says_something(const std::string& key, const JsonNode& value) {
   return value.kind != JsonNode::Kind::Text || !trimmed(value.text).empty();
 }
 
-/// The text of a value that is not read, whatever it is.
-std::string short_text_of(const JsonNode& node) {
-  switch (node.kind) {
-    case JsonNode::Kind::Array:
-      return "[...]";
-    case JsonNode::Kind::Object:
-      return "{...}";
-    default:
-      return text_of(node, "");
-  }
-}
-
 SourceMaterial material_from(const std::string& name, const JsonNode& node,
                              const MaterialClass& described, const std::string& file) {
   SourceMaterial material;
@@ -71,7 +59,7 @@ SourceMaterial material_from(const std::string& name, const JsonNode& node,
   }
   for (const auto& [key, value] : node.members) {
     if (known.count(key) == 0 && says_something(key, value)) {
-      material.not_kept.emplace_back(key, short_text_of(value));
+      material.not_kept.emplace_back(key, text_of_any(value));
     }
   }
   return material;
@@ -99,7 +87,7 @@ SourceConstruction construction_from(const std::string& name, const JsonNode& no
   for (const auto& [key, value] : node.members) {
     const unsigned position = layer_position(key);
     if (position == 0 && says_something(key, value)) {
-      construction.not_kept.emplace_back(key, short_text_of(value));
+      construction.not_kept.emplace_back(key, text_of_any(value));
     }
     if (position == 0) continue;
     std::string text = text_of(value, file);

@@ -96,6 +96,12 @@ SourceMaterial material_from(const IdfObject& object, const MaterialClass& descr
   return material;
 }
 
+/// The fields before the layers of a construction with a source of heat.
+constexpr const char* fields_of_heat_source[] = {
+    "source_present_after_layer_number", "temperature_calculation_requested_after_layer_number",
+    "dimensions_for_the_ctf_calculation", "tube_spacing",
+    "two_dimensional_temperature_calculation_position"};
+
 /// Before the layers stand four numbers, and five in later versions; each may be left empty.
 std::size_t first_layer(const IdfObject& object, const ConstructionClass& described) {
   if (described.kind != ConstructionKind::InternalSource) return 2;
@@ -114,7 +120,7 @@ SourceConstruction construction_from(const IdfObject& object, const Construction
   for (std::size_t i = 2; i < object.fields.size(); ++i) {
     if (object.fields[i].empty()) continue;
     if (i < first) {
-      construction.not_kept.emplace_back(fmt::format("field {}", i), object.fields[i]);
+      construction.not_kept.emplace_back(fields_of_heat_source[i - 2], object.fields[i]);
     } else {
       construction.layers.push_back(object.fields[i]);
     }

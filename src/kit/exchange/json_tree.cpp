@@ -153,7 +153,37 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
   std::vector<unsigned> lines_;     ///< of those names
 };
 
+nlohmann::ordered_json json_of(const JsonNode& node) {
+  switch (node.kind) {
+    case JsonNode::Kind::Null:
+      return nullptr;
+    case JsonNode::Kind::Boolean:
+      return node.boolean;
+    case JsonNode::Kind::Number:
+      return node.number;
+    case JsonNode::Kind::Text:
+      return node.text;
+    case JsonNode::Kind::Array: {
+      auto list = nlohmann::ordered_json::array();
+      for (const auto& element : node.elements) list.push_back(json_of(element));
+      return list;
+    }
+    case JsonNode::Kind::Object: {
+      auto object = nlohmann::ordered_json::object();
+      for (const auto& [name, value] : node.members) object[name] = json_of(value);
+      return object;
+    }
+  }
+  return nullptr;
+}
+
 }  // namespace
+
+std::string text_of_any(const JsonNode& node) {
+  if (node.kind == JsonNode::Kind::Text) return node.text;
+  if (node.kind == JsonNode::Kind::Number) return exact_number(node.number);
+  return json_of(node).dump();
+}
 
 const JsonNode* JsonNode::member(const std::string& name) const {
   for (const auto& [key, value] : members) {

@@ -25,6 +25,9 @@ struct JsonNode {
   const JsonNode* member(const std::string& name) const;
 };
 
+/// A value as a text: a text as it is, all else as JSON without blanks.
+std::string text_of_any(const JsonNode& node);
+
 /// Reads a JSON text; `file` is for messages. Throws `SourceError`.
 JsonNode parse_json(const std::string& text, const std::string& file);
 

@@ -25,6 +25,12 @@ SourceField dropped(const char* key) { return {key, "", FieldKind::Dropped}; }
 
 SourceField implied(const char* key) { return {key, "", FieldKind::Implied}; }
 
+std::vector<SourceField> dropped(const std::vector<const char*>& keys) {
+  std::vector<SourceField> fields;
+  for (const char* key : keys) fields.push_back(dropped(key));
+  return fields;
+}
+
 SourceField roughness() { return text("roughness", "Roughness"); }
 
 std::vector<SourceField> joined(std::vector<SourceField> fields,
@@ -44,8 +50,17 @@ std::vector<SourceField> solid() {
           number("specific_heat", property::specific_heat)};
 }
 
+/// What gases that are none of the usual ones are known by.
+std::vector<SourceField> gas_coefficients() {
+  return dropped({"conductivity_coefficient_a", "conductivity_coefficient_b",
+                  "conductivity_coefficient_c", "viscosity_coefficient_a",
+                  "viscosity_coefficient_b", "viscosity_coefficient_c",
+                  "specific_heat_coefficient_a", "specific_heat_coefficient_b",
+                  "specific_heat_coefficient_c", "molecular_weight", "specific_heat_ratio"});
+}
+
 std::vector<SourceField> glazing_fields() {
-  return {
+  const std::vector<SourceField> usual{
       text("optical_data_type", "Optical data type"),
       text("window_glass_spectral_data_set_name", "Spectral data set"),
       thickness(),
@@ -62,17 +77,24 @@ std::vector<SourceField> glazing_fields() {
       number("dirt_correction_factor_for_solar_and_visible_transmittance",
              "Dirt correction factor [-]"),
       text("solar_diffusing", "Solar diffusing")};
+  return joined(
+      usual,
+      dropped({"young_s_modulus", "poisson_s_ratio",
+               "window_glass_spectral_and_incident_angle_transmittance_data_set_table_name",
+               "window_glass_spectral_and_incident_angle_front_reflectance_data_set_table_name",
+               "window_glass_spectral_and_incident_angle_back_reflectance_data_set_table_name"}));
 }
 
 std::vector<SourceField> refraction_fields() {
-  return {thickness(),
-          number("solar_index_of_refraction", "Solar index of refraction [-]"),
-          number("solar_extinction_coefficient", "Solar extinction coefficient [1/m]"),
-          number("visible_index_of_refraction", "Visible index of refraction [-]"),
-          number("visible_extinction_coefficient", "Visible extinction coefficient [1/m]"),
-          number("infrared_transmittance_at_normal_incidence", "Infrared transmittance [-]"),
-          number("infrared_hemispherical_emissivity", "Infrared emissivity [-]"),
-          number("conductivity", property::conductivity)};
+  return joined(
+      {thickness(), number("solar_index_of_refraction", "Solar index of refraction [-]"),
+       number("solar_extinction_coefficient", "Solar extinction coefficient [1/m]"),
+       number("visible_index_of_refraction", "Visible index of refraction [-]"),
+       number("visible_extinction_coefficient", "Visible extinction coefficient [1/m]"),
+       number("infrared_transmittance_at_normal_incidence", "Infrared transmittance [-]"),
+       number("infrared_hemispherical_emissivity", "Infrared emissivity [-]"),
+       number("conductivity", property::conductivity)},
+      dropped({"dirt_correction_factor_for_solar_and_visible_transmittance", "solar_diffusing"}));
 }
 
 std::vector<SourceField> gas_mixture_fields() {
@@ -89,58 +111,106 @@ std::vector<SourceField> gas_mixture_fields() {
 }
 
 std::vector<SourceField> shade_fields() {
-  return {number("solar_transmittance", "Solar transmittance [-]"),
-          number("solar_reflectance", "Solar reflectance [-]"),
-          number("visible_transmittance", "Visible transmittance [-]"),
-          number("visible_reflectance", "Visible reflectance [-]"),
-          number("infrared_hemispherical_emissivity", "Infrared emissivity [-]"),
-          number("infrared_transmittance", "Infrared transmittance [-]"),
-          thickness(),
-          number("conductivity", property::conductivity)};
+  return joined({number("solar_transmittance", "Solar transmittance [-]"),
+                 number("solar_reflectance", "Solar reflectance [-]"),
+                 number("visible_transmittance", "Visible transmittance [-]"),
+                 number("visible_reflectance", "Visible reflectance [-]"),
+                 number("infrared_hemispherical_emissivity", "Infrared emissivity [-]"),
+                 number("infrared_transmittance", "Infrared transmittance [-]"), thickness(),
+                 number("conductivity", property::conductivity)},
+                dropped({"shade_to_glass_distance", "top_opening_multiplier",
+                         "bottom_opening_multiplier", "left_side_opening_multiplier",
+                         "right_side_opening_multiplier", "airflow_permeability"}));
+}
+
+std::vector<SourceField> blind_fields() {
+  return dropped({"slat_orientation",
+                  "slat_width",
+                  "slat_separation",
+                  "slat_thickness",
+                  "slat_angle",
+                  "slat_conductivity",
+                  "slat_beam_solar_transmittance",
+                  "front_side_slat_beam_solar_reflectance",
+                  "back_side_slat_beam_solar_reflectance",
+                  "slat_diffuse_solar_transmittance",
+                  "front_side_slat_diffuse_solar_reflectance",
+                  "back_side_slat_diffuse_solar_reflectance",
+                  "slat_beam_visible_transmittance",
+                  "front_side_slat_beam_visible_reflectance",
+                  "back_side_slat_beam_visible_reflectance",
+                  "slat_diffuse_visible_transmittance",
+                  "front_side_slat_diffuse_visible_reflectance",
+                  "back_side_slat_diffuse_visible_reflectance",
+                  "slat_infrared_hemispherical_transmittance",
+                  "front_side_slat_infrared_hemispherical_emissivity",
+                  "back_side_slat_infrared_hemispherical_emissivity",
+                  "blind_to_glass_distance",
+                  "blind_top_opening_multiplier",
+                  "blind_bottom_opening_multiplier",
+                  "blind_left_side_opening_multiplier",
+                  "blind_right_side_opening_multiplier",
+                  "minimum_slat_angle",
+                  "maximum_slat_angle"});
+}
+
+std::vector<SourceField> screen_fields() {
+  return dropped({"reflected_beam_transmittance_accounting_method", "diffuse_solar_reflectance",
+                  "diffuse_visible_reflectance", "thermal_hemispherical_emissivity", "conductivity",
+                  "screen_material_spacing", "screen_material_diameter", "screen_to_glass_distance",
+                  "top_opening_multiplier", "bottom_opening_multiplier",
+                  "left_side_opening_multiplier", "right_side_opening_multiplier",
+                  "angle_of_resolution_for_screen_transmittance_output_map"});
 }
 
 std::vector<SourceField> vegetation_fields() {
-  return joined(joined({dropped("height_of_plants"), dropped("leaf_area_index"),
-                        number("leaf_reflectivity", "Leaf reflectance [-]"),
-                        dropped("leaf_emissivity"), dropped("minimum_stomatal_resistance"),
-                        dropped("soil_layer_name"), roughness(), thickness()},
-                       {number("conductivity_of_dry_soil", property::conductivity),
-                        number("density_of_dry_soil", property::density),
-                        number("specific_heat_of_dry_soil", property::specific_heat)}),
-                absorptances());
+  const auto soil =
+      joined(joined({dropped("height_of_plants"), dropped("leaf_area_index"),
+                     number("leaf_reflectivity", "Leaf reflectance [-]"),
+                     dropped("leaf_emissivity"), dropped("minimum_stomatal_resistance"),
+                     dropped("soil_layer_name"), roughness(), thickness()},
+                    {number("conductivity_of_dry_soil", property::conductivity),
+                     number("density_of_dry_soil", property::density),
+                     number("specific_heat_of_dry_soil", property::specific_heat)}),
+             absorptances());
+  return joined(soil, dropped({"saturation_volumetric_moisture_content_of_the_soil_layer",
+                               "residual_volumetric_moisture_content_of_the_soil_layer",
+                               "initial_volumetric_moisture_content_of_the_soil_layer",
+                               "moisture_diffusion_calculation_method"}));
 }
 
 std::vector<MaterialClass> make_material_classes() {
   const auto resistance = number("thermal_resistance", property::resistance);
-  return {{"Material", "Opaque", required,
-           joined(joined({roughness(), thickness()}, solid()), absorptances())},
-          {"Material:NoMass", "No mass", none, joined({roughness(), resistance}, absorptances())},
-          {"Material:AirGap", "Air gap", none, {resistance}},
-          {"Material:InfraredTransparent", "Infrared transparent", none, {}},
-          {"Material:RoofVegetation", "Vegetation", 0.1, vegetation_fields()},
-          {"WindowMaterial:Glazing", "Glazing", required, glazing_fields()},
-          {"WindowMaterial:Glazing:RefractionExtinctionMethod", "Glazing", required,
-           refraction_fields()},
-          {"WindowMaterial:Gas", "Gas", required, {text("gas_type", "Gas type"), thickness()}},
-          {"WindowMaterial:GasMixture", "Gas mixture", required, gas_mixture_fields()},
-          {"WindowMaterial:Gap:EquivalentLayer",
-           "Gas",
-           required,
-           {text("gas_type", "Gas type"), thickness(), text("gap_vent_type", "Gap vent type")}},
-          {"WindowMaterial:SimpleGlazingSystem",
-           "Simple glazing",
-           none,
-           {number("u_factor", "U-factor [W/(m2 K)]"),
-            number("solar_heat_gain_coefficient", "Solar heat gain coefficient [-]"),
-            number("visible_transmittance", "Visible transmittance [-]")}},
-          {"WindowMaterial:Shade", "Shade", required, shade_fields()},
-          {"WindowMaterial:Blind", "Blind", none, {}},
-          {"WindowMaterial:Screen", "Screen", none, {}},
-          {"WindowMaterial:Glazing:EquivalentLayer", "Glazing", none, {}},
-          {"WindowMaterial:Shade:EquivalentLayer", "Shade", none, {}},
-          {"WindowMaterial:Drape:EquivalentLayer", "Shade", none, {}},
-          {"WindowMaterial:Blind:EquivalentLayer", "Blind", none, {}},
-          {"WindowMaterial:Screen:EquivalentLayer", "Screen", none, {}}};
+  return {
+      {"Material", "Opaque", required,
+       joined(joined({roughness(), thickness()}, solid()), absorptances())},
+      {"Material:NoMass", "No mass", none, joined({roughness(), resistance}, absorptances())},
+      {"Material:AirGap", "Air gap", none, {resistance}},
+      {"Material:InfraredTransparent", "Infrared transparent", none, {}},
+      {"Material:RoofVegetation", "Vegetation", 0.1, vegetation_fields()},
+      {"WindowMaterial:Glazing", "Glazing", required, glazing_fields()},
+      {"WindowMaterial:Glazing:RefractionExtinctionMethod", "Glazing", required,
+       refraction_fields()},
+      {"WindowMaterial:Gas", "Gas", required,
+       joined({text("gas_type", "Gas type"), thickness()}, gas_coefficients())},
+      {"WindowMaterial:GasMixture", "Gas mixture", required, gas_mixture_fields()},
+      {"WindowMaterial:Gap:EquivalentLayer", "Gas", required,
+       joined({text("gas_type", "Gas type"), thickness(), text("gap_vent_type", "Gap vent type")},
+              gas_coefficients())},
+      {"WindowMaterial:SimpleGlazingSystem",
+       "Simple glazing",
+       none,
+       {number("u_factor", "U-factor [W/(m2 K)]"),
+        number("solar_heat_gain_coefficient", "Solar heat gain coefficient [-]"),
+        number("visible_transmittance", "Visible transmittance [-]")}},
+      {"WindowMaterial:Shade", "Shade", required, shade_fields()},
+      {"WindowMaterial:Blind", "Blind", none, blind_fields()},
+      {"WindowMaterial:Screen", "Screen", none, screen_fields()},
+      {"WindowMaterial:Glazing:EquivalentLayer", "Glazing", none, {}},
+      {"WindowMaterial:Shade:EquivalentLayer", "Shade", none, {}},
+      {"WindowMaterial:Drape:EquivalentLayer", "Shade", none, {}},
+      {"WindowMaterial:Blind:EquivalentLayer", "Blind", none, {}},
+      {"WindowMaterial:Screen:EquivalentLayer", "Screen", none, {}}};
 }
 
 const std::vector<MaterialClass>& material_classes() {

@@ -44,14 +44,6 @@ void add_repeated(Repetition what, const IncomingObjects<T>& objects, const Inco
       {{ObjectTraits<T>::type, place}, second.origin.name, second.origin.line, what});
 }
 
-/// The fields of an object for which no library has a place.
-template <class Object>
-void add_not_kept(const Object& object, SourceReport& report) {
-  for (const auto& [field, value] : object.not_kept) {
-    report.not_kept.push_back({object.described->name, field, object.name, object.line, value});
-  }
-}
-
 /// A name with a number that no object has.
 template <class T>
 std::string free_name(const IncomingObjects<T>& objects, const std::string& name) {
@@ -124,6 +116,23 @@ bool SourceSet::same_objects(const Incoming<T>& left, const Incoming<T>& right) 
     other->tags(toModify) = left.object->tags();
   }
   return same_values(*left.object, *other);
+}
+
+/// Values for which a library has no place: where they are wanted all the same, they become custom
+/// values.
+template <class T>
+void SourceSet::take_unknown(const Incoming<T>& incoming, const std::string& class_name,
+                             const FieldsNotKept& fields, SourceReport& report) {
+  const auto& origin = incoming.origin;
+  for (const auto& [field, value] : fields) {
+    if (!rules_.keep_unknown) {
+      report.not_kept.push_back({class_name, field, origin.name, origin.line, value});
+      continue;
+    }
+    const auto name = library_text(fmt::format("{}.{}", class_name, field));
+    incoming.object->custom_value(shared_.property(name, ObjectTraits<T>::type),
+                                  library_text(value));
+  }
 }
 
 template <class T>
@@ -202,8 +211,9 @@ void SourceSet::add_material(const SourceMaterial& material, std::size_t source,
         report, material.line, material.name,
         fmt::format("{}: {}", called(material.described->name, material.name), error.what()));
   }
-  add_not_kept(material, report);
-  enter(materials_, {object, {source, material.line, material.name, true, false}}, report);
+  const Incoming<Material> incoming{object, {source, material.line, material.name, true, false}};
+  take_unknown(incoming, material.described->name, material.not_kept, report);
+  enter(materials_, incoming, report);
 }
 
 void SourceSet::add(const SourceModel& model, SourceReport& report) {
@@ -220,9 +230,10 @@ void SourceSet::add(Catalogue catalogue, SourceReport& report) {
   for (const auto& material : catalogue.materials) {
     ++report.read["material"];
     const auto name = material.object->name().utf8();
-    enter(materials_, {material.object, {source, material.line, name, false, false}}, report);
+    const Incoming<Material> incoming{material.object, {source, material.line, name, false, false}};
+    take_unknown(incoming, "material", material.not_kept, report);
+    enter(materials_, incoming, report);
   }
-  report.not_kept = std::move(catalogue.not_kept);
   if (catalogue.types) {
     if (!types_) types_.emplace();
     types_->insert(catalogue.types->begin(), catalogue.types->end());
@@ -272,10 +283,11 @@ void SourceSet::resolve(const SourceConstruction& construction, std::size_t sour
   }
   if (construction.name.empty()) return problem("the name is missing");
   if (!all_found) return;
-  add_not_kept(construction, report);
   const auto object = map_construction(library_text(construction.name), map_layers(materials));
-  enter(compositions_, {object, {source, construction.line, construction.name, true, false}},
-        report);
+  const Incoming<Composition> incoming{object,
+                                       {source, construction.line, construction.name, true, false}};
+  take_unknown(incoming, class_name, construction.not_kept, report);
+  enter(compositions_, incoming, report);
 }
 
 void SourceSet::resolve(const CatalogueComposition& composition, std::size_t source,

@@ -97,6 +97,9 @@ class SourceSet {
   template <class T>
   bool same_objects(const Incoming<T>& left, const Incoming<T>& right) const;
   template <class T>
+  void take_unknown(const Incoming<T>& incoming, const std::string& class_name,
+                    const FieldsNotKept& fields, SourceReport& report);
+  template <class T>
   void enter(IncomingObjects<T>& objects, const Incoming<T>& incoming, SourceReport& report);
   template <class T>
   void settle(IncomingObjects<T>& objects, const Incoming<T>& first, const Incoming<T>& incoming,

@@ -36,7 +36,7 @@ void save_all(const IncomingObjects<T>& objects, const SourceRules& rules, Sourc
   for (const auto& incoming : objects.all()) {
     sources.library->save(incoming.object);
     sources.origins[{ObjectTraits<T>::type, incoming.object->id()}] = incoming.origin;
-    if (rules.on_object) rules.on_object();
+    if (rules.progress) rules.progress();
   }
 }
 
@@ -70,6 +70,14 @@ const std::vector<Format>& formats() {
     return formats;
   }();
   return all;
+}
+
+std::vector<FieldNotKept> fields_not_kept(const SourceReport& report) {
+  std::map<std::pair<std::string, std::string>, std::size_t> counts;
+  for (const auto& value : report.not_kept) ++counts[{value.object_class, value.field}];
+  std::vector<FieldNotKept> fields;
+  for (const auto& [field, count] : counts) fields.push_back({field.first, field.second, count});
+  return fields;
 }
 
 Source::Source(std::string file, std::string content) : file_(std::move(file)) {

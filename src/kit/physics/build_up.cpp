@@ -32,7 +32,7 @@ std::string BuildUpLayer::fault(std::initializer_list<Known> ids) const {
 }
 
 bool BuildUpLayer::is_air() const {
-  return values && (!text(Known::Ventilation).empty() || number(Known::Opening));
+  return values && (air_by_type || !text(Known::Ventilation).empty() || number(Known::Opening));
 }
 
 bool BuildUpLayer::is_gas() const {
@@ -46,6 +46,7 @@ bool BuildUpLayer::is_well_ventilated() const {
 }
 
 std::vector<BuildUpLayer> build_up_of(const Composition& composition, Unit unit) {
+  static const String air_gap("Air gap");
   std::vector<BuildUpLayer> layers;
   layers.reserve(composition.layers().size());
   for (const auto& layer : composition.layers()) {
@@ -54,6 +55,8 @@ std::vector<BuildUpLayer> build_up_of(const Composition& composition, Unit unit)
     if (layer.material()) {
       each.values.emplace(*layer.material());
       each.material = layer.material()->name().utf8();
+      const auto& type = layer.material()->type();
+      each.air_by_type = type && type->name() == air_gap;
     }
     layers.push_back(std::move(each));
   }

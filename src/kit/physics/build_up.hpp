@@ -15,6 +15,7 @@ struct BuildUpLayer {
   std::optional<KnownValues> values;  ///< empty for a layer without a material
   std::string material;               ///< its name
   double thickness = 0;               ///< in metres
+  bool air_by_type = false;           ///< its material type says that it is an air gap
 
   std::optional<double> number(Known id) const {
     return values ? values->number(id) : std::nullopt;

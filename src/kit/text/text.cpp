@@ -147,6 +147,13 @@ std::string without_controls(std::string_view text, std::string (*replacement)(c
   return result;
 }
 
+std::string without_controls_in_json(std::string_view json) {
+  return without_controls(json, [](char32_t character) {
+    if (character == U'\n') return std::string("\n");
+    return fmt::format("\\u{:04x}", static_cast<unsigned>(character));
+  });
+}
+
 std::string exact_number(double number) { return fmt::format("{}", number); }
 
 std::optional<double> number_in(std::string_view text) {

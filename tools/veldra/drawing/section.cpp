@@ -28,7 +28,7 @@ constexpr double margin_lying = 8;     ///< for what stands outside and inside
 constexpr double chain_distance = 7;
 constexpr double total_distance = 7.5;  ///< from the chain
 constexpr double row_distance = 2.7;    ///< of the thicknesses behind the chain
-constexpr std::size_t most_rows = 3;
+constexpr std::size_t most_rows = 4;
 constexpr std::size_t none = static_cast<std::size_t>(-1);
 constexpr double digit_width = 1.46;
 constexpr double text_before = -0.9;  ///< from a dimension line
@@ -461,12 +461,10 @@ const char* Section::side_text(kit::physics::Side side) const {
   }
 }
 
-/// What is no length is a dash, and what would round to 0 and is not is less than the least.
+/// What is no length is a dash.
 std::string drawn_length(double length, veldra::Unit unit, const Words& words) {
-  if (!std::isfinite(length)) return "–";
+  if (std::isnan(length)) return "–";
   const int decimals = unit == veldra::Unit::Inches ? 3 : 2;
-  const double least = unit == veldra::Unit::Inches ? 0.001 : 0.01;
-  if (length > 0 && length < least / 2) return "<" + words.number(rounded_number(least, decimals));
   return words.number(short_number(length, decimals));
 }
 

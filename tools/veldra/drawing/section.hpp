@@ -21,6 +21,7 @@ struct DrawingWishes {
   std::optional<bool> lying;                      ///< else as the type says
   std::optional<veldra::Composition::Type> type;  ///< else that of the build-up
   kit::physics::BoundaryStatement boundary;       ///< what they border on
+  std::optional<kit::physics::Climate> climate;   ///< for charts of moisture
 };
 
 /// The cut through a build-up, placed on paper: walls stand, with the outside on the left; roofs

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "drawing/sheet.hpp"
 
+#include "drawing/charts.hpp"
 #include "drawing/section.hpp"
 #include "drawing/svg.hpp"
 #include "kinds.hpp"
@@ -10,6 +11,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <string_view>
 
 namespace veldra_tool {
 
@@ -32,6 +34,27 @@ constexpr std::size_t note_columns = 92;
 constexpr std::size_t most_layers = 200;        ///< of a build-up that is drawn
 constexpr std::size_t longest_panel = 950'000;  ///< bytes of one, without its title
 
+/// As much of the beginning of a text as can have so many columns, without half a character, so
+/// that a word without end is gone through once.
+std::string_view beginning(std::string_view text, std::size_t columns) {
+  std::size_t end = std::min(text.size(), 16 * columns);
+  while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) ++end;
+  return text.substr(0, end);
+}
+
+/// Puts what fills lines of a word into lines, and gives the rest.
+std::string broken(std::string_view word, std::size_t columns, std::vector<std::string>& lines) {
+  while (true) {
+    const auto part = beginning(word, columns);
+    if (part.size() == word.size() && display_width(part) <= columns) return std::string(word);
+    const auto line = leading_columns(part, columns);
+    if (line.empty()) return std::string(word);
+    lines.back() += line;
+    lines.emplace_back();
+    word.remove_prefix(line.size());
+  }
+}
+
 /// The text in lines of at most so many columns, broken at blanks where there are any, and else
 /// within words.
 std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {
@@ -45,13 +68,7 @@ std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {
       lines.emplace_back();
       word = trimmed(word);
     }
-    while (display_width(word) > columns) {
-      const auto part = leading_columns(word, columns);
-      if (part.empty()) break;
-      lines.back() += part;
-      lines.emplace_back();
-      word.erase(0, part.size());
-    }
+    word = broken(word, columns, lines);
     lines.back() += word;
     start = end;
   }
@@ -139,10 +156,26 @@ class Panel {
     }
     draw_title(svg);
     svg.add(body);
-    return std::max(body_top + section.height(), list_end) + 10;
+    return draw_moisture(svg, std::max(body_top + section.height(), list_end)) + 10;
   }
 
  private:
+  /// Charts where there is a climate, or why there are none.
+  double draw_moisture(Svg& svg, double y) const {
+    if (!wishes_.climate) return y;
+    const auto moisture = kit::moisture_of(composition_, unit_, *wishes_.climate, wishes_.boundary);
+    if (moisture.year) {
+      draw_charts(svg, *moisture.year, words_, {margin, y + 6});
+      return y + charts_height;
+    }
+    for (const auto& fault : moisture.faults) {
+      for (const auto& line : wrapped(fault, subtitle_columns)) {
+        svg.text({margin, y += 4.5}, line, style_of(2.6));
+      }
+    }
+    return y;
+  }
+
   double draw_sentence(Svg& svg, const char* sentence) {
     subtitles_ = subtitle_lines(0);
     draw_title(svg);
@@ -265,6 +298,7 @@ class Panel {
     y = draw_further_figures(svg, draw_transmission(svg, y + 5));
     TextStyle note = style_of(2.2);
     note.color = "#555555";
+    y += 2;
     for (const auto& text : notes()) {
       for (const auto& line : wrapped(text, note_columns)) {
         svg.text({name_left, y += 3.6}, line, note);
@@ -375,9 +409,10 @@ class Panel {
                                   " Die dünnsten Schichten sind dicker gezeichnet.");
     }
     if (undimensioned_ > 0) {
-      notes.push_back(fmt::format(fmt::runtime(words_.say("{} thicknesses stand in this list only.",
-                                                          "{} Dicken stehen nur in dieser Liste.")),
-                                  undimensioned_));
+      notes.push_back(
+          fmt::format(fmt::runtime(words_.say("Thicknesses that have room in this list only: {}.",
+                                              "Dicken, die nur in dieser Liste Platz haben: {}.")),
+                      undimensioned_));
     }
     if (!hatched_) {
       notes.emplace_back(words_.say("Some layers are drawn without their hatch.",

@@ -74,6 +74,12 @@ OutputFile::OutputFile(std::string file, const std::string& input, bool replace)
 
 void OutputFile::write(Host& host, const std::string& text) const {
   if (is_standard_output(file_)) return host.output.write(text);
+  Spool spool(text.size());
+  spool.write(text);
+  write(host, spool);
+}
+
+void OutputFile::write(Host& host, const Spool& text) const {
   const auto place = require_permission();
   struct stat there {};
   if (is_there(place, there) && !is_replaced(place, there)) return write_in_place(place, text);
@@ -115,21 +121,21 @@ void OutputFile::require_no_library(const OutputPlace& place, const struct stat&
   if (begins > 0) fail("this is a library or another database, which is never written over");
 }
 
-void OutputFile::write_in_place(const OutputPlace& place, std::string_view text) const {
+void OutputFile::write_in_place(const OutputPlace& place, const Spool& text) const {
   Opened opened(open_in_place(place));
   if (opened.get() < 0) fail_writing(errno);
   tell_when_stopped(fmt::format("{} has got a part of the output", in_quotes(file_)));
-  int error = write_all(opened.get(), text);
+  int error = text.copy_to(opened.get());
   if (error == EINTR) throw Stopped();
   if (error == 0) error = opened.close();
   if (error != 0) fail_writing(error);
 }
 
-void OutputFile::replace_whole(const OutputPlace& place, Host& host, std::string_view text) const {
+void OutputFile::replace_whole(const OutputPlace& place, Host& host, const Spool& text) const {
   TemporaryFile temporary(file_, folder_of(place.path));
   struct stat old {};
   const bool is_old = is_there(place, old);
-  const int error = write_all(temporary.descriptor(), text);
+  const int error = text.copy_to(temporary.descriptor());
   if (error == EINTR) throw Stopped();
   if (error != 0) fail_writing(error);
   if (take_over_rights(temporary.descriptor(), is_old ? &old : nullptr) != 0) fail_writing(errno);
@@ -164,11 +170,11 @@ void require_no_library_as_standard_output() {
   throw Failure("standard output is a library, or what one keeps beside it");
 }
 
-Json written_to_json(const std::string& file, const std::string& format, const std::string& text) {
+Json written_to_json(const std::string& file, const std::string& format, std::size_t bytes) {
   Json json = Json::object();
   json["file"] = in_utf8(file);
   json["format"] = format;
-  json["bytes"] = text.size();
+  json["bytes"] = bytes;
   return json;
 }
 

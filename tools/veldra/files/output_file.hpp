@@ -5,11 +5,12 @@
 #include "files/output_place.hpp"
 #include "host.hpp"
 #include "json.hpp"
+#include "process/spool.hpp"
 
 #include <sys/stat.h>
 
+#include <cstddef>
 #include <string>
-#include <string_view>
 
 namespace veldra_tool {
 
@@ -30,12 +31,15 @@ class OutputFile {
   /// may be open. Throws `Failure`.
   void write(Host& host, const std::string& text) const;
 
+  /// The same with a text that need not be in memory, which must not be for standard output.
+  void write(Host& host, const Spool& text) const;
+
  private:
   bool is_there(const OutputPlace& place, struct stat& there) const;
   OutputPlace require_permission() const;
   void require_no_library(const OutputPlace& place, const struct stat& there) const;
-  void write_in_place(const OutputPlace& place, std::string_view text) const;
-  void replace_whole(const OutputPlace& place, Host& host, std::string_view text) const;
+  void write_in_place(const OutputPlace& place, const Spool& text) const;
+  void replace_whole(const OutputPlace& place, Host& host, const Spool& text) const;
   [[noreturn]] void fail(const std::string& sentence) const;
   [[noreturn]] void fail_writing(int error) const;
 
@@ -48,8 +52,8 @@ class OutputFile {
 /// Throws `Failure` when standard output is a library or what belongs to one.
 void require_no_library_as_standard_output();
 
-/// What a script is told of a text that was written into a file.
-Json written_to_json(const std::string& file, const std::string& format, const std::string& text);
+/// What a script is told of a text of so many bytes that was written into a file.
+Json written_to_json(const std::string& file, const std::string& format, std::size_t bytes);
 
 }  // namespace veldra_tool
 

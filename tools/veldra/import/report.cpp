@@ -34,6 +34,15 @@ Json problems_to_json(const std::vector<kit::SourceProblem>& problems) {
   return json;
 }
 
+/// Members as the properties would be called if the values were kept.
+Json dropped_to_json(const kit::SourceReport& report) {
+  Json json = Json::object();
+  for (const auto& field : kit::fields_not_kept(report)) {
+    json[field.object_class + "." + field.field] = field.count;
+  }
+  return json;
+}
+
 std::string counts_text(const std::map<std::string, unsigned>& counts) {
   std::string text;
   for (const auto& [name, count] : counts) {
@@ -83,15 +92,6 @@ Json repeated_to_json(const kit::RepeatedObject& repeated) {
 
 }  // namespace
 
-std::map<std::string, unsigned> dropped_in(const kit::SourceReport& source) {
-  std::map<std::string, unsigned> dropped;
-  for (const auto& entry : source.not_kept) {
-    const bool asset = entry.object_class == "material";
-    ++dropped[asset ? "assets" : fmt::format("fields of {}", entry.object_class)];
-  }
-  return dropped;
-}
-
 ImportReport::ImportReport(const kit::Sources& sources, const kit::Plan& plan)
     : sources_(sources), plan_(plan) {
   for (const auto& found : sources.reports) of_sources_.push_back({&found, {}, {}, {}});
@@ -134,7 +134,7 @@ Json ImportReport::json_of_source(const OfSource& source, const veldra::IdMappin
   json["format"] = report.format;
   json["read"] = counts_to_json(report.read);
   json["skipped"] = counts_to_json(report.skipped);
-  json["dropped"] = counts_to_json(dropped_in(report));
+  json["dropped"] = dropped_to_json(report);
   json["materials"] = outcomes_to_json(source.materials);
   json["compositions"] = outcomes_to_json(source.compositions);
   json["layers"] = report.layers;
@@ -167,8 +167,10 @@ std::string ImportReport::text_of_source(const OfSource& source) {
   text += fmt::format("  compositions  {}\n", outcomes_text(source.compositions));
   text += fmt::format("  layers        {}, {} without thickness, {} without a known material\n",
                       report.layers, report.layers_without_thickness, report.references_not_found);
-  const auto dropped = dropped_in(report);
-  if (!dropped.empty()) text += fmt::format("  dropped       {}\n", counts_text(dropped));
+  if (!report.not_kept.empty()) {
+    text += fmt::format("  dropped       {} values of {} fields\n", report.not_kept.size(),
+                        kit::fields_not_kept(report).size());
+  }
   if (!report.skipped.empty()) text += fmt::format("  skipped       {}\n", skipped_text(report));
   return text;
 }

@@ -11,9 +11,6 @@
 
 namespace veldra_tool {
 
-/// What the objects of a source had besides that no library has a place for, by what it is.
-std::map<std::string, unsigned> dropped_in(const kit::SourceReport& source);
-
 /// What an import does with each of several sources: what was found in them, and what is planned
 /// for their objects. Both must outlive it.
 class ImportReport {
