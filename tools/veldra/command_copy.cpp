@@ -5,6 +5,7 @@
 #include "host.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
+#include "object_arguments.hpp"
 #include "opening.hpp"
 #include "planned_change.hpp"
 
@@ -25,34 +26,6 @@ struct Arguments {
   PlanArguments plan;
 };
 
-/// What "KIND:OBJECT" says.
-struct Wanted {
-  veldra::ObjectType kind;
-  std::string object;
-};
-
-std::vector<Wanted> wanted_objects(const Arguments& arguments) {
-  std::vector<Wanted> wanted;
-  for (const auto& text : arguments.objects) {
-    const auto colon = text.find(':');
-    const auto kind = kinds_by_name().find(text.substr(0, colon));
-    if (colon == std::string::npos || kind == kinds_by_name().end()) {
-      throw CLI::ValidationError(
-          "OBJECT",
-          fmt::format("{} is not KIND:OBJECT, such as composition:Roof", in_quotes(text)));
-    }
-    wanted.push_back({kind->second, text.substr(colon + 1)});
-  }
-  return wanted;
-}
-
-std::set<veldra::ObjectKey> keys_of(const veldra::Library& library,
-                                    const std::vector<Wanted>& wanted) {
-  std::set<veldra::ObjectKey> keys;
-  for (const auto& object : wanted) keys.insert(object_key(library, object.kind, object.object));
-  return keys;
-}
-
 /// How many assets the materials of a library have, by their names.
 using AssetCounts = std::map<std::string, unsigned>;
 
@@ -72,7 +45,7 @@ struct Staged {
   AssetCounts assets;  ///< which stay behind, of all materials of the source
 };
 
-Staged staged(const Arguments& arguments, const std::vector<Wanted>& wanted) {
+Staged staged(const Arguments& arguments, const std::vector<NamedObject>& wanted) {
   Staged result;
   reading_one_state(arguments.source, [&](const veldra::Library& source) {
     result.library = create_staging_library(source.unit());
@@ -114,7 +87,7 @@ void copy(const Arguments& arguments, Host& host) {
   if (arguments.all != arguments.objects.empty()) {
     throw CLI::ValidationError("OBJECT", "say which objects to copy, or --all");
   }
-  const auto wanted = wanted_objects(arguments);
+  const auto wanted = named_objects(arguments.objects);
   if (same_file(arguments.source, arguments.destination)) {
     throw Failure("the source and the destination are the same file");
   }

@@ -4,10 +4,10 @@
 #include "host.hpp"
 #include "json.hpp"
 #include "kinds.hpp"
+#include "layer_table.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
 #include "physics_text.hpp"
-#include "process/standard_streams.hpp"
 #include "summary.hpp"
 #include "table.hpp"
 #include "text.hpp"
@@ -71,18 +71,6 @@ void print_asset(Spool& output, const std::string& title, const std::shared_ptr<
   line(output, "  density", rounded_number(asset->density(), 6));
   line(output, "  specific heat", rounded_number(asset->specific_heat(), 6));
   line(output, "  conductivity", rounded_number(asset->thermal_conductivity(), 6));
-}
-
-/// Other numbers than these two are the host's.
-std::string function_text(veldra::Material::Function function) {
-  switch (function) {
-    case veldra::Material::Function::None:
-      return "–";
-    case veldra::Material::Function::Structure:
-      return "structure";
-    default:
-      return fmt::format("{}", static_cast<int>(function));
-  }
 }
 
 /// What holds a quantity, as a word of the JSON format.
@@ -160,34 +148,6 @@ void print_details(Spool& output, const veldra::Material& material, veldra::Unit
   print_quantities(output, material, unit);
 }
 
-std::string roles_text(const veldra::Composition& composition, std::size_t index) {
-  std::string text;
-  const auto add = [&](bool holds, const char* role) {
-    if (holds) text += (text.empty() ? "" : ", ") + std::string(role);
-  };
-  add(index >= composition.first_core_layer() && index <= composition.last_core_layer(), "core");
-  add(index == composition.structural_layer(), "structural");
-  add(composition.has_variable_layer() && index == composition.variable_layer(), "variable");
-  return text;
-}
-
-void print_layers(Spool& output, const veldra::Composition& composition,
-                  const kit::Transmission& transmission, veldra::Unit unit) {
-  Table table({{"layer", Align::Right},
-               {"material"},
-               {fmt::format("thickness [{}]", name_of(unit)), Align::Right},
-               {"R [m²K/W]", Align::Right},
-               {"function"},
-               {"role"}});
-  for (std::size_t i = 0; i < composition.layers().size(); ++i) {
-    const auto& layer = composition.layers()[i];
-    table.add({fmt::format("{}", i + 1), layer.material()->name().utf8(),
-               length_text(layer.thickness(), unit), resistance_text(transmission, i),
-               function_text(layer.function()), roles_text(composition, i)});
-  }
-  output.print("\nLayers from outside to inside\n\n{}\n", table.text(terminal_width()));
-}
-
 std::string core_text(const veldra::Composition& composition) {
   const auto first = composition.first_core_layer() + 1ULL;
   const auto last = composition.last_core_layer() + 1ULL;
@@ -229,7 +189,9 @@ void print_details(Spool& output, const veldra::Composition& composition, veldra
   if (!composition.custom_values().empty()) output.print("custom values\n");
   print_custom_values(output, composition);
   const auto transmission = kit::transmission_of(composition, unit);
-  if (!composition.layers().empty()) print_layers(output, composition, transmission, unit);
+  if (!composition.layers().empty()) {
+    output.print("\n{}\n", layers_text(composition, transmission, unit));
+  }
   line(output, "total", length_text(kit::total_thickness(composition), unit) + " " + name_of(unit));
   line(output, "core", core_text(composition));
   line(output, "structural layer", fmt::format("{}", composition.structural_layer() + 1ULL));

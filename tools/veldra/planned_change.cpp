@@ -155,7 +155,7 @@ void PlannedChange::refuse_clashes(const kit::Plan& plan) {
   const auto clashes = clashes_of(plan);
   const bool by_name = std::any_of(clashes.begin(), clashes.end(),
                                    [](const auto& clash) { return clash.is_of_names; });
-  const std::string advice = by_name ? "; --on-conflict says what to do" : "";
+  const std::string advice = by_name && has_choice_ ? "; --on-conflict says what to do" : "";
   if (clashes.size() == 1 && !arguments_.dry_run) {
     throw LibraryFailure(clashes.front().sentence + advice);
   }

@@ -52,6 +52,9 @@ class PlannedChange {
 
   void report_by(Tell tell) { tell_ = std::move(tell); }
 
+  /// Says nothing about what could be done about clashes.
+  void leave_no_choice() { has_choice_ = false; }
+
   bool carry_out(const std::shared_ptr<const veldra::Library>& source, veldra::Library& library,
                  kit::PlanRules rules, const Remark& remark = {});
 
@@ -63,6 +66,7 @@ class PlannedChange {
   Host& host_;
   std::string what_;
   Tell tell_;
+  bool has_choice_ = true;
 };
 
 }  // namespace veldra_tool

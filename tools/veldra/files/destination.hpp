@@ -30,6 +30,9 @@ class Destination {
   /// Unless `makes_new`, a new one is not made in the end.
   void take(veldra::Unit unit, bool makes_new, const Work& work);
 
+  /// Runs the work on the library that has to be there. Throws `Failure` when there is none.
+  void take_existing(const Work& work) { into_existing(work); }
+
   void prepare_by(Prepare prepare) { prepare_ = std::move(prepare); }
 
  private:
