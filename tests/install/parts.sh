@@ -34,20 +34,20 @@ refused() {
 }
 
 absent=()
-for package in CLI11 nlohmann_json fmt utf8proc GTest; do
+for package in CLI11 nlohmann_json fmt libmd utf8proc GTest; do
   absent+=("-DCMAKE_DISABLE_FIND_PACKAGE_$package=ON")
 done
 configure "${absent[@]}" || wrong "not configured without the program's libraries"
-tells "Leaving out the program, which cannot be built without: CLI11, nlohmann_json, fmt, utf8proc"
-tells "Leaving out the kit, which cannot be built without: fmt, utf8proc"
+tells "Leaving out the program, which cannot be built without: CLI11, nlohmann_json, fmt, libmd, utf8proc"
+tells "Leaving out the kit, which cannot be built without: fmt, libmd, nlohmann_json, utf8proc"
 tells "Leaving out the tests, which cannot be built without: GTest"
 has veldra || wrong "the library is not built"
 ! has veldra_tool || wrong "the program is built without its libraries"
 ! has veldra_kit || wrong "the kit is built without its libraries"
 
-refused "VELDRA_BUILD_TOOLS is ON, and the program cannot be built without: CLI11, nlohmann_json, fmt, utf8proc" \
+refused "VELDRA_BUILD_TOOLS is ON, and the program cannot be built without: CLI11, nlohmann_json, fmt, libmd, utf8proc" \
   -DVELDRA_BUILD_TOOLS=ON
-refused "VELDRA_BUILD_KIT is ON, and the kit cannot be built without: fmt, utf8proc" \
+refused "VELDRA_BUILD_KIT is ON, and the kit cannot be built without: fmt, libmd, nlohmann_json, utf8proc" \
   -DVELDRA_BUILD_TOOLS=OFF -DVELDRA_BUILD_KIT=ON
 refused "VELDRA_BUILD_TESTS is ON, and the tests cannot be built without: GTest" \
   -DVELDRA_BUILD_TOOLS=OFF -DVELDRA_BUILD_KIT=OFF -DVELDRA_BUILD_TESTS=ON

@@ -91,7 +91,8 @@ TEST_F(SmallTraps, an_output_has_the_ending_of_its_format) {
   expect_wrong_use({"export", "a.lib", "-o", "x.csv", "--format", "json"}, wrong("x.csv", "json"));
   expect_wrong_use({"export", "a.lib", "-o", "x.json", "--format", "csv"}, wrong("x.json", "csv"));
   expect_wrong_use({"export", "a.lib", "-o", "./x.TXT", "--force"}, wrong("./x.TXT", "json"));
-  expect_wrong_use({"draw", "a.lib", "Wall", "-o", "x.pdf"}, wrong("x.pdf", "svg"));
+  expect_wrong_use({"draw", "a.lib", "Wall", "-o", "x.pdf", "--format", "svg"},
+                   wrong("x.pdf", "svg"));
   expect_wrong_use({"draw", "a.lib", "Wall", "-o", "x.json"}, wrong("x.json", "svg"));
 }
 
