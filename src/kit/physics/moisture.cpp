@@ -17,7 +17,7 @@ class Year {
  public:
   Year(const std::vector<MoistureLayer>& layers, double outside, double inside,
        const Climate& climate)
-      : outside_(outside), inside_(inside), climate_(climate) {
+      : outside_(outside), climate_(climate) {
     add_place(0, 0, 0, 0);
     for (std::size_t i = 0; i < layers.size(); ++i) add_layer(layers[i], i);
     total_ = outside + resistances_.back() + inside;
@@ -160,7 +160,6 @@ class Year {
   }
 
   double outside_;
-  double inside_;
   double total_ = 0;
   const Climate& climate_;
   std::vector<MoisturePlace> places_;
