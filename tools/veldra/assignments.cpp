@@ -25,6 +25,7 @@ Assignment assignment_in(const std::string& text, const std::string& option) {
 std::vector<Assignment> assignments_in(const std::vector<std::string>& texts,
                                        const std::string& option) {
   std::vector<Assignment> assignments;
+  assignments.reserve(texts.size());
   for (const auto& text : texts) assignments.push_back(assignment_in(text, option));
   return assignments;
 }

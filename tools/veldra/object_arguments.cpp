@@ -54,6 +54,7 @@ NamedObject named_object(const std::string& text) {
 
 std::vector<NamedObject> named_objects(const std::vector<std::string>& texts) {
   std::vector<NamedObject> objects;
+  objects.reserve(texts.size());
   for (const auto& text : texts) objects.push_back(named_object(text));
   return objects;
 }
