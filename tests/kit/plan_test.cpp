@@ -254,6 +254,21 @@ TEST_F(KitPlan, finds_names_whose_source_ignores_case) {
   EXPECT_EQ(library->count<Material>(), 1U);
 }
 
+TEST_F(KitPlan, means_the_very_name_before_one_in_another_case) {
+  library->save(brick("Old"));
+  source->save(brick("New"));
+  const auto shouted = brick("Another");
+  shouted->name("BRICK");
+  source->save(shouted);
+  auto rules = rules_for(OnClash::Overwrite);
+  rules.ignores_case = [](const ObjectKey&) { return true; };
+  EXPECT_EQ(entry<Material>("Brick", rules).decision, Decision::Change);
+  EXPECT_EQ(entry<Material>("BRICK", rules).decision, Decision::Add);
+  apply(rules);
+  EXPECT_EQ(library->get<Material>("Brick")->manufacturer(), "New");
+  EXPECT_EQ(library->get<Material>("BRICK")->manufacturer(), "Another");
+}
+
 /// A material of another case that differs.
 class KitPlanOtherCase : public KitPlan {
  protected:

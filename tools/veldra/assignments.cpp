@@ -30,4 +30,13 @@ std::vector<Assignment> assignments_in(const std::vector<std::string>& texts,
   return assignments;
 }
 
+void add_properties(CLI::App& command, std::vector<std::string>& properties) {
+  command
+      .add_option("--property", properties,
+                  "Set a custom property, as NAME=VALUE, and make it where it is not there; may be "
+                  "given several times")
+      ->allow_extra_args(false)
+      ->type_name("NAME=VALUE");
+}
+
 }  // namespace veldra_tool

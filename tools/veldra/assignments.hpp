@@ -30,6 +30,9 @@ struct Assignment {
 std::vector<Assignment> assignments_in(const std::vector<std::string>& texts,
                                        const std::string& option);
 
+/// The option for custom properties that may have to be made.
+void add_properties(CLI::App& command, std::vector<std::string>& properties);
+
 /// What is to be set: fields that there are, and custom properties that there may be.
 struct Assigned {
   std::vector<Assignment> fields;

@@ -79,12 +79,7 @@ void add_new(Host& host) {
                   "layers=\"Brick | 115; Wool | 100\", from outside to inside; a property needs "
                   "for=material or for=composition")
       ->type_name("");
-  command
-      .add_option("--property", arguments->properties,
-                  "Set a custom property, as NAME=VALUE, and make it where it is not there; may be "
-                  "given several times")
-      ->allow_extra_args(false)
-      ->type_name("NAME=VALUE");
+  add_properties(command, arguments->properties);
   add_backup(command, host);
   add_plan_arguments(command, arguments->plan);
   add_example(command, "veldra new office.lib material Cork conductivity=0.04 density=120");

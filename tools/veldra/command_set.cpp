@@ -53,12 +53,7 @@ void add_set(Host& host) {
       ->required()
       ->type_name("");
   const auto* where = add_selection(command, arguments->selection);
-  command
-      .add_option("--property", arguments->properties,
-                  "Set a custom property, as NAME=VALUE, and make it where it is not there; may be "
-                  "given several times")
-      ->allow_extra_args(false)
-      ->type_name("NAME=VALUE");
+  add_properties(command, arguments->properties);
   add_backup(command, host);
   add_plan_arguments(command, arguments->plan);
   add_example(command, "veldra set office.lib material:Brick conductivity=0.81 manufacturer=Smith");

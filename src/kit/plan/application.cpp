@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/plan/application.hpp"
 
+#include "kit/plan/entry.hpp"
+
 #include <veldra/kit/kinds.hpp>
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <unordered_map>
 
 namespace veldra::kit {
 
@@ -61,20 +62,9 @@ class ReactorGuard {
   Library& library_;
 };
 
-bool stands_for_itself(Decision decision) {
-  return decision != Decision::Add && decision != Decision::Rename &&
-         decision != Decision::Undecided;
-}
-
-bool comes_in(const PlanEntry& entry) {
-  return entry.decision == Decision::Add || entry.decision == Decision::Rename;
-}
-
-const FieldChange* change_of(const PlanEntry& entry, const char* field) {
-  for (const auto& change : entry.changes) {
-    if (change.field == field) return &change;
-  }
-  return nullptr;
+/// Whether a stored object stands for it.
+bool is_stored(const PlanEntry& entry) {
+  return !comes_in(entry) && entry.decision != Decision::Undecided;
 }
 
 /// Fields that move each other when they are set, in the order in which they can be set where the
@@ -113,13 +103,9 @@ void change_bound(Material&, const PlanEntry&, const Fields<Material>&) {}
 Application::Application(const Plan& plan, Library& destination, const Progress& progress)
     : plan_(plan), destination_(destination), progress_(progress), mapping_(&destination) {}
 
-void Application::step() const {
-  if (progress_) progress_();
-}
-
 void Application::assign_existing() {
   for (const auto& entry : plan_.entries()) {
-    if (!stands_for_itself(entry.decision)) continue;
+    if (!is_stored(entry)) continue;
     mapping_.assign({entry.source, plan_.source().get()}, {entry.stored, IdMapping::Existing});
   }
 }

@@ -46,7 +46,6 @@ class Application {
   Entries stored_of(Decision decision) const;
   template <class T, class Work>
   void for_each_of(const Entries& entries, Work work);
-  void step() const;
 
   const Plan& plan_;
   Library& destination_;

@@ -2,6 +2,7 @@
 #include "kit/plan/kind_planning.hpp"
 
 #include "kit/fields/field.hpp"
+#include "kit/plan/entry.hpp"
 
 #include <veldra/kit/kinds.hpp>
 #include <veldra/kit/text.hpp>
@@ -63,16 +64,7 @@ bool has_codes(const Library&, ClassOf<Composition>) { return false; }
 }
 
 bool is_written(const PlanEntry& entry) {
-  return entry.decision == Decision::Add || entry.decision == Decision::Rename ||
-         entry.decision == Decision::Change;
-}
-
-const FieldChange* change_of(const PlanEntry& entry, const char* field) {
-  if (entry.decision != Decision::Change) return nullptr;
-  for (const auto& change : entry.changes) {
-    if (change.field == field) return &change;
-  }
-  return nullptr;
+  return comes_in(entry) || entry.decision == Decision::Change;
 }
 
 /// An object that is overwritten keeps its tags, and gets those that it lacks.
@@ -99,8 +91,8 @@ KindPlanning<T>::KindPlanning(const Library& source, const Library& destination,
       progress_(progress),
       materials_(materials),
       comparing_(source, destination),
-      stored_(destination, source.count<T>(),
-              rules.ignores_case || has_codes(source, ClassOf<T>{})) {}
+      stored_(destination, source.count<T>(), static_cast<bool>(rules.ignores_case),
+              [&source] { return has_codes(source, ClassOf<T>{}); }) {}
 
 template <class T>
 void KindPlanning<T>::plan(std::vector<PlanEntry>& entries) {
@@ -173,8 +165,10 @@ unsigned KindPlanning<T>::stored_for(const T& incoming, bool& other_case) const 
   const unsigned exact = stored_.with_name(name);
   if (exact != 0 || !rules_.ignores_case || !rules_.ignores_case(key_of(incoming))) return exact;
   const unsigned folded = stored_.with_folded_name(name);
-  other_case = folded != 0;
-  return folded;
+  if (folded == 0) return 0;
+  // Another object of the source may have the very name, and then is the one that is meant.
+  other_case = !source_.get<T>(destination_.get<T>(folded)->name());
+  return other_case ? folded : 0;
 }
 
 template <class T>

@@ -22,9 +22,10 @@ unsigned id_in(const std::unordered_map<std::string, unsigned>& ids, const std::
 
 template <class T>
 StoredObjects<T>::StoredObjects(const Library& destination, unsigned long long incoming,
-                                bool reads_all)
+                                bool folds_names, const std::function<bool()>& has_codes)
     : destination_(destination),
-      all_(reads_all || incoming * list_factor >= destination.count<T>()) {
+      folds_names_(folds_names),
+      all_(folds_names || incoming * list_factor >= destination.count<T>() || has_codes()) {
   if (!all_) return;
   destination.for_each<T>([this](const std::shared_ptr<T>& object) {
     enter(*object);
@@ -36,9 +37,7 @@ template <class T>
 void StoredObjects<T>::enter(const T& object) {
   const std::string name = object.name().utf8();
   by_name_.emplace(name, object.id());
-  if constexpr (std::is_same_v<T, Material> || std::is_same_v<T, Composition>) {
-    by_folded_name_.emplace(lower_case(name), object.id());
-  }
+  if (folds_names_) by_folded_name_.emplace(lower_case(name), object.id());
   if constexpr (std::is_same_v<T, Material>) {
     if (object.has_code()) by_code_.emplace(object.code().utf8(), object.id());
   }

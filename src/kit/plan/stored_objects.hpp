@@ -19,8 +19,10 @@ namespace veldra::kit {
 template <class T>
 class StoredObjects {
  public:
-  /// `reads_all` where codes or names without regard to case are looked up.
-  StoredObjects(const Library& destination, unsigned long long incoming, bool reads_all);
+  /// All are read as well where names are looked up without regard to case, or codes; whether these
+  /// are is asked last, as finding out takes time.
+  StoredObjects(const Library& destination, unsigned long long incoming, bool folds_names,
+                const std::function<bool()>& has_codes);
 
   /// The ids; 0 for none.
   unsigned with_name(const std::string& name) const;
@@ -31,6 +33,7 @@ class StoredObjects {
   void enter(const T& object);
 
   const Library& destination_;
+  bool folds_names_;
   bool all_;
   std::unordered_map<std::string, unsigned> by_name_;
   std::unordered_map<std::string, unsigned> by_folded_name_;
