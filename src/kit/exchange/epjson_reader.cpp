@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/exchange/format_modules.hpp"
 #include "kit/exchange/problem.hpp"
-#include "kit/exchange/readers.hpp"
+#include "kit/exchange/writers.hpp"
 #include "kit/text/quoted.hpp"
 
 #include <veldra/kit/text.hpp>
@@ -152,15 +153,17 @@ SourceModel read_epjson(const JsonNode& document, const std::string& file) {
 
 }  // namespace
 
-Reader epjson_reader() {
-  return {{"epJSON", {"epjson", "json"}, true, false},
+FormatModule epjson_module() {
+  return {"epJSON",
+          {"epjson", "json"},
           [](const FileContent& content) {
             return content.document && !is_foreign(*content.document) &&
                    is_epjson(*content.document);
           },
           [](FileContent content) -> std::shared_ptr<const SourceContent> {
             return std::make_shared<ModelContent>(read_epjson(*content.document, content.file));
-          }};
+          },
+          write_epjson};
 }
 
 }  // namespace veldra::kit

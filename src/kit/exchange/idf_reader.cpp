@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/exchange/format_modules.hpp"
+#include "kit/exchange/idf_fields.hpp"
 #include "kit/exchange/problem.hpp"
-#include "kit/exchange/readers.hpp"
+#include "kit/exchange/writers.hpp"
 
 #include <veldra/kit/text.hpp>
 
@@ -95,12 +97,6 @@ SourceMaterial material_from(const IdfObject& object, const MaterialClass& descr
   }
   return material;
 }
-
-/// The fields before the layers of a construction with a source of heat.
-constexpr const char* fields_of_heat_source[] = {
-    "source_present_after_layer_number", "temperature_calculation_requested_after_layer_number",
-    "dimensions_for_the_ctf_calculation", "tube_spacing",
-    "two_dimensional_temperature_calculation_position"};
 
 /// Before the layers stand four numbers, and five in later versions; each may be left empty.
 std::size_t first_layer(const IdfObject& object, const ConstructionClass& described) {
@@ -208,12 +204,14 @@ SourceModel read_idf(const std::string& text, const std::string& file) {
 
 }  // namespace
 
-Reader idf_reader() {
-  return {{"IDF", {"idf"}, true, false},
+FormatModule idf_module() {
+  return {"IDF",
+          {"idf"},
           [](const FileContent& content) { return !content.document && is_idf(content.text); },
           [](FileContent content) -> std::shared_ptr<const SourceContent> {
             return std::make_shared<ModelContent>(read_idf(content.text, content.file));
-          }};
+          },
+          write_idf};
 }
 
 }  // namespace veldra::kit

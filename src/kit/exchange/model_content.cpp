@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "kit/exchange/readers.hpp"
+#include "kit/exchange/format_modules.hpp"
 #include "kit/exchange/source_set.hpp"
 
 namespace veldra::kit {

@@ -180,43 +180,80 @@ std::vector<SourceField> vegetation_fields() {
                                "moisture_diffusion_calculation_method"}));
 }
 
-std::vector<MaterialClass> make_material_classes() {
+MaterialClasses make_material_classes() {
   const auto resistance = number("thermal_resistance", property::resistance);
   return {
-      {"Material", "Opaque", required,
-       joined(joined({roughness(), thickness()}, solid()), absorptances())},
-      {"Material:NoMass", "No mass", none, joined({roughness(), resistance}, absorptances())},
-      {"Material:AirGap", "Air gap", none, {resistance}},
-      {"Material:InfraredTransparent", "Infrared transparent", none, {}},
-      {"Material:RoofVegetation", "Vegetation", 0.1, vegetation_fields()},
-      {"WindowMaterial:Glazing", "Glazing", required, glazing_fields()},
-      {"WindowMaterial:Glazing:RefractionExtinctionMethod", "Glazing", required,
-       refraction_fields()},
-      {"WindowMaterial:Gas", "Gas", required,
-       joined({text("gas_type", "Gas type"), thickness()}, gas_coefficients())},
-      {"WindowMaterial:GasMixture", "Gas mixture", required, gas_mixture_fields()},
-      {"WindowMaterial:Gap:EquivalentLayer", "Gas", required,
+      {"Material",
+       "Opaque",
+       required,
+       joined(joined({roughness(), thickness()}, solid()), absorptances()),
+       {"roughness", "thickness", "conductivity", "density", "specific_heat"}},
+      {"Material:NoMass",
+       "No mass",
+       none,
+       joined({roughness(), resistance}, absorptances()),
+       {"roughness", "thermal_resistance"}},
+      {"Material:AirGap", "Air gap", none, {resistance}, {"thermal_resistance"}},
+      {"Material:InfraredTransparent", "Infrared transparent", none, {}, {}},
+      {"Material:RoofVegetation", "Vegetation", 0.1, vegetation_fields(), {}},
+      {"WindowMaterial:Glazing",
+       "Glazing",
+       required,
+       glazing_fields(),
+       {"optical_data_type", "thickness"}},
+      {"WindowMaterial:Glazing:RefractionExtinctionMethod",
+       "Glazing",
+       required,
+       refraction_fields(),
+       {"thickness", "solar_index_of_refraction", "solar_extinction_coefficient",
+        "visible_index_of_refraction", "visible_extinction_coefficient"}},
+      {"WindowMaterial:Gas",
+       "Gas",
+       required,
+       joined({text("gas_type", "Gas type"), thickness()}, gas_coefficients()),
+       {"gas_type", "thickness"}},
+      {"WindowMaterial:GasMixture",
+       "Gas mixture",
+       required,
+       gas_mixture_fields(),
+       {"thickness", "gas_1_type", "gas_1_fraction", "gas_2_type", "gas_2_fraction"}},
+      {"WindowMaterial:Gap:EquivalentLayer",
+       "Gas",
+       required,
        joined({text("gas_type", "Gas type"), thickness(), text("gap_vent_type", "Gap vent type")},
-              gas_coefficients())},
+              gas_coefficients()),
+       {"gas_type", "thickness", "gap_vent_type"}},
       {"WindowMaterial:SimpleGlazingSystem",
        "Simple glazing",
        none,
        {number("u_factor", "U-factor [W/(m2 K)]"),
         number("solar_heat_gain_coefficient", "Solar heat gain coefficient [-]"),
-        number("visible_transmittance", "Visible transmittance [-]")}},
-      {"WindowMaterial:Shade", "Shade", required, shade_fields()},
-      {"WindowMaterial:Blind", "Blind", none, blind_fields()},
-      {"WindowMaterial:Screen", "Screen", none, screen_fields()},
-      {"WindowMaterial:Glazing:EquivalentLayer", "Glazing", none, {}},
-      {"WindowMaterial:Shade:EquivalentLayer", "Shade", none, {}},
-      {"WindowMaterial:Drape:EquivalentLayer", "Shade", none, {}},
-      {"WindowMaterial:Blind:EquivalentLayer", "Blind", none, {}},
-      {"WindowMaterial:Screen:EquivalentLayer", "Screen", none, {}}};
-}
-
-const std::vector<MaterialClass>& material_classes() {
-  static const auto classes = make_material_classes();
-  return classes;
+        number("visible_transmittance", "Visible transmittance [-]")},
+       {"u_factor", "solar_heat_gain_coefficient"}},
+      {"WindowMaterial:Shade",
+       "Shade",
+       required,
+       shade_fields(),
+       {"solar_transmittance", "solar_reflectance", "visible_transmittance", "visible_reflectance",
+        "infrared_hemispherical_emissivity", "infrared_transmittance", "thickness",
+        "conductivity"}},
+      {"WindowMaterial:Blind",
+       "Blind",
+       none,
+       blind_fields(),
+       {"slat_width", "slat_separation", "front_side_slat_beam_solar_reflectance",
+        "back_side_slat_beam_solar_reflectance", "front_side_slat_diffuse_solar_reflectance",
+        "back_side_slat_diffuse_solar_reflectance", "slat_beam_visible_transmittance"}},
+      {"WindowMaterial:Screen",
+       "Screen",
+       none,
+       screen_fields(),
+       {"diffuse_solar_reflectance", "diffuse_visible_reflectance"}},
+      {"WindowMaterial:Glazing:EquivalentLayer", "Glazing", none, {}, {}},
+      {"WindowMaterial:Shade:EquivalentLayer", "Shade", none, {}, {}},
+      {"WindowMaterial:Drape:EquivalentLayer", "Shade", none, {}, {}},
+      {"WindowMaterial:Blind:EquivalentLayer", "Blind", none, {}, {}},
+      {"WindowMaterial:Screen:EquivalentLayer", "Screen", none, {}, {}}};
 }
 
 template <class Class>
@@ -233,6 +270,11 @@ const Class* find(const std::map<std::string, const Class*>& classes, const std:
 }
 
 }  // namespace
+
+const MaterialClasses& material_classes() {
+  static const auto classes = make_material_classes();
+  return classes;
+}
 
 const MaterialClass* material_class(const std::string& name) {
   static const auto index = by_name(material_classes());

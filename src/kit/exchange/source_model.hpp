@@ -3,6 +3,7 @@
 #define VELDRA_KIT_EXCHANGE_SOURCE_MODEL_HPP
 
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,7 +31,13 @@ struct MaterialClass {
   const char* type;                 ///< the material type in the library
   double default_thickness;         ///< in metres, where the class has one; else negative
   std::vector<SourceField> fields;  ///< behind the name, in the order of IDF
+  std::set<std::string> required;   ///< the keys of those that the format demands
 };
+
+using MaterialClasses = std::vector<MaterialClass>;
+
+/// The classes of materials of IDF and epJSON.
+const MaterialClasses& material_classes();
 
 /// The class of that name in whatever case; null when there is none.
 const MaterialClass* material_class(const std::string& name);
@@ -60,6 +67,7 @@ using FieldsNotKept = std::vector<std::pair<std::string, std::string>>;
 struct SourceMaterial {
   const MaterialClass* described = nullptr;
   std::string name;
+  std::string identifier;  ///< where the format has one beside the name
   unsigned line = 0;
   std::map<std::string, std::string> values;  ///< by the key of the field; none is empty
   FieldsNotKept not_kept;
@@ -68,6 +76,7 @@ struct SourceMaterial {
 struct SourceConstruction {
   const ConstructionClass* described = nullptr;
   std::string name;
+  std::string identifier;  ///< likewise
   unsigned line = 0;
   std::vector<std::string> layers;  ///< from outside to inside
   FieldsNotKept not_kept;
@@ -78,6 +87,7 @@ struct SourceModel {
   std::vector<SourceMaterial> materials;
   std::vector<SourceConstruction> constructions;
   std::map<std::string, unsigned> skipped;  ///< objects of other classes, by class
+  bool ignores_case = true;                 ///< how names of the format compare
 };
 
 }  // namespace veldra::kit

@@ -85,6 +85,7 @@ class SourceSet {
     const std::vector<SourceConstruction>* objects;
     SourceReport* report;
     std::size_t source;
+    bool ignores_case;
   };
   struct Compositions {
     std::vector<CatalogueComposition> objects;
@@ -110,8 +111,9 @@ class SourceSet {
                           SourceReport& report);
   void release_code(const Material& material) { names_by_code_.erase(material.code()); }
   void release_code(const Composition&) {}
-  void add_material(const SourceMaterial& material, std::size_t source, SourceReport& report);
-  void resolve(const SourceConstruction& construction, std::size_t source, SourceReport& report);
+  void add_material(const SourceMaterial& material, std::size_t source, bool ignores_case,
+                    SourceReport& report);
+  void resolve(const SourceConstruction& construction, const Constructions& of);
   void resolve(const CatalogueComposition& composition, std::size_t source, SourceReport& report);
 
   const SourceRules& rules_;
@@ -121,6 +123,7 @@ class SourceSet {
   std::vector<Constructions> constructions_;
   std::vector<Compositions> catalogue_compositions_;
   std::size_t sources_ = 0;
+  std::set<std::size_t> models_;  ///< the sources that are of no library
   std::optional<std::set<String>> types_;
   std::map<String, String> names_by_code_;  ///< of materials
   String locale_;

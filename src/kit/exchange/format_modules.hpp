@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#ifndef VELDRA_KIT_EXCHANGE_FORMAT_MODULES_HPP
+#define VELDRA_KIT_EXCHANGE_FORMAT_MODULES_HPP
+
+#include "kit/exchange/recognition.hpp"
+#include "kit/exchange/source_model.hpp"
+
+#include <veldra/kit/exchange.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace veldra::kit {
+
+class SourceSet;
+
+/// What was read of a source without knowing the others.
+class SourceContent {
+ public:
+  SourceContent() = default;
+  SourceContent(const SourceContent&) = delete;
+  SourceContent& operator=(const SourceContent&) = delete;
+  virtual ~SourceContent() = default;
+
+  virtual bool has_objects() const = 0;
+  virtual std::optional<Unit> unit() const { return std::nullopt; }
+  virtual bool is_table() const { return false; }
+  virtual void add_to(SourceSet& set, SourceReport& report) const = 0;
+};
+
+/// How a format is read and written. What it has no function for, it cannot.
+struct FormatModule {
+  using Recognises = bool (*)(const FileContent& content);
+  using Read = std::shared_ptr<const SourceContent> (*)(FileContent content);
+  using Write = WriteReport (*)(const Library& library, const TextSink& sink,
+                                const WriteRules& rules);
+
+  FormatModule(const std::string& name, const std::vector<std::string>& endings,
+               Recognises recognises, Read read, Write write)
+      : format{name, endings, read != nullptr, write != nullptr},
+        recognises(recognises),
+        read(read),
+        write(write) {}
+
+  Format format;
+  Recognises recognises;
+  Read read;
+  Write write;
+};
+
+FormatModule catalogue_module();
+FormatModule epjson_module();
+FormatModule idf_module();
+
+/// All of them, in the order in which they are asked whether a content is theirs.
+const std::vector<FormatModule>& format_modules();
+
+/// What is of the simulation formats.
+class ModelContent : public SourceContent {
+ public:
+  explicit ModelContent(SourceModel model);
+
+  bool has_objects() const override;
+  void add_to(SourceSet& set, SourceReport& report) const override;
+
+ private:
+  SourceModel model_;
+};
+
+}  // namespace veldra::kit
+
+#endif
