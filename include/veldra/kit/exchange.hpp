@@ -231,11 +231,21 @@ struct SourceRules {
 VELDRA_KIT_EXPORT Sources read_together(const std::vector<Source>& sources,
                                         const SourceRules& rules);
 
+/// How tables are read.
+struct TableRules {
+  char separator = '\0';  ///< between cells; by default found in each table
+  char decimal = '\0';    ///< in numbers: a point or a comma; by default found likewise
+
+  /// Is called for each row.
+  Progress progress;
+};
+
 /// Reads what tables say of the objects of a library: each row is an object, found by its id, else
 /// by its code, else by its name; a row of which none is found is a new object. An empty cell
 /// clears a field, and a column that is missing leaves it. In the library of the result the objects
 /// are as the tables want them, beside what they refer to.
 ///
+/// - Ids that a table has from another library count for nothing.
 /// - A row with a cell that cannot be read is left out, and is among the problems.
 /// - Hold a `Transaction` of a library that others may change meanwhile.
 ///
@@ -244,15 +254,15 @@ VELDRA_KIT_EXPORT Sources read_together(const std::vector<Source>& sources,
 /// - a database error (`Library`), and what `progress` throws.
 VELDRA_KIT_EXPORT Sources read_tables(const std::vector<Source>& sources,
                                       const std::shared_ptr<const Library>& library,
-                                      const Progress& progress = {});
+                                      const TableRules& rules = {});
 
 /// Takes the parts of a text, one after the other; of a format that is no text, the bytes.
 using TextSink = std::function<void(std::string_view part)>;
 
 /// How a library is written.
 struct WriteRules {
-  /// Which table of a format that has one for each kind: a kind in plural, such as "materials", or
-  /// "layers".
+  /// Which table of a format that has several: "materials", "compositions", or "layers" of
+  /// compositions.
   std::string table = "materials";
 
   char separator = ',';  ///< between the cells of a table

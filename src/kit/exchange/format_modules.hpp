@@ -53,6 +53,7 @@ struct FormatModule {
 FormatModule catalogue_module();
 FormatModule epjson_module();
 FormatModule idf_module();
+FormatModule table_module();
 
 /// All of them, in the order in which they are asked whether a content is theirs.
 const std::vector<FormatModule>& format_modules();

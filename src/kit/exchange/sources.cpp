@@ -2,7 +2,9 @@
 #include <veldra/kit/exchange.hpp>
 
 #include "kit/exchange/format_modules.hpp"
+#include "kit/exchange/problem.hpp"
 #include "kit/exchange/source_set.hpp"
+#include "kit/exchange/table_reader.hpp"
 
 #include <fmt/format.h>
 
@@ -101,6 +103,24 @@ Sources read_together(const std::vector<Source>& sources, const SourceRules& rul
   save_all(set.materials(), rules, result);
   save_all(set.compositions(), rules, result);
   for (auto& report : result.reports) give_ids(report.repeated, set);
+  return result;
+}
+
+Sources read_tables(const std::vector<Source>& sources,
+                    const std::shared_ptr<const Library>& library, const TableRules& rules) {
+  std::vector<SourceReport> reports(sources.size());
+  std::vector<TableSource> tables;
+  for (std::size_t i = 0; i < sources.size(); ++i) {
+    const auto& source = sources[i];
+    reports[i].file = source.file();
+    reports[i].format = source.format().name;
+    const auto* content = dynamic_cast<const TableContent*>(&SourceReading::content_of(source));
+    if (content == nullptr) fail_at(source.file(), 0, "this is no table");
+    tables.push_back({i, &source.file(), &content->text(), {}, {}, {}, &reports[i]});
+    read_head(tables.back(), rules);
+  }
+  auto result = read_tables(tables, library, rules.progress);
+  result.reports = std::move(reports);
   return result;
 }
 
