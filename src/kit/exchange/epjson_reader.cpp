@@ -21,21 +21,6 @@ void require_object(const JsonNode& node, const std::string& what, const std::st
   fail_at(file, node.line, fmt::format("{} must be a JSON object", what));
 }
 
-std::string text_of(const JsonNode& node, const std::string& file) {
-  switch (node.kind) {
-    case JsonNode::Kind::Null:
-      return "";
-    case JsonNode::Kind::Number:
-      return exact_number(node.number);
-    case JsonNode::Kind::Text:
-      return trimmed(node.text);
-    case JsonNode::Kind::Boolean:
-      return node.boolean ? "Yes" : "No";
-    default:
-      fail_at(file, node.line, "a number or a text is expected");
-  }
-}
-
 /// Whether a member says something of the object: not the order that it had in another file, and
 /// not that a value is missing.
 bool says_something(const std::string& key, const JsonNode& value) {
@@ -55,7 +40,7 @@ SourceMaterial material_from(const std::string& name, const JsonNode& node,
     known.insert(field.key);
     const JsonNode* value = node.member(field.key);
     if (value == nullptr || field.kind == FieldKind::Implied) continue;
-    std::string text = text_of(*value, file);
+    std::string text = scalar_text(*value, file);
     if (!text.empty()) material.values[field.key] = std::move(text);
   }
   for (const auto& [key, value] : node.members) {
@@ -91,7 +76,7 @@ SourceConstruction construction_from(const std::string& name, const JsonNode& no
       construction.not_kept.emplace_back(key, text_of_any(value));
     }
     if (position == 0) continue;
-    std::string text = text_of(value, file);
+    std::string text = scalar_text(value, file);
     if (!text.empty()) layers[position] = std::move(text);
   }
   for (auto& layer : layers) construction.layers.push_back(std::move(layer.second));
@@ -154,16 +139,14 @@ SourceModel read_epjson(const JsonNode& document, const std::string& file) {
 }  // namespace
 
 FormatModule epjson_module() {
-  return {"epJSON",
-          {"epjson", "json"},
-          [](const FileContent& content) {
-            return content.document && !is_foreign(*content.document) &&
-                   is_epjson(*content.document);
-          },
-          [](FileContent content) -> std::shared_ptr<const SourceContent> {
-            return std::make_shared<ModelContent>(read_epjson(*content.document, content.file));
-          },
-          write_epjson};
+  return {
+      "epJSON",
+      {"epjson", "json"},
+      [](const FileContent& content) { return content.document && is_epjson(*content.document); },
+      [](FileContent content) -> std::shared_ptr<const SourceContent> {
+        return std::make_shared<ModelContent>(read_epjson(*content.document, content.file));
+      },
+      write_epjson};
 }
 
 }  // namespace veldra::kit

@@ -52,7 +52,9 @@ struct FormatModule {
 
 FormatModule catalogue_module();
 FormatModule epjson_module();
+FormatModule honeybee_module();
 FormatModule idf_module();
+FormatModule openstudio_module();
 FormatModule table_module();
 
 /// All of them, in the order in which they are asked whether a content is theirs.

@@ -33,8 +33,9 @@ bool has_ending(const Format& format, const std::string& ending) {
 }  // namespace
 
 const std::vector<FormatModule>& format_modules() {
-  static const std::vector<FormatModule> all{catalogue_module(), epjson_module(), idf_module(),
-                                             table_module()};
+  static const std::vector<FormatModule> all{catalogue_module(),  honeybee_module(),
+                                             openstudio_module(), epjson_module(),
+                                             idf_module(),        table_module()};
   return all;
 }
 

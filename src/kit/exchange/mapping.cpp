@@ -5,6 +5,7 @@
 #include <veldra/kit/physics.hpp>
 #include <veldra/kit/text.hpp>
 
+#include "kit/exchange/source_fields.hpp"
 #include "kit/text/quoted.hpp"
 
 #include <fmt/format.h>
@@ -82,7 +83,7 @@ std::size_t places_in(const MaterialClass& described, const Material& material,
 /// The type that a material has by its values.
 const char* usual_type(const Material& material, bool has_thickness) {
   if (has_value(material, property::conductivity) || has_thickness) return "Opaque";
-  if (has_value(material, "U-factor [W/(m2 K)]")) return "Simple glazing";
+  if (has_value(material, source_property::u_factor)) return "Simple glazing";
   return has_value(material, property::resistance) ? "No mass" : "Opaque";
 }
 
@@ -168,7 +169,11 @@ std::shared_ptr<Composition> map_construction(const SourceConstruction& source,
     composition->custom_value(shared.property(identifier_property, ObjectType::Composition),
                               library_text(source.identifier));
   }
-  composition->type(Composition::Type::Other);
+  composition->type(source.type);
+  for (const auto& [name, value] : source.properties) {
+    composition->custom_value(shared.property(library_text(name), ObjectType::Composition),
+                              library_text(value));
+  }
   unsigned structural = 0;
   for (const auto& layer : layers) {
     if (layer.function() == Material::Function::Structure) {

@@ -52,6 +52,8 @@ class Names {
     return free;
   }
 
+  bool has(const std::string& name) const { return taken_.count(key_of(name)) > 0; }
+
  private:
   std::string key_of(const std::string& name) const {
     return format_.ignores_case ? lower_case(name) : name;
@@ -99,6 +101,7 @@ class ModelWriter {
   void find_parts() {
     std::map<unsigned, std::vector<double>> others;
     for_each_by_name<Material>(library_, [&](const Material& material, std::size_t) {
+      if (!material.mark().empty()) ++marks_[material.mark().utf8()];
       auto thicknesses = thicknesses_of(material);
       const bool has_thickness = !thicknesses.empty();
       const auto& described = class_for(material, format_.classes, has_thickness);
@@ -182,8 +185,19 @@ class ModelWriter {
     auto source =
         unmap_material(material, *part.described, thickness, library_.unit(), format_.holds);
     source.name = part.name;
-    if (!format_.has_identifiers) source.identifier.clear();
+    source.identifier = is_own_identifier(source.identifier, part) ? source.identifier : "";
     return source;
+  }
+
+  /// What several objects have identifies none of them, and a material is not to have what is the
+  /// name of another one.
+  bool is_own_identifier(const std::string& identifier, const Part& part) const {
+    if (!format_.has_identifiers || identifier.empty()) return false;
+    const bool is_first = &parts_[first_parts_.at(part.id)] == &part;
+    const auto found = marks_.find(identifier);
+    const bool once = found != marks_.end() && found->second == 1;
+    return is_first && once && (identifier == part.name || !material_names_.has(identifier)) &&
+           trimmed(identifier) == identifier;
   }
 
   /// The material that the reader would make.
@@ -205,6 +219,8 @@ class ModelWriter {
     std::map<const ConstructionClass*, std::vector<unsigned>> by_class;
     for_each_by_name<Composition>(library_, [&](const Composition& composition, std::size_t) {
       by_class[&class_for(composition)].push_back(composition.id());
+      const auto identifier = identifier_of(composition);
+      if (!identifier.empty()) ++identifiers_[identifier];
     });
     for (const auto& entry : by_class) {
       for_each_listed<Composition>(
@@ -237,7 +253,10 @@ class ModelWriter {
       if (!format_.holds_of_construction(*source.described, key, value)) continue;
       source.not_kept.emplace_back(key, value);
     }
-    if (format_.has_identifiers) source.identifier = identifier_of(composition);
+    const auto identifier = identifier_of(composition);
+    const bool identifies = format_.has_identifiers && !identifier.empty() &&
+                            identifiers_[identifier] == 1 && trimmed(identifier) == identifier;
+    if (identifies) source.identifier = identifier;
     lost_.compare(composition, *mapped_back(source, composition));
     ++report_.written[source.described->name];
     sink_.construction(source);
@@ -298,6 +317,8 @@ class ModelWriter {
   Names material_names_;
   Names construction_names_;
   std::map<unsigned, std::set<double>> in_layers_;
+  std::map<std::string, unsigned> marks_;        ///< how many materials have each
+  std::map<std::string, unsigned> identifiers_;  ///< the same of compositions
   std::vector<Part> parts_;
   std::map<unsigned, std::size_t> first_parts_;  ///< by the id of the material
   std::map<std::pair<unsigned, double>, std::size_t> by_thickness_;

@@ -141,42 +141,6 @@ void refuse_database(std::string_view content, const std::string& file) {
   refuse(file, "this is a library; 'veldra copy' takes objects from libraries");
 }
 
-const JsonNode* first_value(const JsonNode& node) {
-  if (!node.elements.empty()) return &node.elements.front();
-  return node.members.empty() ? nullptr : &node.members.front().second;
-}
-
-bool has_text(const JsonNode& node, const char* member) {
-  const JsonNode* value = node.member(member);
-  return value != nullptr && value->kind == JsonNode::Kind::Text;
-}
-
-/// A honeybee object says its type and its identifier; several stand in a list or under names.
-bool is_honeybee(const JsonNode& document) {
-  const auto is_object = [](const JsonNode& node) {
-    return has_text(node, "type") && has_text(node, "identifier");
-  };
-  const JsonNode* first = first_value(document);
-  return is_object(document) || (first != nullptr && is_object(*first));
-}
-
-/// Lists of materials and constructions, maybe below the names of standards.
-bool is_openstudio_standards(const JsonNode& node, int depth = 0) {
-  for (const char* list : {"materials", "constructions"}) {
-    const JsonNode* objects = node.member(list);
-    const JsonNode* first = objects != nullptr ? first_value(*objects) : nullptr;
-    if (first == nullptr) continue;
-    for (const char* member : {"material_type", "intended_surface_type", "materials_standard",
-                               "material_standard", "construction_standard"}) {
-      if (first->member(member) != nullptr) return true;
-    }
-  }
-  if (depth == 3) return false;
-  return std::any_of(node.members.begin(), node.members.end(), [&](const auto& member) {
-    return is_openstudio_standards(member.second, depth + 1);
-  });
-}
-
 void require_readable(const std::string& content, const std::string& file) {
   const std::string mark = format_by_mark(content);
   if (!mark.empty()) refuse_format(file, mark);
@@ -234,13 +198,6 @@ bool starts_as_json(std::string_view text) {
   return first != std::string_view::npos && (text[first] == '{' || text[first] == '[');
 }
 
-/// What a JSON document is that no reader knows.
-const char* kind_of(const JsonNode& document) {
-  if (is_honeybee(document)) return "JSON of honeybee";
-  if (is_openstudio_standards(document)) return "JSON of the OpenStudio standards";
-  return "JSON of another kind";
-}
-
 }  // namespace
 
 FileContent content_from(const std::string& file, std::string bytes) {
@@ -252,11 +209,7 @@ FileContent content_from(const std::string& file, std::string bytes) {
 }
 
 void refuse_unknown(const FileContent& content) {
-  refuse_format(content.file, content.document ? kind_of(*content.document) : "plain text");
-}
-
-bool is_foreign(const JsonNode& document) {
-  return is_honeybee(document) || is_openstudio_standards(document);
+  refuse_format(content.file, content.document ? "JSON of another kind" : "plain text");
 }
 
 }  // namespace veldra::kit

@@ -2,6 +2,8 @@
 #ifndef VELDRA_KIT_EXCHANGE_SOURCE_MODEL_HPP
 #define VELDRA_KIT_EXCHANGE_SOURCE_MODEL_HPP
 
+#include <veldra/kit/exchange.hpp>
+
 #include <map>
 #include <set>
 #include <string>
@@ -79,6 +81,8 @@ struct SourceConstruction {
   std::string identifier;  ///< likewise
   unsigned line = 0;
   std::vector<std::string> layers;  ///< from outside to inside
+  Composition::Type type = Composition::Type::Other;
+  std::vector<std::pair<std::string, std::string>> properties;  ///< custom ones, and their values
   FieldsNotKept not_kept;
 };
 
@@ -88,6 +92,8 @@ struct SourceModel {
   std::vector<SourceConstruction> constructions;
   std::map<std::string, unsigned> skipped;  ///< objects of other classes, by class
   bool ignores_case = true;                 ///< how names of the format compare
+  std::vector<SourceProblem> problems;      ///< what is doubtful about objects that are read
+  std::string note;                         ///< what the report says beside the format
 };
 
 }  // namespace veldra::kit

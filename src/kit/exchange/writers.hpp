@@ -10,6 +10,7 @@ namespace veldra::kit {
 
 WriteReport write_catalogue(const Library& library, const TextSink& sink, const WriteRules& rules);
 WriteReport write_epjson(const Library& library, const TextSink& sink, const WriteRules& rules);
+WriteReport write_honeybee(const Library& library, const TextSink& sink, const WriteRules& rules);
 WriteReport write_idf(const Library& library, const TextSink& sink, const WriteRules& rules);
 WriteReport write_table(const Library& library, const TextSink& sink, const WriteRules& rules);
 
