@@ -233,7 +233,7 @@ TEST(OpenstudioStandards, tell_of_units_and_of_types_that_are_not_known) {
   EXPECT_EQ(report.format, "OpenStudio standards, with units of inch and pound converted");
   ASSERT_EQ(report.problems.size(), 1U);
   EXPECT_EQ(report.problems[0].text(),
-            "'a.json', line 10: material 'Odd': its type 'Jelly' is not known; it is taken for a "
+            "'a.json', line 9: material 'Odd': its type 'Jelly' is not known; it is taken for a "
             "generic one");
   EXPECT_THAT(report.skipped, UnorderedElementsAre(Pair("schedules", 1U)));
   ASSERT_EQ(report.not_kept.size(), 1U);

@@ -32,6 +32,8 @@ TEST(Source, is_of_the_format_that_its_content_tells) {
   EXPECT_EQ(Source("a", "Material:AirGap, Gap, 0.1;").format().name, "IDF");
   EXPECT_EQ(Source("a", R"({"Material:AirGap": {}})").format().name, "epJSON");
   EXPECT_EQ(Source("a.idf", R"({"format": "veldra"})").format().name, "veldra");
+  EXPECT_EQ(Source("a.idf", "a,b,c\n1,2,3\n").format().name, "CSV");
+  EXPECT_EQ(Source("a.csv", "name\nBrick\n").format().name, "CSV");
 }
 
 TEST(Source, may_begin_with_a_byte_order_mark) {
@@ -79,7 +81,7 @@ TEST(SourceProblem, of_a_whole_file_has_no_line) {
 
 TEST(SourceProblem, names_the_format_of_what_cannot_be_read) {
   EXPECT_THAT(problem_of("%PDF-1.7 ").sentence, HasSubstr("this seems to be a PDF document"));
-  EXPECT_THAT(problem_of("a,b,c\n1,2,3\n").sentence, HasSubstr("a table (CSV)"));
+  EXPECT_THAT(problem_of("PK\x03\x04 xl/workbook.xml").sentence, HasSubstr("XLSX"));
   EXPECT_THAT(problem_of("{\"a\": 1}").sentence, HasSubstr("JSON of another kind"));
 }
 

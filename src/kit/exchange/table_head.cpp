@@ -57,6 +57,17 @@ std::set<std::string> keys_of() {
   return keys;
 }
 
+/// One that no table has says nothing, and is told as such.
+bool has_unknown_heading(const Cells& headings) {
+  const auto keys = keys_of<Material>();
+  const auto more = keys_of<Composition>();
+  return std::any_of(headings.begin(), headings.end(), [&](const std::string& heading) {
+    const auto name = heading.substr(0, heading.find(" ["));
+    return keys.count(name) == 0 && more.count(name) == 0 &&
+           name.compare(0, std::string(property_prefix).size(), property_prefix) != 0;
+  });
+}
+
 /// What the headings tell where no row says it.
 TableKind kind_by_headings(const TableSource& table) {
   if (is_heading(table.headings, "composition") && is_heading(table.headings, "position")) {
@@ -67,6 +78,7 @@ TableKind kind_by_headings(const TableSource& table) {
   if (materials != compositions) {
     return materials ? TableKind::Materials : TableKind::Compositions;
   }
+  if (!materials && has_unknown_heading(table.headings)) return TableKind::Materials;
   fail_at(*table.file, 1,
           "the headings do not tell whether the rows are materials, compositions or layers of "
           "compositions; a column 'kind' with material, composition or layer in each row does");

@@ -15,6 +15,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <optional>
 #include <set>
@@ -164,6 +165,10 @@ class TableSet {
     for (auto& table : of(TableKind::Compositions)) {
       Objects<Composition>(*this, *table).read_indices();
     }
+    for (const auto& [key, place] : changed_) {
+      if (key.type == ObjectType::Material) tell_doubts<Material>(key.id, place);
+      if (key.type == ObjectType::Composition) tell_doubts<Composition>(key.id, place);
+    }
   }
 
   void give(Sources& sources) {
@@ -173,6 +178,24 @@ class TableSet {
   }
 
  private:
+  /// Where a table says something of an object.
+  struct Place {
+    TableSource* table;
+    unsigned line;
+  };
+
+  /// Numbers that nobody changed may be as they are.
+  template <class T>
+  void tell_doubts(unsigned id, const Place& place) {
+    const auto object = states_->get<T>(id);
+    const auto name = object->name().utf8();
+    for (const auto& sentence : wrong_numbers(*object)) {
+      add_problem(
+          *place.table, place.line, name,
+          fmt::format("{} {}: {}", singular_of(ObjectTraits<T>::type), quoted(name), sentence));
+    }
+  }
+
   template <class T>
   struct ReadColumn {
     std::size_t place;
@@ -377,6 +400,7 @@ class TableSet {
       ++table_.report->read[kind_];
       const auto name = called(row, object);
       const unsigned id = object ? object->id() : 0;
+      bool changes = !object;
       try {
         require_row(row);
         if (id != 0 && !set_.rows_.insert({ObjectTraits<T>::type, id}).second) {
@@ -385,15 +409,16 @@ class TableSet {
         if (!object && name.empty()) throw Error("the name is missing");
         if (!object) object = T::create(library_text(name));
         for (const auto& column : columns_) {
-          if (column.field == nullptr || !is_index(*column.field)) set_cell(*object, row, column);
+          if (column.field != nullptr && is_index(*column.field)) continue;
+          if (set_cell(*object, row, column)) changes = true;
         }
-        set_.save(object, id, table_, row.line);
+        const unsigned state = set_.save(object, id, table_, row.line);
+        if (changes) set_.changed_[{ObjectTraits<T>::type, state}] = {&table_, row.line};
       } catch (const Error& error) {
         return tell(row, name, error.what());
       } catch (const ObjectNotUnique& taken) {
         return tell(row, name, taken.text().empty() ? "its name is taken" : "its code is taken");
       }
-      for (const auto& sentence : wrong_numbers(*object)) tell(row, name, sentence);
     }
 
     void require_row(const Row& row) const {
@@ -411,19 +436,22 @@ class TableSet {
       }
     }
 
-    /// A cell that says what is there leaves it, whatever it is.
-    void set_cell(T& object, const Row& row, const ReadColumn<T>& column) const {
+    /// A cell that says what is there leaves it, whatever it is. Gives whether it says something
+    /// else.
+    bool set_cell(T& object, const Row& row, const ReadColumn<T>& column) const {
       const auto& cell = cell_at(row, column.place);
       if (column.property) {
-        if (cell.empty()) return;
+        if (cell.empty()) return false;
         object.custom_value(column.property, library_text(text_of_cell(cell, table_.style)));
-        return;
+        return true;
       }
       const auto& field = *column.field;
-      if (column.unit.empty() && cell == cell_of(field, field.get(object), table_.style)) return;
+      const bool says_the_same = cell == cell_of(field, field.get(object), table_.style);
+      if (column.unit.empty() && says_the_same) return false;
       auto text = text_of_cell(field, cell, table_.style);
       if (!column.unit.empty()) text = with_unit(text, column.unit);
       field.set(object, value_from_text(field, text, set_.library_->unit()));
+      return true;
     }
 
     void read_indices(const Row& row) {
@@ -571,23 +599,20 @@ class TableSet {
       const auto composition = composition_named(name, id);
       if (!composition) throw Error("there is no such composition");
       if (rows.rbegin()->first != rows.size()) throw Error("a position is missing");
-      replace_layers(*composition, rows);
+      const bool changes = replace_layers(*composition, rows);
       table.report->layers += static_cast<unsigned>(rows.size());
-      if (composition->library().get() == states_.get()) {
-        states_->save(composition);
-      } else {
-        save(composition, id, table, line);
-      }
-      for (const auto& sentence : wrong_numbers(*composition)) {
-        tell_layer(table, line, name, sentence);
-      }
+      const bool is_state = composition->library().get() == states_.get();
+      if (is_state) states_->save(composition);
+      const unsigned state = is_state ? composition->id() : save(composition, id, table, line);
+      if (changes) changed_[{ObjectType::Composition, state}] = {&table, line};
     } catch (const Error& error) {
       tell_layer(table, line, name, error.what());
     }
   }
 
-  /// What a row does not say stays as the layer in its place has it.
-  void replace_layers(Composition& composition, const LayersByPosition& rows) {
+  /// What a row does not say stays as the layer in its place has it. Gives whether anything
+  /// changes.
+  bool replace_layers(Composition& composition, const LayersByPosition& rows) {
     std::map<std::string, std::shared_ptr<const Material>> materials;
     Value::Layers values;
     for (const auto& [position, row] : rows) {
@@ -602,13 +627,14 @@ class TableSet {
       values.push_back(value);
     }
     static const auto& field = built_in_fields<Composition>().at("layers");
-    if (field.get(composition) == Value(values)) return;
+    if (field.get(composition) == Value(values)) return false;
     field.set(composition, values);
     for (std::size_t i = 0; i < values.size(); ++i) {
       composition.layer(i, toModify) = {materials[values[i].material],
                                         static_cast<Material::Function>(values[i].function),
                                         values[i].thickness};
     }
+    return true;
   }
 
   std::vector<TableSource>& tables_;
@@ -619,6 +645,7 @@ class TableSet {
   std::tuple<std::unique_ptr<StoredIds<Material>>, std::unique_ptr<StoredIds<Composition>>> stored_;
   std::map<ObjectKey, unsigned> states_of_;
   std::map<ObjectKey, SourceObject> origins_;
+  std::map<ObjectKey, Place> changed_;
   std::set<ObjectKey> rows_;  ///< stored objects that rows are about
   std::map<std::pair<std::size_t, unsigned>, unsigned> composition_rows_;
 };
