@@ -85,6 +85,22 @@ TEST(SourceProblem, names_the_format_of_what_cannot_be_read) {
   EXPECT_THAT(problem_of("{\"a\": 1}").sentence, HasSubstr("JSON of another kind"));
 }
 
+TEST(SourceProblem, tells_of_objects_that_are_made_to_fill_the_memory) {
+  std::string many;
+  for (int i = 0; i < 1000000; ++i) many += ",1";
+  const std::string field(2 << 20, 'a');
+  EXPECT_EQ(problem_of("Material, Brick" + many + ";").sentence,
+            "the object that begins here has more than 1000 fields");
+  EXPECT_EQ(problem_of("Version, 9.4; Zone" + many + ";").sentence,
+            "the object that begins here has more than 100000 fields");
+  EXPECT_EQ(problem_of("Version, 9.4; Material, " + field + ", 1;").sentence,
+            "a field of the object that begins here is longer than 1 MiB");
+  std::string members;
+  for (int i = 0; i < 2000; ++i) members += ",\"" + std::to_string(i) + "\": 1";
+  EXPECT_EQ(problem_of("{\"Material\": {\"Brick\": {\"a\": 1" + members + "}}}").sentence,
+            "'Brick' has more than 1000 fields");
+}
+
 TEST(SourceProblem, tells_the_line_of_what_is_no_json) {
   const auto problem = problem_of("{\n\n\"a\": ?}");
   EXPECT_EQ(problem.line, 3U);

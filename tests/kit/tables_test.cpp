@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include <limits>
+#include <fstream>
 
 namespace veldra_tests {
 namespace {
@@ -277,6 +277,13 @@ TEST_F(Tables, of_a_million_columns_are_refused) {
   EXPECT_THAT(refusal(table + "\n"), HasSubstr("more than 10000 columns"));
 }
 
+TEST_F(Tables, of_endless_rows_and_cells_are_refused) {
+  EXPECT_THAT(refusal("name,mark\n" + std::string(1000000, ',') + "x\n"),
+              HasSubstr("line 2: the row has more than 10000 cells"));
+  EXPECT_THAT(refusal("name,mark\na," + std::string(2 << 20, 'b') + "\n"),
+              HasSubstr("line 2: a cell is longer than 1 MiB"));
+}
+
 TEST_F(Tables, replace_the_layers_of_compositions) {
   library_->save(full_composition("Wall"));
   library_->save(Material::create(text("Brick")));
@@ -343,6 +350,24 @@ TEST_F(Tables, need_a_library) {
                 kit::read_tables({{"a", "Version, 9.4;"}}, library_);
               }),
               HasSubstr("this is no table"));
+}
+
+TEST(Formats, are_those_of_the_page) {
+  std::ifstream page(VELDRA_FORMATS_PAGE);
+  std::vector<std::string> rows;
+  for (std::string line; std::getline(page, line);) {
+    const bool is_row = line.compare(0, 2, "| ") == 0;
+    if (!is_row && !rows.empty() && line.compare(0, 1, "|") != 0) break;
+    if (is_row) rows.push_back(line);
+  }
+  ASSERT_EQ(rows.size(), kit::formats().size() + 1) << "a title, and a row for each";
+  for (const auto& format : kit::formats()) {
+    std::string endings;
+    for (const auto& ending : format.endings) endings += (endings.empty() ? "" : ", ") + ending;
+    EXPECT_THAT(rows, Contains("| " + format.name + " | " + format.endings.front() + " | " +
+                               endings + " | " + (format.readable ? "yes" : "no") + " | " +
+                               (format.writable ? "yes" : "no") + " |"));
+  }
 }
 
 TEST(Formats, are_found_by_name_and_ending) {

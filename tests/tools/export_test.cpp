@@ -231,8 +231,7 @@ TEST_F(ExportedFormat, tells_what_it_has_no_place_for) {
   EXPECT_EQ(run.err,
             "veldra: IDF has no place for 'tags' of composition, 1 value is left out\n"
             "veldra: IDF has no place for 'tags' of material, 1 value is left out\n");
-  must({"untag", "a.lib", "material:Brick", "a.idf"});
-  must({"untag", "a.lib", "composition:Wall", "a.idf"});
+  must({"untag", "a.lib", "material:Brick", "composition:Wall", "--tag", "a.idf"});
   EXPECT_EQ(must({"export", "a.lib", "-o", "x.idf", "--force"}).err, "");
 }
 

@@ -21,6 +21,13 @@ void require_object(const JsonNode& node, const std::string& what, const std::st
   fail_at(file, node.line, fmt::format("{} must be a JSON object", what));
 }
 
+/// More than any object has that is none to fill the memory.
+void require_few_members(const JsonNode& node, const std::string& name, const std::string& file) {
+  constexpr std::size_t most = 1000;
+  if (node.members.size() <= most) return;
+  fail_at(file, node.line, fmt::format("{} has more than {} fields", quoted(name), most), name);
+}
+
 /// Whether a member says something of the object: not the order that it had in another file, and
 /// not that a value is missing.
 bool says_something(const std::string& key, const JsonNode& value) {
@@ -126,6 +133,7 @@ SourceModel read_epjson(const JsonNode& document, const std::string& file) {
     }
     for (const auto& [object, node] : objects.members) {
       require_object(node, quoted(object), file);
+      require_few_members(node, object, file);
       if (material) {
         model.materials.push_back(material_from(object, node, *material, file));
       } else {

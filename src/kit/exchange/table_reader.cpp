@@ -77,6 +77,13 @@ void for_each_part(const TableSource& table, Work work) {
   scanner.next(cells);
   std::vector<Row> rows;
   while (scanner.next(cells)) {
+    if (scanner.is_too_long()) {
+      fail_at(*table.file, scanner.line(), "a cell is longer than 1 MiB");
+    }
+    if (cells.size() > TableScanner::most_cells) {
+      fail_at(*table.file, scanner.line(),
+              fmt::format("the row has more than {} cells", TableScanner::most_cells));
+    }
     rows.push_back({scanner.line(), cells});
     if (rows.size() < rows_at_once) continue;
     work(rows);

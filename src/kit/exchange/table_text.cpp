@@ -132,19 +132,27 @@ char TableScanner::take() {
   return character;
 }
 
+void TableScanner::append(char character, std::string& cell) {
+  if (cell.size() < longest_cell) {
+    cell += character;
+  } else {
+    too_long_ = true;
+  }
+}
+
 void TableScanner::take_quoted(std::string& cell) {
   open_ = true;
   while (!rest_.empty()) {
     const char character = take();
     if (character != '"') {
-      cell += character;
+      append(character, cell);
       continue;
     }
     if (rest_.empty() || rest_.front() != '"') {
       open_ = false;
       return;
     }
-    cell += take();
+    append(take(), cell);
   }
 }
 
@@ -164,7 +172,7 @@ bool TableScanner::next_row(Cells& cells) {
     if (character == '"' && begins) {
       take_quoted(cells.back());
     } else if (!is_separator && cells.size() <= most_cells) {
-      cells.back() += character;
+      append(character, cells.back());
     }
     begins = is_separator;
   }

@@ -50,11 +50,16 @@ class TableScanner {
   /// Whether a quote was open at the end of the text.
   bool is_open() const noexcept { return open_; }
 
+  /// Whether a cell was longer than `longest_cell`, and lacks what is beyond.
+  bool is_too_long() const noexcept { return too_long_; }
+
   static constexpr std::size_t most_cells = 10000;
+  static constexpr std::size_t longest_cell = 1 << 20;
 
  private:
   bool next_row(Cells& cells);
   void take_quoted(std::string& cell);
+  void append(char character, std::string& cell);
   char take();
 
   std::string_view rest_;
@@ -62,6 +67,7 @@ class TableScanner {
   unsigned line_ = 1;
   unsigned line_of_row_ = 1;
   bool open_ = false;
+  bool too_long_ = false;
 };
 
 /// The separator of a table: the one that its first line has most of.
