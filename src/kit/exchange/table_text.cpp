@@ -181,7 +181,7 @@ bool TableScanner::next_row(Cells& cells) {
 
 bool TableScanner::next(Cells& cells) {
   while (next_row(cells)) {
-    if (!is_blank_row(cells)) return true;
+    if (cells.size() > most_cells || !is_blank_row(cells)) return true;
   }
   return false;
 }
