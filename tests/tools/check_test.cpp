@@ -2,6 +2,7 @@
 #include "tools/program.hpp"
 
 #include "support/database.hpp"
+#include "support/sanitized.hpp"
 
 #include <chrono>
 #include <sstream>
@@ -145,7 +146,7 @@ TEST_F(Check, conductivities_of_assets_are_found) {
 }
 
 // The address sanitizer takes more addresses than could be left to the program.
-#ifndef __SANITIZE_ADDRESS__
+#ifndef VELDRA_KEEPS_FREED_MEMORY
 TEST_F(Check, what_is_no_fault_of_the_file_is_no_finding) {
   PlainDatabase(path("a.lib"))
       .execute(
