@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "tools/program.hpp"
+#include "tools/terminal.hpp"
 
 #include <veldra/kit/kit.hpp>
 
@@ -97,6 +98,21 @@ TEST_F(Calc, takes_what_is_outside_from_an_option) {
 }
 
 // 1 / 0.15 - 0.67 = 5.996667, times 0.04: 239.87 mm.
+TEST_F(Calc, what_was_assumed_is_dim_on_a_terminal_alone) {
+  if (!terminals_can_be_made()) GTEST_SKIP() << "no terminal can be made here";
+  save();
+  ::setenv("TERM", "xterm", 1);
+  ::unsetenv("NO_COLOR");
+  const std::vector<std::vector<std::string>> commands{{"calc", "a.lib", "Wall"},
+                                                       {"show", "a.lib", "composition", "Wall"}};
+  for (const auto& command : commands) {
+    TerminalRun run(path(""), command);
+    EXPECT_EQ(run.finish(), 0);
+    EXPECT_THAT(run.seen(), HasSubstr("\x1b[2massumed "));
+    EXPECT_THAT(must(command).out, HasSubstr("\nassumed "));
+  }
+}
+
 TEST_F(Calc, finds_the_thickness_for_a_target) {
   save();
   EXPECT_NEAR(calculated({"--target-u", "0.15"})["solution"]["thickness"].get<double>(), 239.8667,

@@ -6,6 +6,7 @@
 #include "kinds.hpp"
 #include "physics_text.hpp"
 #include "process/standard_streams.hpp"
+#include "process/writing.hpp"
 #include "summary.hpp"
 #include "table.hpp"
 #include "text.hpp"
@@ -41,10 +42,16 @@ class Printer {
 
  private:
   void line(const std::string& title, const std::string& value) const {
-    if (value.empty()) return;
+    if (!value.empty()) output_.print("{}\n", line_of(title, value));
+  }
+
+  void muted_line(const std::string& title, const std::string& value) const {
+    if (!value.empty()) output_.print("{}\n", muted(line_of(title, value)));
+  }
+
+  static std::string line_of(const std::string& title, const std::string& value) {
     const auto width = display_width(title);
-    output_.print("{}{}{}\n", title, std::string(width < 24 ? 24 - width : 1, ' '),
-                  printable(value));
+    return title + std::string(width < 24 ? 24 - width : 1, ' ') + printable(value);
   }
 
   void lines(const std::string& title, const std::vector<std::string>& values) const {
@@ -86,7 +93,7 @@ class Printer {
 
   void print_heat() const {
     line("surfaces", surfaces_text(proof_.heat));
-    line("assumed", assumption_text(proof_.heat));
+    muted_line("assumed", assumption_text(proof_.heat));
     if (proof_.heat.limits && proof_.heat.bridged) {
       line("limits of R_T", fmt::format("{:.3f} and {:.3f} m²K/W, error at most {:.1f} % "
                                         "(ISO 6946, 6.7.2)",

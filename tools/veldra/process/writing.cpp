@@ -53,6 +53,11 @@ std::string_view error_mark() noexcept {
   return shows_colours(STDERR_FILENO) ? "\x1b[1;31mveldra:\x1b[0m " : "veldra: ";
 }
 
+std::string muted(std::string line) {
+  if (line.empty() || !shows_colours(STDOUT_FILENO)) return line;
+  return "\x1b[2m" + line + "\x1b[22m";
+}
+
 void say(std::string_view text) noexcept { write_all(STDERR_FILENO, text); }
 
 }  // namespace veldra_tool
