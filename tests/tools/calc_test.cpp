@@ -152,6 +152,46 @@ TEST_F(Calc, computes_moisture_in_a_climate) {
   EXPECT_GT(told["year"]["greatest"].get<double>(), 0);
 }
 
+TEST_F(Calc, ends_with_3_when_a_value_cannot_be_used) {
+  brick_->custom_value("Density [kg/m3]", "-5");
+  save();
+  const auto run = veldra({"calc", "a.lib", "Wall"});
+  EXPECT_EQ(run.status, 3);
+  EXPECT_THAT(run.out, HasSubstr("\ntransmittance U "));
+  EXPECT_THAT(run.out, ContainsRegex("no mass .*Density"));
+}
+
+TEST_F(Calc, tells_of_a_boundary_that_cannot_be_read_and_not_that_none_is_stated) {
+  wall_->custom_value("Boundary", "beyond");
+  save();
+  const auto run = veldra({"calc", "a.lib", "Wall"});
+  EXPECT_EQ(run.status, 3);
+  EXPECT_THAT(run.out, HasSubstr("'beyond'"));
+  EXPECT_THAT(run.out, Not(HasSubstr("no 'Boundary' is stated")));
+}
+
+TEST_F(Calc, refuses_wishes_that_make_no_sense) {
+  save();
+  const auto refusal = [&](const std::string& option, const std::string& value) {
+    const auto run = veldra({"calc", "a.lib", "Wall", option, value});
+    EXPECT_EQ(run.status, 2) << option << ' ' << value;
+    return run.err;
+  };
+  for (const char* target : {"0", "-1", "nan", "inf"}) {
+    EXPECT_THAT(refusal("--target-u", target), HasSubstr("a U-value is a number above 0"));
+  }
+  EXPECT_THAT(refusal("--target-u", "0,15"), HasSubstr("'0,15' is no number"));
+  EXPECT_THAT(refusal("--room-class", "6"), HasSubstr("room classes are from 1 to 5"));
+  EXPECT_THAT(refusal("--climate", ""), HasSubstr("the value is empty"));
+  EXPECT_THAT(refusal("--boundary", ""), HasSubstr("the value is empty"));
+}
+
+TEST_F(Calc, says_that_moisture_grows_with_the_years) {
+  save();
+  const auto wet = must({"calc", "a.lib", "Wall", "--climate", climate("80")}).out;
+  EXPECT_THAT(wet, ContainsRegex("kg/m² in the first year, and more in each; it does not dry"));
+}
+
 TEST_F(Calc, takes_the_humidity_inside_from_a_room_class) {
   save();
   EXPECT_EQ(must({"calc", "a.lib", "Wall", "--climate", climate(""), "--room-class", "5"}).status,

@@ -287,7 +287,8 @@ TEST_F(EditTags, go_to_all_that_a_filter_selects) {
 }
 
 TEST_F(EditTags, that_are_not_there_cannot_be_taken) {
-  expect_refusal({"untag", "a.lib", "material:Brick", "--tag", "draf"}, "did you mean 'draft'?");
+  expect_refusal({"untag", "a.lib", "material:Brick", "--tag", "draf"},
+                 "there is no tag 'draf' in the library; did you mean 'draft'?");
 }
 
 TEST_F(EditTags, are_for_materials_and_compositions) {

@@ -200,8 +200,10 @@ void print_details(Spool& output, const veldra::Composition& composition, veldra
     output.print("\n{}\n", layers_text(composition, transmission, unit));
   }
   line(output, "total", length_text(kit::total_thickness(composition), unit) + " " + name_of(unit));
-  line(output, "core", core_text(composition));
-  line(output, "structural layer", fmt::format("{}", composition.structural_layer() + 1ULL));
+  if (!composition.layers().empty()) {
+    line(output, "core", core_text(composition));
+    line(output, "structural layer", fmt::format("{}", composition.structural_layer() + 1ULL));
+  }
   if (composition.has_variable_layer())
     line(output, "variable layer", variable_text(composition, unit));
   print_transmission(output, transmission);
