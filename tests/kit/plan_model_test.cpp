@@ -264,6 +264,32 @@ Model model_of(const Library& library) {
   return model;
 }
 
+/// A plan as it comes out of a file.
+kit::PlanFile filed(const kit::Plan& plan, const Library& library) {
+  std::string content;
+  kit::write_plan(plan, library, "a.lib", [&](std::string_view part) { content += part; });
+  return {"plan.json", content};
+}
+
+/// What is to become of each object, with all that a person reads.
+std::vector<std::string> entries_text(const kit::Plan& plan) {
+  std::vector<std::string> texts;
+  for (const auto& entry : plan.entries()) {
+    const auto kind = entry.source.type;
+    if (kind != ObjectType::Material && kind != ObjectType::Composition) continue;
+    std::string text = std::to_string(static_cast<int>(kind)) + entry.name + ' ' +
+                       name_of(entry.decision) + ' ' + entry.result;
+    for (const auto& change : entry.changes) {
+      if (change.field == "tags") continue;  // in no order
+      text +=
+          "; " + change.field + ' ' + value_text(change.before) + ' ' + value_text(change.after);
+    }
+    texts.push_back(text);
+  }
+  std::sort(texts.begin(), texts.end());
+  return texts;
+}
+
 class PlanModel : public LibraryFixture {
  protected:
   /// One library, into which sources come one after the other.
@@ -277,14 +303,15 @@ class PlanModel : public LibraryFixture {
       const auto source = Library::create(":memory:", Unit::Millimetres, "");
       const Model incoming = random.model(random.below(2) > 0 ? 100 : 1000 + 100 * step);
       fill(*source, incoming);
-      apply(*library, source, incoming, expected, static_cast<OnClash>(random.below(4)));
+      const auto policy = static_cast<OnClash>(random.below(4));
+      apply(*library, source, incoming, expected, policy, random.below(2) > 0);
       if (HasFailure()) return;
     }
   }
 
  private:
   static void apply(Library& library, const std::shared_ptr<Library>& source, const Model& incoming,
-                    Model& expected, OnClash policy) {
+                    Model& expected, OnClash policy, bool by_file) {
     kit::PlanRules rules;
     rules.on_clash = policy;
     rules.fingerprints = true;
@@ -292,7 +319,9 @@ class PlanModel : public LibraryFixture {
     const bool decided = Merge(merged, incoming, policy).run();
     const kit::Plan plan(source, library, rules);
     EXPECT_EQ(plan.is_decided(), decided);
-    if (plan.is_decided()) plan.apply_later(library);
+    const auto file = filed(plan, library);
+    EXPECT_EQ(entries_text(file.plan(library)), entries_text(plan));
+    if (plan.is_decided()) by_file ? file.apply(library) : plan.apply_later(library);
     if (decided) expected = merged;
     const Model now = model_of(library);
     EXPECT_TRUE(now.materials == expected.materials);

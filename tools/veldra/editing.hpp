@@ -41,6 +41,13 @@ void require_free_name(const veldra::Library& library, const T& object, unsigned
   }
 }
 
+/// Tells what becomes of objects that were edited, those of which the source of a plan has other
+/// states, and of others that something was `made` of. What edited objects refer to comes along,
+/// and is the same.
+void tell_edited(const kit::Plan& plan, const veldra::IdMapping& mapping,
+                 const std::vector<kit::PlanEntry>& made, const PlanArguments& arguments,
+                 Host& host);
+
 /// Objects of a library that are changed, or made, by hand: collects them, and carries all out at
 /// once. The caller holds the transaction of the library.
 class Editing {
@@ -71,8 +78,6 @@ class Editing {
  private:
   template <class T>
   void rename(T& object);
-  bool is_shown(const kit::PlanEntry& entry) const;
-  void tell(const kit::Plan& plan, const veldra::IdMapping& mapping) const;
 
   std::shared_ptr<veldra::Library> library_;
   std::shared_ptr<veldra::Library> states_;  ///< as they are to be, in memory
