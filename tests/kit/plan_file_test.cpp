@@ -299,6 +299,8 @@ const Wrong wrong_plans[] = {
      "the library: 'path' is missing"},
     {"zero_in_path", [](Json& json) { json["library"]["path"] = std::string("a\0b", 3); },
      "the library: the text has a zero byte"},
+    {"zero_in_name", [](Json& json) { first(json)["name"] = std::string("a\0b", 3); },
+     "material 'a\\x00b': a text has the character U+0000"},
     {"no_guid", [](Json& json) { json["library"].erase("guid"); },
      "the library: 'guid' is missing"},
     {"no_entries", [](Json& json) { json.erase("entries"); }, "'entries' is missing"},

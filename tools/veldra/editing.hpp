@@ -7,6 +7,7 @@
 #include "lookup.hpp"
 #include "planned_change.hpp"
 #include "process/interruption.hpp"
+#include "text.hpp"
 
 #include <veldra/veldra.hpp>
 
@@ -47,6 +48,25 @@ void require_free_name(const veldra::Library& library, const T& object, unsigned
 void tell_edited(const kit::Plan& plan, const veldra::IdMapping& mapping,
                  const std::vector<kit::PlanEntry>& made, const PlanArguments& arguments,
                  Host& host);
+
+/// Runs `work` on one of some objects; of several, what goes wrong comes out as a `LibraryFailure`
+/// that names the object.
+template <class T, class Work>
+void naming_object(const T& object, std::size_t count, Work work) {
+  if (count == 1) return work();
+  const auto name = object.name().utf8();
+  const auto refuse = [&](const std::string& sentence) {
+    throw LibraryFailure(fmt::format("{} {}: {}", singular_of(veldra::ObjectTraits<T>::type),
+                                     in_quotes(name), sentence));
+  };
+  try {
+    work();
+  } catch (const kit::Error& error) {
+    refuse(printable(error.what()));
+  } catch (const LibraryFailure& failure) {
+    refuse(failure.what());
+  }
+}
 
 /// Objects of a library that are changed, or made, by hand: collects them, and carries all out at
 /// once. The caller holds the transaction of the library.
@@ -108,7 +128,7 @@ void Editing::change_each(const std::set<veldra::ObjectKey>& keys, ChangeOf chan
         library_->get(objects, part);
         for (const auto& object : objects) {
           stop_if_asked();
-          change_one(*object);
+          naming_object(*object, keys.size(), [&] { change_one(*object); });
           change(object);
         }
       }
