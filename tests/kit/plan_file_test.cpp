@@ -209,6 +209,16 @@ TEST_F(KitPlanFile, tags_what_is_equal_and_leaves_it_where_that_is_decided) {
   EXPECT_EQ(library->get<Material>("Brick")->tags().size(), 1U);
 }
 
+TEST_F(KitPlanFile, takes_what_was_renamed_before_for_what_is_to_be_renamed) {
+  apply(decided("rename"));
+  const auto before = rows();
+  apply(edited([](Json& json) {
+    json["entries"][0]["decision"] = "rename";
+    json["entries"][1]["decision"] = "keep";
+  }));
+  EXPECT_EQ(rows(), before);
+}
+
 TEST_F(KitPlanFile, remembers_what_was_renamed_before) {
   PlanRules rules;
   rules.on_clash = OnClash::Rename;
@@ -298,7 +308,7 @@ const Wrong wrong_plans[] = {
     {"no_path", [](Json& json) { json["library"].erase("path"); },
      "the library: 'path' is missing"},
     {"zero_in_path", [](Json& json) { json["library"]["path"] = std::string("a\0b", 3); },
-     "the library: the text has a zero byte"},
+     "the library: a text has the character U+0000"},
     {"zero_in_name", [](Json& json) { first(json)["name"] = std::string("a\0b", 3); },
      "material 'a\\x00b': a text has the character U+0000"},
     {"no_guid", [](Json& json) { json["library"].erase("guid"); },
@@ -315,8 +325,8 @@ const Wrong wrong_plans[] = {
     {"no_name", [](Json& json) { first(json).erase("name"); }, "a material: 'name' is missing"},
     {"name_kind", [](Json& json) { first(json)["name"] = {1}; }, "a material: a text is expected"},
     {"decision", [](Json& json) { first(json)["decision"] = "drop"; },
-     "material 'Brick': 'decision' must be one of 'add', 'equal', 'tag', 'keep', 'change', "
-     "'rename' and 'undecided', and not 'drop'"},
+     "material 'Brick': 'decision' must be one of add, equal, tag, keep, change, rename, "
+     "undecided, and not 'drop'"},
     {"decision_kind", [](Json& json) { first(json)["decision"] = true; },
      "material 'Brick': a text is expected"},
     {"no_decision", [](Json& json) { first(json).erase("decision"); },
@@ -324,7 +334,7 @@ const Wrong wrong_plans[] = {
     {"add_what_is_stored", [](Json& json) { first(json)["decision"] = "add"; },
      "material 'Brick': 'add' makes no sense, as the library has one of that name already"},
     {"equal_what_differs", [](Json& json) { first(json)["decision"] = "tag"; },
-     "nobody has decided"},
+     "material 'Brick': 'tag' makes no sense, as the library has one that differs"},
     {"keep_what_is_not_stored", [](Json& json) { second(json)["decision"] = "keep"; },
      "composition 'Wall': 'keep' makes no sense, as the library has none of that name"},
     {"change_what_is_not_stored", [](Json& json) { second(json)["decision"] = "change"; },

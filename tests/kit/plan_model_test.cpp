@@ -4,6 +4,8 @@
 #include "kit/kit_names.hpp"
 #include "support/library_fixture.hpp"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <cstdlib>
 #include <map>
@@ -264,11 +266,24 @@ Model model_of(const Library& library) {
   return model;
 }
 
-/// A plan as it comes out of a file.
-kit::PlanFile filed(const kit::Plan& plan, const Library& library) {
+std::string written(const kit::Plan& plan, const Library& library) {
   std::string content;
   kit::write_plan(plan, library, "a.lib", [&](std::string_view part) { content += part; });
-  return {"plan.json", content};
+  return content;
+}
+
+/// A plan in which somebody takes one decision about all that is open.
+std::string decided(const std::string& content, OnClash policy) {
+  static const std::map<OnClash, const char*> words{{OnClash::Fail, "undecided"},
+                                                    {OnClash::Use, "keep"},
+                                                    {OnClash::Overwrite, "change"},
+                                                    {OnClash::Rename, "rename"}};
+  auto json = nlohmann::json::parse(content);
+  for (auto& entry : json["entries"]) {
+    if (entry["decision"] != "undecided") continue;
+    entry["decision"] = entry["fingerprint"] == "absent" ? "add" : words.at(policy);
+  }
+  return json.dump();
 }
 
 /// What is to become of each object, with all that a person reads.
@@ -304,14 +319,14 @@ class PlanModel : public LibraryFixture {
       const Model incoming = random.model(random.below(2) > 0 ? 100 : 1000 + 100 * step);
       fill(*source, incoming);
       const auto policy = static_cast<OnClash>(random.below(4));
-      apply(*library, source, incoming, expected, policy, random.below(2) > 0);
+      apply(*library, source, incoming, expected, policy, random.below(3));
       if (HasFailure()) return;
     }
   }
 
  private:
   static void apply(Library& library, const std::shared_ptr<Library>& source, const Model& incoming,
-                    Model& expected, OnClash policy, bool by_file) {
+                    Model& expected, OnClash policy, unsigned way) {
     kit::PlanRules rules;
     rules.on_clash = policy;
     rules.fingerprints = true;
@@ -319,14 +334,30 @@ class PlanModel : public LibraryFixture {
     const bool decided = Merge(merged, incoming, policy).run();
     const kit::Plan plan(source, library, rules);
     EXPECT_EQ(plan.is_decided(), decided);
-    const auto file = filed(plan, library);
+    const kit::PlanFile file("plan.json", written(plan, library));
     EXPECT_EQ(entries_text(file.plan(library)), entries_text(plan));
-    if (plan.is_decided()) by_file ? file.apply(library) : plan.apply_later(library);
+    if (plan.is_decided()) carry_out(plan, file, way, library);
     if (decided) expected = merged;
     const Model now = model_of(library);
     EXPECT_TRUE(now.materials == expected.materials);
     EXPECT_TRUE(now.builds == expected.builds);
     expect_entries_told_the_truth(plan, library, decided);
+  }
+
+  /// At once, by a file, or by a file in which somebody decides.
+  static void carry_out(const kit::Plan& plan, const kit::PlanFile& file, unsigned way,
+                        Library& library) {
+    if (way == 0) {
+      plan.apply_later(library);
+    } else if (way == 1) {
+      file.apply(library);
+    } else {
+      auto rules = plan.rules();
+      const auto policy = rules.on_clash;
+      rules.on_clash = OnClash::Fail;
+      const auto open = written(kit::Plan(plan.source(), library, rules), library);
+      kit::PlanFile("plan.json", decided(open, policy)).apply(library);
+    }
   }
 
   /// Every result is there, and each field that was to change has its new value.

@@ -53,17 +53,20 @@ const char* state_in(const PlanEntry& entry) {
   }
 }
 
-/// Whether a plan has come to what was decided. To keep what is the same is no other thing.
-bool is_as_decided(Decision wanted, Decision planned) {
-  const bool is_kept = wanted == Decision::Keep && planned == Decision::Equal;
-  return is_kept || wanted == planned || planned == Decision::Undecided;
+/// Whether an object that is to be renamed is the same as a stored one of another name, and so has
+/// come in before. Of the one of its own name the plan says nothing then.
+bool is_there_renamed(const PlanFileEntry& entry, const PlanEntry& planned) {
+  const bool is_there = planned.decision == Decision::Equal || planned.decision == Decision::Tag;
+  return is_there && entry.decision == Decision::Rename && planned.result != entry.name;
 }
 
-/// Whether an object that is to be renamed is the same as a stored one of another name. About the
-/// one of its own name the plan says nothing then.
-bool is_there_renamed(const PlanFileEntry& entry, const PlanEntry& planned) {
-  return entry.decision == Decision::Rename &&
-         (planned.decision == Decision::Equal || planned.decision == Decision::Tag);
+/// Whether a plan has come to what was decided. To keep what is the same is no other thing, and a
+/// code may be in the way of anything that is written.
+bool is_as_decided(const PlanFileEntry& entry, const PlanEntry& planned) {
+  if (entry.decision == planned.decision || is_there_renamed(entry, planned)) return true;
+  const bool is_same = entry.decision == Decision::Equal || entry.decision == Decision::Tag;
+  if (planned.decision == Decision::Undecided) return !is_same;
+  return entry.decision == Decision::Keep && planned.decision == Decision::Equal;
 }
 
 /// The entries of a plan that a file has entries for.
@@ -132,7 +135,7 @@ void PlanFile::require_decisions(const Plan& plan) const {
     const auto fail = [&](const std::string& sentence) {
       fail_at(file_, entry.line, fmt::format("{}: {}", called(entry), sentence), entry.name);
     };
-    if (!is_as_decided(entry.decision, planned)) {
+    if (!is_as_decided(entry, *now[i])) {
       fail(fmt::format("'{}' makes no sense, {}", plan_form::word_of(entry.decision),
                        state_in(*now[i])));
     }
