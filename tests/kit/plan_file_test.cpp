@@ -111,6 +111,19 @@ TEST_F(KitPlanFile, with_something_undecided_is_refused) {
   expect_refusal(written(), "nobody has decided what becomes of material 'Brick'");
 }
 
+TEST_F(KitPlanFile, is_undecided_where_what_differs_is_called_equal) {
+  for (const char* decision : {"equal", "tag"}) {
+    expect_refusal(decided(decision), "nobody has decided what becomes of material 'Brick'");
+  }
+}
+
+TEST_F(KitPlanFile, is_undecided_where_another_decision_makes_an_object_differ) {
+  library->save(wall(library->get<Material>("Brick")));
+  const auto content = decided("rename");
+  EXPECT_EQ(Json::parse(content)["entries"][1]["decision"], "equal");
+  expect_refusal(content, "nobody has decided what becomes of composition 'Wall'");
+}
+
 TEST_F(KitPlanFile, keeps_what_is_decided_to_be_kept) {
   apply(decided("keep"));
   EXPECT_EQ(maker("Brick"), "Old");
@@ -333,8 +346,6 @@ const Wrong wrong_plans[] = {
      "material 'Brick': 'decision' is missing"},
     {"add_what_is_stored", [](Json& json) { first(json)["decision"] = "add"; },
      "material 'Brick': 'add' makes no sense, as the library has one of that name already"},
-    {"equal_what_differs", [](Json& json) { first(json)["decision"] = "tag"; },
-     "material 'Brick': 'tag' makes no sense, as the library has one that differs"},
     {"keep_what_is_not_stored", [](Json& json) { second(json)["decision"] = "keep"; },
      "composition 'Wall': 'keep' makes no sense, as the library has none of that name"},
     {"change_what_is_not_stored", [](Json& json) { second(json)["decision"] = "change"; },

@@ -272,18 +272,36 @@ std::string written(const kit::Plan& plan, const Library& library) {
   return content;
 }
 
-/// A plan in which somebody takes one decision about all that is open.
-std::string decided(const std::string& content, OnClash policy) {
+/// The file with a decision about each object that is open in its plan.
+std::string decided(const std::string& content, const kit::Plan& plan, OnClash policy) {
   static const std::map<OnClash, const char*> words{{OnClash::Fail, "undecided"},
                                                     {OnClash::Use, "keep"},
                                                     {OnClash::Overwrite, "change"},
                                                     {OnClash::Rename, "rename"}};
   auto json = nlohmann::json::parse(content);
-  for (auto& entry : json["entries"]) {
-    if (entry["decision"] != "undecided") continue;
-    entry["decision"] = entry["fingerprint"] == "absent" ? "add" : words.at(policy);
+  for (const auto& open : plan.entries()) {
+    if (open.decision != kit::Decision::Undecided) continue;
+    for (auto& entry : json["entries"]) {
+      const bool is_it =
+          entry["kind"] == kit::singular_of(open.source.type) && entry["name"] == open.name;
+      if (is_it) entry["decision"] = open.stored == 0 ? "add" : words.at(policy);
+    }
   }
   return json.dump();
+}
+
+/// Decides until nothing is open: a decision may make other objects differ.
+void decide_and_apply(std::string content, OnClash policy, Library& library) {
+  for (int round = 0; round < 5; ++round) {
+    const kit::PlanFile file("plan.json", content);
+    const auto plan = file.plan(library);
+    if (plan.is_decided()) {
+      file.apply(library);
+      return;
+    }
+    content = decided(content, plan, policy);
+  }
+  ADD_FAILURE() << "there is always something open";
 }
 
 /// What is to become of each object, with all that a person reads.
@@ -355,8 +373,7 @@ class PlanModel : public LibraryFixture {
       auto rules = plan.rules();
       const auto policy = rules.on_clash;
       rules.on_clash = OnClash::Fail;
-      const auto open = written(kit::Plan(plan.source(), library, rules), library);
-      kit::PlanFile("plan.json", decided(open, policy)).apply(library);
+      decide_and_apply(written(kit::Plan(plan.source(), library, rules), library), policy, library);
     }
   }
 

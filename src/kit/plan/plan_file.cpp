@@ -60,12 +60,11 @@ bool is_there_renamed(const PlanFileEntry& entry, const PlanEntry& planned) {
   return is_there && entry.decision == Decision::Rename && planned.result != entry.name;
 }
 
-/// Whether a plan has come to what was decided. To keep what is the same is no other thing, and a
-/// code may be in the way of anything that is written.
+/// Whether a plan has come to what was decided. To keep what is the same is no other thing. What is
+/// open now tells by itself why: a code is in the way, or it differs because of another decision.
 bool is_as_decided(const PlanFileEntry& entry, const PlanEntry& planned) {
   if (entry.decision == planned.decision || is_there_renamed(entry, planned)) return true;
-  const bool is_same = entry.decision == Decision::Equal || entry.decision == Decision::Tag;
-  if (planned.decision == Decision::Undecided) return !is_same;
+  if (planned.decision == Decision::Undecided) return true;
   return entry.decision == Decision::Keep && planned.decision == Decision::Equal;
 }
 
