@@ -18,17 +18,21 @@ Composition::Layers::difference_type offset(std::uint64_t index) {
 }
 
 template <class Record>
-Core core_of(const Record& record) {
-  return {record.first_core_layer, record.last_core_layer};
+LayerIndices indices_of(const Record& record) {
+  return {{record.first_core_layer, record.last_core_layer},
+          record.structural_layer,
+          record.variable_layer,
+          false};
 }
 
-/// Sets the core, and with it the structural layer, which lies within.
+/// Throws `std::out_of_range`, having set them, if they were searched beyond the layers.
 template <class Record>
-void change_core(Record& record, const Core& core) {
-  change(record, record.first_core_layer, core.first);
-  change(record, record.last_core_layer, core.last);
-  change(record, record.structural_layer,
-         structure_within(core, record.structural_layer, record.layers));
+void change_indices(Record& record, const LayerIndices& indices) {
+  change(record, record.first_core_layer, indices.core.first);
+  change(record, record.last_core_layer, indices.core.last);
+  change(record, record.structural_layer, indices.structural);
+  record.variable_layer = indices.variable;  // changes with the layers alone, which mark the record
+  check_index(!indices.beyond);
 }
 
 }  // namespace
@@ -125,12 +129,7 @@ void Composition::insertLayer(std::uint64_t index, const Layer& layer) {
   check_index(index <= record.layers.size());
   record.layers.insert(record.layers.begin() + offset(index), layer);
   record.dirty = true;
-
-  if (index <= record.first_core_layer) first_core_layer(record.first_core_layer + 1);
-  // Deliberate: the step above may have raised the last core layer already.
-  if (index <= record.last_core_layer) last_core_layer(record.last_core_layer + 1);
-  if (index <= record.structural_layer) structural_layer(record.structural_layer + 1);
-  if (has_variable_layer() && index <= variable_layer()) variable_layer(variable_layer() + 1);
+  change_indices(record, after_insertion(indices_of(record), index, record.layers));
 }
 
 void Composition::removeLayer(std::uint64_t index) {
@@ -138,15 +137,7 @@ void Composition::removeLayer(std::uint64_t index) {
   check_index(index < record.layers.size());
   record.layers.erase(record.layers.begin() + offset(index));
   record.dirty = true;
-
-  // Deliberate: only a layer before the core moves its first index, while the others follow a
-  // layer at their place as well, down through 0 to the last layer.
-  if (index < record.first_core_layer) first_core_layer(record.first_core_layer - 1);
-  if (index <= record.last_core_layer) last_core_layer(record.last_core_layer - 1);
-  if (index <= record.structural_layer) structural_layer(record.structural_layer - 1);
-  if (!has_variable_layer()) return;
-  if (index == variable_layer()) return clear_variable_layer();
-  if (index < variable_layer()) variable_layer(variable_layer() - 1);
+  change_indices(record, after_removal(indices_of(record), index, record.layers));
 }
 
 void Composition::moveLayer(std::uint64_t from, std::uint64_t to) {
@@ -156,17 +147,7 @@ void Composition::moveLayer(std::uint64_t from, std::uint64_t to) {
   record.layers.erase(record.layers.begin() + offset(from));
   const auto place = std::min<std::uint64_t>(to, record.layers.size());
   record.layers.insert(record.layers.begin() + offset(place), moved);
-
-  const auto structural = moved_index(record.structural_layer, from, to);
-  const Core core = core_of(record);
-  const auto first = moved_first(core, from, to);
-  const auto last = moved_last(core, from, to);
-  if (first) first_core_layer(*first);
-  if (last) last_core_layer(*last);
-  if (structural) structural_layer(*structural);
-  if (!has_variable_layer()) return;
-  const auto variable = moved_index(variable_layer(), from, to);
-  if (variable) variable_layer(*variable);
+  change_indices(record, after_move(indices_of(record), from, to, record.layers));
 }
 
 unsigned Composition::first_core_layer() const noexcept { return impl().first_core_layer; }
@@ -175,21 +156,21 @@ void Composition::first_core_layer(unsigned index) {
   Impl& record = impl();
   // Also where the layers end before the index, and the core stays where it is.
   if (index != record.first_core_layer) record.dirty = true;
-  change_core(record, with_first(core_of(record), index, record.layers));
+  change_indices(record, with_first_core_layer(indices_of(record), index, record.layers));
 }
 
 unsigned Composition::last_core_layer() const noexcept { return impl().last_core_layer; }
 
 void Composition::last_core_layer(unsigned index) {
   Impl& record = impl();
-  change_core(record, with_last(core_of(record), index, record.layers));
+  change_indices(record, with_last_core_layer(indices_of(record), index, record.layers));
 }
 
 unsigned Composition::structural_layer() const noexcept { return impl().structural_layer; }
 
 void Composition::structural_layer(unsigned index) {
   Impl& record = impl();
-  change(record, record.structural_layer, structure_within(core_of(record), index, record.layers));
+  change_indices(record, with_structural_layer(indices_of(record), index, record.layers));
 }
 
 bool Composition::has_variable_layer() const noexcept { return !impl().variable_layer.null(); }

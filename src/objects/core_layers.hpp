@@ -19,26 +19,44 @@ struct Core {
   unsigned last;
 };
 
-/// The core that begins at `index`; it ends there too where it would end before.
-Core with_first(const Core& core, unsigned index, const Composition::Layers& layers);
+/// What a composition notes of its layers.
+struct LayerIndices {
+  Core core;
+  unsigned structural;
+  odb::nullable<unsigned> variable;
+  bool beyond = false;  ///< the search for a structural layer left the layers; nothing moves then
+};
 
-/// The core that ends at `index`, or at the last layer; it begins there too where it would begin
-/// behind it.
-Core with_last(const Core& core, unsigned index, const Composition::Layers& layers);
+// Pure functions: the indices as they are after a change, from those before it and the layers as
+// they are then. The structural layer is kept within the core. A core may be noted that goes beyond
+// the layers: where it is searched, what was found until then stays, and the rest is left alone.
 
-/// The structural layer within the core when `index` is asked for: this one, or for one outside
-/// of the core the nearest in it that may carry the structure, or else the end of the core.
-/// Throws `std::out_of_range` when the core goes beyond the layers and is searched.
-unsigned structure_within(const Core& core, unsigned index, const Composition::Layers& layers);
+/// When the core is to begin at `first`; it ends there too where it would end before.
+LayerIndices with_first_core_layer(LayerIndices indices, unsigned first,
+                                   const Composition::Layers& layers);
 
-/// Where the index of a layer goes when the layer at `from` moves to `to`; null: it stays.
-odb::nullable<unsigned> moved_index(unsigned index, std::uint64_t from, std::uint64_t to);
+/// When the core is to end at `last`, or at the last layer; it begins there too where it would
+/// begin behind it.
+LayerIndices with_last_core_layer(LayerIndices indices, unsigned last,
+                                  const Composition::Layers& layers);
 
-// Where the ends of the core go then; null: the end stays, which is not the same as being set to
-// its own value. A layer from outside the core that comes to stand at one of its ends stays
-// outside.
-odb::nullable<unsigned> moved_first(const Core& core, std::uint64_t from, std::uint64_t to);
-odb::nullable<unsigned> moved_last(const Core& core, std::uint64_t from, std::uint64_t to);
+/// When `structural` is asked for: this one, or for one outside of the core the nearest in it that
+/// may carry the structure, or else the end of the core.
+LayerIndices with_structural_layer(LayerIndices indices, unsigned structural,
+                                   const Composition::Layers& layers);
+
+/// When a layer was put in at `place`.
+LayerIndices after_insertion(LayerIndices indices, std::uint64_t place,
+                             const Composition::Layers& layers);
+
+/// When the layer at `place` was taken out.
+LayerIndices after_removal(LayerIndices indices, std::uint64_t place,
+                           const Composition::Layers& layers);
+
+/// When the layer at `from` was put to `to`. A layer from outside the core that comes to stand at
+/// one of its ends stays outside.
+LayerIndices after_move(LayerIndices indices, std::uint64_t from, std::uint64_t to,
+                        const Composition::Layers& layers);
 
 /// Throws `std::out_of_range` unless `valid`.
 void check_index(bool valid);

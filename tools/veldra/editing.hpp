@@ -7,11 +7,14 @@
 #include "lookup.hpp"
 #include "planned_change.hpp"
 #include "process/interruption.hpp"
+#include "text.hpp"
 
+#include <veldra/kit/numbers.hpp>
 #include <veldra/veldra.hpp>
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <memory>
@@ -38,6 +41,53 @@ void require_free_name(const veldra::Library& library, const T& object, unsigned
     throw LibraryFailure(fmt::format("the library has a {} {} already",
                                      singular_of(veldra::ObjectTraits<T>::type),
                                      in_quotes(object.name().utf8())));
+  }
+}
+
+/// Tells what becomes of objects that were edited, those of which the source of a plan has other
+/// states, and of others that something was `made` of. What edited objects refer to comes along,
+/// and is the same.
+void tell_edited(const kit::Plan& plan, const veldra::IdMapping& mapping,
+                 const std::vector<kit::PlanEntry>& made, const PlanArguments& arguments,
+                 Host& host);
+
+/// Runs `work` on one of some objects; of several, what goes wrong comes out as a `LibraryFailure`
+/// that names the object.
+template <class T, class Work>
+void naming_object(const T& object, std::size_t count, Work work) {
+  if (count == 1) return work();
+  const auto name = object.name().utf8();
+  const auto refuse = [&](const std::string& sentence) {
+    throw LibraryFailure(fmt::format("{} {}: {}", singular_of(veldra::ObjectTraits<T>::type),
+                                     in_quotes(name), sentence));
+  };
+  try {
+    work();
+  } catch (const kit::Error& error) {
+    refuse(printable(error.what()));
+  } catch (const LibraryFailure& failure) {
+    refuse(failure.what());
+  }
+}
+
+/// What is wrong with the values of an object, in sentences that go on behind its name.
+template <class T>
+std::vector<std::string> faults_of(const T& object) {
+  if constexpr (is_built<T>) {
+    return kit::wrong_numbers(object);
+  } else {
+    return {};
+  }
+}
+
+/// Throws `LibraryFailure`, which names the object, for a fault that it did not have before: what
+/// nobody could compute with is not let in by hand.
+template <class T>
+void require_sound(const T& object, const std::vector<std::string>& before) {
+  for (const auto& fault : faults_of(object)) {
+    if (std::find(before.begin(), before.end(), fault) != before.end()) continue;
+    throw LibraryFailure(fmt::format("{} {}: {}", singular_of(veldra::ObjectTraits<T>::type),
+                                     in_quotes(object.name().utf8()), printable(fault)));
   }
 }
 
@@ -71,8 +121,6 @@ class Editing {
  private:
   template <class T>
   void rename(T& object);
-  bool is_shown(const kit::PlanEntry& entry) const;
-  void tell(const kit::Plan& plan, const veldra::IdMapping& mapping) const;
 
   std::shared_ptr<veldra::Library> library_;
   std::shared_ptr<veldra::Library> states_;  ///< as they are to be, in memory
@@ -103,7 +151,9 @@ void Editing::change_each(const std::set<veldra::ObjectKey>& keys, ChangeOf chan
         library_->get(objects, part);
         for (const auto& object : objects) {
           stop_if_asked();
-          change_one(*object);
+          const auto faults = faults_of(*object);
+          naming_object(*object, keys.size(), [&] { change_one(*object); });
+          require_sound(*object, faults);
           change(object);
         }
       }
@@ -142,6 +192,7 @@ void Editing::rename(T& object) {
 template <class T>
 void Editing::add(const std::shared_ptr<T>& object) {
   require_free_name(*library_, *object, 0);
+  require_sound(*object, {});
   states_->save(object, mapping_);
 }
 

@@ -30,6 +30,16 @@ class SourceContent {
   virtual void add_to(SourceSet& set, SourceReport& report) const = 0;
 };
 
+/// What was read of a source, by the name of its file.
+struct NamedContent {
+  const std::string& file;
+  const Format& format;
+  const SourceContent& content;
+};
+
+/// The same as `read_together` of what was read already.
+Sources read_together(const std::vector<NamedContent>& sources, const SourceRules& rules);
+
 /// How a format is read and written. What it has no function for, it cannot.
 struct FormatModule {
   using Recognises = bool (*)(const FileContent& content);
