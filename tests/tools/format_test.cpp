@@ -155,6 +155,20 @@ class SourceFormat : public ProgramTest {
   }
 };
 
+TEST_F(SourceFormat, has_colours_patterns_and_points_of_known_numbers) {
+  for (const std::string field :
+       {R"("shading_color": [null, 0, 0, 1])", R"("surface_pattern": {"scale": null})",
+        R"("surface_pattern_alignment": [0, null])"}) {
+    write("a.json", R"({"format": "veldra", "version": 1,
+"materials": [{"name": "Brick", )" +
+                        field + "}]}");
+    const auto run = veldra({"import", "a.lib", "a.json"});
+    EXPECT_EQ(run.status, 1) << field;
+    EXPECT_THAT(run.err, AllOf(HasSubstr("'a.json', line 2"), HasSubstr("cannot have null")));
+    EXPECT_FALSE(exists("a.lib"));
+  }
+}
+
 TEST_F(SourceFormat, of_a_device_without_content_is_none) {
   const auto run = veldra({"import", "new.lib", "/dev/null"});
   EXPECT_EQ(run.status, 1);

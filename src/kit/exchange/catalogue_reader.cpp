@@ -30,11 +30,20 @@ Unit unit_of(const String& name, const JsonNode& node, const ObjectReader& reade
   reader.fail(node, "the unit must be \"mm\" or \"in\"");
 }
 
+/// A library takes lengths that nobody knows, and nothing else that is not known.
+double known_number(const JsonNode& node, const ObjectReader& reader, const char* whole) {
+  const double number = reader.number_of(node);
+  if (std::isnan(number)) reader.fail(node, fmt::format("{} cannot have null in it", whole));
+  return number;
+}
+
 Color color_of(const JsonNode& node, const ObjectReader& reader) {
   if (node.kind != JsonNode::Kind::Array || node.elements.size() != 4) {
     reader.fail(node, "a colour is a list of four numbers: red, green, blue, alpha");
   }
-  const auto part = [&](std::size_t index) { return reader.number_of(node.elements[index]); };
+  const auto part = [&](std::size_t index) {
+    return known_number(node.elements[index], reader, "a colour");
+  };
   return {part(0), part(1), part(2), part(3)};
 }
 
@@ -45,6 +54,9 @@ Pattern pattern_of(const JsonNode& node, const std::string& file) {
   pattern.name = reader.text("name");
   pattern.scale = reader.number("scale", 1);
   pattern.angle = reader.number("angle", 0);
+  if (std::isnan(pattern.scale) || std::isnan(pattern.angle)) {
+    reader.fail(node, "a pattern cannot have null in it");
+  }
   pattern.cross = reader.boolean("cross", false);
   reader.finish();
   return pattern;
@@ -54,7 +66,8 @@ Point2d point_of(const JsonNode& node, const ObjectReader& reader) {
   if (node.kind != JsonNode::Kind::Array || node.elements.size() != 2) {
     reader.fail(node, "a point is a list of two numbers");
   }
-  return {reader.number_of(node.elements[0]), reader.number_of(node.elements[1])};
+  return {known_number(node.elements[0], reader, "a point"),
+          known_number(node.elements[1], reader, "a point")};
 }
 
 /// Reads the objects of one file.
