@@ -47,6 +47,35 @@ py::tuple accessors_of(const kit::Field<T>& field, std::ptrdiff_t index) {
   return py::make_tuple(read, write);
 }
 
+/// The class in Python of the values of a kind.
+const char* class_of(kit::Value::Kind kind) {
+  switch (kind) {
+    case kit::Value::Kind::YesNo:
+      return "bool";
+    case kit::Value::Kind::WholeNumber:
+      return "int";
+    case kit::Value::Kind::Number:
+      return "float";
+    case kit::Value::Kind::Text:
+      return "str";
+    case kit::Value::Kind::Texts:
+      return "list[str]";
+    case kit::Value::Kind::Numbers:
+      return "list[float]";
+    case kit::Value::Kind::Color:
+      return "Color";
+    case kit::Value::Kind::Pattern:
+      return "Pattern";
+    case kit::Value::Kind::Point:
+      return "Point";
+    case kit::Value::Kind::Layers:
+      return "Layers";
+    case kit::Value::Kind::Nothing:
+      break;
+  }
+  return "None";
+}
+
 std::string unit_of(const kit::FieldDescription& field) {
   if (field.measure == kit::Measure::Length) return "the unit of the library";
   return kit::unit_text(field.measure, Unit::Millimetres);
@@ -57,7 +86,7 @@ py::dict description_of(const kit::FieldDescription& field) {
   result["name"] = as_python(field.name());
   result["label"] = as_python(field.label);
   result["unit"] = as_python(unit_of(field));
-  result["kind"] = as_python(kit::name_of(field.kind));
+  result["type"] = class_of(field.kind);
   result["aliases"] = py::list();
   for (const auto& alias : field.aliases) result["aliases"].cast<py::list>().append(alias);
   result["unique"] = field.unique;

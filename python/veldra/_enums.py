@@ -3,11 +3,11 @@
 
 from __future__ import annotations
 
-from enum import Enum, IntEnum
+from enum import Enum, IntEnum, StrEnum
 from typing import NamedTuple, Union
 
 
-class Unit(str, Enum):
+class Unit(StrEnum):
     """The unit of all thicknesses in a library."""
 
     MILLIMETRES = "mm"
@@ -33,7 +33,7 @@ class Function(IntEnum):
     STRUCTURE = 1
 
 
-class CompositionType(str, Enum):
+class CompositionType(StrEnum):
     """The kind of building part."""
 
     WALL = "wall"

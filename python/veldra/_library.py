@@ -5,6 +5,7 @@ from __future__ import annotations
 
 import os
 from collections.abc import Iterable, Iterator, Sequence
+from importlib import import_module
 from types import TracebackType
 from typing import Any, Callable, Generic, NamedTuple, Optional, TypeVar, Union, overload
 
@@ -130,7 +131,7 @@ class Collection(Generic[T]):
         raise error
 
     @overload
-    def get(self, name: str) -> Optional[T]: ...
+    def get(self, name: str, default: None = None) -> Optional[T]: ...
     @overload
     def get(self, name: str, default: T) -> T: ...
     def get(self, name: str, default: Optional[T] = None) -> Optional[T]:
@@ -187,9 +188,7 @@ class Collection(Generic[T]):
 
     def to_pandas(self, fields: Optional[Sequence[str]] = None) -> Any:
         """The same as a `pandas.DataFrame`. Raises `ImportError` where there is no pandas."""
-        import pandas
-
-        return pandas.DataFrame(self.columns(fields))
+        return import_module("pandas").DataFrame(self.columns(fields))
 
     def __repr__(self) -> str:
         return f"<{self._kind.name.lower().replace('_', ' ')} objects of {self._library!r}>"

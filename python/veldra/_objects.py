@@ -7,6 +7,7 @@ from typing import Any, Callable, Iterable, NamedTuple, Optional
 
 from veldra import _veldra
 from veldra._enums import CompositionType, Kind, function_of
+from veldra._errors import Closed
 from veldra._views import CustomValues, Layers, Tags, Thicknesses
 
 CLASSES = {
@@ -20,12 +21,12 @@ CLASSES = {
 
 
 class Field(NamedTuple):
-    """What is known of a field without an object."""
+    """What is known of a field without an object. `type` is the class of its values."""
 
     name: str
     label: str
     unit: str
-    kind: str
+    type: str
     aliases: tuple[str, ...]
     unique: bool
     writable: bool
@@ -47,6 +48,7 @@ def _documentation(field: Field) -> str:
 _CONVERSIONS: dict[tuple[Kind, str], Callable[[Any], Any]] = {
     (Kind.MATERIAL, "function"): function_of,
     (Kind.COMPOSITION, "type"): CompositionType,
+    (Kind.PROPERTY, "object_type"): lambda kind: kind or None,
 }
 
 
@@ -97,7 +99,7 @@ def _complete(kind: Kind, made: Any) -> None:
             row["name"],
             row["label"],
             row["unit"],
-            row["kind"],
+            row["type"],
             tuple(row["aliases"]),
             row["unique"],
             row["write"] is not None,
@@ -105,14 +107,14 @@ def _complete(kind: Kind, made: Any) -> None:
         setattr(made, attribute_of(field.name), _property(kind, field, row["read"], row["write"]))
         taken.add(attribute_of(field.name))
         made.fields += (field,)
+    # Figures are known by short names, such as U.
     for field in made.fields:
-        for alias in (field.label, *field.aliases):
-            if alias.isidentifier() and alias not in taken:
+        for alias in () if field.writable else field.aliases:
+            if alias not in taken:
                 setattr(made, alias, getattr(made, attribute_of(field.name)))
                 taken.add(alias)
     made.__module__ = "veldra"
-    if not hasattr(made, "__doc__") or made.__doc__ is None:
-        made.__doc__ = _DOCUMENTATION[kind]
+    made.__doc__ = _DOCUMENTATION[kind]
     made.kind = kind
     made.save = _save
 
@@ -124,8 +126,6 @@ def _save(self: Any, *, on_conflict: Any = None) -> Any:
     """
     library = self.library
     if library is None:
-        from veldra._errors import Closed
-
         raise Closed(f"{self} belongs to no open library: save it by Library.save")
     return library.save(self, on_conflict=on_conflict)
 
@@ -213,15 +213,17 @@ def heat(self: _veldra.Composition, *, boundary: str = "") -> dict[str, Any]:
 
 def complete() -> None:
     """Completes all classes. Called once, when the package is imported."""
-    for kind, made in CLASSES.items():
+    classes: dict[Kind, Any] = dict(CLASSES)
+    for kind, made in classes.items():
         _complete(kind, made)
-    for made in (_veldra.Material, _veldra.Composition):
-        made.__init__ = _initialiser(made)  # type: ignore[assignment,misc]
-        made.custom_values = property(  # type: ignore[assignment]
+    for kind in (Kind.MATERIAL, Kind.COMPOSITION):
+        made = classes[kind]
+        made.__init__ = _initialiser(made)
+        made.custom_values = property(
             CustomValues, _set_custom_values, doc="The values of custom properties."
         )
-    _veldra.CustomProperty.__init__ = _property_initialiser(  # type: ignore[assignment,method-assign]
-        _veldra.CustomProperty
-    )
-    _veldra.Composition.u_value = u_value  # type: ignore[assignment,method-assign]
-    _veldra.Composition.heat = heat  # type: ignore[assignment,method-assign]
+    made = classes[Kind.PROPERTY]
+    made.__init__ = _property_initialiser(made)
+    made = classes[Kind.COMPOSITION]
+    made.u_value = u_value
+    made.heat = heat

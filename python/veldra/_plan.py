@@ -86,8 +86,8 @@ class Plan:
         plain = {(key.kind.value, key.id): decision for key, decision in decisions.items()}
         self._plan = _veldra._plan(library, source, on_clash, plain, progress)
         self._entries = [
-            Entry(*entry[:4], [Change(*change) for change in entry[4]], entry[5])
-            for entry in self._plan._entries()
+            Entry(key, name, decision, result, [Change(*change) for change in changes], clashes)
+            for key, name, decision, result, changes, clashes in self._plan._entries()
         ]
 
     @property

@@ -4,14 +4,12 @@
 from __future__ import annotations
 
 from collections.abc import Iterable, Iterator, MutableMapping, MutableSequence, MutableSet
-from typing import Any, Callable, Generic, Optional, TypeVar, Union, overload
+from typing import Any, Callable, Optional, Union, overload
 
 from veldra import _veldra
 from veldra._enums import Function, function_of
-from veldra._errors import Error
 
 Owner = Union["_veldra.Material", "_veldra.Composition"]
-Entry = TypeVar("Entry")
 
 
 class Tags(MutableSequence[str]):
@@ -99,7 +97,7 @@ class Thicknesses(MutableSet[float]):
         self._write = write
 
     @classmethod
-    def _from_iterable(cls, iterable: Iterable[Any]) -> set[Any]:  # type: ignore[override]
+    def _from_iterable(cls, iterable: Iterable[Any]) -> set[Any]:
         return set(iterable)
 
     def _all(self) -> list[float]:
