@@ -69,7 +69,8 @@ void require_unbound(const LibraryHandle& self) {
 }
 
 /// A reactor cannot end what it is called in.
-void require_no_call(const LibraryHandle& self) {
+void require_no_call(LibraryHandle& self) {
+  { const Use unless_by_another_thread({&self}); }
   if (!is_in_use(self)) return;
   raise("TransactionError", "a call on the library is running", {self.file, {}});
 }

@@ -69,7 +69,7 @@ class Reaching {
 class DeepCopy {
  public:
   std::shared_ptr<Material> of(const Material& material) {
-    auto& copy = materials_[&material];
+    auto& copy = materials_[key_of(material)];
     if (copy) return copy;
     copy = material.clone();
     copy->type(of_simple(material.type()));
@@ -111,7 +111,13 @@ class DeepCopy {
     }
   }
 
-  std::map<const Material*, std::shared_ptr<Material>> materials_;
+  /// Layers that were read have handles of their own on one material of the library.
+  static std::pair<unsigned, const void*> key_of(const Material& material) {
+    if (material.id() == 0) return {0, &material};
+    return {material.id(), material.library().get()};
+  }
+
+  std::map<std::pair<unsigned, const void*>, std::shared_ptr<Material>> materials_;
 };
 
 template <class T>

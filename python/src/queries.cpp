@@ -65,7 +65,6 @@ py::list batch(LibraryHandle& self, int kind, const Ids& ids) {
 
 template <class T>
 Ids selected(const Library& library, const std::string& filter) {
-  const Library::Snapshot snapshot(library);
   const kit::Fields<T> fields(library);
   const kit::Filter<T> wanted(filter, fields);
   Ids result;
@@ -143,7 +142,6 @@ struct Columns {
 template <class T>
 Columns read_columns(const Library& library,
                      const std::optional<std::vector<std::string>>& wanted) {
-  const Library::Snapshot snapshot(library);
   const kit::Fields<T> fields(library);
   Columns result;
   result.names = wanted ? *wanted : fields.names();

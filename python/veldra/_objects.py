@@ -167,6 +167,9 @@ def _initialiser(made: Any) -> Callable[..., None]:
 
     def __init__(self: Any, name: str, **fields: Any) -> None:
         plain(self, name)
+        # These replace all, and quantities are among them.
+        if "custom_values" in fields:
+            self.custom_values = fields.pop("custom_values")
         for field, value in fields.items():
             if not isinstance(getattr(made, field, None), property):
                 raise TypeError(f"a veldra.{made.__name__} has no field {field!r}")

@@ -3,13 +3,16 @@
 
 from __future__ import annotations
 
+from _thread import allocate_lock
 from collections.abc import Iterable, Iterator, MutableMapping, MutableSequence, MutableSet
 from typing import Any, Callable, Optional, Union, overload
+from weakref import WeakValueDictionary
 
 from veldra import _veldra
 from veldra._enums import Function, function_of
 
 Owner = Union["_veldra.Material", "_veldra.Composition"]
+_Parts = tuple["_veldra.Material", float, int]
 
 
 class Tags(MutableSequence[str]):
@@ -162,11 +165,36 @@ class CustomValues(MutableMapping[str, str]):
         return repr(self._owner._custom_values())
 
 
+# The layers of compositions that are held, by the composition, which they keep alive, and the index.
+_known: WeakValueDictionary[tuple[int, int], CompositionLayer] = WeakValueDictionary()
+_lock = allocate_lock()
+
+
+def _held(owner: _veldra.Composition) -> list[CompositionLayer]:
+    return [layer for (of, _), layer in list(_known.items()) if of == id(owner)]
+
+
+def _reindex(owner: _veldra.Composition, index_of: Callable[[int], Optional[int]]) -> None:
+    """Lets the layers that are held follow a change of order; None detaches one before it."""
+    with _lock:
+        layers = _held(owner)
+        for layer in layers:
+            del _known[id(owner), layer._index]
+        for layer in layers:
+            index = index_of(layer._index)
+            if index is None:
+                layer._detach()
+            else:
+                layer._index = index
+                _known[id(owner), index] = layer
+
+
 class CompositionLayer:
     """One layer of a build-up: a material, a thickness in the unit of the library, and a role.
 
-    One that comes from `Composition.layers` stands for the layer at its position: what is set
-    there is set in the composition. `copy()` gives one that stands alone.
+    One that comes from `Composition.layers` is a part of the composition: what is set there is set
+    in it, and it moves with the others. One that is removed or replaced keeps its values and stands
+    alone, as does one that `copy()` gives.
 
     >>> import veldra
     >>> wall = veldra.Composition("Wall")
@@ -176,7 +204,7 @@ class CompositionLayer:
     [<veldra.CompositionLayer 'Brick' 240.0>]
     """
 
-    __slots__ = ("_owner", "_index", "_parts")
+    __slots__ = ("_owner", "_index", "_parts", "__weakref__")
 
     def __init__(
         self, material: _veldra.Material, thickness: float, function: int = Function.NONE
@@ -189,15 +217,24 @@ class CompositionLayer:
 
     @classmethod
     def _at(cls, owner: _veldra.Composition, index: int) -> CompositionLayer:
-        self = cls.__new__(cls)
-        self._owner = owner
-        self._index = index
-        return self
+        with _lock:
+            known = _known.get((id(owner), index))
+            if known is not None:
+                return known
+            self = cls.__new__(cls)
+            self._owner = owner
+            self._index = index
+            _known[id(owner), index] = self
+            return self
 
-    def _get(self) -> tuple[_veldra.Material, float, int]:
+    def _detach(self) -> None:
+        self._parts = self._get()
+        self._owner = None
+
+    def _get(self) -> _Parts:
         return self._parts if self._owner is None else self._owner._layer(self._index)
 
-    def _set(self, parts: tuple[_veldra.Material, float, int]) -> None:
+    def _set(self, parts: _Parts) -> None:
         if self._owner is None:
             self._parts = parts
         else:
@@ -284,26 +321,44 @@ class Layers(MutableSequence[CompositionLayer]):
         if isinstance(index, slice):
             self._replace(index, [_as_layer(each) for each in value])
         else:
-            self._owner._set_layer(self._position(index), _as_layer(value))
+            self._put(self._position(index), _as_layer(value))
 
-    def _replace(self, index: slice, layers: list[tuple[_veldra.Material, float, int]]) -> None:
+    def _put(self, position: int, layer: _Parts) -> None:
+        before = self._owner._layer(position)
+        self._owner._set_layer(position, layer)
+        with _lock:
+            held = _known.pop((id(self._owner), position), None)
+            if held is not None:
+                held._owner = None
+                held._parts = before
+
+    def _take_out(self, position: int) -> None:
+        _reindex(self._owner, lambda at: None if at == position else at)
+        self._owner._remove_layer(position)
+        _reindex(self._owner, lambda at: at - (at > position))
+
+    def _put_in(self, position: int, layer: _Parts) -> None:
+        self._owner._insert_layer(position, layer)
+        _reindex(self._owner, lambda at: at + (at >= position))
+
+    def _replace(self, index: slice, layers: list[_Parts]) -> None:
         start, _, step = index.indices(len(self))
         positions = range(*index.indices(len(self)))
         if step != 1 and len(positions) != len(layers):
             raise ValueError(f"{len(layers)} layers cannot take the place of {len(positions)}")
         for position, layer in zip(positions, layers):
-            self._owner._set_layer(position, layer)
+            self._put(position, layer)
         for position in reversed(positions[len(layers) :]):
-            self._owner._remove_layer(position)
+            self._take_out(position)
         for offset in range(len(positions), len(layers)):
-            self._owner._insert_layer(start + offset, layers[offset])
+            self._put_in(start + offset, layers[offset])
 
     def __delitem__(self, index: Union[int, slice]) -> None:
         if isinstance(index, slice):
             for position in sorted(range(*index.indices(len(self))), reverse=True):
-                self._owner._remove_layer(position)
+                self._take_out(position)
         else:
-            self._owner._remove_layer(self._position(index))
+            self._take_out(self._position(index))
 
     def __len__(self) -> int:
         return self._owner._layer_count()
@@ -312,11 +367,15 @@ class Layers(MutableSequence[CompositionLayer]):
         """Puts a layer before the one at `index`."""
         count = len(self)
         position = max(0, index + count) if index < 0 else min(index, count)
-        self._owner._insert_layer(position, _as_layer(value))
+        self._put_in(position, _as_layer(value))
 
     def move(self, source: int, to: int) -> None:
         """Moves the layer at `source` so that it stands at `to`, and the indices with it."""
-        self._owner._move_layer(self._position(source), self._position(to))
+        source, to = self._position(source), self._position(to)
+        self._owner._move_layer(source, to)
+        order = list(range(len(self)))
+        order.insert(to, order.pop(source))
+        _reindex(self._owner, order.index)
 
     def __eq__(self, other: object) -> bool:
         if not isinstance(other, (Layers, list, tuple)):
@@ -329,7 +388,7 @@ class Layers(MutableSequence[CompositionLayer]):
         return repr(list(self))
 
 
-def _as_layer(value: Any) -> tuple[_veldra.Material, float, int]:
+def _as_layer(value: Any) -> _Parts:
     """The parts of a layer that is given as such, or as a tuple."""
     layer = value if isinstance(value, CompositionLayer) else CompositionLayer(*value)
     return layer._get()

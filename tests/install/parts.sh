@@ -51,7 +51,9 @@ refused "VELDRA_BUILD_KIT is ON, and the kit cannot be built without: fmt, libmd
   -DVELDRA_BUILD_TOOLS=OFF -DVELDRA_BUILD_KIT=ON
 refused "VELDRA_BUILD_TESTS is ON, and the tests cannot be built without: GTest" \
   -DVELDRA_BUILD_TOOLS=OFF -DVELDRA_BUILD_KIT=OFF -DVELDRA_BUILD_TESTS=ON
-configure -DVELDRA_BUILD_TESTS=OFF || wrong "not configured without program and tests"
+refused "VELDRA_BUILD_PYTHON is ON, and the Python module needs the kit" \
+  -DVELDRA_BUILD_TOOLS=OFF -DVELDRA_BUILD_KIT=OFF -DVELDRA_BUILD_PYTHON=ON
+configure -DVELDRA_BUILD_TESTS=OFF -DVELDRA_BUILD_PYTHON=AUTO || wrong "not configured without program and tests"
 ! grep -q 'Leaving out' "$folder/log" || wrong "told of what is not wanted"
 
 mkdir -p "$folder/old/odb"
