@@ -17,5 +17,8 @@ if(VELDRA_PYTHON AND NOT DEFINED Python3_EXECUTABLE)
 endif()
 find_package(Python3 QUIET COMPONENTS Interpreter Development.Module)
 veldra_part(PYTHON "the Python module" Python3 Python3::Module pybind11 pybind11::module)
-set(VELDRA_PYTHON_FOLDER lib/python${Python3_VERSION_MAJOR}.${Python3_VERSION_MINOR}/dist-packages
-    CACHE STRING "Where the Python package is installed, below the prefix")
+if(VELDRA_HAS_PYTHON)
+  set(VELDRA_PYTHON_FOLDER
+      lib/python${Python3_VERSION_MAJOR}.${Python3_VERSION_MINOR}/dist-packages
+      CACHE STRING "Where the Python package is installed, below the prefix")
+endif()
