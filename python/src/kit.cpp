@@ -81,6 +81,7 @@ Read read(const std::vector<FileName>& files, const std::string& unit,
   const std::string first = files.empty() ? "" : files.front().utf8;
   const auto sources = run_opening(nothing, {first, {}}, [&] {
     std::vector<kit::Source> contents;
+    contents.reserve(files.size());
     for (const auto& file : files) contents.emplace_back(file.utf8, content_of(file.utf8));
     return kit::read_together(contents, rules);
   });
@@ -202,7 +203,9 @@ py::dict heat(const Composition& composition, const Text& boundary) {
 }  // namespace
 
 void bind_kit(py::module_& module) {
-  py::class_<PlanHandle, std::shared_ptr<PlanHandle>>(module, "_Plan")
+  py::class_<PlanHandle, std::shared_ptr<PlanHandle>> plan_class(module, "_Plan");
+  refuse_pickling(plan_class, "a veldra.Plan cannot be pickled: it belongs to two libraries");
+  plan_class
       .def_property_readonly("decided",
                              [](const PlanHandle& self) { return self.plan.is_decided(); })
       .def_property_readonly("changes_anything",

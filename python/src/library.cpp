@@ -170,6 +170,7 @@ void bind_library(py::module_& module) {
   py::class_<LibraryHandle, Handle> library(module, "_Library");
   // The class of the package is derived from this one, and takes over what was opened.
   library.def(py::init([](const Handle& opened) { return opened; }));
+  refuse_pickling(library, "a veldra.Library cannot be pickled: pickle the name of its file");
   library.def_readonly("file", &LibraryHandle::file);
   library.def_property_readonly("closed", [](const LibraryHandle& self) { return !self.library; });
   library.def_property_readonly("guid", asked([](const Library& it) { return it.guid().utf8(); }));

@@ -175,11 +175,9 @@ ClassOfObject<T> bind_object(py::module_& module, const char* name) {
     require_readable(self);
     return DeepCopy().of(self);
   });
-  object.def("__reduce_ex__", [name](const T&, const py::object&) -> py::object {
-    throw py::type_error(std::string("a veldra.") + name +
-                         " cannot be pickled: it belongs to a library; pickle its name or its id "
-                         "and the name of the file, and read it again");
-  });
+  refuse_pickling(object, std::string("a veldra.") + name +
+                              " cannot be pickled: it belongs to a library; pickle its name or its "
+                              "id and the name of the file, and read it again");
   return object;
 }
 

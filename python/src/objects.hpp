@@ -51,6 +51,17 @@ std::shared_ptr<T> lent(const std::shared_ptr<const T>& object) {
   return std::const_pointer_cast<T>(object);
 }
 
+/// Refuses pickling with a sentence. Both functions are needed: what Python does by itself for a
+/// class of an extension does not come back.
+template <class Class>
+void refuse_pickling(Class& made, const std::string& sentence) {
+  made.def("__reduce__",
+           [sentence](const py::object&) -> py::object { throw py::type_error(sentence); });
+  made.def("__reduce_ex__", [sentence](const py::object&, const py::object&) -> py::object {
+    throw py::type_error(sentence);
+  });
+}
+
 void bind_objects(py::module_& module);
 void bind_fields(py::module_& module);
 void bind_library(py::module_& module);

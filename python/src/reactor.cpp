@@ -68,8 +68,11 @@ int Hub::resolveNameConflict(Library& library, ObjectType type, String& name) {
     const py::object answer = answer_to_clash(type, name);
     if (is_text(answer)) {
       decision = decision_of(text_of(answer).utf8);
-    } else {
+    } else if (py::hasattr(answer, "name")) {
       wanted = text_of(answer.attr("name")).string();
+    } else {
+      throw py::type_error("a clash of names is decided by a str or a veldra.Rename, not by " +
+                           std::string(py::repr(answer)));
     }
   }
   if (decision == 0) return Reactor::resolveNameConflict(library, type, name);

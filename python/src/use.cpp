@@ -94,6 +94,15 @@ void require_unused(const void* object, const std::shared_ptr<Library>& library)
   }
 }
 
+template <>
+void require_readable(const Composition& composition) {
+  if (nothing_is_used()) return;
+  require_unused(&composition, composition.library());
+  for (const auto& layer : composition.layers()) {
+    if (layer.material()) require_unused(layer.material().get(), layer.material()->library());
+  }
+}
+
 void require_not_saved(const void* object) {
   for (const Use* use : uses()) {
     if (use->has(object))

@@ -86,6 +86,10 @@ void require_readable(const T& object) {
   require_unused(&object, object.library());
 }
 
+/// The figures of a composition are those of its materials.
+template <>
+void require_readable(const Composition& composition);
+
 template <class T>
 void require_writable(const T& object) {
   if (nothing_is_used()) return;

@@ -367,6 +367,8 @@ def test_a_library_closes_with_its_last_reference(file: Path) -> None:
 def test_a_library_cannot_be_pickled(library: veldra.Library) -> None:
     with pytest.raises(TypeError, match="name of its file"):
         pickle.dumps(library)
+    with pytest.raises(TypeError, match="cannot be pickled"):
+        pickle.dumps(library.plan(library))
 
 
 def test_an_object_knows_its_library_by_identity(library: veldra.Library) -> None:

@@ -45,6 +45,8 @@ def test_other_attributes_are_refused(made: Any) -> None:
 def test_pickling_is_refused_with_a_sentence(made: Any) -> None:
     with pytest.raises(TypeError, match="cannot be pickled: it belongs to a library"):
         pickle.dumps(made)
+    with pytest.raises(TypeError, match="cannot be pickled"):
+        made.__reduce__()
 
 
 @pytest.mark.parametrize("made", ALL, ids=lambda made: type(made).__name__)

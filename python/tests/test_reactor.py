@@ -170,6 +170,9 @@ def test_a_function_that_decides_may_raise(library: veldra.Library) -> None:
         library.save(veldra.Material("Brick"), on_conflict=refuse)
     with pytest.raises(ValueError, match="'perhaps'"):
         library.save(veldra.Material("Brick"), on_conflict=lambda *given: "perhaps")
+    with pytest.raises(TypeError, match="veldra.Rename"):
+        undecided: Any = lambda *given: None  # noqa: E731
+        library.save(veldra.Material("Brick"), on_conflict=undecided)
     assert len(library.materials) == 1
 
 

@@ -33,6 +33,7 @@ def test_a_library_in_use_by_another_thread_is_refused(file: Path) -> None:
         stone = library.save(veldra.Material("Stone"))
         brick = veldra.Material("Brick")
         wall = veldra.Composition("Wall", layers=[(brick, 240)])
+        another = veldra.Composition("Another", layers=[(brick, 240)])
         reactor = Waiting()
         library.reactor = reactor
         saving = threading.Thread(target=library.save, args=(wall,))
@@ -48,6 +49,7 @@ def test_a_library_in_use_by_another_thread_is_refused(file: Path) -> None:
                 lambda: wall.name,
                 lambda: wall.layers.clear(),
                 lambda: brick.name,
+                lambda: another.U,
                 lambda: other.copy(library),
                 lambda: other.save(stone),
                 lambda: other.plan(library),

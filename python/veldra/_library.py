@@ -369,7 +369,7 @@ class Library(_veldra._Library):
 
     def copy(
         self,
-        source: _veldra._Library,
+        source: Union[Source, Library],
         objects: Optional[Iterable[Thing]] = None,
         *,
         on_conflict: OnConflict = None,
@@ -379,7 +379,8 @@ class Library(_veldra._Library):
         Thicknesses are converted. `on_conflict` is that of `save`. Nothing is copied if it raises.
         """
         keys = None if objects is None else [_plain_key(each) for each in objects]
-        entries = self._copy(source, keys, on_conflict)
+        library = source.library if isinstance(source, Source) else source
+        entries = self._copy(library, keys, on_conflict)
         return [Copied(before, after, Status(status)) for before, after, status in entries]
 
     def check(self) -> list[Finding]:
@@ -409,9 +410,6 @@ class Library(_veldra._Library):
     def __repr__(self) -> str:
         closed = " (closed)" if self.closed else ""
         return f"<veldra.Library {self.file!r}{closed}>"
-
-    def __reduce_ex__(self, protocol: Any) -> Any:
-        raise TypeError("a veldra.Library cannot be pickled: pickle the name of its file")
 
 
 def _plain_key(object: Thing) -> tuple[int, int]:
