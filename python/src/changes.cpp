@@ -5,6 +5,7 @@
 
 #include <pybind11/stl.h>
 
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -96,19 +97,15 @@ py::list entries_of(const IdMapping& mapping) {
   return result;
 }
 
-py::list copy(LibraryHandle& self, const Handle& source, const py::object& keys,
+/// Copies the objects with these keys, or all.
+py::list copy(LibraryHandle& self, const Handle& source, const std::optional<Keys>& keys,
               const py::object& on_conflict) {
   const Use use({&self, source.get()});
   const OnConflict decides(self, on_conflict);
   IdMapping mapping(self.library.get());
-  const auto wanted = keys.is_none() ? std::set<ObjectKey>() : as_keys(keys.cast<Keys>());
-  const bool all = keys.is_none();
   run(use, {self.file, {}}, [&] {
-    if (all) {
-      self.library->copyAll(source->library, mapping);
-    } else {
-      self.library->copy(source->library, wanted, mapping);
-    }
+    if (!keys) return self.library->copyAll(source->library, mapping);
+    self.library->copy(source->library, as_keys(*keys), mapping);
   });
   return entries_of(mapping);
 }

@@ -284,3 +284,16 @@ def test_counts_of_references_do_not_grow(library: veldra.Library) -> None:
         library.reactor = None
     after = [sys.getrefcount(each) for each in (brick, library, reactor, None)]
     assert all(abs(now - then) < 20 for now, then in zip(after, before))
+
+
+@pytest.mark.parametrize("seed", range(3))
+def test_no_call_with_any_arguments_ends_the_process(tmp_path: Path, seed: int) -> None:
+    calls = Path(__file__).parent / "random_calls.py"
+    result = subprocess.run(
+        [sys.executable, "-X", "faulthandler", calls, str(seed), "4", tmp_path],
+        capture_output=True,
+        text=True,
+        timeout=120,
+        cwd=tmp_path,
+    )
+    assert (result.returncode, result.stderr) == (0, "")
