@@ -10,6 +10,9 @@
 #include <veldra/kit/plan.hpp>
 #include <veldra/kit/select.hpp>
 
+#include <unistd.h>
+
+#include <cerrno>
 #include <new>
 #include <stdexcept>
 
@@ -74,10 +77,20 @@ Kind kind_of(const std::exception_ptr& error) {
     case ErrorKind::Other:
       break;
   }
-  return {(error_code(error) & 0xFF) == cannot_open ? "CannotOpen" : "Error", nullptr};
+  return {"Error", nullptr};
+}
+
+/// A file that cannot be opened is not there, or something else keeps it from being opened.
+[[noreturn]] void raise_cannot_open(const About& about) {
+  if (access(about.file.c_str(), F_OK) != 0 && errno == ENOENT) {
+    raise("FileMissing", "there is no such file", about);
+  }
+  raise("CannotOpen", "the file cannot be opened or made", about);
 }
 
 [[noreturn]] void raise_of_library(const std::exception_ptr& error, const About& about) {
+  const bool is_other = error_kind(error) == ErrorKind::Other;
+  if (is_other && (error_code(error) & 0xFF) == cannot_open) raise_cannot_open(about);
   const Kind kind = kind_of(error);
   const py::object result =
       made(kind.name, kind.sentence != nullptr ? kind.sentence : error_text(error), about);

@@ -17,9 +17,16 @@
 
 namespace veldra::python {
 
-namespace {
-
 using Handle = std::shared_ptr<LibraryHandle>;
+
+/// A plan as Python has it. The libraries are kept, and asked whether they are open.
+struct PlanHandle {
+  kit::Plan plan;
+  Handle source;
+  Handle destination;
+};
+
+namespace {
 
 kit::OnClash on_clash_named(const std::string& name) {
   const std::map<std::string, kit::OnClash> all{{"fail", kit::OnClash::Fail},
@@ -30,13 +37,6 @@ kit::OnClash on_clash_named(const std::string& name) {
   if (found != all.end()) return found->second;
   throw py::value_error("'" + name + "' is none of 'fail', 'use', 'overwrite' and 'rename'");
 }
-
-/// A plan as Python has it. The libraries are kept, and asked whether they are open.
-struct PlanHandle {
-  kit::Plan plan;
-  Handle source;
-  Handle destination;
-};
 
 /// What was read from files.
 struct Read {

@@ -38,7 +38,7 @@ auto with_object(const py::handle& object, Work work) {
         type, [&](auto of) { return py::isinstance<typename decltype(of)::type>(object); });
     if (!is_it) continue;
     return kit::with_class_of(type, [&](auto of) {
-      return work(object.cast<std::shared_ptr<typename decltype(of)::type>>());
+      return work(object.template cast<typename decltype(of)::type&>().shared_from_this());
     });
   }
   throw py::type_error("an object of a library is needed, such as a veldra.Material, not " +

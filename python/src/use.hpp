@@ -2,6 +2,7 @@
 #ifndef VELDRA_PYTHON_USE_HPP
 #define VELDRA_PYTHON_USE_HPP
 
+#include "casters.hpp"
 #include "errors.hpp"
 #include "reactor.hpp"
 

@@ -6,7 +6,7 @@ import pickle
 import sys
 import types
 from pathlib import Path
-from typing import Callable
+from typing import Any, Callable
 
 import pytest
 
@@ -33,9 +33,10 @@ def test_a_library_is_made_and_opened_by_a_path(file: Path) -> None:
 def test_a_file_that_is_missing_is_an_os_error_with_its_name(tmp_path: Path) -> None:
     with pytest.raises(veldra.CannotOpen) as error:
         veldra.open(tmp_path / "missing.lib")
-    assert isinstance(error.value, OSError)
+    assert isinstance(error.value, FileNotFoundError)
+    assert isinstance(error.value, veldra.FileMissing)
     assert error.value.file == str(tmp_path / "missing.lib")
-    assert "missing.lib" in str(error.value)
+    assert str(error.value) == f"'{tmp_path}/missing.lib': there is no such file"
     assert not (tmp_path / "missing.lib").exists()
 
 
@@ -77,6 +78,29 @@ def test_a_name_that_is_not_there_suggests_the_nearest(library: veldra.Library) 
 def test_an_id_that_is_not_there_is_named(library: veldra.Library) -> None:
     with pytest.raises(veldra.NotFound, match="material 7"):
         library.materials.by_id(7)
+
+
+@pytest.mark.parametrize("id", [-1, 2**32, 2**80])
+def test_no_object_has_a_number_that_is_no_id(library: veldra.Library, id: int) -> None:
+    with pytest.raises(veldra.NotFound):
+        library.materials.by_id(id)
+
+
+def test_names_and_ids_are_not_confused(library: veldra.Library) -> None:
+    wrong: Any = library.materials
+    with pytest.raises(TypeError, match="by_id"):
+        wrong[1]
+    with pytest.raises(TypeError, match="by_id"):
+        wrong.get(1)
+    with pytest.raises(TypeError, match="an id is an int, not 'Brick'"):
+        wrong.by_id("Brick")
+
+
+def test_a_folder_is_no_file_that_can_be_opened(tmp_path: Path) -> None:
+    with pytest.raises(veldra.CannotOpen) as error:
+        veldra.create(tmp_path)
+    assert not isinstance(error.value, FileNotFoundError)
+    assert error.value.file == str(tmp_path)
 
 
 def test_iteration_gives_more_than_a_batch_in_the_order_of_ids(library: veldra.Library) -> None:

@@ -400,3 +400,31 @@ def test_a_property_is_for_a_kind(library: veldra.Library) -> None:
     assert library.properties["Any"].object_type is None
     with pytest.raises(ValueError, match="'tag'"):
         veldra.CustomProperty("x", "tag")
+
+
+def test_an_object_without_a_value_is_refused(library: veldra.Library) -> None:
+    class Early(veldra.Material):
+        def __init__(self) -> None:
+            self.comments = "before the base"
+
+    with pytest.raises(TypeError, match="__init__"):
+        Early()
+    for made in ALL:
+        empty = type(made).__new__(type(made))
+        uses: list[Any] = [repr, lambda it: it.name, lambda it: it.save(), copy.copy, library.save]
+        for use in uses:
+            with pytest.raises(TypeError):
+                use(empty)
+    with pytest.raises(TypeError, match="__init__"):
+        veldra.Library.__new__(veldra.Library).check()
+
+
+def test_classes_of_a_host_are_saved_as_what_they_are(library: veldra.Library) -> None:
+    class Brick(veldra.Material):
+        def __init__(self) -> None:
+            super().__init__("Brick", conductivity=0.5)
+            self.price = 3
+
+    brick = library.save(Brick())
+    assert brick.price == 3
+    assert library.materials["Brick"] == brick

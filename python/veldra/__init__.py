@@ -27,6 +27,7 @@ from veldra._errors import (
     Error as Error,
     FieldError as FieldError,
     FileExists as FileExists,
+    FileMissing as FileMissing,
     FilterError as FilterError,
     Full as Full,
     Interrupted as Interrupted,

@@ -82,6 +82,12 @@ class CannotOpen(Error, OSError):
     __str__ = Exception.__str__
 
 
+class FileMissing(CannotOpen, FileNotFoundError):
+    """There is no such file, or no such folder."""
+
+    __str__ = Exception.__str__
+
+
 class FileExists(Error, FileExistsError):
     """There is a file of the name under which a new one was to be written."""
 

@@ -136,6 +136,8 @@ class Collection(Generic[T]):
     def get(self, name: str, default: T) -> T: ...
     def get(self, name: str, default: Optional[T] = None) -> Optional[T]:
         """The object of a name, or `default`. Of custom properties of one name it is any."""
+        if not isinstance(name, str):
+            raise TypeError(f"a name is a str, not {name!r}; by_id takes an id")
         found = self._library._by_name(self._kind.value, name)
         return default if found is None else found
 
@@ -144,7 +146,9 @@ class Collection(Generic[T]):
 
     def by_id(self, id: int) -> T:
         """The object with an id. Raises `NotFound`."""
-        found = self._library._by_id(self._kind.value, id)
+        if not isinstance(id, int):
+            raise TypeError(f"an id is an int, not {id!r}")
+        found = self._library._by_id(self._kind.value, id) if 0 <= id < 2**32 else None
         if found is not None:
             return found  # type: ignore[no-any-return]
         key = Key(self._kind, id)
