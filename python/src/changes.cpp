@@ -88,15 +88,6 @@ py::list purge(LibraryHandle& self, const std::vector<int>& kinds) {
   return removed_of(result);
 }
 
-py::list entries_of(const IdMapping& mapping) {
-  py::list result;
-  for (const auto& [key, value] : mapping) {
-    result.append(py::make_tuple(key_object(key.key), key_object({key.key.type, value.id}),
-                                 static_cast<int>(value.status)));
-  }
-  return result;
-}
-
 /// Copies the objects with these keys, or all.
 py::list copy(LibraryHandle& self, const Handle& source, const std::optional<Keys>& keys,
               const py::object& on_conflict) {
@@ -111,6 +102,15 @@ py::list copy(LibraryHandle& self, const Handle& source, const std::optional<Key
 }
 
 }  // namespace
+
+py::list entries_of(const IdMapping& mapping) {
+  py::list result;
+  for (const auto& [key, value] : mapping) {
+    result.append(py::make_tuple(key_object(key.key), key_object({key.key.type, value.id}),
+                                 static_cast<int>(value.status)));
+  }
+  return result;
+}
 
 void bind_changes(py::class_<LibraryHandle, std::shared_ptr<LibraryHandle>>& library) {
   library.def("_save", &save);

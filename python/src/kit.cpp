@@ -135,12 +135,7 @@ py::list apply(const PlanHandle& self, const py::object& progress) {
     throw;
   }
   restore();
-  py::list result;
-  for (const auto& [key, value] : *mapping) {
-    result.append(py::make_tuple(key_object(key.key), key_object({key.key.type, value.id}),
-                                 static_cast<int>(value.status)));
-  }
-  return result;
+  return entries_of(*mapping);
 }
 
 py::list entries(const PlanHandle& self) {

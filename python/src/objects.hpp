@@ -51,6 +51,9 @@ std::shared_ptr<T> lent(const std::shared_ptr<const T>& object) {
   return std::const_pointer_cast<T>(object);
 }
 
+/// For each entry the key in the source, the key in the destination, and the number of the status.
+py::list entries_of(const IdMapping& mapping);
+
 /// Refuses pickling with a sentence. Both functions are needed: what Python does by itself for a
 /// class of an extension does not come back.
 template <class Class>

@@ -76,11 +76,11 @@ Ids selected(const Library& library, const std::string& filter) {
   return result;
 }
 
+Ids listed(const std::set<unsigned>& ids) { return Ids(ids.begin(), ids.end()); }
+
 Ids ids(LibraryHandle& self, int kind) {
-  return of_kind(self, kind, [&](auto of) {
-    const auto all = self.library->ids<typename decltype(of)::type>();
-    return Ids(all.begin(), all.end());
-  });
+  return of_kind(self, kind,
+                 [&](auto of) { return listed(self.library->ids<typename decltype(of)::type>()); });
 }
 
 Ids where(LibraryHandle& self, int kind, const Text& filter) {
@@ -103,15 +103,13 @@ Ids search(LibraryHandle& self, int kind, const Text& pattern) {
 
 Ids unreadable(LibraryHandle& self, int kind) {
   return of_kind(self, kind, [&](auto of) {
-    const auto all = self.library->unreadable<typename decltype(of)::type>();
-    return Ids(all.begin(), all.end());
+    return listed(self.library->unreadable<typename decltype(of)::type>());
   });
 }
 
 Ids unreferenced(LibraryHandle& self, int kind) {
   return of_kind(self, kind, [&](auto of) {
-    const auto all = self.library->unreferenced<typename decltype(of)::type>();
-    return Ids(all.begin(), all.end());
+    return listed(self.library->unreferenced<typename decltype(of)::type>());
   });
 }
 

@@ -20,7 +20,7 @@ Path = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
 OnConflict = Union[str, Callable[["Library", Kind, str], Answer], None]
 Thing = Union["_veldra._Object", Key]
 
-_BATCH = 256
+_BATCH = 512
 
 
 class Finding(NamedTuple):
