@@ -14,15 +14,18 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
 endif()
 
 add_library(veldra_options INTERFACE)
-target_compile_options(veldra_options INTERFACE -Wall -Wextra -Wpedantic)
+# The macros of the test framework leave out what `...` stands for.
+target_compile_options(veldra_options INTERFACE -Wall -Wextra -Wpedantic
+  $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>)
 if(VELDRA_WARNINGS_AS_ERRORS)
   target_compile_options(veldra_options INTERFACE -Werror)
 endif()
 if(VELDRA_SANITIZERS)
   # Errors of undefined behaviour must end the program, or no test would see them.
   set(flags -fsanitize=${VELDRA_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  # What the compiler then takes for uninitialized is the standard library's and is not.
-  target_compile_options(veldra_options INTERFACE ${flags} -Wno-maybe-uninitialized)
+  # What g++ then takes for uninitialized is the standard library's and is not.
+  target_compile_options(veldra_options INTERFACE ${flags}
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(veldra_options INTERFACE ${flags})
 endif()
 if(VELDRA_COVERAGE)

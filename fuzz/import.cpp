@@ -8,31 +8,20 @@
 // names that the inputs use. The fuzzer takes one of these ways for each input, which its length
 // chooses; the replay takes them all.
 
-#include "support/database.hpp"
-#include "support/temporary.hpp"
-#include "support/thrown.hpp"
+#include "program.hpp"
 
-#include "failure.hpp"
-#include "host.hpp"
-#include "text.hpp"
-
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
-#include <iostream>
+#include <iterator>
 
 namespace {
+
+using veldra_fuzz::expect;
+using veldra_fuzz::run;
 
 using veldra_tests::file_exists;
 using veldra_tests::read_file;
 using veldra_tests::write_file;
-
-void expect(bool condition, const std::string& what) {
-  if (condition) return;
-  std::cerr << what << std::endl;
-  std::abort();
-}
 
 #ifdef VELDRA_REPLAY
 constexpr bool every_way = true;
@@ -54,26 +43,6 @@ constexpr const char* stored_objects = R"({
      "layers": [{"material": "Brick", "thickness": 8, "function": 1}, {"material": "Wool"}]}]
 })";
 
-// Runs a command of the program; gives the sentence with which it failed, and in `notes` what it
-// had to say besides. A dry run that tells of clashes fails without throwing.
-std::string run(std::vector<std::string> arguments, std::string* notes = nullptr) {
-  std::string sentence;
-  const auto thrown = veldra_tests::thrown_by([&] {
-    veldra_tool::Host host;
-    std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
-    try {
-      host.arguments.parse(arguments);
-    } catch (const veldra_tool::Failure& failure) {
-      sentence = failure.what();
-    }
-    if (host.status == veldra_tool::Status::Failed) sentence = host.notes;
-    if (notes != nullptr) *notes = host.notes;
-  });
-  if (!(thrown == "")) std::cerr << thrown << std::endl;
-  expect(thrown == "", "something else than a sentence was thrown");
-  return sentence;
-}
-
 class Place {
  public:
   Place() {
@@ -87,30 +56,12 @@ class Place {
   const std::string source = folder / "a.idf";
   const std::string made = folder / "made.lib";
   const std::string stored = folder / "stored.lib";
-  const std::string exported = folder / "exported.json";
   std::string stored_bytes;
 };
 
 Place& place() {
   static Place place;
   return place;
-}
-
-std::string export_of(const std::string& library) {
-  const std::string sentence = run({"export", library, "-o", place().exported, "--force"});
-  expect(sentence.empty(), "cannot be exported: " + sentence);
-  return read_file(place().exported);
-}
-
-void expect_round_trip(const std::string& library) {
-  const std::string text = export_of(library);
-  const std::string again = place().folder / "again.lib";
-  const std::string sentence = run({"import", again, place().exported});
-  expect(sentence.empty(), "what was exported cannot be imported: " + sentence);
-  const std::string second = export_of(again);
-  if (second != text) std::cerr << text << second;
-  expect(second == text, "what was exported is exported otherwise after its import");
-  std::remove(again.c_str());
 }
 
 void import_into_new() {
@@ -121,7 +72,7 @@ void import_into_new() {
   expect((sentence.empty() && !nothing) == file_exists(library),
          "a library without an import, or none with one");
   if (!file_exists(library)) return;
-  expect_round_trip(library);
+  veldra_fuzz::expect_round_trip(library, place().folder);
   std::remove(library.c_str());
 }
 
@@ -140,7 +91,7 @@ void import_into_stored(const char* on_conflict) {
     return;
   }
   expect(veldra_tests::damage(library).empty(), "the library is damaged");
-  expect_round_trip(library);
+  veldra_fuzz::expect_round_trip(library, place().folder);
   write_file(library, place().stored_bytes);
 }
 

@@ -264,6 +264,27 @@ Rows rows_with_owners(const ObjectTable& owner, const std::string& table) {
   return {owner, table, "object_id"};
 }
 
+bool has_texts(const FileSchema::Table& table) {
+  return std::any_of(table.columns.begin(), table.columns.end(),
+                     [](const std::pair<const std::string, std::string>& column) {
+                       return column.second == "TEXT";
+                     });
+}
+
+/// The tables that hold a part of objects, such as "Material_tags", each with what it lists.
+std::vector<List> parts_of_objects(const FileSchema& expected) {
+  std::vector<List> parts;
+  for (const ObjectTable& objects : object_tables()) {
+    const std::string beginning = std::string(objects.name) + "_";
+    for (const auto& each : expected.tables) {
+      const std::string& name = each.second.name;
+      if (name.compare(0, beginning.size(), beginning) != 0) continue;
+      parts.push_back({rows_with_owners(objects, name), name.substr(beginning.size())});
+    }
+  }
+  return parts;
+}
+
 /// The second half of an asset has its id.
 Rows half_of_assets(const std::string& table) { return {assets, table, "id"}; }
 
@@ -278,9 +299,10 @@ void add_ids(RowChecks& checks) {
 }
 
 void add_texts(RowChecks& checks, const FileSchema& expected) {
-  std::vector<Rows> tables{half_of_assets("StructuralAsset"), half_of_assets("ThermalAsset"),
-                           rows_with_owners(materials, "Material_custom_values"),
-                           rows_with_owners(compositions, "Composition_custom_values")};
+  std::vector<Rows> tables{half_of_assets("StructuralAsset"), half_of_assets("ThermalAsset")};
+  for (const List& part : parts_of_objects(expected)) {
+    if (has_texts(*expected.find(part.rows.table))) tables.push_back(part.rows);
+  }
   for (const ObjectTable& objects : object_tables()) tables.push_back(own_rows(objects));
   for (const Rows& rows : tables) checks.push_back(wrong_texts(expected, rows));
 }
@@ -294,11 +316,9 @@ void add_numbers(RowChecks& checks) {
   checks.push_back(wrong_conductivities(half_of_assets("ThermalAsset")));
 }
 
-void add_positions(RowChecks& checks) {
-  for (const List& list : {List{rows_with_owners(assets, "Asset_tags"), "tags"},
-                           List{rows_with_owners(materials, "Material_tags"), "tags"},
-                           List{rows_with_owners(compositions, "Composition_tags"), "tags"},
-                           List{rows_with_owners(compositions, "Composition_layers"), "layers"}}) {
+void add_positions(RowChecks& checks, const FileSchema& expected) {
+  for (const List& list : parts_of_objects(expected)) {
+    if (expected.find(list.rows.table)->columns.count("index") == 0) continue;
     checks.push_back(strange_positions(list));
     checks.push_back(doubled_positions(list));
     checks.push_back(gaps(list));
@@ -311,7 +331,7 @@ std::vector<RowCheck> row_checks(const FileSchema& expected) {
   RowChecks checks{wrong_identity(), wrong_version()};
   add_ids(checks);
   add_texts(checks, expected);
-  add_positions(checks);
+  add_positions(checks, expected);
   add_numbers(checks);
   return checks;
 }

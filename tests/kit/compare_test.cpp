@@ -51,6 +51,33 @@ TEST_F(SameValues, have_one_code) {
   EXPECT_FALSE(kit::same_values(*brick(), *other));
 }
 
+TEST_F(SameValues, may_have_other_tags) {
+  const auto other = brick();
+  other->addTag(Tag::create("seen"));
+  EXPECT_TRUE(kit::same_values(*brick(), *other));
+}
+
+TEST_F(SameValues, have_one_name) {
+  const auto other = brick();
+  other->name("Clinker");
+  const auto changes = kit::differences(*brick(), *other);
+  ASSERT_EQ(changes.size(), 1U);
+  EXPECT_EQ(changes[0].field, "name");
+  EXPECT_EQ(changes[0].before, kit::Value("Brick"));
+  EXPECT_EQ(changes[0].after, kit::Value("Clinker"));
+}
+
+TEST_F(SameValues, have_the_same_custom_values_on_both_sides) {
+  const auto one = with_custom("Brick", "Fire class", "A1");
+  const auto other = with_custom("Brick", "Origin", "quarry");
+  const auto changes = kit::differences(*one, *other);
+  ASSERT_EQ(changes.size(), 2U);
+  EXPECT_EQ(changes[0].field, "custom_values.Fire class");
+  EXPECT_TRUE(changes[0].after.is_nothing());
+  EXPECT_EQ(changes[1].field, "custom_values.Origin");
+  EXPECT_TRUE(changes[1].before.is_nothing());
+}
+
 TEST_F(SameValues, have_one_variable_layer) {
   const auto one = wall(240);
   const auto other = wall(240);

@@ -200,8 +200,19 @@ TEST(ClimateTable, with_faults_tells_the_line) {
   EXPECT_EQ(fault(csv(all_titles, ",5,85,20,50") + "12,5,85,20,50\n"),
             "line 15 of the climate: month 12 is there twice");
   EXPECT_EQ(fault(""), "the climate has no month 1");
+  EXPECT_EQ(fault(csv(all_titles, ",-5,0,85,20,50")),
+            "line 3 of the climate: 6 values for 5 columns; numbers have a point");
+  EXPECT_EQ(fault("month;outside_temperature\n"),
+            "line 1 of the climate: columns have commas between them, and numbers a point");
+  EXPECT_EQ(fault(std::string("SQLite format 3\0month", 21)), "the climate is no text");
   EXPECT_EQ(fault(std::string(all_titles) + "\n1\n"),
             "line 2 of the climate: '' is no outside_temperature from -80 to 60");
+}
+
+TEST(ClimateTable, may_have_the_mark_of_a_spreadsheet) {
+  EXPECT_EQ(kit::climate_from_csv("\xEF\xBB\xBF" + csv(all_titles, ",-5,85,20,50"))[0]
+                .outside_temperature,
+            kit::climate_from_csv(csv(all_titles, ",-5,85,20,50"))[0].outside_temperature);
 }
 
 std::shared_ptr<Composition> wall(const char* board_factor) {
@@ -234,6 +245,22 @@ TEST(CompositionMoisture, tells_which_layer_says_nothing_of_vapour) {
       ElementsAre("layer 2, 'Board': its 'Water vapour resistance factor [-]' is not known"));
   EXPECT_THAT(kit::moisture_of(*wall("-2"), Unit::Millimetres, two_seasons()).faults,
               ElementsAre(HasSubstr("is not greater than 0: '-2'")));
+}
+
+TEST(CompositionMoisture, is_none_where_the_climate_says_nothing_of_a_side) {
+  const auto faults = [](const char* boundary) {
+    const auto asked = kit::physics::boundary_statement(boundary);
+    const auto result = kit::moisture_of(*wall("10"), Unit::Millimetres, two_seasons(), asked);
+    EXPECT_EQ(result.year.has_value(), result.faults.empty());
+    EXPECT_EQ(result.surface.has_value(), result.faults.empty());
+    return result.faults;
+  };
+  EXPECT_THAT(faults("ground"), ElementsAre("the climate says nothing of the ground outside"));
+  EXPECT_THAT(faults("unheated"), ElementsAre(HasSubstr("says nothing of an unheated room")));
+  EXPECT_THAT(faults("interior"), ElementsAre(HasSubstr("says nothing of a heated room")));
+  EXPECT_THAT(faults("outdoors,unheated"), ElementsAre(HasSubstr("an unheated room inside")));
+  EXPECT_THAT(faults("outdoors"), IsEmpty());
+  EXPECT_THAT(faults("ventilated"), IsEmpty());
 }
 
 TEST(CompositionMoisture, begins_behind_a_ventilated_layer) {

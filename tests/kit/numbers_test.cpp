@@ -38,6 +38,18 @@ TEST(DoubtfulNumber, is_a_thickness_of_0) {
               ElementsAre("the thickness 0 of layer 2 is not greater than 0"));
 }
 
+TEST(DoubtfulNumber, is_a_known_property_that_cannot_be_used) {
+  const auto studs = Material::create(text("Studs"));
+  studs->custom_value("Density [kg/m3]", "-5");
+  studs->custom_value("Bridge share [-]", "1.5");
+  EXPECT_THAT(kit::doubtful_numbers(*studs),
+              ElementsAre(AllOf(HasSubstr("Density [kg/m3]"), HasSubstr("-5")),
+                          AllOf(HasSubstr("Bridge share [-]"), HasSubstr("greater than 1"))));
+  const auto wall = of_layers({240});
+  wall->custom_value("Boundary", "beyond");
+  EXPECT_THAT(kit::doubtful_numbers(*wall), ElementsAre(HasSubstr("'beyond'")));
+}
+
 TEST(DoubtfulNumber, is_no_layer_of_a_material_that_never_has_a_thickness) {
   const auto gap = Material::create(text("Gap"));
   gap->type(MaterialType::create(text("Air gap")));

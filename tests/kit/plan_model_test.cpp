@@ -4,6 +4,8 @@
 #include "kit/kit_names.hpp"
 #include "support/library_fixture.hpp"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <cstdlib>
 #include <map>
@@ -264,6 +266,63 @@ Model model_of(const Library& library) {
   return model;
 }
 
+std::string written(const kit::Plan& plan, const Library& library) {
+  std::string content;
+  kit::write_plan(plan, library, "a.lib", [&](std::string_view part) { content += part; });
+  return content;
+}
+
+/// The file with a decision about each object that is open in its plan.
+std::string decided(const std::string& content, const kit::Plan& plan, OnClash policy) {
+  static const std::map<OnClash, const char*> words{{OnClash::Fail, "undecided"},
+                                                    {OnClash::Use, "keep"},
+                                                    {OnClash::Overwrite, "change"},
+                                                    {OnClash::Rename, "rename"}};
+  auto json = nlohmann::json::parse(content);
+  for (const auto& open : plan.entries()) {
+    if (open.decision != kit::Decision::Undecided) continue;
+    for (auto& entry : json["entries"]) {
+      const bool is_it =
+          entry["kind"] == kit::singular_of(open.source.type) && entry["name"] == open.name;
+      if (is_it) entry["decision"] = open.stored == 0 ? "add" : words.at(policy);
+    }
+  }
+  return json.dump();
+}
+
+/// Decides until nothing is open: a decision may make other objects differ.
+void decide_and_apply(std::string content, OnClash policy, Library& library) {
+  for (int round = 0; round < 5; ++round) {
+    const kit::PlanFile file("plan.json", content);
+    const auto plan = file.plan(library);
+    if (plan.is_decided()) {
+      file.apply(library);
+      return;
+    }
+    content = decided(content, plan, policy);
+  }
+  ADD_FAILURE() << "there is always something open";
+}
+
+/// What is to become of each object, with all that a person reads.
+std::vector<std::string> entries_text(const kit::Plan& plan) {
+  std::vector<std::string> texts;
+  for (const auto& entry : plan.entries()) {
+    const auto kind = entry.source.type;
+    if (kind != ObjectType::Material && kind != ObjectType::Composition) continue;
+    std::string text = std::to_string(static_cast<int>(kind)) + entry.name + ' ' +
+                       name_of(entry.decision) + ' ' + entry.result;
+    for (const auto& change : entry.changes) {
+      if (change.field == "tags") continue;  // in no order
+      text +=
+          "; " + change.field + ' ' + value_text(change.before) + ' ' + value_text(change.after);
+    }
+    texts.push_back(text);
+  }
+  std::sort(texts.begin(), texts.end());
+  return texts;
+}
+
 class PlanModel : public LibraryFixture {
  protected:
   /// One library, into which sources come one after the other.
@@ -277,14 +336,15 @@ class PlanModel : public LibraryFixture {
       const auto source = Library::create(":memory:", Unit::Millimetres, "");
       const Model incoming = random.model(random.below(2) > 0 ? 100 : 1000 + 100 * step);
       fill(*source, incoming);
-      apply(*library, source, incoming, expected, static_cast<OnClash>(random.below(4)));
+      const auto policy = static_cast<OnClash>(random.below(4));
+      apply(*library, source, incoming, expected, policy, random.below(3));
       if (HasFailure()) return;
     }
   }
 
  private:
   static void apply(Library& library, const std::shared_ptr<Library>& source, const Model& incoming,
-                    Model& expected, OnClash policy) {
+                    Model& expected, OnClash policy, unsigned way) {
     kit::PlanRules rules;
     rules.on_clash = policy;
     rules.fingerprints = true;
@@ -292,12 +352,29 @@ class PlanModel : public LibraryFixture {
     const bool decided = Merge(merged, incoming, policy).run();
     const kit::Plan plan(source, library, rules);
     EXPECT_EQ(plan.is_decided(), decided);
-    if (plan.is_decided()) plan.apply_later(library);
+    const kit::PlanFile file("plan.json", written(plan, library));
+    EXPECT_EQ(entries_text(file.plan(library)), entries_text(plan));
+    if (plan.is_decided()) carry_out(plan, file, way, library);
     if (decided) expected = merged;
     const Model now = model_of(library);
     EXPECT_TRUE(now.materials == expected.materials);
     EXPECT_TRUE(now.builds == expected.builds);
     expect_entries_told_the_truth(plan, library, decided);
+  }
+
+  /// At once, by a file, or by a file in which somebody decides.
+  static void carry_out(const kit::Plan& plan, const kit::PlanFile& file, unsigned way,
+                        Library& library) {
+    if (way == 0) {
+      plan.apply_later(library);
+    } else if (way == 1) {
+      file.apply(library);
+    } else {
+      auto rules = plan.rules();
+      const auto policy = rules.on_clash;
+      rules.on_clash = OnClash::Fail;
+      decide_and_apply(written(kit::Plan(plan.source(), library, rules), library), policy, library);
+    }
   }
 
   /// Every result is there, and each field that was to change has its new value.

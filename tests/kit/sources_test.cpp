@@ -147,8 +147,47 @@ TEST(RepeatedObject, that_differs_is_an_error_between_sources_unless_somebody_ha
   } catch (const kit::SourceError& error) {
     EXPECT_EQ(error.problem().object, "BRICK");
     EXPECT_STREQ(error.what(),
-                 "'folder/b', line 1: another material 'BRICK' stands in another source already");
+                 "'folder/b', line 1: another material 'BRICK' stands in 'folder/a' already, which "
+                 "differs (thicknesses: 240 there, 120 here)");
   }
+}
+
+TEST(RepeatedObject, that_differs_is_told_with_all_others_that_do) {
+  const auto first = own(R"("materials": [{"name": "Brick", "cost": "1"}, {"name": "Wool",
+      "code": "W"}], "compositions": [{"name": "Wall", "layers": [{"material": "Brick"}]}])");
+  const auto second = own(R"("materials": [{"name": "Brick", "cost": "2", "mark": "m"},
+      {"name": "Felt", "code": "W"}],
+      "compositions": [{"name": "Wall", "comments": "c", "layers": [{"material": "Brick"}]}])");
+  try {
+    read({first, second});
+    FAIL() << "they went together";
+  } catch (const kit::SourceClashes& clashes) {
+    ASSERT_EQ(clashes.problems().size(), 3U);
+    EXPECT_THAT(clashes.problems()[0].sentence,
+                EndsWith("(cost: 1 there, 2 here; mark: nothing there, m here)"));
+    EXPECT_THAT(clashes.problems()[1].sentence, HasSubstr("material 'Felt' has the code 'W'"));
+    EXPECT_EQ(clashes.problems()[2].object, "Wall");
+    EXPECT_THAT(clashes.problems()[2].sentence, EndsWith("(comments: nothing there, c here)"));
+    EXPECT_EQ(clashes.problem().object, "Brick");
+  }
+}
+
+TEST(RepeatedObject, that_is_equal_gets_the_tags_of_all_sources) {
+  const auto tagged = [](const std::string& tag) {
+    return own(R"("materials": [{"name": "Wool", "tags": [")" + tag + R"("]}])");
+  };
+  const auto sources = read({tagged("one"), tagged("two"), tagged("one")});
+  EXPECT_THAT(tags_of(sources, "Wool"), ElementsAre("one", "two"));
+  EXPECT_EQ(sources.reports[1].repeated.at(0).what, Repetition::Equal);
+  const auto files = read({brick, brick});
+  EXPECT_THAT(tags_of(files, "Brick"), ElementsAre("a", "b"));
+}
+
+TEST(RepeatedObject, that_is_overwritten_keeps_its_tags_and_gets_the_others) {
+  const auto sources = read({brick, thin_brick}, when_they_clash(OnClash::Overwrite));
+  const auto id = sources.reports[1].repeated.at(0).object.id;
+  const auto name = sources.library->get<Material>(id)->name().utf8();
+  EXPECT_THAT(tags_of(sources, name), UnorderedElementsAre("a", "b"));
 }
 
 TEST(RepeatedObject, that_differs_is_left_out_where_the_first_is_used) {

@@ -226,6 +226,20 @@ TEST_F(Solving, finds_the_thickness_of_the_variable_layer_within_its_limits) {
             "even with its greatest thickness, 200 mm, layer 2 gives 0.176 W/(m2 K)");
 }
 
+TEST_F(Solving, needs_no_layer_without_which_the_target_is_reached) {
+  EXPECT_EQ(*solve(1.6, 1).thickness, 0);
+  EXPECT_NEAR(*solve(1.6, 1).transmittance, 1 / (0.5 + 0.17), 1e-4);
+}
+
+TEST_F(Solving, refuses_limits_that_contradict_each_other) {
+  wall_->variable_layer(1);
+  wall_->variable_layer_min_thickness(200);
+  wall_->variable_layer_max_thickness(120);
+  EXPECT_FALSE(solve(0.3).thickness);
+  EXPECT_EQ(solve(0.3).fault,
+            "the least thickness of layer 2, 200 mm, is more than its greatest, 120 mm");
+}
+
 TEST_F(Solving, finds_the_same_in_inches) {
   wall_->layer(0, toModify).thickness(200 / 25.4);
   EXPECT_NEAR(*kit::thickness_for(*wall_, Unit::Inches, 0.15, 1).thickness, 239.8667 / 25.4, 1e-5);

@@ -93,6 +93,37 @@ TEST_F(TransmissionTest, has_surfaces_by_words_in_the_name_where_nothing_is_stat
   EXPECT_EQ(by("Disinterior", Type::Wall).boundary.outside, Side::Outdoors);
   EXPECT_EQ(by("Ceiling panel", Type::Wall).boundary.heat_flow, HeatFlow::Horizontal);
   EXPECT_TRUE(by("Interior wall", Type::Wall).assumed);
+  EXPECT_EQ(by("InteriorFurnishings", Type::Other).boundary.outside, Side::Interior);
+  EXPECT_EQ(by("Wall with interior insulation", Type::Wall).boundary.outside, Side::Outdoors);
+  EXPECT_EQ(by("Internal gutter roof", Type::Roof).boundary.outside, Side::Outdoors);
+}
+
+TEST_F(TransmissionTest, has_surfaces_by_the_last_part_of_long_words) {
+  const auto by = [](const char* name) { return kit::boundary_of(*Composition::create(name)); };
+  const auto border = [&](const char* name) {
+    return std::make_pair(by(name).boundary.outside, by(name).boundary.heat_flow);
+  };
+  EXPECT_EQ(border("Geschossdecke"), std::make_pair(Side::Interior, HeatFlow::Upward));
+  EXPECT_EQ(border("Oberste Geschossdecke"), std::make_pair(Side::Unheated, HeatFlow::Upward));
+  EXPECT_EQ(border("Kellerdecke"), std::make_pair(Side::Unheated, HeatFlow::Downward));
+  EXPECT_EQ(border("Basement ceiling"), std::make_pair(Side::Unheated, HeatFlow::Downward));
+  EXPECT_EQ(border("Holzbalkendecke 2"), std::make_pair(Side::Outdoors, HeatFlow::Upward));
+  EXPECT_EQ(border("Flachdach"), std::make_pair(Side::Outdoors, HeatFlow::Upward));
+  EXPECT_EQ(border("Fußboden"), std::make_pair(Side::Outdoors, HeatFlow::Downward));
+  EXPECT_EQ(border("Dachdeckung am Bodensee"), std::make_pair(Side::Outdoors, HeatFlow::Upward));
+}
+
+TEST_F(TransmissionTest, has_the_usual_surfaces_where_neither_name_nor_type_tells) {
+  const auto usual = kit::boundary_of(*Composition::create("Build-up 7"));
+  EXPECT_EQ(usual.basis, BoundaryBasis::Usual);
+  EXPECT_EQ(usual.boundary.heat_flow, HeatFlow::Horizontal);
+  EXPECT_EQ(usual.boundary.outside, Side::Outdoors);
+  EXPECT_TRUE(usual.assumed);
+}
+
+TEST_F(TransmissionTest, of_no_layers_is_none_and_says_so) {
+  EXPECT_FALSE(result().transmittance());
+  EXPECT_THAT(result().faults, ElementsAre("it has no layers"));
 }
 
 // 24 mm of air, horizontal: between 15 mm (0.17) and 25 mm (0.18) 0.179.

@@ -20,6 +20,7 @@ const std::vector<Command> readers = {
     {"export as CSV", {"export", "office.lib", "--format", "csv"}},
     {"draw", {"draw", "office.lib", "Ziegelwand", "Lehmwand"}},
     {"purge, tried", {"purge", "office.lib", "materials", "tags", "--dry-run"}},
+    {"apply, tried", {"apply", "plan.json", "office.lib", "--dry-run"}},
     {"import, tried", {"import", "office.lib", "walls.json", "--dry-run"}},
 };
 
@@ -44,6 +45,15 @@ const std::vector<Command> writers = {
      "site.lib"},
     {"copy through a link", {"copy", "site.lib", "link", "composition:Bodenplatte"}, "office.lib"},
     {"copy of everything", {"copy", "site.lib", "office.lib", "--all"}, "office.lib"},
+    {"import into a plan",
+     {"import", "office.lib", "walls.json", "--plan", "new.json"},
+     "new.json"},
+    {"apply", {"apply", "plan.json", "office.lib"}, "office.lib"},
+    {"apply with a backup",
+     {"apply", "plan.json", "office.lib", "--backup", "kept.lib"},
+     "office.lib",
+     0,
+     "kept.lib"},
     {"set", {"set", "office.lib", "material:Kork", "manufacturer=Eiche"}, "office.lib"},
     {"rename", {"rename", "office.lib", "composition:Ziegelwand", "Wand"}, "office.lib"},
     {"layers", {"layers", "office.lib", "Ziegelwand", "add", "Kork", "40"}, "office.lib"},

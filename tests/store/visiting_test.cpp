@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "support/library_test.hpp"
+#include "support/sanitized.hpp"
 
 #include <sys/resource.h>
 
@@ -248,7 +249,7 @@ TEST_F(Visiting, can_be_interrupted_from_within) {
   return 0;
 }
 
-#ifndef __SANITIZE_ADDRESS__  // which keeps memory that was freed
+#ifndef VELDRA_KEEPS_FREED_MEMORY
 
 TEST_F(Visiting, takes_little_memory_whatever_the_size) {
   put_tags(2);

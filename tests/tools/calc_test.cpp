@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "tools/program.hpp"
+#include "tools/terminal.hpp"
 
 #include <veldra/kit/kit.hpp>
 
@@ -97,6 +98,21 @@ TEST_F(Calc, takes_what_is_outside_from_an_option) {
 }
 
 // 1 / 0.15 - 0.67 = 5.996667, times 0.04: 239.87 mm.
+TEST_F(Calc, what_was_assumed_is_dim_on_a_terminal_alone) {
+  if (!terminals_can_be_made()) GTEST_SKIP() << "no terminal can be made here";
+  save();
+  ::setenv("TERM", "xterm", 1);
+  ::unsetenv("NO_COLOR");
+  const std::vector<std::vector<std::string>> commands{{"calc", "a.lib", "Wall"},
+                                                       {"show", "a.lib", "composition", "Wall"}};
+  for (const auto& command : commands) {
+    TerminalRun run(path(""), command);
+    EXPECT_EQ(run.finish(), 0);
+    EXPECT_THAT(run.seen(), HasSubstr("\x1b[2massumed "));
+    EXPECT_THAT(must(command).out, HasSubstr("\nassumed "));
+  }
+}
+
 TEST_F(Calc, finds_the_thickness_for_a_target) {
   save();
   EXPECT_NEAR(calculated({"--target-u", "0.15"})["solution"]["thickness"].get<double>(), 239.8667,
@@ -134,6 +150,46 @@ TEST_F(Calc, computes_moisture_in_a_climate) {
   const auto told = calculated({"--climate", climate("80")})["moisture"];
   EXPECT_EQ(told["year"]["months"].size(), 12U);
   EXPECT_GT(told["year"]["greatest"].get<double>(), 0);
+}
+
+TEST_F(Calc, ends_with_3_when_a_value_cannot_be_used) {
+  brick_->custom_value("Density [kg/m3]", "-5");
+  save();
+  const auto run = veldra({"calc", "a.lib", "Wall"});
+  EXPECT_EQ(run.status, 3);
+  EXPECT_THAT(run.out, HasSubstr("\ntransmittance U "));
+  EXPECT_THAT(run.out, ContainsRegex("no mass .*Density"));
+}
+
+TEST_F(Calc, tells_of_a_boundary_that_cannot_be_read_and_not_that_none_is_stated) {
+  wall_->custom_value("Boundary", "beyond");
+  save();
+  const auto run = veldra({"calc", "a.lib", "Wall"});
+  EXPECT_EQ(run.status, 3);
+  EXPECT_THAT(run.out, HasSubstr("'beyond'"));
+  EXPECT_THAT(run.out, Not(HasSubstr("no 'Boundary' is stated")));
+}
+
+TEST_F(Calc, refuses_wishes_that_make_no_sense) {
+  save();
+  const auto refusal = [&](const std::string& option, const std::string& value) {
+    const auto run = veldra({"calc", "a.lib", "Wall", option, value});
+    EXPECT_EQ(run.status, 2) << option << ' ' << value;
+    return run.err;
+  };
+  for (const char* target : {"0", "-1", "nan", "inf"}) {
+    EXPECT_THAT(refusal("--target-u", target), HasSubstr("a U-value is a number above 0"));
+  }
+  EXPECT_THAT(refusal("--target-u", "0,15"), HasSubstr("'0,15' is no number"));
+  EXPECT_THAT(refusal("--room-class", "6"), HasSubstr("room classes are from 1 to 5"));
+  EXPECT_THAT(refusal("--climate", ""), HasSubstr("the value is empty"));
+  EXPECT_THAT(refusal("--boundary", ""), HasSubstr("the value is empty"));
+}
+
+TEST_F(Calc, says_that_moisture_grows_with_the_years) {
+  save();
+  const auto wet = must({"calc", "a.lib", "Wall", "--climate", climate("80")}).out;
+  EXPECT_THAT(wet, ContainsRegex("kg/m² in the first year, and more in each; it does not dry"));
 }
 
 TEST_F(Calc, takes_the_humidity_inside_from_a_room_class) {

@@ -87,6 +87,29 @@ TEST_F(ExampleCatalogue, is_filtered_on_the_front_page_as_the_program_prints_it)
                          shown));
 }
 
+/// The commands of the front page that stand below a title.
+std::string commands_below(const std::string& title) {
+  const std::string begin = "```sh\n";
+  const auto page = read_file(VELDRA_FRONT_PAGE);
+  const auto section = page.find("## " + title + "\n");
+  const auto block = page.find(begin, section) + begin.size();
+  return page.substr(block, page.find("```", block) - block);
+}
+
+TEST_F(ExampleCatalogue, is_what_a_librarian_begins_with_on_the_front_page) {
+  const auto commands = commands_below("What a librarian does first");
+  EXPECT_THAT(commands, HasSubstr("veldra draw"));
+  const auto run = shell(
+      "mkdir examples && ln -s " VELDRA_CATALOGUE " examples/catalogue && set -e\n" + commands);
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(run.err, "");
+  EXPECT_THAT(run.out, HasSubstr("DA-12 Gründach extensiv                       520.5"));
+  EXPECT_THAT(run.out, HasSubstr("manufacturer: nothing -> Huber"));
+  for (const char* file : {"before.lib", "wall.svg", "site.lib", "office.json"}) {
+    EXPECT_TRUE(exists(file)) << file;
+  }
+}
+
 TEST_F(ExampleCatalogue, can_be_drawn_as_a_whole) {
   std::vector<std::string> arguments{"draw", "a.lib", "-o", "all.svg"};
   for (const auto& entry : must({"list", "a.lib", "compositions", "--json"}).json()) {

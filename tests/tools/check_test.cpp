@@ -2,6 +2,7 @@
 #include "tools/program.hpp"
 
 #include "support/database.hpp"
+#include "support/sanitized.hpp"
 
 #include <chrono>
 #include <sstream>
@@ -144,8 +145,35 @@ TEST_F(Check, conductivities_of_assets_are_found) {
               ElementsAre("asset 'Wool': the thermal conductivity is negative: -1"));
 }
 
+TEST_F(Check, a_layer_of_which_nothing_is_known_beside_others_is_found) {
+  write(
+      "b.json",
+      R"({"format": "veldra", "version": 1, "materials": [{"name": "Mystery"},)"
+      R"({"name": "Brick", "custom_values": {"Thermal conductivity [W/(m K)]": "1"}}],)"
+      R"("compositions": [{"name": "Alone", "layers": [{"material": "Mystery", "thickness": 1}]},)"
+      R"({"name": "Wall", "layers": [{"material": "Brick", "thickness": 115},)"
+      R"({"material": "Mystery", "thickness": 10}]}]})");
+  must({"import", "b.lib", "b.json"});
+  const auto run = veldra({"check", "b.lib"});
+  EXPECT_EQ(run.status, 3);
+  EXPECT_THAT(run.out, HasSubstr("composition 'Wall': layer 2, 'Mystery': it has neither"));
+  EXPECT_THAT(run.out, Not(HasSubstr("composition 'Alone': layer")));
+}
+
+TEST_F(Check, what_it_finds_in_numbers_is_told_by_an_import) {
+  write("b.json", R"({"format": "veldra", "version": 1, "materials": [)"
+                  R"({"name": "A", "custom_values": {"Density [kg/m3]": "-5"}}]})");
+  const auto strict = veldra({"import", "b.lib", "b.json", "--strict"});
+  EXPECT_EQ(strict.status, 1);
+  EXPECT_FALSE(exists("b.lib"));
+  const auto run = veldra({"import", "b.lib", "b.json"});
+  EXPECT_EQ(run.status, 3);
+  EXPECT_THAT(run.err + run.out, HasSubstr("its 'Density [kg/m3]'"));
+  EXPECT_EQ(veldra({"check", "b.lib"}).status, 3);
+}
+
 // The address sanitizer takes more addresses than could be left to the program.
-#ifndef __SANITIZE_ADDRESS__
+#ifndef VELDRA_KEEPS_FREED_MEMORY
 TEST_F(Check, what_is_no_fault_of_the_file_is_no_finding) {
   PlainDatabase(path("a.lib"))
       .execute(

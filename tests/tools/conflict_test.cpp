@@ -335,11 +335,27 @@ class ClashOfCodes : public ProgramTest {
 };
 
 TEST_F(ClashOfCodes, between_sources_names_file_and_code_though_names_are_changed) {
+  const std::string sentence =
+      ", line 2: material 'A' has the code 'X', which 'A' of the sources has already";
+  expect_sentence({"import", "b.lib", "one.json", "two.json", "--on-conflict", "rename"},
+                  "'two.json'" + sentence);
   expect_sentence(
       {"import", "b.lib", "one.json", "two.json", "three.json", "--on-conflict", "rename"},
-      "'two.json', line 2: material 'A' has the code 'X', which 'A' of the sources has "
-      "already");
+      "'two.json'" + sentence + "\nveldra: 'three.json'" + sentence +
+          "\nveldra: 2 conflicts are to be decided first between the sources");
   EXPECT_FALSE(exists("b.lib"));
+}
+
+TEST_F(ClashOfCodes, between_sources_are_told_with_those_of_names) {
+  const auto run = veldra({"import", "b.lib", "one.json", "two.json", "three.json"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.err,
+            "veldra: 'two.json', line 2: another material 'A' stands in 'one.json' already, which "
+            "differs (description: first there, second here)\n"
+            "veldra: 'three.json', line 2: another material 'A' stands in 'one.json' already, "
+            "which differs (description: first there, third here)\n"
+            "veldra: 2 conflicts are to be decided first between the sources; --on-conflict says "
+            "what to do\n");
 }
 
 TEST_F(ClashOfCodes, with_the_library_names_file_and_code_though_names_are_changed) {

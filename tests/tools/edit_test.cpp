@@ -120,6 +120,11 @@ TEST_F(EditSet, of_a_wrong_value_names_field_value_and_what_is_allowed) {
   expect_refusal({"set", "a.lib", "composition:Wall", "U=0.2"}, "it can only be read");
 }
 
+TEST_F(EditSet, of_several_objects_names_the_one_that_cannot_have_the_value) {
+  expect_refusal({"set", "a.lib", "composition:Wall", "composition:Roof", "structural_layer=1"},
+                 "'a.lib': composition 'Roof': '1' is no value for 'structural_layer': ");
+}
+
 TEST_F(EditSet, of_a_field_that_is_not_there_names_the_nearest) {
   expect_refusal({"set", "a.lib", "material:Brick", "manufactuer=x"},
                  "materials have no field 'manufactuer'; did you mean 'manufacturer'?");
@@ -244,6 +249,14 @@ TEST_F(EditRename, to_a_name_that_is_taken_or_empty_is_refused) {
                  "the library has a type '" + other + "' already");
 }
 
+TEST_F(EditRename, tells_the_old_and_the_new_name) {
+  EXPECT_EQ(must({"rename", "a.lib", "material:Brick", "Stone"}).out,
+            "material  Brick  changed, as 'Stone'\n    name: Brick -> Stone\n");
+  const auto report = must({"rename", "a.lib", "composition:Wall", "Old wall", "--json"}).json();
+  EXPECT_EQ(report[0]["name"], "Wall");
+  EXPECT_EQ(report[0]["name_in_destination"], "Old wall");
+}
+
 TEST_F(EditRename, tried_keeps_the_name) {
   const auto before = read("a.lib");
   const auto type = must({"list", "a.lib", "types", "--json"}).json()[0]["name"];
@@ -287,7 +300,8 @@ TEST_F(EditTags, go_to_all_that_a_filter_selects) {
 }
 
 TEST_F(EditTags, that_are_not_there_cannot_be_taken) {
-  expect_refusal({"untag", "a.lib", "material:Brick", "--tag", "draf"}, "did you mean 'draft'?");
+  expect_refusal({"untag", "a.lib", "material:Brick", "--tag", "draf"},
+                 "there is no tag 'draf' in the library; did you mean 'draft'?");
 }
 
 TEST_F(EditTags, are_for_materials_and_compositions) {

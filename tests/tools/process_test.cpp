@@ -91,6 +91,12 @@ TEST_F(Process, that_changed_something_says_that_this_is_done_where_it_cannot_re
   }
 }
 
+TEST_F(Process, that_has_nothing_to_print_needs_no_standard_output) {
+  const auto run = shell("veldra export a.lib -o out > /dev/full");
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_TRUE(exists("out"));
+}
+
 TEST_F(Process, does_what_it_was_asked_for_though_nobody_reads_on) {
   const auto run = shell("{ veldra import b.lib a.idf b.idf; echo $? > status; } | true");
   EXPECT_EQ(read("status"), "3\n") << run.err;

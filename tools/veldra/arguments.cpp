@@ -48,6 +48,13 @@ std::string sentence_of(const CLI::App& program, const CLI::ParseError& error) {
                                 : fmt::format("{} is one argument too many", in_quotes(extra));
   }
   if (says("A subcommand is required")) return "a command is missing";
+  if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
+    const std::string pair = text.substr(text.find(": ") + 2);
+    const auto end = pair.find(" = ");
+    if (end == std::string::npos) return text;
+    return fmt::format("{}: {} is no number that can be used", pair.substr(0, end),
+                       in_quotes(pair.substr(end + 3)));
+  }
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr) return text;
   if (says(" was given")) return "--" + before(" was given") + ": there is no value for this";
   return before(":") + (says("missing") ? ": the value is missing" : ": this is given twice");
@@ -64,6 +71,14 @@ CLI::Validator some_value() {
     return std::string(trimmed(text).empty() ? "the value is empty" : "");
   };
   return CLI::Validator(has_text, "");
+}
+
+CLI::Validator one_of(std::vector<std::string> words) {
+  const auto is_known = [words = std::move(words)](const std::string& text) {
+    if (std::find(words.begin(), words.end(), text) != words.end()) return std::string();
+    return fmt::format("{} is none of {}", in_quotes(text), fmt::join(words, ", "));
+  };
+  return CLI::Validator(is_known, "");
 }
 
 const char* const naming_help =

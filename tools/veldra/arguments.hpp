@@ -25,6 +25,9 @@ void forbid_values_of_flags(CLI::App& command);
 /// What an option checks that is not to be empty.
 CLI::Validator some_value();
 
+/// What an option checks that is one of a few words.
+CLI::Validator one_of(std::vector<std::string> words);
+
 // Arguments that several commands have, and that they name alike.
 
 /// How an object is named, for the help of commands.

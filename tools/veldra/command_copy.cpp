@@ -7,6 +7,7 @@
 #include "lookup.hpp"
 #include "object_arguments.hpp"
 #include "opening.hpp"
+#include "plan_output.hpp"
 #include "planned_change.hpp"
 
 #include <fmt/format.h>
@@ -92,18 +93,21 @@ void copy(const Arguments& arguments, Host& host) {
     throw Failure("the source and the destination are the same file");
   }
   tell_as_they_were(arguments.source, arguments.destination);
+  PlanOutput output(arguments.plan, arguments.destination, {arguments.source}, host);
   const auto staging = staged(arguments, wanted);
   const auto unit = arguments.unit_given ? arguments.unit : staging.library->unit();
   working_on(arguments.destination, [&] {
     const auto rules = rules_of(arguments.on_conflict, *staging.library);
     PlannedChange change(arguments.plan, host, "copying");
-    Destination(arguments.destination, arguments.plan.dry_run, host)
+    Destination(arguments.destination, arguments.plan.only_tells(), host)
         .take(unit, true, [&](const std::shared_ptr<veldra::Library>& destination) {
+          output.take_from(change, *destination);
           return change.carry_out(staging.library, *destination, rules, [&](const kit::Plan& plan) {
             tell_lost_assets(lost_assets(plan, staging.assets), host);
           });
         });
   });
+  output.write();
 }
 
 }  // namespace
@@ -130,6 +134,7 @@ void add_copy(Host& host) {
   add_backup(command, host);
   add_unit(command, arguments->unit);
   add_plan_arguments(command, arguments->plan);
+  add_plan_file(command, arguments->plan);
   add_example(command, "veldra copy office.lib site.lib 'composition:Flat roof' material:17",
               "materials had assets, which are not copied");
   command.callback([arguments, &command, &host] {

@@ -121,18 +121,18 @@ void add_draw(Host& host) {
   command
       .add_option("--orientation", arguments->orientation,
                   "standing or lying; else as the type of each says")
-      ->check(CLI::IsMember({"standing", "lying"}))
+      ->check(one_of({"standing", "lying"}))
       ->type_name("WAY");
   command
       .add_option("--type", arguments->type,
                   "Draw them as wall, floor, roof or other, whatever their types are")
-      ->check(CLI::IsMember({"wall", "floor", "roof", "other"}))
+      ->check(one_of({"wall", "floor", "roof", "other"}))
       ->type_name("TYPE");
   add_climate(command, arguments->proof);
   command
       .add_option("--format", arguments->format,
                   "svg, html or pdf; else what the ending of OUT says, and svg without one")
-      ->check(CLI::IsMember({"svg", "html", "pdf"}))
+      ->check(one_of({"svg", "html", "pdf"}))
       ->type_name("FORMAT");
   add_output(command, arguments->output, arguments->force);
   add_json_of_file(command, arguments->json);

@@ -8,6 +8,7 @@
 #include "json.hpp"
 #include "lookup.hpp"
 #include "opening.hpp"
+#include "plan_output.hpp"
 #include "planned_change.hpp"
 #include "progress.hpp"
 
@@ -109,14 +110,18 @@ std::vector<std::string> findings_in(const kit::Sources& sources, bool verbose) 
 class Import {
  public:
   Import(const Arguments& arguments, Host& host)
-      : arguments_(arguments), host_(host), files_(read_sources(arguments)) {}
+      : arguments_(arguments),
+        host_(host),
+        output_(arguments.plan, arguments.file, arguments.sources, host),
+        files_(read_sources(arguments)) {}
 
   void run() {
     tell_as_it_was(arguments_.file);
-    Destination destination(arguments_.file, arguments_.plan.dry_run, host_);
+    Destination destination(arguments_.file, arguments_.plan.only_tells(), host_);
     destination.prepare_by([this](veldra::Unit unit) { read_all(unit); });
     destination.take(unit_for(files_, arguments_), any_objects(),
                      [this](const auto& library) { return into(*library); });
+    output_.write();
   }
 
  private:
@@ -128,6 +133,7 @@ class Import {
   bool into(veldra::Library& library) {
     const bool was_empty = is_empty(library);
     PlannedChange change(arguments_.plan, host_, "importing");
+    output_.take_from(change, library);
     change.report_by([this](const auto& plan, const auto& mapping) { report(plan, mapping); });
     const bool changed = change.carry_out(watched(sources_.library), library, rules());
     if (was_empty) adopt_settings(library, sources_);
@@ -147,7 +153,7 @@ class Import {
     const ImportReport report(sources_, plan);
     if (arguments_.plan.json) return print_json(host_.output, report.json(mapping));
     host_.output.write(report.text(arguments_.plan.verbose));
-    if (arguments_.plan.dry_run) tell_dry_run(host_);
+    if (arguments_.plan.only_tells()) tell_nothing_written(arguments_.plan, host_);
   }
 
   void read_all(veldra::Unit unit) {
@@ -158,8 +164,24 @@ class Import {
     rules.tags = arguments_.tags;
     rules.keep_unknown = arguments_.keep_unknown;
     rules.progress = [&progress] { progress.step(); };
-    sources_ = kit::read_together(files_, rules);
+    try {
+      sources_ = kit::read_together(files_, rules);
+    } catch (const kit::SourceClashes& clashes) {
+      refuse(clashes);
+    }
     tell_findings(sources_);
+  }
+
+  /// All of them are told, each with what differs.
+  [[noreturn]] void refuse(const kit::SourceClashes& clashes) {
+    const auto& problems = clashes.problems();
+    if (problems.size() == 1) throw Failure(printable(problems.front().text()));
+    for (const auto& problem : problems) {
+      host_.notes += fmt::format("veldra: {}\n", printable(problem.text()));
+    }
+    const bool has_choice = general_rule(arguments_.on_conflict) == kit::OnClash::Fail;
+    throw Failure(fmt::format("{} between the sources{}", clashes_text(problems.size()),
+                              has_choice ? "; --on-conflict says what to do" : ""));
   }
 
   void tell_findings(const kit::Sources& sources) {
@@ -176,6 +198,7 @@ class Import {
 
   const Arguments& arguments_;
   Host& host_;
+  PlanOutput output_;
   std::vector<kit::Source> files_;
   kit::Sources sources_;
 };
@@ -194,6 +217,7 @@ void add_import(Host& host) {
            "times. Without it, those of IDF and epJSON are tagged with the name of their file");
   add_unit(command, arguments->unit);
   add_plan_arguments(command, arguments->plan);
+  add_plan_file(command, arguments->plan);
   command.add_flag("--strict", arguments->strict,
                    "Import nothing when there is any problem, or anything would be left out");
   command.add_flag("--keep-unknown", arguments->keep_unknown,

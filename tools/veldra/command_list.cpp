@@ -41,7 +41,7 @@ std::set<veldra::String> tag_names(const Arguments& arguments, const veldra::Lib
     const auto name = library_text(tag);
     if (!library.get<veldra::Tag>(name)) {
       throw LibraryFailure(fmt::format("there is no tag {} in the library{}", in_quotes(tag),
-                                       suggested_names<veldra::Tag>(library, tag)));
+                                       alternatives<veldra::Tag>(library, tag)));
     }
     names.insert(name);
   }

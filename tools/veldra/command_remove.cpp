@@ -7,7 +7,6 @@
 #include "opening.hpp"
 #include "process/confirmation.hpp"
 #include "progress.hpp"
-#include "reactor_guard.hpp"
 #include "removal.hpp"
 
 #include <fmt/format.h>
@@ -69,7 +68,7 @@ class RemovalProgress : public veldra::Library::Reactor {
 template <class Removal>
 void remove_all(veldra::Library& library, std::vector<Candidate>& objects, Removal removal) {
   RemovalProgress progress;
-  const ReactorGuard guard(library, progress);
+  const kit::ReactorGuard guard(library, progress);
   std::map<veldra::ObjectKey, bool> results;
   removal(results);
   enter_results(objects, results);

@@ -8,6 +8,7 @@
 #include "lookup.hpp"
 #include "opening.hpp"
 #include "physics_text.hpp"
+#include "process/writing.hpp"
 #include "summary.hpp"
 #include "table.hpp"
 #include "text.hpp"
@@ -28,11 +29,17 @@ struct Arguments {
   bool json = false;
 };
 
-void line(Spool& output, const std::string& title, const std::string& value) {
-  if (value.empty()) return;
+std::string line_of(const std::string& title, const std::string& value) {
   const std::size_t width = display_width(title);
-  const std::string padding(width < 22 ? 22 - width : 1, ' ');
-  output.print("{}{}{}\n", printable(title), padding, printable(value));
+  return printable(title) + std::string(width < 22 ? 22 - width : 1, ' ') + printable(value);
+}
+
+void line(Spool& output, const std::string& title, const std::string& value) {
+  if (!value.empty()) output.print("{}\n", line_of(title, value));
+}
+
+void muted_line(Spool& output, const std::string& title, const std::string& value) {
+  if (!value.empty()) output.print("{}\n", muted(line_of(title, value)));
 }
 
 template <class T>
@@ -166,7 +173,7 @@ std::string variable_text(const veldra::Composition& composition, veldra::Unit u
 
 void print_transmission(Spool& output, const kit::Transmission& transmission) {
   line(output, "surfaces", surfaces_text(transmission));
-  line(output, "assumed", assumption_text(transmission));
+  muted_line(output, "assumed", assumption_text(transmission));
   if (transmission.ventilated > 0) {
     line(output, "ventilated",
          fmt::format("layer {} and what is outside it do not count", transmission.ventilated));
@@ -193,8 +200,10 @@ void print_details(Spool& output, const veldra::Composition& composition, veldra
     output.print("\n{}\n", layers_text(composition, transmission, unit));
   }
   line(output, "total", length_text(kit::total_thickness(composition), unit) + " " + name_of(unit));
-  line(output, "core", core_text(composition));
-  line(output, "structural layer", fmt::format("{}", composition.structural_layer() + 1ULL));
+  if (!composition.layers().empty()) {
+    line(output, "core", core_text(composition));
+    line(output, "structural layer", fmt::format("{}", composition.structural_layer() + 1ULL));
+  }
   if (composition.has_variable_layer())
     line(output, "variable layer", variable_text(composition, unit));
   print_transmission(output, transmission);

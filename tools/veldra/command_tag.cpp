@@ -58,13 +58,19 @@ void change_tags(T& object, const Names& tags, NewTags new_tags) {
   }
 }
 
+void require_tag(const veldra::Library& library, const std::string& name) {
+  if (!objects_named<veldra::Tag>(library, name).empty()) return;
+  throw LibraryFailure(fmt::format("there is no tag {} in the library{}", in_quotes(name),
+                                   suggested_names<veldra::Tag>(library, name)));
+}
+
 void change_tags(Arguments& arguments, NewTags new_tags, Host& host) {
   take_selection(arguments.texts, arguments.selection);
   if (!arguments.texts.empty()) named_object(arguments.texts.front());
   edit_library(arguments.file, arguments.plan, host, [&](Editing& editing) {
     if (new_tags == without_tags) {
       for (const auto& tag : arguments.tags) {
-        find_object<veldra::Tag>(editing.library(), "name:" + tag);
+        require_tag(editing.library(), tag);
       }
     }
     editing.change_each(keys_of(editing.library(), arguments.selection), [&](auto) {

@@ -6,7 +6,7 @@ namespace veldra_tool {
 
 struct Host;
 
-// The commands that change objects by hand, each added as those in `host.hpp`.
+// The commands that change objects by hand, or by a plan, each added as those in `host.hpp`.
 void add_new(Host& host);
 void add_set(Host& host);
 void add_rename(Host& host);
@@ -14,6 +14,8 @@ void add_duplicate(Host& host);
 void add_layers(Host& host);
 void add_tag(Host& host);
 void add_untag(Host& host);
+void add_edit(Host& host);
+void add_apply(Host& host);
 
 }  // namespace veldra_tool
 

@@ -8,6 +8,19 @@
 
 namespace veldra_tool {
 
+void tell_edited(const kit::Plan& plan, const veldra::IdMapping& mapping,
+                 const std::vector<kit::PlanEntry>& made, const PlanArguments& arguments,
+                 Host& host) {
+  PlanEntries entries;
+  for (const auto* entry : entries_of(plan)) {
+    const bool is_edited = plan.rules().states_of.count(entry->source) != 0;
+    if (is_edited || entry->decision != kit::Decision::Equal) entries.push_back(entry);
+  }
+  for (const auto& entry : made) entries.push_back(&entry);
+  if (arguments.json) return print_json(host.output, json_of(entries, mapping, *plan.source()));
+  host.output.write(text_of(entries, arguments.verbose));
+}
+
 Editing::Editing(std::shared_ptr<veldra::Library> library, const PlanArguments& arguments,
                  Host& host)
     : library_(std::move(library)),
@@ -16,32 +29,19 @@ Editing::Editing(std::shared_ptr<veldra::Library> library, const PlanArguments& 
       arguments_(arguments),
       host_(host) {}
 
-/// What edited objects refer to comes along, and is the same.
-bool Editing::is_shown(const kit::PlanEntry& entry) const {
-  return entry.decision != kit::Decision::Equal || rules_.states_of.count(entry.source) != 0;
-}
-
-void Editing::tell(const kit::Plan& plan, const veldra::IdMapping& mapping) const {
-  PlanEntries entries;
-  for (const auto* entry : entries_of(plan)) {
-    if (is_shown(*entry)) entries.push_back(entry);
-  }
-  for (const auto& entry : made_) entries.push_back(&entry);
-  if (arguments_.json) return print_json(host_.output, json_of(entries, mapping, *plan.source()));
-  host_.output.write(text_of(entries, arguments_.verbose));
-}
-
 bool Editing::carry_out(const std::function<void()>& remark) {
   PlannedChange change(arguments_, host_, "editing");
-  change.leave_no_choice();
-  change.report_by([this](const auto& plan, const auto& mapping) { tell(plan, mapping); });
+  change.advise("");
+  change.report_by([this](const auto& plan, const auto& mapping) {
+    tell_edited(plan, mapping, made_, arguments_, host_);
+  });
   const bool is_changed = change.carry_out(states_, *library_, rules_);
   const bool is_made = std::any_of(made_.begin(), made_.end(), [](const auto& entry) {
     return entry.decision != kit::Decision::Equal;
   });
   if (!arguments_.json) {
     if (remark) remark();
-    if (arguments_.dry_run) tell_dry_run(host_);
+    if (arguments_.dry_run) tell_nothing_written(arguments_, host_);
   }
   return (is_changed || is_made) && !arguments_.dry_run;
 }

@@ -7,6 +7,7 @@
 #include "lookup.hpp"
 #include "planned_change.hpp"
 #include "process/interruption.hpp"
+#include "text.hpp"
 
 #include <veldra/veldra.hpp>
 
@@ -41,6 +42,32 @@ void require_free_name(const veldra::Library& library, const T& object, unsigned
   }
 }
 
+/// Tells what becomes of objects that were edited, those of which the source of a plan has other
+/// states, and of others that something was `made` of. What edited objects refer to comes along,
+/// and is the same.
+void tell_edited(const kit::Plan& plan, const veldra::IdMapping& mapping,
+                 const std::vector<kit::PlanEntry>& made, const PlanArguments& arguments,
+                 Host& host);
+
+/// Runs `work` on one of some objects; of several, what goes wrong comes out as a `LibraryFailure`
+/// that names the object.
+template <class T, class Work>
+void naming_object(const T& object, std::size_t count, Work work) {
+  if (count == 1) return work();
+  const auto name = object.name().utf8();
+  const auto refuse = [&](const std::string& sentence) {
+    throw LibraryFailure(fmt::format("{} {}: {}", singular_of(veldra::ObjectTraits<T>::type),
+                                     in_quotes(name), sentence));
+  };
+  try {
+    work();
+  } catch (const kit::Error& error) {
+    refuse(printable(error.what()));
+  } catch (const LibraryFailure& failure) {
+    refuse(failure.what());
+  }
+}
+
 /// Objects of a library that are changed, or made, by hand: collects them, and carries all out at
 /// once. The caller holds the transaction of the library.
 class Editing {
@@ -71,8 +98,6 @@ class Editing {
  private:
   template <class T>
   void rename(T& object);
-  bool is_shown(const kit::PlanEntry& entry) const;
-  void tell(const kit::Plan& plan, const veldra::IdMapping& mapping) const;
 
   std::shared_ptr<veldra::Library> library_;
   std::shared_ptr<veldra::Library> states_;  ///< as they are to be, in memory
@@ -103,7 +128,7 @@ void Editing::change_each(const std::set<veldra::ObjectKey>& keys, ChangeOf chan
         library_->get(objects, part);
         for (const auto& object : objects) {
           stop_if_asked();
-          change_one(*object);
+          naming_object(*object, keys.size(), [&] { change_one(*object); });
           change(object);
         }
       }

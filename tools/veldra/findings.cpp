@@ -8,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <limits>
 #include <set>
 
@@ -173,7 +174,6 @@ class Examination {
     examine_name(material);
     examine_values(material, veldra::ObjectType::Material);
     add_all(material, kit::doubtful_numbers(material));
-    examine_physics(material);
     if (!material.type()) add(material, "it has no type");
   }
 
@@ -183,19 +183,29 @@ class Examination {
     examine_layers(composition);
     examine_core(composition);
     add_all(composition, kit::doubtful_numbers(composition));
-    add_all(composition, kit::KnownValues(composition).faults());
-    const auto border = kit::boundary_of(composition);
-    if (!border.fault.empty()) add(composition, border.fault);
+    examine_heat(composition);
   }
 
-  /// The conductivity has been looked at with the numbers that keep a material from being imported.
-  void examine_physics(const veldra::Material& material) {
-    const kit::KnownValues values(material);
-    const auto conductivity = values.fault(kit::Known::Conductivity);
-    const bool told = !material.custom_value(veldra::String(kit::property::conductivity)).null();
-    for (const auto& fault : values.faults()) {
-      if (!told || fault != conductivity) add(material, fault);
+  /// Where something is known of the heat, what is missing has been forgotten. What is wrong is
+  /// told of the material, or with the thicknesses.
+  void examine_heat(const veldra::Composition& composition) {
+    const auto heat = kit::transmission_of(composition, library_.unit());
+    const auto is_known = [](const kit::LayerHeat& layer) { return layer.resistance.has_value(); };
+    if (std::none_of(heat.layers.begin(), heat.layers.end(), is_known)) return;
+    for (std::size_t i = 0; i < heat.layers.size(); ++i) {
+      const auto& layer = composition.layers()[i];
+      if (heat.layers[i].fault.empty() || !(layer.thickness() > 0) || !layer.material()) continue;
+      if (!kit::doubtful_numbers(*layer.material()).empty() || is_gas(*layer.material())) continue;
+      add(composition,
+          fmt::format("layer {}, {}: {}", i + 1, in_quotes(layer.material()->name().utf8()),
+                      heat.layers[i].fault));
     }
+  }
+
+  /// Glazing is often stored without what lets its resistance be computed.
+  static bool is_gas(const veldra::Material& material) {
+    const kit::KnownValues values(material);
+    return !values.text(kit::Known::GasType).empty() || !values.text(kit::Known::GasType1).empty();
   }
 
   void examine_layers(const veldra::Composition& composition) {

@@ -51,10 +51,11 @@ Host::Host() : arguments("Catalogues of building materials and build-ups in libr
       "  the locale of the system. Names may be any UTF-8. Colours are shown on terminals only, "
       "and\n"
       "  nowhere when NO_COLOR is set.");
-  for (const auto add : {add_create, add_info, add_list,  add_show,   add_where_used, add_import,
-                         add_export, add_copy, add_new,   add_set,    add_rename,     add_duplicate,
-                         add_layers, add_tag,  add_untag, add_remove, add_purge,      add_restore,
-                         add_draw,   add_calc, add_check, add_help})
+  for (const auto add :
+       {add_create, add_info,      add_list,   add_show, add_where_used, add_import,
+        add_export, add_copy,      add_apply,  add_new,  add_set,        add_edit,
+        add_rename, add_duplicate, add_layers, add_tag,  add_untag,      add_remove,
+        add_purge,  add_restore,   add_draw,   add_calc, add_check,      add_help})
     add(*this);
   for (CLI::App* command : arguments.get_subcommands({})) {
     command->group("Commands")->fallthrough();

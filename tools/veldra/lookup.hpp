@@ -4,6 +4,7 @@
 
 #include "failure.hpp"
 #include "kinds.hpp"
+#include "process/interruption.hpp"
 #include "text.hpp"
 
 #include <fmt/format.h>
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace veldra_tool {
@@ -43,25 +45,44 @@ std::vector<std::shared_ptr<veldra::CustomProperty>> objects_named(const veldra:
 /// Whether reading has failed at an object of whose name nothing is known.
 bool is_unreadable_object();
 
-/// A question for those names of a kind that are most like one that is not there; empty where none
-/// is. Of a large library it looks at the first objects only, as somebody waits, and says so.
-template <class T>
-std::string suggested_names(const veldra::Library& library, const std::string& name) {
-  constexpr std::size_t most = 100000;
-  std::size_t left = most;
-  kit::Nearest nearest(name);
+/// Calls `offer` with the name of each object of a kind, as far as they can be read.
+template <class T, class Offer>
+void offer_names(const veldra::Library& library, Offer offer) {
   try {
     library.for_each<T>([&](const std::shared_ptr<T>& object) {
-      nearest.offer(object->name().utf8());
-      return --left > 0;
+      stop_if_asked();
+      offer(object->name().utf8());
+      return true;
     });
   } catch (...) {
     if (!is_unreadable_object()) throw;
   }
-  const std::string question = printable(kit::suggestion(nearest.names()));
-  if (left > 0 || library.count<T>() <= most) return question;
-  return fmt::format("{} (only {} of the {} names were compared)", question, most,
-                     library.count<T>());
+}
+
+/// A question for those names of a kind that are most like one that is not there; empty where none
+/// is.
+template <class T>
+std::string suggested_names(const veldra::Library& library, const std::string& name) {
+  kit::Nearest nearest(name);
+  offer_names<T>(library, [&](const std::string& each) { nearest.offer(each); });
+  return printable(kit::suggestion(nearest.names()));
+}
+
+/// What there is of a kind of which a library has few, in place of what is not there.
+template <class T>
+std::string choice_of_names(const veldra::Library& library, const std::string& name) {
+  std::vector<std::string> names;
+  offer_names<T>(library, [&](const std::string& each) { names.push_back(each); });
+  std::sort(names.begin(), names.end());
+  return printable(kit::choice_of(name, names));
+}
+
+/// Of small kinds what there is, of others what was perhaps meant.
+template <class T>
+std::string alternatives(const veldra::Library& library, const std::string& name) {
+  constexpr bool is_small =
+      std::is_same_v<T, veldra::Tag> || std::is_same_v<T, veldra::MaterialType>;
+  return is_small ? choice_of_names<T>(library, name) : suggested_names<T>(library, name);
 }
 
 /// The object that a text names (`naming_of`). Throws `LibraryFailure` when there is none, and when
@@ -81,7 +102,7 @@ std::shared_ptr<T> find_object(const veldra::Library& library, const std::string
   }
   if (named.empty() && !numbered) {
     throw LibraryFailure(fmt::format("there is no {} {} in the library{}", kind, in_quotes(text),
-                                     suggested_names<T>(library, naming.text)));
+                                     alternatives<T>(library, naming.text)));
   }
   if (!named.empty() && numbered && named[0]->id() != numbered->id()) {
     throw LibraryFailure(

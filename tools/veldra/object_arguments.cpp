@@ -44,11 +44,15 @@ bool names_object(const std::string& text) {
 }
 
 NamedObject named_object(const std::string& text) {
-  if (!names_object(text)) {
+  const auto colon = text.find(':');
+  if (colon == std::string::npos) {
     throw CLI::ValidationError(
         "OBJECT", fmt::format("{} is not KIND:OBJECT, such as composition:Roof", in_quotes(text)));
   }
-  const auto colon = text.find(':');
+  if (!names_object(text)) {
+    throw CLI::ValidationError(
+        "KIND", fmt::format("{} is none of {}", in_quotes(text.substr(0, colon)), kind_choices()));
+  }
   return {kinds_by_name().at(text.substr(0, colon)), text.substr(colon + 1)};
 }
 

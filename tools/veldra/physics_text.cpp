@@ -26,6 +26,8 @@ const char* word_of(kit::BoundaryBasis basis) {
       return "stated";
     case kit::BoundaryBasis::Name:
       return "name";
+    case kit::BoundaryBasis::Usual:
+      return "usual";
     default:
       return "type";
   }
@@ -67,11 +69,13 @@ std::string surfaces_text(const kit::Transmission& transmission) {
 
 std::string assumption_text(const kit::Transmission& transmission) {
   const auto& border = transmission.border;
-  if (!border.assumed || transmission.stated) return "";
-  const bool by_name = border.basis == kit::BoundaryBasis::Name;
-  return fmt::format("{} heat flow and {} outside are assumed by its {}; no 'Boundary' is stated",
+  if (!border.assumed || transmission.stated || !border.fault.empty()) return "";
+  const auto basis = border.basis == kit::BoundaryBasis::Name   ? " by its name"
+                     : border.basis == kit::BoundaryBasis::Type ? " by its type"
+                                                                : ", as for a wall outside";
+  return fmt::format("{} heat flow and {} outside are assumed{}; no 'Boundary' is stated",
                      physics::name_of(border.boundary.heat_flow),
-                     physics::name_of(border.boundary.outside), by_name ? "name" : "type");
+                     physics::name_of(border.boundary.outside), basis);
 }
 
 std::string basis_text(const kit::LayerHeat& layer) {

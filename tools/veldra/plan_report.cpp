@@ -23,6 +23,15 @@ std::string text_of(const kit::Value& value) {
   return value.is_empty() ? "nothing" : printable(kit::value_text(value));
 }
 
+/// How people know an object: one that gets another name by that which it has.
+std::string known_name(const PlanEntry& entry) {
+  if (entry.decision != Decision::Change) return entry.name;
+  for (const auto& change : entry.changes) {
+    if (change.field == "name") return kit::value_text(change.before);
+  }
+  return entry.name;
+}
+
 std::string outcome_text(const PlanEntry& entry) {
   if (entry.decision == Decision::Rename) {
     return fmt::format("renamed to {}", in_quotes(entry.result));
@@ -32,7 +41,7 @@ std::string outcome_text(const PlanEntry& entry) {
     for (const auto& tag : entry.tags) names += (names.empty() ? "" : ", ") + printable(tag);
     return fmt::format("tagged {}", names);
   }
-  if (entry.result != entry.name) {
+  if (entry.result != known_name(entry)) {
     return fmt::format("{}, as {}", name_of(entry.decision), in_quotes(entry.result));
   }
   return name_of(entry.decision);
@@ -55,11 +64,11 @@ std::string full_text(const PlanEntries& entries) {
   std::size_t name_width = 0;
   for (const auto* entry : entries) {
     kind_width = std::max(kind_width, singular_of(entry->source.type).size());
-    name_width = std::max(name_width, display_width(printable(entry->name)));
+    name_width = std::max(name_width, display_width(printable(known_name(*entry))));
   }
   std::string text;
   for (const auto* entry : entries) {
-    const auto name = printable(entry->name);
+    const auto name = printable(known_name(*entry));
     text += fmt::format("{:<{}}  {}{}  {}\n", singular_of(entry->source.type), kind_width, name,
                         std::string(name_width - display_width(name), ' '), outcome_text(*entry));
     if (entry->decision != Decision::Rename) text += changes_text(*entry);
@@ -147,7 +156,7 @@ Json json_of(const PlanEntry& entry, unsigned id) {
   Json json = Json::object();
   json["kind"] = singular_of(entry.source.type);
   if (id != 0) json["id"] = id;
-  json["name"] = entry.name;
+  json["name"] = known_name(entry);
   json["outcome"] = name_of(entry.decision);
   json["name_in_destination"] = entry.result;
   if (!entry.changes.empty()) json["changes"] = changes_to_json(entry);

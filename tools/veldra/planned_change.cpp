@@ -74,6 +74,14 @@ void enter(const Policy& policy, const veldra::Library& source, kit::PlanRules& 
   rules.for_object[key] = policy.on_clash;
 }
 
+/// The report goes there.
+CLI::Validator no_standard_output() {
+  return {[](const std::string& file) {
+            return file == "-" ? std::string("standard output gets the report; give a file") : "";
+          },
+          ""};
+}
+
 }  // namespace
 
 void add_plan_arguments(CLI::App& command, PlanArguments& arguments) {
@@ -81,6 +89,19 @@ void add_plan_arguments(CLI::App& command, PlanArguments& arguments) {
   command.add_flag("--verbose", arguments.verbose,
                    "Tell of each object what becomes of it, also of more than 20");
   add_json(command, arguments.json);
+}
+
+void add_plan_file(CLI::App& command, PlanArguments& arguments) {
+  auto* plan = command
+                   .add_option("--plan", arguments.plan_file,
+                               "Write into this file what would happen, and nothing into the "
+                               "library; 'veldra apply' does it when the decisions in the file are "
+                               "as they shall be")
+                   ->check(some_value() & no_standard_output())
+                   ->type_name("FILE")
+                   ->excludes("--dry-run");
+  command.add_flag("--force", arguments.replaces, "Replace the file of the plan if it is there")
+      ->needs(plan);
 }
 
 void add_on_conflict(CLI::App& command, std::vector<std::string>& policies) {
@@ -119,8 +140,17 @@ kit::OnClash general_rule(const std::vector<std::string>& policies) {
   return rule;
 }
 
-void tell_dry_run(Host& host) {
-  host.output.print("Nothing was written, because this was a dry run.\n");
+void tell_nothing_written(const PlanArguments& arguments, Host& host) {
+  if (arguments.plan_file.empty()) {
+    return host.output.print("Nothing was written, because this was a dry run.\n");
+  }
+  host.output.print("The library is as it was; 'veldra apply' does what the plan in {} says.\n",
+                    in_quotes(arguments.plan_file));
+}
+
+std::string clashes_text(std::size_t count) {
+  return count == 1 ? "1 conflict is to be decided first"
+                    : fmt::format("{} conflicts are to be decided first", count);
 }
 
 PlannedChange::PlannedChange(const PlanArguments& arguments, Host& host, std::string what)
@@ -132,38 +162,45 @@ bool PlannedChange::carry_out(const std::shared_ptr<const veldra::Library>& sour
                               veldra::Library& library, kit::PlanRules rules,
                               const Remark& remark) {
   Progress progress(what_);
-  const kit::Progress step = [&progress] { progress.step(); };
-  const kit::Plan plan(source, library, std::move(rules), step);
+  rules.fingerprints = !arguments_.plan_file.empty();
+  const kit::Plan plan(source, library, std::move(rules), [&progress] { progress.step(); });
+  return carry_out(plan, library, remark);
+}
+
+bool PlannedChange::carry_out(const kit::Plan& plan, veldra::Library& library,
+                              const Remark& remark) {
+  Progress progress(what_);
+  if (keep_) keep_(plan);
   const bool is_decided = plan.is_decided();
   if (!is_decided) refuse_clashes(plan);
-  // A dry run does it as well, and the caller rolls it back, so that it tells what would be.
-  const auto mapping = is_decided ? plan.apply(library, step) : veldra::IdMapping(&library);
+  // What only tells does it as well, and the caller rolls it back, so that it tells what would be.
+  const auto mapping = is_decided ? plan.apply(library, [&progress] { progress.step(); })
+                                  : veldra::IdMapping(&library);
   tell_(plan, mapping);
   if (remark) remark(plan);
-  return is_decided && !arguments_.dry_run && plan.changes_anything();
+  return is_decided && !arguments_.only_tells() && plan.changes_anything();
 }
 
 void PlannedChange::tell_usually(const kit::Plan& plan, const veldra::IdMapping& mapping) {
   const auto entries = entries_of(plan);
   if (arguments_.json) return print_json(host_.output, json_of(entries, mapping, *plan.source()));
   host_.output.write(text_of(entries, arguments_.verbose));
-  if (arguments_.dry_run) tell_dry_run(host_);
+  if (arguments_.only_tells()) tell_nothing_written(arguments_, host_);
 }
 
-/// A dry run shows them among all else. About a code there is nothing that could be said.
+/// What only tells shows them among all else. About a code there is nothing that could be said.
 void PlannedChange::refuse_clashes(const kit::Plan& plan) {
   const auto clashes = clashes_of(plan);
   const bool by_name = std::any_of(clashes.begin(), clashes.end(),
                                    [](const auto& clash) { return clash.is_of_names; });
-  const std::string advice = by_name && has_choice_ ? "; --on-conflict says what to do" : "";
-  if (clashes.size() == 1 && !arguments_.dry_run) {
+  const std::string advice = by_name ? advice_ : "";
+  const bool refuses = !arguments_.only_tells();
+  if (clashes.size() == 1 && refuses) {
     throw LibraryFailure(clashes.front().sentence + advice);
   }
   for (const auto& clash : clashes) host_.notes += fmt::format("veldra: {}\n", clash.sentence);
-  const auto count =
-      clashes.size() == 1 ? "1 conflict is" : fmt::format("{} conflicts are", clashes.size());
-  const auto summary = fmt::format("{} to be decided first{}", count, advice);
-  if (!arguments_.dry_run) throw LibraryFailure(summary);
+  const auto summary = clashes_text(clashes.size()) + advice;
+  if (refuses) throw LibraryFailure(summary);
   host_.notes += fmt::format("veldra: {}\n", summary);
   host_.status = Status::Failed;
 }

@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "proof.hpp"
 
+#include "arguments.hpp"
 #include "failure.hpp"
 #include "files/reading.hpp"
 #include "kinds.hpp"
 #include "physics_text.hpp"
 #include "process/standard_streams.hpp"
+#include "process/writing.hpp"
 #include "summary.hpp"
 #include "table.hpp"
 #include "text.hpp"
 
 #include <fmt/format.h>
+
+#include <cmath>
 
 namespace veldra_tool {
 
@@ -41,10 +45,16 @@ class Printer {
 
  private:
   void line(const std::string& title, const std::string& value) const {
-    if (value.empty()) return;
+    if (!value.empty()) output_.print("{}\n", line_of(title, value));
+  }
+
+  void muted_line(const std::string& title, const std::string& value) const {
+    if (!value.empty()) output_.print("{}\n", muted(line_of(title, value)));
+  }
+
+  static std::string line_of(const std::string& title, const std::string& value) {
     const auto width = display_width(title);
-    output_.print("{}{}{}\n", title, std::string(width < 24 ? 24 - width : 1, ' '),
-                  printable(value));
+    return title + std::string(width < 24 ? 24 - width : 1, ' ') + printable(value);
   }
 
   void lines(const std::string& title, const std::vector<std::string>& values) const {
@@ -86,7 +96,7 @@ class Printer {
 
   void print_heat() const {
     line("surfaces", surfaces_text(proof_.heat));
-    line("assumed", assumption_text(proof_.heat));
+    muted_line("assumed", assumption_text(proof_.heat));
     if (proof_.heat.limits && proof_.heat.bridged) {
       line("limits of R_T", fmt::format("{:.3f} and {:.3f} m²K/W, error at most {:.1f} % "
                                         "(ISO 6946, 6.7.2)",
@@ -138,9 +148,10 @@ class Printer {
 
   void print_year(const kit::physics::MoistureYear& year) const {
     if (!year.condenses) return line("condensation", "none in any month (ISO 13788, 6)");
-    line("condensation",
-         fmt::format("at most {:.3f} kg/m²; {} within the year (ISO 13788, 6)", year.greatest,
-                     year.dries ? "all of it dries" : "it does not dry"));
+    const auto amount = year.dries ? "at most {:.3f} kg/m²; all of it dries within the year"
+                                   : "{:.3f} kg/m² in the first year, and more in each; it does "
+                                     "not dry within the year";
+    line("condensation", fmt::format(fmt::runtime(amount), year.greatest) + " (ISO 13788, 6)");
     Table table({{"month"}, {"condensed [kg/m²]", Align::Right}, {"in all [kg/m²]", Align::Right}});
     for (const auto& month : year.months) {
       double condensed = 0;
@@ -253,10 +264,12 @@ void add_climate(CLI::App& command, ProofWishes& wishes) {
                   "What is outside and then inside (outdoors, ventilated, ground, interior, "
                   "unheated) and where heat flows (horizontal, upward, downward), with commas "
                   "between them; goes before what a build-up states")
+      ->check(some_value())
       ->type_name("WORDS");
   command
       .add_option("--climate", wishes.climate,
                   "A table (CSV) of the year's climate, for condensation and mould")
+      ->check(some_value())
       ->type_name("FILE");
   command
       .add_option("--room-class", wishes.room_class,
@@ -283,6 +296,12 @@ ProofRequest read_wishes(const ProofWishes& wishes) {
   if (wishes.layer && *wishes.layer == 0) {
     throw CLI::ValidationError("--layer", "layers are counted from 1");
   }
+  if (wishes.target && !(*wishes.target > 0 && std::isfinite(*wishes.target))) {
+    throw CLI::ValidationError("--target-u", "a U-value is a number above 0");
+  }
+  if (wishes.room_class && (*wishes.room_class < 1 || *wishes.room_class > 5)) {
+    throw CLI::ValidationError("--room-class", "room classes are from 1 to 5");
+  }
   if (wishes.room_class && wishes.climate.empty()) {
     throw CLI::ValidationError("--room-class", "it says more of a --climate");
   }
@@ -305,7 +324,7 @@ ProofRequest read_wishes(const ProofWishes& wishes) {
 }
 
 bool Proof::is_complete() const {
-  if (!heat.transmittance()) return false;
+  if (!heat.transmittance() || has_wrong_values) return false;
   if (moisture && !moisture->year) return false;
   return !solution || solution->thickness;
 }
@@ -316,6 +335,10 @@ Proof proof_of(const veldra::Composition& composition, veldra::Unit unit,
   proof.heat = kit::transmission_of(composition, unit, request.boundary);
   proof.diffusion = kit::diffusion_of(composition, unit);
   proof.storage = kit::storage_of(composition, unit, request.boundary);
+  for (const auto& layer : composition.layers()) {
+    const auto& material = layer.material();
+    proof.has_wrong_values |= material && !kit::KnownValues(*material).faults().empty();
+  }
   if (request.climate) {
     proof.moisture = kit::moisture_of(composition, unit, *request.climate, request.boundary);
   }

@@ -49,7 +49,9 @@ struct Proof {
   std::optional<kit::CompositionMoisture> moisture;
   std::optional<kit::ThicknessSolution> solution;
 
-  /// Whether there is a U-value, and what else was asked for.
+  bool has_wrong_values = false;  ///< a layer's material has values that cannot be used
+
+  /// Whether there is a U-value, and what else was asked for, and every value can be used.
   bool is_complete() const;
 };
 

@@ -4,20 +4,45 @@
 
 #include <veldra/composition.hpp>
 #include <veldra/kit/export.hpp>
+#include <veldra/kit/value.hpp>
+
+#include <string>
+#include <vector>
 
 namespace veldra::kit {
 
-/// Whether two materials have the same values, code and name among them. Lengths of which one has
-/// come through other units are the same (`same_length`). Objects to which they refer are compared
-/// as the library compares them.
+/// A field of which an object has, or gets, another value.
+struct FieldChange {
+  std::string field;  ///< the name of the field (`FieldDescription::name`)
+  Value before;       ///< the value of the first object, or of the stored one
+  Value after;        ///< that of the other one
+};
+
+/// The fields of which two materials have different values, name and code among them, in the order
+/// of the JSON format. This is what makes objects differ, here and in plans (`Plan`):
 ///
-/// Throws: `std::bad_alloc`.
+/// - Of objects to which they refer, the names count.
+/// - Lengths of which one has come through other units are the same (`same_length`).
+/// - Tags do not count, which say where something came from, and assets, which are never copied.
+///
+/// Throws: as `Field::get`.
+VELDRA_KIT_EXPORT std::vector<FieldChange> differences(const Material& material,
+                                                       const Material& other);
+
+/// The same of two compositions.
+///
+/// Throws: as `Field::get`.
+VELDRA_KIT_EXPORT std::vector<FieldChange> differences(const Composition& composition,
+                                                       const Composition& other);
+
+/// Whether two materials have the same values by these rules.
+///
+/// Throws: as `Field::get`.
 VELDRA_KIT_EXPORT bool same_values(const Material& material, const Material& other);
 
-/// Whether two compositions have the same values, the name and the variable layer among them, by
-/// the same rules. A thickness that is not known is the same as another one.
+/// The same of two compositions.
 ///
-/// Throws: `std::bad_alloc`.
+/// Throws: as `Field::get`.
 VELDRA_KIT_EXPORT bool same_values(const Composition& composition, const Composition& other);
 
 }  // namespace veldra::kit

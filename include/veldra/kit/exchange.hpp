@@ -28,6 +28,7 @@ struct VELDRA_KIT_EXPORT SourceProblem {
   unsigned line = 0;     ///< counted from 1; 0 for the source as a whole
   std::string object;    ///< the name that the object has in the source; empty if it is about none
   std::string sentence;  ///< what is wrong; it calls the object by its class and name
+  bool doubt = false;    ///< the object has come in all the same: only a number is doubtful
 
   /// Place and sentence: "'walls.idf', line 12: Material 'Brick': the thickness is missing". In
   /// UTF-8, and quotes names as they are.
@@ -54,6 +55,26 @@ class VELDRA_KIT_EXPORT SourceError : public Error {
 
  private:
   SourceProblem problem_;
+};
+
+/// Sources that contradict each other, each contradiction as a problem. It is the error of the
+/// first one.
+class VELDRA_KIT_EXPORT SourceClashes : public SourceError {
+ public:
+  /// Makes the error of problems, of which there is one at least.
+  explicit SourceClashes(std::vector<SourceProblem> problems);
+
+  /// Copies the error.
+  SourceClashes(const SourceClashes& other) = default;
+
+  /// Destroys the error.
+  ~SourceClashes() override;
+
+  /// All of them, in the order in which the sources were read.
+  const std::vector<SourceProblem>& problems() const noexcept { return problems_; }
+
+ private:
+  std::vector<SourceProblem> problems_;
 };
 
 /// A format of files that can be read or written.
@@ -149,8 +170,8 @@ struct SourceReport {
   unsigned layers = 0;                      ///< of all compositions
   unsigned layers_without_thickness = 0;    ///< how many of these have the thickness 0 or none
   unsigned references_not_found = 0;        ///< layers whose material is in no source
-  std::vector<SourceProblem> problems;      ///< objects with problems are left out, unless only a
-                                            ///< number is doubtful
+  std::vector<SourceProblem> problems;      ///< objects with problems are left out, unless that is
+                                            ///< a doubt
 };
 
 /// The values of a source that were not kept, counted by class and field.
@@ -205,12 +226,14 @@ struct SourceRules {
   Progress progress;
 };
 
-/// Reads sources as one: a composition may be of materials of another source. Objects that differ
-/// in nothing but their tags are one.
+/// Reads sources as one: a composition may be of materials of another source. Objects that have the
+/// same values (`differences`) are one, with the tags of all.
 ///
 /// Throws:
-/// - `SourceError`: a source is malformed, two sources differ about an object though they must not,
-///   or two materials have one code.
+/// - `SourceError`: a source is malformed.
+/// - `SourceClashes`: two sources differ about an object though they must not, or two materials
+/// have
+///   one code. All of these are told.
 /// - `Error`: a tag is not UTF-8.
 /// - a database error (`Library`), and what `progress` throws.
 VELDRA_KIT_EXPORT Sources read_together(const std::vector<Source>& sources,

@@ -17,7 +17,9 @@
 #include <veldra/kit/physics_solve.hpp>
 #include <veldra/kit/physics_storage.hpp>
 #include <veldra/kit/plan.hpp>
+#include <veldra/kit/plan_file.hpp>
 #include <veldra/kit/progress.hpp>
+#include <veldra/kit/reactor_guard.hpp>
 #include <veldra/kit/select.hpp>
 #include <veldra/kit/text.hpp>
 #include <veldra/kit/value.hpp>

@@ -14,14 +14,14 @@ namespace veldra::kit {
 // quote texts as they are.
 
 /// What is doubtful though a library takes it and finds no fault with it (`Library::check`): a
-/// thermal conductivity that is none, a thickness of 0.
+/// known property with a value that cannot be used (`KnownValues`), a thickness of 0.
 ///
 /// Throws: `std::bad_alloc`.
 VELDRA_KIT_EXPORT std::vector<std::string> doubtful_numbers(const Material& material);
 
 /// The same of a composition: layers of the thickness 0, a variable layer that is none of its
-/// layers, or limits of its thickness that contradict each other. A layer may be without thickness
-/// where its material is known by what it resists or lets through.
+/// layers, or limits of its thickness that contradict each other, and known properties. A layer may
+/// be without thickness where its material is known by what it resists or lets through.
 ///
 /// Throws: `std::bad_alloc`.
 VELDRA_KIT_EXPORT std::vector<std::string> doubtful_numbers(const Composition& composition);

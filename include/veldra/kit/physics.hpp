@@ -30,7 +30,8 @@ enum class BoundaryBasis : int {
   Asked = 0,   ///< the caller said it
   Stated = 1,  ///< a custom property of the composition
   Type = 2,    ///< assumed by its type
-  Name = 3     ///< assumed by a word in its name
+  Name = 3,    ///< assumed by a word in its name
+  Usual = 4    ///< neither tells: assumed to be a wall to outdoor air
 };
 
 /// What a composition borders on.
@@ -42,8 +43,9 @@ struct CompositionBoundary {
 };
 
 /// What a composition borders on: what is asked for, then what its property "Boundary" states. The
-/// rest is assumed: the direction by the type, of other types by the words roof, ceiling and floor
-/// in the name; the outside by words for rooms or soil in the name, or else outdoor air.
+/// rest is assumed: the direction by the type, of other types by the words for roof, ceiling and
+/// floor in the name; the outside by words for rooms, cellars or soil in the name, or else outdoor
+/// air.
 ///
 /// Throws: `std::bad_alloc`.
 VELDRA_KIT_EXPORT CompositionBoundary boundary_of(const Composition& composition,

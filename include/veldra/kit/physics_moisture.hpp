@@ -125,7 +125,9 @@ struct CompositionMoisture {
   std::vector<std::string> faults;                  ///< why there is no figure, as sentences
 };
 
-/// Computes it beside bridges. What a ventilated layer keeps from counting does not count.
+/// Computes it beside bridges. What a ventilated layer keeps from counting does not count. There is
+/// no figure where the outside is neither outdoor nor ventilated air, or the inside no heated room,
+/// of which the climate says nothing.
 ///
 /// Throws: `std::bad_alloc`.
 VELDRA_KIT_EXPORT CompositionMoisture moisture_of(const Composition& composition, Unit unit,

@@ -4,16 +4,17 @@
 
 #include <veldra/id_mapping.hpp>
 #include <veldra/kit/clash.hpp>
+#include <veldra/kit/compare.hpp>
 #include <veldra/kit/error.hpp>
 #include <veldra/kit/export.hpp>
 #include <veldra/kit/progress.hpp>
-#include <veldra/kit/value.hpp>
 #include <veldra/library.hpp>
 
 #include <cstddef>
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -32,13 +33,6 @@ enum class Decision : int {
 
 /// A decision for people: "added", "equal", "tagged", "kept", "changed", "renamed", "undecided".
 VELDRA_KIT_EXPORT const char* name_of(Decision decision);
-
-/// A field of which the stored object has another value than the source's.
-struct FieldChange {
-  std::string field;  ///< the name of the field (`FieldDescription::name`)
-  Value before;       ///< the value of the stored object
-  Value after;        ///< that of the source, with lengths and names as in the destination
-};
 
 /// Why an object cannot simply come in.
 struct Clash {
@@ -63,7 +57,8 @@ struct PlanEntry {
   unsigned stored;     ///< the stored object concerned, by its id; 0 for none
   std::string result;  ///< the name under which the destination has it then
 
-  /// What changes; of an object that is kept or undecided, how the two differ. Tags are among them
+  /// What changes, from the stored value to that of the source, with lengths and names as in the
+  /// destination; of an object that is kept or undecided, how the two differ. Tags are among them
   /// only in an object that changes.
   std::vector<FieldChange> changes;
 
@@ -74,10 +69,16 @@ struct PlanEntry {
 
 /// By which rules a plan is made.
 struct PlanRules {
-  OnClash on_clash = OnClash::Fail;            ///< what becomes of clashes of names
-  std::map<ObjectType, OnClash> for_kind;      ///< the same for one kind
-  std::map<ObjectKey, OnClash> for_object;     ///< the same for one object of the source
-  std::map<ObjectKey, std::string> new_names;  ///< under which name one that is renamed comes in
+  OnClash on_clash = OnClash::Fail;         ///< what becomes of clashes of names
+  std::map<ObjectType, OnClash> for_kind;   ///< the same for one kind
+  std::map<ObjectKey, OnClash> for_object;  ///< the same for one object of the source
+
+  /// Under which name an object of the source comes in that is renamed. By the rule
+  /// `OnClash::Rename` it gets the name also where its own is free.
+  std::map<ObjectKey, std::string> new_names;
+
+  /// Objects of the source whose tags the stored one does not get that is equal.
+  std::set<ObjectKey> untagged;
 
   /// Whether the name of an object of the source ignores case; not set for none.
   std::function<bool(const ObjectKey&)> ignores_case;
@@ -111,9 +112,8 @@ class VELDRA_KIT_EXPORT PlanError : public Error {
 ///     plan.apply(*office);
 ///     transaction.commit();
 ///
-/// - An object is the same as the stored one of its name if all fields are equal that the library
-///   stores, but for tags, which say where something came from, and assets, which are never copied.
-///   Lengths are compared in the unit of the destination.
+/// - An object is the same as the stored one of its name by the rules of `differences`. Lengths are
+///   compared in the unit of the destination.
 /// - Tags, drawing layers, types and custom properties of the same name are one and the same.
 /// - Each object of the source has an entry, kind by kind, in the order of its ids: a source that
 ///   is part of a larger one is put into a library in memory first (`Library::copy`).

@@ -48,20 +48,24 @@ class Expression;
 /// Others are `thickness >= 100 mm and not (name ~ brick or manufacturer is empty)` for materials,
 /// and for a custom property `` `Fire class` = "A1" ``.
 ///
-/// | written | means |
-/// |---|---|
-/// | `=`, `!=` | equal or not, without regard to case and accents (`folded`); lengths that are the
-/// same | | `~` | contains, without regard to case and accents | | `==`, `~~` | equal, contains,
-/// exactly as written | | `<`, `<=`, `>`, `>=` | before and behind; texts in the order of their
-/// folded forms | | `is empty`, `is not empty` | whether there is a value | | `not`, `and`, `or`,
-/// `( )` | `not` binds closest, `or` least |
+/// What is written, and what it means:
+///
+/// - `=`, `!=`: equal or not, without regard to case and accents (`folded`); lengths that are the
+///   same in another unit are equal.
+/// - `~`: contains, without regard to case and accents.
+/// - `==`, `~~`: equal, contains, exactly as written.
+/// - `<`, `<=`, `>`, `>=`: before and behind; texts in the order of their folded forms.
+/// - `is empty`, `is not empty`: whether there is a value.
+/// - `not`, `and`, `or`, `( )`: `not` binds closest, `or` least.
+///
+/// Rules:
 ///
 /// - A comparison with a value that is not there is false, `!=` too. `not name = x` then is true.
 /// - Of a list, such as tags, one entry has to do; for `!=` none may. Layers are compared by the
 ///   names of their materials, hatches by their names.
-/// - Numbers are in the unit of the field, or have one behind them. Custom values are texts; `<`
-/// and
-///   the like compare those that are numbers as numbers where a number stands behind.
+/// - Numbers are in the unit of the field, or have one behind them.
+/// - Custom values are texts. `<` and its like compare those that are numbers as numbers where a
+///   number stands behind.
 /// - Quotes, single or double, only delimit, and there is no escape in them. Names of fields with
 ///   blanks stand in back-quotes.
 /// - A tag, type or drawing layer that is compared by `=`, `==` or `!=` has to be in the library.

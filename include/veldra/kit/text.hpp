@@ -125,6 +125,15 @@ VELDRA_KIT_EXPORT std::vector<std::string> nearest(const std::string& wanted,
 /// Throws: `std::bad_alloc`.
 VELDRA_KIT_EXPORT std::string suggestion(const std::vector<std::string>& names);
 
+/// The end of a sentence that there is nothing of the name `wanted`: what was perhaps meant, and
+/// what there is, as "; did you mean 'Brick'? there are Brick, Wool". Of more than `most` names the
+/// nearest come first, and the rest is counted. Empty for no names.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::string choice_of(const std::string& wanted,
+                                        const std::vector<std::string>& names,
+                                        std::size_t most = 20);
+
 }  // namespace veldra::kit
 
 #endif

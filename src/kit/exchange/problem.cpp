@@ -16,4 +16,9 @@ SourceError::SourceError(const SourceProblem& problem) : Error(problem.text()), 
 
 SourceError::~SourceError() = default;
 
+SourceClashes::SourceClashes(std::vector<SourceProblem> problems)
+    : SourceError(problems.front()), problems_(std::move(problems)) {}
+
+SourceClashes::~SourceClashes() = default;
+
 }  // namespace veldra::kit

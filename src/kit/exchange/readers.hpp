@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace veldra::kit {
 
@@ -34,6 +35,16 @@ struct Reader {
   bool (*recognises)(const FileContent& content);
   std::shared_ptr<const SourceContent> (*read)(FileContent content);
 };
+
+/// What was read of a source, by the name of its file.
+struct NamedContent {
+  const std::string& file;
+  const Format& format;
+  const SourceContent& content;
+};
+
+/// The same as `read_together` of what was read already.
+Sources read_together(const std::vector<NamedContent>& sources, const SourceRules& rules);
 
 Reader catalogue_reader();
 Reader epjson_reader();

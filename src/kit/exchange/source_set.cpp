@@ -12,6 +12,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 
@@ -59,6 +60,37 @@ void give_tags(T& object, const SourceReport& report, SharedObjects& shared) {
   for (const auto& tag : report.tags) object.addTag(shared.tag(tag));
 }
 
+/// An object that stands for another one has the tags of both, each once.
+template <class T>
+void add_tags(T& object, const std::vector<std::shared_ptr<Tag>>& tags) {
+  for (const auto& tag : tags) {
+    const auto& has = object.tags();
+    const bool is_there = std::any_of(
+        has.begin(), has.end(), [&](const auto& each) { return each->name() == tag->name(); });
+    if (!is_there) object.addTag(tag);
+  }
+}
+
+/// In what an object differs from the one that came first, whose name may be written otherwise.
+template <class T>
+std::vector<FieldChange> differences_between(const T& first, const T& incoming) {
+  const auto other = incoming.clone();
+  other->name(first.name());
+  return differences(first, *other);
+}
+
+std::string differences_text(const std::vector<FieldChange>& changes) {
+  const auto text_of = [](const Value& value) {
+    return value.is_empty() ? std::string("nothing") : value_text(value);
+  };
+  std::string text;
+  for (const auto& change : changes) {
+    text += fmt::format("{}{}: {} there, {} here", text.empty() ? "" : "; ", change.field,
+                        text_of(change.before), text_of(change.after));
+  }
+  return text;
+}
+
 }  // namespace
 
 template <class T>
@@ -101,23 +133,6 @@ void SourceSet::choose_tags(bool from_simulation, SourceReport& report) const {
   report.tags.push_back(library_text(in_utf8(base)));
 }
 
-/// Whether an object has the name of its file as its tag, and no other.
-bool SourceSet::tags_tell_origin(const SourceObject& origin) const {
-  return origin.ignores_case && rules_.tags.empty();
-}
-
-/// Whether two incoming objects are the same but for the case of their names. Tags that tell where
-/// an object came from do not count.
-template <class T>
-bool SourceSet::same_objects(const Incoming<T>& left, const Incoming<T>& right) const {
-  const auto other = right.object->clone();
-  other->name(left.object->name());
-  if (tags_tell_origin(left.origin) || tags_tell_origin(right.origin)) {
-    other->tags(toModify) = left.object->tags();
-  }
-  return same_values(*left.object, *other);
-}
-
 /// Values for which a library has no place: where they are wanted all the same, they become custom
 /// values.
 template <class T>
@@ -143,6 +158,7 @@ void SourceSet::enter(IncomingObjects<T>& objects, const Incoming<T>& incoming,
   const auto& origin = incoming.origin;
   for (const auto& sentence : wrong_numbers(object)) {
     add_problem(report, origin.line, origin.name, fmt::format("{}: {}", called(object), sentence));
+    report.problems.back().doubt = true;
   }
   give_tags(object, report, shared_);
   const auto* first =
@@ -151,32 +167,36 @@ void SourceSet::enter(IncomingObjects<T>& objects, const Incoming<T>& incoming,
     require_free_code(incoming, report);
     return objects.add(incoming);
   }
-  if (same_objects(*first, incoming)) {
+  const auto changes = differences_between(*first->object, object);
+  if (changes.empty()) {
+    add_tags(*first->object, object.tags());
     return add_repeated(Repetition::Equal, objects, *first, incoming, report);
   }
-  settle(objects, *first, incoming, report);
+  settle(objects, *first, incoming, changes, report);
 }
 
 /// Two objects of one name that differ: within a source that is an error of the second, between
 /// sources it is a clash like one with a library.
 template <class T>
 void SourceSet::settle(IncomingObjects<T>& objects, const Incoming<T>& first,
-                       const Incoming<T>& incoming, SourceReport& report) {
+                       const Incoming<T>& incoming, const std::vector<FieldChange>& changes,
+                       SourceReport& report) {
   const auto& origin = incoming.origin;
-  const auto sentence = [&](const char* where) {
-    return fmt::format("another {} stands {} already", called(*incoming.object), where);
-  };
   if (first.origin.source == origin.source) {
-    return add_problem(report, origin.line, origin.name, sentence("in this file"));
+    return add_problem(
+        report, origin.line, origin.name,
+        fmt::format("another {} stands in this file already", called(*incoming.object)));
   }
   switch (rules_.on_clash) {
     case OnClash::Fail:
-      fail_at(report.file, origin.line, sentence("in another source"), origin.name);
+      return add_clash(
+          report, origin,
+          fmt::format("another {} stands in {} already, which differs ({})",
+                      called(*incoming.object), file_of(first), differences_text(changes)));
     case OnClash::Use:
       return add_repeated(Repetition::Used, objects, first, incoming, report);
     case OnClash::Overwrite:
-      release_code(*first.object);
-      *first.object = *incoming.object;
+      overwrite(*first.object, *incoming.object);
       require_free_code({first.object, origin}, report);
       return add_repeated(Repetition::Overwrote, objects, first, incoming, report);
     case OnClash::Rename: {
@@ -189,15 +209,33 @@ void SourceSet::settle(IncomingObjects<T>& objects, const Incoming<T>& first,
   }
 }
 
+template <class T>
+std::string SourceSet::file_of(const Incoming<T>& incoming) const {
+  return quoted(files_[incoming.origin.source]);
+}
+
+void SourceSet::add_clash(const SourceReport& report, const SourceObject& origin,
+                          const std::string& sentence) {
+  clashes_.push_back({report.file, origin.line, origin.name, sentence});
+}
+
+/// What is overwritten keeps its tags.
+template <class T>
+void SourceSet::overwrite(T& first, const T& incoming) {
+  release_code(first);
+  const auto tags = first.tags();
+  first = incoming;
+  add_tags(first, tags);
+}
+
 void SourceSet::require_free_code(const Incoming<Material>& incoming, const SourceReport& report) {
   const Material& material = *incoming.object;
   if (!material.has_code()) return;
   const auto [holder, is_free] = names_by_code_.emplace(material.code(), material.name());
   if (is_free) return;
-  fail_at(report.file, incoming.origin.line,
-          fmt::format("{} has the code {}, which {} of the sources has already", called(material),
-                      quoted(material.code().utf8()), quoted(holder->second.utf8())),
-          material.name().utf8());
+  add_clash(report, incoming.origin,
+            fmt::format("{} has the code {}, which {} of the sources has already", called(material),
+                        quoted(material.code().utf8()), quoted(holder->second.utf8())));
 }
 
 void SourceSet::add_material(const SourceMaterial& material, std::size_t source,
@@ -217,7 +255,8 @@ void SourceSet::add_material(const SourceMaterial& material, std::size_t source,
 }
 
 void SourceSet::add(const SourceModel& model, SourceReport& report) {
-  const std::size_t source = sources_++;
+  const std::size_t source = files_.size();
+  files_.push_back(report.file);
   choose_tags(true, report);
   for (const auto& material : model.materials) add_material(material, source, report);
   for (const auto& [name, count] : model.skipped) report.skipped[name] += count;
@@ -225,7 +264,8 @@ void SourceSet::add(const SourceModel& model, SourceReport& report) {
 }
 
 void SourceSet::add(Catalogue catalogue, SourceReport& report) {
-  const std::size_t source = sources_++;
+  const std::size_t source = files_.size();
+  files_.push_back(report.file);
   choose_tags(false, report);
   for (const auto& material : catalogue.materials) {
     ++report.read["material"];

@@ -6,6 +6,7 @@
 #include "kit/exchange/shared_objects.hpp"
 #include "kit/exchange/source_model.hpp"
 
+#include <veldra/kit/compare.hpp>
 #include <veldra/kit/exchange.hpp>
 
 #include <map>
@@ -74,6 +75,9 @@ class SourceSet {
 
   /// The material types of the sources, where one of them lists all that there are.
   const std::optional<std::set<String>>& types() const { return types_; }
+  /// Where sources contradict each other so that nobody has said what to do.
+  const std::vector<SourceProblem>& clashes() const { return clashes_; }
+
   const String& locale() const { return locale_; }
   const String& region() const { return region_; }
 
@@ -93,9 +97,6 @@ class SourceSet {
   };
 
   void choose_tags(bool from_simulation, SourceReport& report) const;
-  bool tags_tell_origin(const SourceObject& origin) const;
-  template <class T>
-  bool same_objects(const Incoming<T>& left, const Incoming<T>& right) const;
   template <class T>
   void take_unknown(const Incoming<T>& incoming, const std::string& class_name,
                     const FieldsNotKept& fields, SourceReport& report);
@@ -103,7 +104,13 @@ class SourceSet {
   void enter(IncomingObjects<T>& objects, const Incoming<T>& incoming, SourceReport& report);
   template <class T>
   void settle(IncomingObjects<T>& objects, const Incoming<T>& first, const Incoming<T>& incoming,
-              SourceReport& report);
+              const std::vector<FieldChange>& changes, SourceReport& report);
+  template <class T>
+  std::string file_of(const Incoming<T>& incoming) const;
+  void add_clash(const SourceReport& report, const SourceObject& origin,
+                 const std::string& sentence);
+  template <class T>
+  void overwrite(T& first, const T& incoming);
   void require_free_code(const Incoming<Material>& material, const SourceReport& report);
   void require_free_code(const Incoming<Composition>&, const SourceReport&) {}
   static void count_layer(const std::shared_ptr<Material>& material, double thickness,
@@ -120,7 +127,8 @@ class SourceSet {
   IncomingObjects<Composition> compositions_;
   std::vector<Constructions> constructions_;
   std::vector<Compositions> catalogue_compositions_;
-  std::size_t sources_ = 0;
+  std::vector<std::string> files_;  ///< the names of the sources
+  std::vector<SourceProblem> clashes_;
   std::optional<std::set<String>> types_;
   std::map<String, String> names_by_code_;  ///< of materials
   String locale_;

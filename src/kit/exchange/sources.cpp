@@ -25,10 +25,9 @@ const Reader& reader_of(const FileContent& content) {
   return *found;
 }
 
-SourceProblem nothing_in(const Source& source) {
-  return {
-      source.file(), 0, "",
-      fmt::format("this {} source has no materials and no constructions", source.format().name)};
+SourceProblem nothing_in(const NamedContent& source) {
+  return {source.file, 0, "",
+          fmt::format("this {} source has no materials and no constructions", source.format.name)};
 }
 
 template <class T>
@@ -93,17 +92,27 @@ bool Source::has_objects() const { return content_->has_objects(); }
 std::optional<Unit> Source::unit() const { return content_->unit(); }
 
 Sources read_together(const std::vector<Source>& sources, const SourceRules& rules) {
+  std::vector<NamedContent> contents;
+  contents.reserve(sources.size());
+  for (const auto& source : sources) {
+    contents.push_back({source.file(), source.format(), SourceReading::content_of(source)});
+  }
+  return read_together(contents, rules);
+}
+
+Sources read_together(const std::vector<NamedContent>& sources, const SourceRules& rules) {
   Sources result;
   result.reports.resize(sources.size());
   SourceSet set(rules);
   for (std::size_t i = 0; i < sources.size(); ++i) {
     auto& report = result.reports[i];
-    report.file = sources[i].file();
-    report.format = sources[i].format().name;
-    SourceReading::content_of(sources[i]).add_to(set, report);
-    if (!sources[i].has_objects()) report.problems.push_back(nothing_in(sources[i]));
+    report.file = sources[i].file;
+    report.format = sources[i].format.name;
+    sources[i].content.add_to(set, report);
+    if (!sources[i].content.has_objects()) report.problems.push_back(nothing_in(sources[i]));
   }
   set.resolve();
+  if (!set.clashes().empty()) throw SourceClashes(set.clashes());
   result.locale = set.locale();
   result.region = set.region();
   result.types = set.types();

@@ -19,23 +19,6 @@ std::string sentence_of(const std::string& field, const std::string& value,
 
 }  // namespace
 
-std::string list_of(const std::vector<std::string>& names, std::size_t most) {
-  std::string text;
-  for (std::size_t i = 0; i < std::min(names.size(), most); ++i) {
-    text += (text.empty() ? "" : ", ") + names[i];
-  }
-  if (names.size() > most) text += fmt::format(" and {} more", names.size() - most);
-  return text;
-}
-
-std::string choice_of(const std::string& name, const std::vector<std::string>& names,
-                      std::size_t most) {
-  if (names.empty()) return {};
-  const std::string question = suggestion(nearest(name, names));
-  return fmt::format("{} there {} {}", question.empty() ? ";" : question,
-                     names.size() == 1 ? "is" : "are", list_of(names, most));
-}
-
 std::string absence_of(const std::string& what, const std::string& name,
                        const std::vector<std::string>& names) {
   return fmt::format("there is no {} '{}'{}", what, name, choice_of(name, names));

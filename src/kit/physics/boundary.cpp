@@ -28,10 +28,41 @@ bool has_word(const std::string& words, std::initializer_list<const char*> begin
   return false;
 }
 
+/// Words of which the last part says what they are, such as "Holzbalkendecke".
+bool has_ending(const std::string& words, std::initializer_list<const char*> endings) {
+  for (const char* ending : endings) {
+    if ((words + " ").find(std::string(ending) + " ") != std::string::npos) return true;
+  }
+  return false;
+}
+
+/// "Interior wall" lies between rooms, and a "wall with interior insulation" does not.
+bool is_something_interior(const std::string& words) {
+  for (const std::string inside : {" interior", " internal"}) {
+    for (auto at = words.find(inside); at != std::string::npos; at = words.find(inside, at + 1)) {
+      const auto what = " " + trimmed(words.substr(at + inside.size()));
+      if (has_word(what, {"wall", "partition", "floor", "ceiling", "slab", "door", "window", "mass",
+                          "furnishing", "construction"})) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+bool is_above_a_cellar(const std::string& words) {
+  return has_word(words, {"basement ceiling", "cellar ceiling"}) ||
+         has_ending(words, {"kellerdecke"});
+}
+
 std::optional<Side> outside_by_name(const std::string& words) {
   if (has_word(words, {"exterior", "external", "outer", "outside", "aussen"})) return std::nullopt;
-  if (has_word(words, {"interior", "internal", "partition", "furnishing", "innenwand", "innentur",
-                       "trennwand", "zwischendecke", "geschossdecke"})) {
+  if (is_above_a_cellar(words) || has_word(words, {"oberste geschossdecke"})) {
+    return Side::Unheated;
+  }
+  if (is_something_interior(words) ||
+      has_word(words, {"partition", "furnishing", "innenwand", "innentur", "trennwand"}) ||
+      has_ending(words, {"zwischendecke", "geschossdecke"})) {
     return Side::Interior;
   }
   if (has_word(words, {"underground", "basement", "slab on g", "bodenplatte", "erdberuhrt"})) {
@@ -54,8 +85,14 @@ std::optional<HeatFlow> flow_by_type(Composition::Type type) {
 }
 
 std::optional<HeatFlow> flow_by_name(const std::string& words) {
-  if (has_word(words, {"roof", "ceiling", "dach", "decke"})) return HeatFlow::Upward;
-  if (has_word(words, {"floor", "boden", "slab on g"})) return HeatFlow::Downward;
+  if (is_above_a_cellar(words)) return HeatFlow::Downward;
+  if (has_word(words, {"roof", "ceiling", "dach", "decke"}) ||
+      has_ending(words, {"dach", "decke"})) {
+    return HeatFlow::Upward;
+  }
+  if (has_word(words, {"floor", "boden", "slab on g"}) || has_ending(words, {"boden"})) {
+    return HeatFlow::Downward;
+  }
   return std::nullopt;
 }
 
@@ -90,7 +127,9 @@ CompositionBoundary boundary_of(const Composition& composition, const BoundarySt
   const auto side_by_name = outside_by_name(words);
   const auto named_flow = flow_by_name(words);
   const bool by_name = (!outside && side_by_name) || (!flow && !by_type && named_flow);
-  result.basis = by_name ? BoundaryBasis::Name : BoundaryBasis::Type;
+  result.basis = by_name                      ? BoundaryBasis::Name
+                 : flow || by_type || outside ? BoundaryBasis::Type
+                                              : BoundaryBasis::Usual;
   result.boundary.outside = outside ? *outside : side_by_name.value_or(Side::Outdoors);
   result.boundary.heat_flow = flow      ? *flow
                               : by_type ? *by_type

@@ -21,9 +21,15 @@ using Cells = std::vector<std::string>;
 
 Cells cells_of(const std::string& line) {
   Cells cells;
-  std::istringstream parts(line);
+  std::istringstream parts(line + ",");
   for (std::string cell; std::getline(parts, cell, ',');) cells.push_back(trimmed(cell));
   return cells;
+}
+
+/// Spreadsheets put a mark in front of UTF-8.
+std::string without_mark(const std::string& text) {
+  const std::string mark = "\xEF\xBB\xBF";
+  return text.compare(0, mark.size(), mark) == 0 ? text.substr(mark.size()) : text;
 }
 
 /// Reads the rows of a table whose titles are known.
@@ -36,7 +42,8 @@ class Reader {
   }
 
   physics::Climate read(const std::string& text) {
-    std::istringstream lines(text);
+    if (text.find('\0') != std::string::npos) throw Error("the climate is no text");
+    std::istringstream lines(without_mark(text));
     for (std::string line; std::getline(lines, line);) {
       ++line_;
       if (trimmed(line).empty() || trimmed(line).front() == '#') continue;
@@ -56,6 +63,9 @@ class Reader {
   void read_titles(const Cells& titles) {
     static const Cells known{"month", "outside_temperature", "outside_humidity",
                              "inside_temperature", "inside_humidity"};
+    if (titles.size() == 1 && titles.front().find(';') != std::string::npos) {
+      refuse(line_, "columns have commas between them, and numbers a point");
+    }
     for (std::size_t i = 0; i < titles.size(); ++i) {
       if (std::find(known.begin(), known.end(), titles[i]) == known.end()) {
         refuse(line_, fmt::format("'{}' is no column of a climate", titles[i]));
@@ -87,6 +97,10 @@ class Reader {
   }
 
   void read_month(const Cells& cells) {
+    if (cells.size() > columns_.size()) {
+      refuse(line_, fmt::format("{} values for {} columns; numbers have a point", cells.size(),
+                                columns_.size()));
+    }
     const auto month = static_cast<std::size_t>(number(cells, "month", 1, 12)) - 1;
     if (known_[month]) refuse(line_, fmt::format("month {} is there twice", month + 1));
     known_[month] = true;

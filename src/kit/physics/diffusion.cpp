@@ -4,6 +4,8 @@
 
 #include <veldra/kit/physics_moisture.hpp>
 
+#include <fmt/format.h>
+
 namespace veldra::kit {
 
 namespace {
@@ -27,6 +29,19 @@ std::optional<double> of_bridge(const BuildUpLayer& layer) {
   const auto factor = layer.number(Known::BridgeVapourFactor);
   if (!factor || !layer.thickness_fault().empty()) return std::nullopt;
   return *factor * layer.thickness * bridged_part(layer);
+}
+
+/// The air of a climate is that outdoors and that of a heated room.
+std::string side_without_climate(const Transmission& transmission) {
+  const auto& boundary = transmission.border.boundary;
+  const bool open = transmission.ventilated > 0 || boundary.outside == physics::Side::Outdoors ||
+                    boundary.outside == physics::Side::Ventilated;
+  if (!open) {
+    return fmt::format("the climate says nothing of {} outside",
+                       physics::name_of(boundary.outside));
+  }
+  if (boundary.inside == physics::Side::Interior) return "";
+  return fmt::format("the climate says nothing of {} inside", physics::name_of(boundary.inside));
 }
 
 }  // namespace
@@ -58,6 +73,8 @@ CompositionMoisture moisture_of(const Composition& composition, Unit unit,
   if (transmission.stated) {
     result.faults.emplace_back("a stated U-factor does not tell where vapour goes");
   }
+  const auto side = side_without_climate(transmission);
+  if (!side.empty()) result.faults.push_back(side);
   if (result.faults.empty() && transmission.resistance) {
     result.surface =
         physics::surface_humidity(*transmission.resistance, transmission.outside, climate);

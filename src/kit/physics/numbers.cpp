@@ -36,6 +36,16 @@ void add_conductivity(const Material& material, Sentences& sentences) {
                                   quoted(text)));
 }
 
+/// A conductivity that the material states has been told of already.
+void add_physics(const Material& material, Sentences& sentences) {
+  const KnownValues values(material);
+  const auto conductivity = values.fault(Known::Conductivity);
+  const bool told = !material.custom_value(String(property::conductivity)).null();
+  for (const auto& fault : values.faults()) {
+    if (!told || fault != conductivity) sentences.push_back(fault);
+  }
+}
+
 void add_layers(const Composition& composition, Sentences& sentences) {
   for (std::size_t i = 0; i < composition.layers().size(); ++i) {
     const auto& layer = composition.layers()[i];
@@ -76,6 +86,7 @@ void append(Sentences& sentences, const Sentences& more) {
 std::vector<std::string> doubtful_numbers(const Material& material) {
   Sentences sentences;
   add_conductivity(material, sentences);
+  add_physics(material, sentences);
   if (material.thicknesses().count(0) != 0) {
     sentences.push_back("the thickness 0 is not greater than 0");
   }
@@ -86,6 +97,9 @@ std::vector<std::string> doubtful_numbers(const Composition& composition) {
   Sentences sentences;
   add_layers(composition, sentences);
   add_variable_layer(composition, sentences);
+  append(sentences, KnownValues(composition).faults());
+  const auto border = boundary_of(composition);
+  if (!border.fault.empty()) sentences.push_back(border.fault);
   return sentences;
 }
 

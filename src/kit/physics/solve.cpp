@@ -36,13 +36,14 @@ std::optional<double> thickness_for(double target,
 
 namespace {
 
+constexpr double thin = 1e-6;  ///< stands for no thickness, with which a layer has no resistance
+
 struct Limits {
   double least;
   double greatest;
 };
 
 Limits limits_of(const Composition& composition, std::size_t layer) {
-  constexpr double thin = 1e-6;  ///< a layer of no thickness has no resistance
   Limits limits{thin, std::numeric_limits<double>::infinity()};
   if (!composition.has_variable_layer() || composition.variable_layer() != layer) return limits;
   limits.least = std::max(thin, composition.variable_layer_min_thickness());
@@ -110,12 +111,19 @@ ThicknessSolution thickness_for(const Composition& composition, Unit unit, doubl
   }
   Trial trial(composition, unit, *layer, asked);
   const auto limits = limits_of(composition, *layer);
+  if (limits.least > limits.greatest) {
+    result.fault =
+        fmt::format("the least thickness of layer {}, {}, is more than its greatest, {}",
+                    *layer + 1, text_of(limits.least, unit), text_of(limits.greatest, unit));
+    return result;
+  }
   result.fault = obstacle(trial.with(std::max(limits.least, 1e-3)), *layer);
   if (!result.fault.empty()) return result;
   const auto transmittance = [&trial](double thickness) { return trial.transmittance(thickness); };
   result.thickness = physics::thickness_for(target, transmittance, limits.least, limits.greatest);
   if (result.thickness) {
     result.transmittance = transmittance(*result.thickness);
+    if (*result.thickness <= thin) result.thickness = 0;  // it can be left out
   } else if (std::isfinite(limits.greatest)) {
     result.fault =
         fmt::format("even with its greatest thickness, {}, layer {} gives {:.3f} W/(m2 K)",

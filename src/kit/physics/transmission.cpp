@@ -31,7 +31,11 @@ class Assembly {
 
   Transmission run() {
     find_surfaces();
-    if (use_stated() || layers_.empty()) return std::move(result_);
+    if (use_stated()) return std::move(result_);
+    if (layers_.empty()) {
+      result_.faults.emplace_back("it has no layers");
+      return std::move(result_);
+    }
     result_.layers = layers_heat(layers_, result_.ventilated, result_.border.boundary.heat_flow);
     for (std::size_t i = 0; i < layers_.size(); ++i) add_fault(i, result_.layers[i].fault);
     find_openings();

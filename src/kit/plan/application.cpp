@@ -4,6 +4,7 @@
 #include "kit/plan/entry.hpp"
 
 #include <veldra/kit/kinds.hpp>
+#include <veldra/kit/reactor_guard.hpp>
 
 #include <fmt/format.h>
 
@@ -46,20 +47,6 @@ class Names : public Library::Reactor {
  private:
   const Progress& progress_;
   std::map<std::pair<ObjectType, String>, std::string> names_;
-};
-
-/// Installs a reactor for as long as it lives.
-class ReactorGuard {
- public:
-  ReactorGuard(Library& library, Library::Reactor& reactor) : library_(library) {
-    library_.setReactor(&reactor);
-  }
-  ReactorGuard(const ReactorGuard&) = delete;
-  ReactorGuard& operator=(const ReactorGuard&) = delete;
-  ~ReactorGuard() { library_.setReactor(nullptr); }
-
- private:
-  Library& library_;
 };
 
 /// Whether a stored object stands for it.

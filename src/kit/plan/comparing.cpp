@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/plan/comparing.hpp"
 
+#include "kit/fields/compare.hpp"
+
 #include <veldra/kit/physics.hpp>
 
 #include <algorithm>
@@ -8,37 +10,6 @@
 namespace veldra::kit {
 
 namespace {
-
-bool same_lengths(const Value::Numbers& left, const Value::Numbers& right) {
-  return std::equal(left.begin(), left.end(), right.begin(), right.end(), same_length);
-}
-
-bool same_layers(const Value::Layers& left, const Value::Layers& right) {
-  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                    [](const LayerValue& one, const LayerValue& other) {
-                      return one.material == other.material && one.function == other.function &&
-                             same_length(one.thickness, other.thickness);
-                    });
-}
-
-/// Lengths that are the same may have come through other units and back.
-bool same(const Value& left, const Value& right, Measure measure) {
-  if (measure != Measure::Length || left.kind() != right.kind()) return left == right;
-  switch (left.kind()) {
-    case Value::Kind::Number:
-      return same_length(left.as<double>(), right.as<double>());
-    case Value::Kind::Numbers:
-      return same_lengths(left.as<Value::Numbers>(), right.as<Value::Numbers>());
-    case Value::Kind::Layers:
-      return same_layers(left.as<Value::Layers>(), right.as<Value::Layers>());
-    default:
-      return left == right;
-  }
-}
-
-bool is_stored(const FieldDescription& field) {
-  return field.origin == Origin::Stored || field.origin == Origin::Custom;
-}
 
 Value with_names(Value value, const std::map<std::string, std::string>& names) {
   if (names.empty() || value.kind() != Value::Kind::Layers) return value;
@@ -50,8 +21,22 @@ Value with_names(Value value, const std::map<std::string, std::string>& names) {
   return layers;
 }
 
+// Whether two objects of libraries in one unit are the same for certain, which is found out without
+// making values of their fields. Most objects that come again are.
+
+bool are_alike(const Material& left, const Material& right) {
+  return left.code() == right.code() && left == right;
+}
+
+bool are_alike(const Composition& left, const Composition& right) {
+  return left.variable_layer() == right.variable_layer() &&
+         left.variable_layer_min_thickness() == right.variable_layer_min_thickness() &&
+         left.variable_layer_max_thickness() == right.variable_layer_max_thickness() &&
+         left == right;
+}
+
 bool is_identity(const FieldDescription& field) {
-  return field.group.empty() && (field.key == "name" || field.key == "tags");
+  return is_tags(field) || (field.group.empty() && field.key == "name");
 }
 
 }  // namespace
@@ -60,7 +45,7 @@ template <class T>
 Comparing<T>::Comparing(const Library& source, const Library& destination)
     : source_(source), destination_(destination) {
   for (const auto& field : source_) {
-    if (is_stored(field)) (is_identity(field) ? identity_ : content_).push_back(&field);
+    if (is_copied(field)) (is_identity(field) ? identity_ : content_).push_back(&field);
   }
   for (auto field = destination_.custom_begin(); field != destination_.end(); ++field) {
     const auto has_name = [&](const Field<T>* other) { return other->name() == field->name(); };
@@ -73,6 +58,9 @@ template <class T>
 std::vector<FieldChange> Comparing<T>::differences(const T& incoming, const T& stored,
                                                    const NewNames& materials) const {
   std::vector<FieldChange> changes;
+  const bool has_new_names = !materials.incoming.empty() || !materials.stored.empty();
+  const bool is_direct = source_.unit() == destination_.unit() && !has_new_names;
+  if (is_direct && are_alike(incoming, stored)) return changes;
   for (const auto* field : content_) {
     add_if_different(changes, *field, incoming, stored, materials);
   }
@@ -97,7 +85,7 @@ void Comparing<T>::add_if_different(std::vector<FieldChange>& changes, const Fie
                                     const NewNames& materials) const {
   Value before = with_names(field.get(stored), materials.stored);
   Value after = with_names(converted(field.get(incoming), field), materials.incoming);
-  if (same(before, after, field.measure)) return;
+  if (same_value(before, after, field.measure)) return;
   changes.push_back({field.name(), std::move(before), std::move(after)});
 }
 

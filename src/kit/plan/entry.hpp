@@ -4,6 +4,9 @@
 
 #include <veldra/kit/plan.hpp>
 
+#include <string>
+#include <vector>
+
 namespace veldra::kit {
 
 /// Whether the destination gets a new object.
@@ -19,6 +22,9 @@ inline const FieldChange* change_of(const PlanEntry& entry, const char* field) {
   }
   return nullptr;
 }
+
+/// Throws the `PlanError` of objects, by what sentences call them, that are not as they were.
+[[noreturn]] void throw_changed(const std::vector<std::string>& names);
 
 }  // namespace veldra::kit
 

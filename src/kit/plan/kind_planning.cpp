@@ -127,7 +127,10 @@ void KindPlanning<T>::plan_part(const std::set<unsigned>& ids, std::vector<PlanE
     auto& entry = entries[begin + i];
     if (progress_) progress_();
     note_code(*incoming[i]);
-    if (entry.stored == 0) continue;
+    if (entry.stored == 0) {
+      if (is_renamed(entry.source)) rename(entry, *incoming[i]);
+      continue;
+    }
     if (stored.count(entry.stored) == 0) fail_missing(entry);
     decide(entry, *incoming[i], *stored[entry.stored]);
   }
@@ -188,7 +191,7 @@ void KindPlanning<T>::compare(PlanEntry& entry, const T& incoming, const T& stor
     return;
   }
   entry.clashes.clear();
-  entry.tags = missing_tags(incoming, stored);
+  if (rules_.untagged.count(entry.source) == 0) entry.tags = missing_tags(incoming, stored);
   entry.decision = entry.tags.empty() ? Decision::Equal : Decision::Tag;
 }
 
@@ -239,6 +242,12 @@ bool KindPlanning<T>::rename_to(PlanEntry& entry, const T& incoming, const std::
   if (rules_.fingerprints) other.fingerprint = fingerprint_of(*stored);
   entry = std::move(other);
   return true;
+}
+
+/// Whether an object is to come in under another name though nothing has its own.
+template <class T>
+bool KindPlanning<T>::is_renamed(const ObjectKey& key) const {
+  return rules_.new_names.count(key) != 0 && policy_for(key) == OnClash::Rename;
 }
 
 template <class T>

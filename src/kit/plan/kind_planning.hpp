@@ -38,6 +38,7 @@ class KindPlanning {
   void decide_clash(PlanEntry& entry, const T& incoming, const T& stored);
   void rename(PlanEntry& entry, const T& incoming);
   bool rename_to(PlanEntry& entry, const T& incoming, const std::string& name);
+  bool is_renamed(const ObjectKey& key) const;
   std::string given_name(const PlanEntry& entry) const;
   bool is_free(const std::string& name, const std::string& own) const;
   OnClash policy_for(const ObjectKey& key) const;

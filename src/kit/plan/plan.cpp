@@ -3,6 +3,7 @@
 
 #include "kit/fields/field.hpp"
 #include "kit/plan/application.hpp"
+#include "kit/plan/entry.hpp"
 #include "kit/plan/planning.hpp"
 
 #include <veldra/kit/kinds.hpp>
@@ -102,7 +103,10 @@ void require_same_state(const Plan& plan, const Plan& now) {
   for (std::size_t i = 0; i < before.size(); ++i) {
     if (!same_state(before[i], after[i])) names.push_back(name_of(before[i]));
   }
-  if (names.empty()) return;
+  if (!names.empty()) throw_changed(names);
+}
+
+void throw_changed(const std::vector<std::string>& names) {
   throw PlanError(fmt::format("{} changed since the plan was made: {}",
                               names.size() == 1 ? "an object has" : "objects have",
                               list_of(names, most)));

@@ -2,11 +2,13 @@
 #include <veldra/kit/text.hpp>
 
 #include "kit/text/characters.hpp"
+#include "kit/text/list.hpp"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <numeric>
+#include <set>
 
 namespace veldra::kit {
 
@@ -86,6 +88,38 @@ std::string suggestion(const std::vector<std::string>& names) {
     text += fmt::format("'{}'", names[i]);
   }
   return text + "?";
+}
+
+std::string list_of(const std::vector<std::string>& names, std::size_t most) {
+  std::string text;
+  for (std::size_t i = 0; i < std::min(names.size(), most); ++i) {
+    text += (text.empty() ? "" : ", ") + names[i];
+  }
+  if (names.size() > most) text += fmt::format(" and {} more", names.size() - most);
+  return text;
+}
+
+/// All names, those first that are most like the one that is wanted.
+static std::vector<std::string> nearest_first(const std::string& wanted,
+                                              const std::vector<std::string>& names,
+                                              std::size_t most) {
+  Nearest search(wanted, most);
+  for (const auto& name : names) search.offer(name);
+  auto result = search.names();
+  const std::set<std::string> near(result.begin(), result.end());
+  for (const auto& name : names) {
+    if (near.count(name) == 0) result.push_back(name);
+  }
+  return result;
+}
+
+std::string choice_of(const std::string& wanted, const std::vector<std::string>& names,
+                      std::size_t most) {
+  if (names.empty()) return {};
+  const std::string question = suggestion(nearest(wanted, names));
+  const auto shown = names.size() > most ? nearest_first(wanted, names, most) : names;
+  return fmt::format("{} there {} {}", question.empty() ? ";" : question,
+                     names.size() == 1 ? "is" : "are", list_of(shown, most));
 }
 
 }  // namespace veldra::kit

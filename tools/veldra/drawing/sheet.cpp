@@ -351,14 +351,17 @@ class Panel {
 
   std::string assumed_text() const {
     using Side = kit::physics::Side;
-    const bool by_name = transmission_.border.basis == kit::BoundaryBasis::Name;
-    const auto* by = by_name ? words_.say("by its name", "nach dem Namen")
-                             : words_.say("by its type", "nach der Art");
+    const auto basis = transmission_.border.basis;
+    const auto* by = basis == kit::BoundaryBasis::Name ? words_.say("by its name", "nach dem Namen")
+                     : basis == kit::BoundaryBasis::Type ? words_.say("by its type", "nach der Art")
+                                                         : words_.say("as usual", "wie üblich");
     const auto side = transmission_.border.boundary.outside;
-    const auto* outside =
-        side == Side::Outdoors ? words_.say("outdoor air outside", "außen Außenluft")
-        : side == Side::Ground ? words_.say("ground outside", "außen Erdreich")
-                               : words_.say("a room on both sides", "beiderseits Räume");
+    const auto* outside = side == Side::Outdoors
+                              ? words_.say("outdoor air outside", "außen Außenluft")
+                          : side == Side::Ground ? words_.say("ground outside", "außen Erdreich")
+                          : side == Side::Unheated
+                              ? words_.say("an unheated room outside", "außen ein unbeheizter Raum")
+                              : words_.say("a room on both sides", "beiderseits Räume");
     return fmt::format("{} {}: {}", words_.say("assumed", "angenommen"), by, outside);
   }
 

@@ -23,14 +23,14 @@ void wait_for(int descriptor) noexcept {
 }  // namespace
 
 int write_all(int descriptor, std::string_view bytes) noexcept {
-  for (;;) {
+  while (!bytes.empty()) {
     const auto written = ::write(descriptor, bytes.data(), bytes.size());
     if (written < 0 && errno == EAGAIN) wait_for(descriptor);
     if (written < 0 && errno != EAGAIN && errno != EINTR) return errno;
     if (written > 0) bytes.remove_prefix(static_cast<std::size_t>(written));
-    if (bytes.empty()) return 0;
-    if (stop_asked()) return EINTR;
+    if (!bytes.empty() && stop_asked()) return EINTR;
   }
+  return 0;
 }
 
 const char* text_of_error(int error) noexcept { return std::strerror(error != 0 ? error : EIO); }
@@ -51,6 +51,11 @@ bool shows_colours(int descriptor) noexcept {
 
 std::string_view error_mark() noexcept {
   return shows_colours(STDERR_FILENO) ? "\x1b[1;31mveldra:\x1b[0m " : "veldra: ";
+}
+
+std::string muted(std::string line) {
+  if (line.empty() || !shows_colours(STDOUT_FILENO)) return line;
+  return "\x1b[2m" + line + "\x1b[22m";
 }
 
 void say(std::string_view text) noexcept { write_all(STDERR_FILENO, text); }

@@ -2,6 +2,7 @@
 #ifndef VELDRA_TOOL_PROCESS_WRITING_HPP
 #define VELDRA_TOOL_PROCESS_WRITING_HPP
 
+#include <string>
 #include <string_view>
 
 namespace veldra_tool {
@@ -19,6 +20,10 @@ void say(std::string_view text) noexcept;
 /// What stands before the sentence of an error on standard error: the name of the program, in
 /// colour where that is a terminal that shows some and nobody has set NO_COLOR.
 std::string_view error_mark() noexcept;
+
+/// A line of standard output that is not the first to be read: dim, where a terminal shows that and
+/// nobody has set NO_COLOR.
+std::string muted(std::string line);
 
 }  // namespace veldra_tool
 

@@ -4,9 +4,13 @@
 const char* __asan_default_options(void);
 const char* __lsan_default_options(void);
 const char* __ubsan_default_options(void);
+const char* __lsan_default_suppressions(void);
 
 static const char* const options = "exitcode=99";
 
 const char* __asan_default_options(void) { return options; }
 const char* __lsan_default_options(void) { return options; }
 const char* __ubsan_default_options(void) { return options; }
+
+/* It keeps what it has read of the fonts until the process ends, and forgets where. */
+const char* __lsan_default_suppressions(void) { return "leak:libfontconfig.so"; }
