@@ -189,7 +189,9 @@ target = veldra.create(sys.argv[1])
 threading.Timer(0.05, os.kill, (os.getpid(), signal.SIGINT)).start()
 try:
     if sys.argv[2] == "copy":
-        target.copy(library)
+        with target.transaction():
+            while True:
+                target.copy(library, on_conflict="overwrite")
     else:
         while True:
             target.plan(library)
