@@ -32,6 +32,8 @@ TEST(Source, is_of_the_format_that_its_content_tells) {
   EXPECT_EQ(Source("a", "Material:AirGap, Gap, 0.1;").format().name, "IDF");
   EXPECT_EQ(Source("a", R"({"Material:AirGap": {}})").format().name, "epJSON");
   EXPECT_EQ(Source("a.idf", R"({"format": "veldra"})").format().name, "veldra");
+  EXPECT_EQ(Source("a.idf", "a,b,c\n1,2,3\n").format().name, "CSV");
+  EXPECT_EQ(Source("a.csv", "name\nBrick\n").format().name, "CSV");
 }
 
 TEST(Source, may_begin_with_a_byte_order_mark) {
@@ -79,8 +81,24 @@ TEST(SourceProblem, of_a_whole_file_has_no_line) {
 
 TEST(SourceProblem, names_the_format_of_what_cannot_be_read) {
   EXPECT_THAT(problem_of("%PDF-1.7 ").sentence, HasSubstr("this seems to be a PDF document"));
-  EXPECT_THAT(problem_of("a,b,c\n1,2,3\n").sentence, HasSubstr("a table (CSV)"));
+  EXPECT_THAT(problem_of("PK\x03\x04 xl/workbook.xml").sentence, HasSubstr("XLSX"));
   EXPECT_THAT(problem_of("{\"a\": 1}").sentence, HasSubstr("JSON of another kind"));
+}
+
+TEST(SourceProblem, tells_of_objects_that_are_made_to_fill_the_memory) {
+  std::string many;
+  for (int i = 0; i < 1000000; ++i) many += ",1";
+  const std::string field(2 << 20, 'a');
+  EXPECT_EQ(problem_of("Material, Brick" + many + ";").sentence,
+            "the object that begins here has more than 1000 fields");
+  EXPECT_EQ(problem_of("Version, 9.4; Zone" + many + ";").sentence,
+            "the object that begins here has more than 100000 fields");
+  EXPECT_EQ(problem_of("Version, 9.4; Material, " + field + ", 1;").sentence,
+            "a field of the object that begins here is longer than 1 MiB");
+  std::string members;
+  for (int i = 0; i < 2000; ++i) members += ",\"" + std::to_string(i) + "\": 1";
+  EXPECT_EQ(problem_of("{\"Material\": {\"Brick\": {\"a\": 1" + members + "}}}").sentence,
+            "'Brick' has more than 1000 fields");
 }
 
 TEST(SourceProblem, tells_the_line_of_what_is_no_json) {

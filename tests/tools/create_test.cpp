@@ -67,7 +67,8 @@ TEST_F(Create, arguments_that_are_wrong_are_told_with_the_command_that_helps) {
   EXPECT_EQ(veldra({"create"}).err,
             "veldra: FILE is required\n'veldra create --help' tells more.\n");
   EXPECT_EQ(veldra({"export", "a.lib", "--format", "xml"}).err,
-            "veldra: --format: 'xml' is none of json, csv\n'veldra export --help' tells more.\n");
+            "veldra: --format: 'xml' is none of json, hbjson, epjson, idf, csv\n'veldra export "
+            "--help' tells more.\n");
 }
 
 class WrongArguments : public ProgramTest, public testing::WithParamInterface<int> {};

@@ -120,6 +120,21 @@ TEST_F(EditSet, of_a_wrong_value_names_field_value_and_what_is_allowed) {
   expect_refusal({"set", "a.lib", "composition:Wall", "U=0.2"}, "it can only be read");
 }
 
+TEST_F(EditSet, of_a_value_that_nobody_can_compute_with_is_refused_under_every_name) {
+  const std::string conductivity = "Thermal conductivity [W/(m K)]";
+  for (const char* value : {"abc", "-3", "nan", "0"}) {
+    expect_refusal({"set", "a.lib", "material:Brick", conductivity + "=" + value},
+                   "'a.lib': material 'Brick': its thermal conductivity is no");
+  }
+  expect_refusal({"set", "a.lib", "material:Brick", "--property", "Bridge share [-]=7"},
+                 "material 'Brick': its 'Bridge share [-]' is greater than 1: '7'");
+  expect_refusal({"set", "a.lib", "composition:Wall", "--property", "Boundary=beyond"},
+                 "composition 'Wall': 'beyond'");
+  expect_refusal({"set", "a.lib", "composition:Wall", "variable_layer=7"}, "layer");
+  expect_refusal({"new", "a.lib", "material", "Cork", "--property", conductivity + "=no"},
+                 "material 'Cork': its thermal conductivity is no");
+}
+
 TEST_F(EditSet, of_several_objects_names_the_one_that_cannot_have_the_value) {
   expect_refusal({"set", "a.lib", "composition:Wall", "composition:Roof", "structural_layer=1"},
                  "'a.lib': composition 'Roof': '1' is no value for 'structural_layer': ");

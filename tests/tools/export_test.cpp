@@ -156,7 +156,7 @@ TEST_F(Export, json_tells_of_the_file_that_was_written) {
   fill(*library("a.lib"));
   for (const char* format : {"json", "csv"}) {
     const auto told =
-        must({"export", "a.lib", "--format", format, "-o", "out", "--json", "--force"}).json();
+        veldra({"export", "a.lib", "--format", format, "-o", "out", "--json", "--force"}).json();
     EXPECT_EQ(told["file"], "out");
     EXPECT_EQ(told["format"], format);
     EXPECT_EQ(told["bytes"], read("out").size());
@@ -183,16 +183,109 @@ TEST_F(Export, standard_output_that_is_full_is_a_failure) {
   EXPECT_THAT(run.err, is_one_sentence());
 }
 
-TEST_F(Export, csv_has_a_row_for_each_material_composition_and_layer) {
+TEST_F(Export, csv_has_a_table_for_each_kind) {
   const auto office = library("a.lib");
   const auto wall = veldra::Composition::create("Wall, \"outer\"");
   wall->appendLayer({difficult_material("Brick"), veldra::Material::Function::None, 115});
   office->save(wall);
-  const auto csv = must({"export", "a.lib", "--format", "csv"}).out;
-  EXPECT_THAT(csv, HasSubstr("kind,name,position,material,thickness"));
-  EXPECT_THAT(csv, HasSubstr("\r\nmaterial,Brick,,,-3; 1e-07; 0.1; 12.5; inf,"));
-  EXPECT_THAT(csv, HasSubstr("\r\ncomposition,\"Wall, \"\"outer\"\"\","));
-  EXPECT_THAT(csv, HasSubstr("\r\nlayer,\"Wall, \"\"outer\"\"\",1,Brick,115,0,"));
+  const auto table = [&](const char* name) {
+    return veldra({"export", "a.lib", "--format", "csv", "--table", name}).out;
+  };
+  EXPECT_THAT(table("materials"), HasSubstr("\r\nmaterial,1,Brick,"));
+  EXPECT_THAT(table("materials"), HasSubstr(",-3; 1e-07; 0.1; 12.5; inf,"));
+  EXPECT_THAT(table("compositions"), HasSubstr("\r\ncomposition,1,\"Wall, \"\"outer\"\"\","));
+  EXPECT_THAT(table("layers"), HasSubstr("\r\nlayer,\"Wall, \"\"outer\"\"\",1,Brick,115,0\r\n"));
+  const auto run = veldra({"export", "a.lib", "-o", "a.csv"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(read("a.csv"), table("materials"));
+  EXPECT_EQ(run.err,
+            "veldra: a table holds the materials; --table compositions and --table layers "
+            "write the others\n");
+  EXPECT_EQ(veldra({"export", "a.lib", "--table", "walls", "--format", "csv"}).status, 2);
+  EXPECT_EQ(veldra({"export", "a.lib", "--table", "layers"}).status, 2);
+}
+
+class ExportedFormat : public ProgramTest {
+ protected:
+  void SetUp() override {
+    write("a.idf", "Material, Brick, Rough, 0.115, 0.81, 1800, 1000; Construction, Wall, Brick;");
+    must({"import", "a.lib", "a.idf"});
+  }
+};
+
+TEST_F(ExportedFormat, is_that_of_the_ending_or_the_one_that_is_given) {
+  const std::string idf = "Material,\n  Brick,  !- name\n";
+  EXPECT_EQ(veldra({"export", "a.lib", "-o", "x.idf"}).status, 3) << "tags have no place in it";
+  EXPECT_THAT(read("x.idf"), HasSubstr(idf));
+  EXPECT_EQ(veldra({"export", "a.lib", "-o", "-", "--format", "IDF"}).out, read("x.idf"));
+  EXPECT_THAT(veldra({"export", "a.lib", "--format", "epjson"}).out,
+              HasSubstr("\"Material\": {\n    \"Brick\": {"));
+  veldra({"export", "a.lib", "-o", "y.json", "--format", "epJSON"});
+  EXPECT_EQ(read("y.json"), veldra({"export", "a.lib", "--format", "epjson"}).out);
+  EXPECT_THAT(veldra({"export", "a.lib", "--format", "honeybee"}).out,
+              HasSubstr("\"type\":\"EnergyMaterial\""));
+}
+
+TEST_F(ExportedFormat, tells_what_it_has_no_place_for) {
+  const auto run = veldra({"export", "a.lib", "-o", "x.idf"});
+  EXPECT_EQ(run.err,
+            "veldra: IDF has no place for 'tags' of composition, 1 value is left out\n"
+            "veldra: IDF has no place for 'tags' of material, 1 value is left out\n");
+  must({"untag", "a.lib", "material:Brick", "composition:Wall", "--tag", "a.idf"});
+  EXPECT_EQ(must({"export", "a.lib", "-o", "x.idf", "--force"}).err, "");
+}
+
+TEST_F(ExportedFormat, that_can_only_be_read_is_wrong_use) {
+  const auto run = veldra({"export", "a.lib", "--format", "OpenStudio standards"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_THAT(run.err, HasSubstr("OpenStudio standards can only be read; there are writers for "
+                                 "json, hbjson, epjson, idf, csv"));
+  EXPECT_EQ(veldra({"export", "a.lib", "-o", "x.idf", "--format", "csv"}).status, 2);
+}
+
+TEST_F(ExportedFormat, goes_through_pipes) {
+  const auto written = veldra({"export", "a.lib", "--format", "idf", "-o", "-"}).out;
+  write("b.idf", written);
+  const auto run = shell("veldra import b.lib - < b.idf");
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(count("b.lib", "materials"), 1U);
+}
+
+TEST_F(ExportedFormat, comes_back_as_a_table_that_a_person_changed) {
+  write("t.csv", "name;manufacturer;property:Density [kg/m3]\nBrick;Works;1800,5\n");
+  const auto run = must({"import", "a.lib", "t.csv", "--locale", "de"});
+  EXPECT_THAT(run.out, HasSubstr("manufacturer"));
+  const auto brick = must({"show", "a.lib", "material", "Brick", "--json"}).json();
+  EXPECT_EQ(brick["manufacturer"], "Works");
+  EXPECT_EQ(brick["custom_values"]["Density [kg/m3]"], "1800.5");
+  const auto german = must({"export", "a.lib", "--format", "csv", "--locale", "de"}).out;
+  EXPECT_THAT(german, HasSubstr(";1800,5;"));
+  write("t.csv", german);
+  const auto again = must({"import", "a.lib", "t.csv", "--json"}).json()[0];
+  EXPECT_EQ(again["materials"]["equal"], 1U);
+  EXPECT_EQ(again["format"], "CSV");
+}
+
+TEST_F(ExportedFormat, of_tables_is_imported_by_itself_and_strictly_if_wanted) {
+  write("t.csv", "name;function\nBrick;1\nStone;x\n");
+  auto run = veldra({"import", "a.lib", "t.csv", "a.idf"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, HasSubstr("'t.csv' is a table and 'a.idf' is none"));
+  run = veldra({"import", "a.lib", "t.csv", "--tag", "x"});
+  EXPECT_EQ(run.status, 1);
+  run = veldra({"import", "a.lib", "t.csv", "--strict"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, HasSubstr("'t.csv', line 3: material 'Stone'"));
+  EXPECT_EQ(must({"show", "a.lib", "material", "Brick", "--json"}).json().count("function"), 0U);
+  EXPECT_EQ(veldra({"import", "a.lib", "t.csv"}).status, 3);
+  EXPECT_EQ(must({"show", "a.lib", "material", "Brick", "--json"}).json()["function"], 1);
+}
+
+TEST_F(ExportedFormat, is_read_up_to_a_size_that_can_be_given) {
+  const auto run = veldra({"import", "b.lib", "a.idf", "--max-source", "20"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.err, "veldra: 'a.idf': it is larger than 20 bytes\n");
+  must({"import", "b.lib", "a.idf", "--max-source", "1KB"});
 }
 
 }  // namespace

@@ -156,19 +156,6 @@ void require_ending(const std::string& output, const std::string& format) {
                               in_quotes(output), format));
 }
 
-void add_format(CLI::App& command, std::string& format) {
-  const auto known = [](const std::string& text) {
-    if (text == "json" || text == "csv") return std::string();
-    return fmt::format("{} is none of json, csv", in_quotes(text));
-  };
-  command
-      .add_option("--format", format,
-                  "json: everything, for 'import' to read again; csv: a table of materials, "
-                  "compositions and their layers; by default that of the ending of OUT, or json")
-      ->check(CLI::Validator(known, "", "json, csv"))
-      ->type_name("FORMAT");
-}
-
 void add_unit(CLI::App& command, veldra::Unit& unit) {
   const std::map<std::string, veldra::Unit> units{{"mm", veldra::Unit::Millimetres},
                                                   {"in", veldra::Unit::Inches}};

@@ -50,7 +50,6 @@ void add_backup(CLI::App& command, Host& host);
 /// The same for commands whose result goes to a file.
 void add_json_of_file(CLI::App& command, bool& json);
 
-void add_format(CLI::App& command, std::string& format);
 void add_unit(CLI::App& command, veldra::Unit& unit);
 
 /// Ends the help of a command: with an example, and with when its exit status is 3, if it can be.

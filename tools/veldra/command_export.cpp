@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "arguments.hpp"
-#include "csv.hpp"
+#include "failure.hpp"
 #include "files/output_file.hpp"
-#include "files/path.hpp"
+#include "formats.hpp"
 #include "host.hpp"
 #include "json.hpp"
 #include "opening.hpp"
 #include "progress.hpp"
 #include "summary.hpp"
+
+#include "text.hpp"
 
 #include <fmt/format.h>
 
@@ -22,6 +24,8 @@ namespace {
 struct Arguments {
   std::string file;
   std::string format;
+  std::string table;
+  std::string locale;
   std::string output;
   bool force = false;
   bool json = false;
@@ -37,58 +41,146 @@ bool goes_to_terminal(const std::string& output) {
   return terminal;
 }
 
-/// Writes the text into a spool; gives its size.
-std::size_t write_text(const veldra::Library& library, const Arguments& arguments, Spool& text) {
-  Progress progress("exporting");
-  if (arguments.format != "json") {
-    const auto reader = goes_to_terminal(arguments.output) ? CsvFor::People : CsvFor::Programs;
-    const auto table = csv_of(library, reader, progress);
-    text.write(table);
-    return table.size();
+bool is_json(const kit::Format& format) { return word_of(format) == "json"; }
+
+/// Lines in which nothing steers a terminal. JSON has escapes of its own.
+std::string printable_lines(std::string_view text) {
+  std::string result;
+  while (!text.empty()) {
+    const auto end = std::min(text.find('\n'), text.size());
+    const bool returns = end > 0 && end < text.size() && text[end - 1] == '\r';
+    result += printable(text.substr(0, returns ? end - 1 : end));
+    result += text.substr(returns ? end - 1 : end, returns ? 2 : 1);
+    text.remove_prefix(std::min(end + 1, text.size()));
   }
-  std::size_t size = 0;
-  const auto keep = [&](std::string_view part) {
-    text.write(part);
-    size += part.size();
-  };
-  kit::write_json(library, keep, [&progress] { progress.step(); });
-  return size;
+  return result;
 }
 
-void print_written(const Arguments& arguments, std::size_t bytes, const veldra::Library& library,
-                   Spool& output) {
-  Json written = written_to_json(arguments.output, arguments.format, bytes);
+/// A row of a table may be of several lines, and is shown as one.
+std::string printable_row(std::string_view row) {
+  constexpr std::string_view end = "\r\n";
+  return printable(row.substr(0, row.size() - end.size())) + std::string(end);
+}
+
+/// Writes a library in a format, and tells what the format has no place for.
+class Export {
+ public:
+  Export(const Arguments& arguments, const kit::Format& format, Host& host)
+      : arguments_(arguments), format_(format), host_(host) {
+    rules_.table = arguments.table.empty() ? "materials" : arguments.table;
+    const auto signs = table_signs(arguments.locale);
+    rules_.separator = signs.separator;
+    rules_.decimal = signs.decimal;
+  }
+
+  /// Writes the text into a spool; gives its size.
+  std::size_t write(const veldra::Library& library, Spool& text) {
+    Progress progress("exporting");
+    rules_.progress = [&progress] { progress.step(); };
+    const bool to_terminal = !is_json(format_) && goes_to_terminal(arguments_.output);
+    std::size_t size = 0;
+    const auto keep = [&](std::string_view part) {
+      size += part.size();
+      if (!to_terminal) return text.write(part);
+      text.write(is_table() ? printable_row(part) : printable_lines(part));
+    };
+    tell(kit::write(library, format_, keep, rules_));
+    if (is_table() && arguments_.table.empty()) tell_other_tables(library);
+    return size;
+  }
+
+ private:
+  bool is_table() const { return word_of(format_) == "csv"; }
+
+  void tell(const kit::WriteReport& report) {
+    if (report.is_whole()) return;
+    host_.status = Status::Findings;
+    for (const auto& problem : report.problems) note(printable(problem));
+    for (const auto& field : report.not_written) {
+      note(fmt::format("{} has no place for {} of {}, {}", format_.name, in_quotes(field.field),
+                       field.object_class, left_out(field.count)));
+    }
+    for (const auto& field : report.missing) {
+      note(fmt::format("{} demands {} of each {}, which {} lack{}", format_.name,
+                       in_quotes(field.field), printable(field.object_class), field.count,
+                       field.count == 1 ? "s" : ""));
+    }
+  }
+
+  static std::string left_out(std::size_t count) {
+    return count == 1 ? "1 value is left out" : fmt::format("{} values are left out", count);
+  }
+
+  void tell_other_tables(const veldra::Library& library) {
+    if (library.count<veldra::Composition>() == 0) return;
+    note("a table holds the materials; --table compositions and --table layers write the others");
+  }
+
+  void note(const std::string& sentence) { host_.notes += fmt::format("veldra: {}\n", sentence); }
+
+  const Arguments& arguments_;
+  const kit::Format& format_;
+  Host& host_;
+  kit::WriteRules rules_;
+};
+
+void print_written(const Arguments& arguments, const kit::Format& format, std::size_t bytes,
+                   const veldra::Library& library, Spool& output) {
+  Json written = written_to_json(arguments.output, word_of(format), bytes);
   written["counts"] = counts_of(library);
   print_json(output, written);
 }
 
 /// With --json everything on standard output is JSON.
-void require_sense(const Arguments& arguments) {
-  if (!arguments.json || arguments.format == "json" || !is_standard_output(arguments.output)) {
-    return;
+void require_sense(const Arguments& arguments, const kit::Format& format) {
+  if (!arguments.table.empty() && word_of(format) != "csv") {
+    throw CLI::ValidationError("--table", "only csv has several tables");
   }
-  throw CLI::ValidationError("--json", "a table is no JSON; give a file for it with -o");
+  if (!arguments.json || is_json(format) || !is_standard_output(arguments.output)) return;
+  throw CLI::ValidationError("--json",
+                             word_of(format) == "csv"
+                                 ? "a table is no JSON; give a file for it with -o"
+                                 : "what is written is no such JSON; give a file for it with -o");
 }
 
-/// Nobody needs to say what the name of the output says.
-std::string usual_format(const std::string& output) {
-  return !is_standard_output(output) && ending_of(output) == "csv" ? "csv" : "json";
-}
-
-void export_library(Arguments& arguments, Host& host) {
-  if (arguments.format.empty()) arguments.format = usual_format(arguments.output);
-  require_sense(arguments);
+void export_library(const Arguments& arguments, Host& host) {
+  const auto& format = format_for(arguments.format, arguments.output);
+  require_sense(arguments, format);
   const OutputFile output(arguments.output, arguments.file, arguments.force);
-  require_ending(arguments.output, arguments.format);
   const bool to_standard_output = is_standard_output(arguments.output);
   Spool kept;
   reading(arguments.file, [&](const veldra::Library& library) {
-    const auto bytes = write_text(library, arguments, to_standard_output ? host.output : kept);
+    host.notes.clear();
+    Export work(arguments, format, host);
+    const auto bytes = work.write(library, to_standard_output ? host.output : kept);
     if (arguments.json && !to_standard_output) {
-      print_written(arguments, bytes, library, host.output);
+      print_written(arguments, format, bytes, library, host.output);
     }
   });
   if (!to_standard_output) output.write(host, kept);
+}
+
+void add_format(CLI::App& command, Arguments& arguments) {
+  const auto known = [](const std::string& text) {
+    const auto* format = kit::find_format(text);
+    if (format != nullptr) return std::string();
+    return fmt::format("{} is none of {}", in_quotes(text), writable_formats());
+  };
+  command
+      .add_option("--format", arguments.format,
+                  "json: everything, for 'import' to read again; csv: a table; or another format, "
+                  "of which 'export' tells what it has no place for. By default that of the "
+                  "ending of OUT, or json")
+      ->check(CLI::Validator(known, "", writable_formats()))
+      ->type_name("FORMAT");
+  const std::vector<std::string> tables{"materials", "compositions", "layers"};
+  command
+      .add_option("--table", arguments.table,
+                  "What a table holds: materials (default), compositions, or the layers of "
+                  "compositions")
+      ->check(CLI::IsMember(tables))
+      ->type_name("TABLE");
+  add_table_locale(command, arguments.locale);
 }
 
 }  // namespace
@@ -97,10 +189,12 @@ void add_export(Host& host) {
   auto& command = *host.arguments.add_subcommand("export", "Write a whole library as text");
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
-  add_format(command, arguments->format);
+  add_format(command, *arguments);
   add_output(command, arguments->output, arguments->force);
   add_json_of_file(command, arguments->json);
-  add_example(command, "veldra export office.lib -o office.json");
+  add_example(command, "veldra export office.lib -o office.json",
+              "the format has no place for something that the library holds, or demands something "
+              "that it lacks");
   command.callback([arguments, &host] { export_library(*arguments, host); });
 }
 

@@ -3,6 +3,7 @@
 #include "failure.hpp"
 #include "files/destination.hpp"
 #include "files/reading.hpp"
+#include "formats.hpp"
 #include "host.hpp"
 #include "import/report.hpp"
 #include "json.hpp"
@@ -15,6 +16,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 
 namespace veldra_tool {
@@ -30,13 +32,35 @@ struct Arguments {
   bool unit_given = false;
   bool strict = false;
   bool keep_unknown = false;
+  std::string locale;
+  std::uint64_t max_source = most_bytes_of_source;
   PlanArguments plan;
 };
 
 std::vector<kit::Source> read_sources(const Arguments& arguments) {
   std::vector<kit::Source> sources;
-  for (const auto& file : arguments.sources) sources.emplace_back(file, content_of(file));
+  for (const auto& file : arguments.sources) {
+    const bool is_file = file != "-";
+    const auto most = static_cast<std::size_t>(arguments.max_source);
+    sources.emplace_back(is_file ? file : "standard input",
+                         is_file ? content_of(file, most) : content_of_standard_input(most));
+  }
   return sources;
+}
+
+/// Tables say what is to become of what is there, other sources what there is.
+void require_one_sort(const std::vector<kit::Source>& sources, const Arguments& arguments) {
+  const auto is_table = [](const kit::Source& source) { return source.is_table(); };
+  const auto table = std::find_if(sources.begin(), sources.end(), is_table);
+  if (table == sources.end()) return;
+  const auto other = std::find_if_not(sources.begin(), sources.end(), is_table);
+  if (other != sources.end()) {
+    throw Failure(fmt::format("{} is a table and {} is none; import tables by themselves",
+                              in_quotes(table->file()), in_quotes(other->file())));
+  }
+  if (arguments.tags.empty()) return;
+  throw Failure(fmt::format("{} is a table, whose tags are in its column 'tags'; --tag adds none",
+                            in_quotes(table->file())));
 }
 
 /// The unit of a library that is made by the import: that of the first source that has one.
@@ -113,14 +137,19 @@ class Import {
       : arguments_(arguments),
         host_(host),
         output_(arguments.plan, arguments.file, arguments.sources, host),
-        files_(read_sources(arguments)) {}
+        files_(read_sources(arguments)) {
+    require_one_sort(files_, arguments);
+    tables_ = files_.front().is_table();
+  }
 
   void run() {
     tell_as_it_was(arguments_.file);
     Destination destination(arguments_.file, arguments_.plan.only_tells(), host_);
-    destination.prepare_by([this](veldra::Unit unit) { read_all(unit); });
-    destination.take(unit_for(files_, arguments_), any_objects(),
-                     [this](const auto& library) { return into(*library); });
+    if (!tables_) destination.prepare_by([this](veldra::Unit unit) { read_all(unit); });
+    destination.take(unit_for(files_, arguments_), any_objects(), [this](const auto& library) {
+      if (tables_) read_tables(library);
+      return into(*library);
+    });
     output_.write();
   }
 
@@ -146,6 +175,7 @@ class Import {
       const auto origin = sources_.origins.find(key);
       return origin != sources_.origins.end() && origin->second.ignores_case;
     };
+    rules.states_of = sources_.states_of;
     return rules;
   }
 
@@ -184,6 +214,19 @@ class Import {
                               has_choice ? "; --on-conflict says what to do" : ""));
   }
 
+  void read_tables(const std::shared_ptr<const veldra::Library>& library) {
+    Progress progress("reading");
+    kit::TableRules rules;
+    if (!arguments_.locale.empty()) {
+      const auto signs = table_signs(arguments_.locale);
+      rules.separator = signs.separator;
+      rules.decimal = signs.decimal;
+    }
+    rules.progress = [&progress] { progress.step(); };
+    sources_ = kit::read_tables(files_, library, rules);
+    tell_findings(sources_);
+  }
+
   void tell_findings(const kit::Sources& sources) {
     const auto findings = findings_in(sources, arguments_.plan.verbose);
     host_.notes.clear();
@@ -200,6 +243,7 @@ class Import {
   Host& host_;
   PlanOutput output_;
   std::vector<kit::Source> files_;
+  bool tables_ = false;
   kit::Sources sources_;
 };
 
@@ -207,10 +251,13 @@ class Import {
 
 void add_import(Host& host) {
   auto& command = *host.arguments.add_subcommand(
-      "import", "Read IDF, epJSON and veldra's own JSON into a library, making it if missing");
+      "import",
+      "Read files of other programs, tables and JSON into a library, making it if missing");
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
-  command.add_option("SOURCE", arguments->sources, "The files to read")->required()->type_name("");
+  command.add_option("SOURCE", arguments->sources, "The files to read; - is standard input")
+      ->required()
+      ->type_name("");
   add_on_conflict(command, arguments->on_conflict);
   add_tags(command, arguments->tags,
            "A tag for every material and composition that is imported; may be given several "
@@ -223,6 +270,12 @@ void add_import(Host& host) {
   command.add_flag("--keep-unknown", arguments->keep_unknown,
                    "Keep fields that a library has no place for as custom values, each under the "
                    "names of its class and of itself");
+  add_table_locale(command, arguments->locale);
+  command
+      .add_option("--max-source", arguments->max_source,
+                  "The most that is read of each file, such as 200MB; 1 GiB by default")
+      ->transform(CLI::AsSizeValue(false))
+      ->type_name("SIZE");
   add_backup(command, host);
   add_example(command, "veldra import office.lib walls.idf glass.epJSON --on-conflict use",
               "anything of the sources has not come in: an object with a problem, a field or asset "

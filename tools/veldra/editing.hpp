@@ -9,10 +9,12 @@
 #include "process/interruption.hpp"
 #include "text.hpp"
 
+#include <veldra/kit/numbers.hpp>
 #include <veldra/veldra.hpp>
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <memory>
@@ -65,6 +67,27 @@ void naming_object(const T& object, std::size_t count, Work work) {
     refuse(printable(error.what()));
   } catch (const LibraryFailure& failure) {
     refuse(failure.what());
+  }
+}
+
+/// What is wrong with the values of an object, in sentences that go on behind its name.
+template <class T>
+std::vector<std::string> faults_of(const T& object) {
+  if constexpr (is_built<T>) {
+    return kit::wrong_numbers(object);
+  } else {
+    return {};
+  }
+}
+
+/// Throws `LibraryFailure`, which names the object, for a fault that it did not have before: what
+/// nobody could compute with is not let in by hand.
+template <class T>
+void require_sound(const T& object, const std::vector<std::string>& before) {
+  for (const auto& fault : faults_of(object)) {
+    if (std::find(before.begin(), before.end(), fault) != before.end()) continue;
+    throw LibraryFailure(fmt::format("{} {}: {}", singular_of(veldra::ObjectTraits<T>::type),
+                                     in_quotes(object.name().utf8()), printable(fault)));
   }
 }
 
@@ -128,7 +151,9 @@ void Editing::change_each(const std::set<veldra::ObjectKey>& keys, ChangeOf chan
         library_->get(objects, part);
         for (const auto& object : objects) {
           stop_if_asked();
+          const auto faults = faults_of(*object);
           naming_object(*object, keys.size(), [&] { change_one(*object); });
+          require_sound(*object, faults);
           change(object);
         }
       }
@@ -167,6 +192,7 @@ void Editing::rename(T& object) {
 template <class T>
 void Editing::add(const std::shared_ptr<T>& object) {
   require_free_name(*library_, *object, 0);
+  require_sound(*object, {});
   states_->save(object, mapping_);
 }
 

@@ -90,6 +90,12 @@ struct Format {
 /// Throws: `std::bad_alloc`.
 VELDRA_KIT_EXPORT const std::vector<Format>& formats();
 
+/// The format that somebody means by its name or one of its endings, in whatever case; of several
+/// with an ending it is the first. Null if there is none. Lives as long as the program.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT const Format* find_format(const std::string& name);
+
 /// What a file holds, as far as that can be read without knowing the library and other files. A
 /// plain value; copies share what was read.
 ///
@@ -118,6 +124,10 @@ class VELDRA_KIT_EXPORT Source {
   ///
   /// Throws `SourceError`: there is no such unit.
   std::optional<Unit> unit() const;
+
+  /// Whether it is a table, which says what is to become of the objects of a library
+  /// (`read_tables`).
+  bool is_table() const noexcept;
 
  private:
   friend class SourceReading;
@@ -207,6 +217,10 @@ struct Sources {
 
   /// The material types of sources that list all of their library; none if no source does.
   std::optional<std::set<String>> types;
+
+  /// Of tables: which stored object each object of the library is another state of. A plan is made
+  /// with these (`PlanRules::states_of`).
+  std::map<ObjectKey, unsigned> states_of;
 };
 
 /// How sources are read together.
@@ -230,17 +244,85 @@ struct SourceRules {
 /// same values (`differences`) are one, with the tags of all.
 ///
 /// Throws:
-/// - `SourceError`: a source is malformed.
+/// - `SourceError`: a source is malformed, or a table.
 /// - `SourceClashes`: two sources differ about an object though they must not, or two materials
-/// have
-///   one code. All of these are told.
+///   have one code. All of these are told.
 /// - `Error`: a tag is not UTF-8.
 /// - a database error (`Library`), and what `progress` throws.
 VELDRA_KIT_EXPORT Sources read_together(const std::vector<Source>& sources,
                                         const SourceRules& rules);
 
-/// Takes the parts of a text, one after the other.
+/// How tables are read.
+struct TableRules {
+  char separator = '\0';  ///< between cells; by default found in each table
+  char decimal = '\0';    ///< in numbers: a point or a comma; by default found likewise
+
+  /// Is called for each row.
+  Progress progress;
+};
+
+/// Reads what tables say of the objects of a library: each row is an object, found by its id, else
+/// by its code, else by its name; a row of which none is found is a new object. An empty cell
+/// clears a field, and a column that is missing leaves it. In the library of the result the objects
+/// are as the tables want them, beside what they refer to.
+///
+/// - Ids that a table has from another library count for nothing.
+/// - A row with a cell that cannot be read is left out, and is among the problems.
+/// - Hold a `Transaction` of a library that others may change meanwhile.
+///
+/// Throws:
+/// - `SourceError`: a source is no table, or a heading is of no field.
+/// - a database error (`Library`), and what `progress` throws.
+VELDRA_KIT_EXPORT Sources read_tables(const std::vector<Source>& sources,
+                                      const std::shared_ptr<const Library>& library,
+                                      const TableRules& rules = {});
+
+/// Takes the parts of a text, one after the other; of a format that is no text, the bytes.
 using TextSink = std::function<void(std::string_view part)>;
+
+/// How a library is written.
+struct WriteRules {
+  /// Which table of a format that has several: "materials", "compositions", or "layers" of
+  /// compositions.
+  std::string table = "materials";
+
+  char separator = ',';  ///< between the cells of a table
+  char decimal = '.';    ///< between the digits of numbers in a table: a point or a comma
+
+  /// Is called for each object that is written.
+  Progress progress;
+};
+
+/// What became of the objects of a library that was written.
+struct WriteReport {
+  std::map<std::string, std::size_t> written;  ///< how many objects, by class of the format
+  std::vector<FieldNotKept> not_written;  ///< values that the format has no place for, by kind and
+                                          ///< field of the library
+  std::vector<FieldNotKept> missing;      ///< values that the format demands and the objects do not
+                                          ///< have, by class and field of the format
+  std::vector<std::string> problems;      ///< sentences about objects that are written otherwise
+                                          ///< than they are, or not at all
+
+  /// Whether the text says all that the library does.
+  bool is_whole() const noexcept {
+    return not_written.empty() && missing.empty() && problems.empty();
+  }
+};
+
+/// Writes a library in a format. A part of a library is put into a library in memory first
+/// (`Library::copy`).
+///
+/// - What is written is the same for the same library, and of a format that is read reads back to
+///   the same, but for what the report tells.
+/// - Only a part of the objects is in memory at a time, besides their names.
+/// - Hold a `Snapshot` of a library that others may change meanwhile.
+///
+/// Throws:
+/// - `Error`: the format has no writer, or no such table.
+/// - `std::out_of_range`: an object has gone meanwhile.
+/// - a database error (`Library`), and what `sink` and `progress` throw.
+VELDRA_KIT_EXPORT WriteReport write(const Library& library, const Format& format,
+                                    const TextSink& sink, const WriteRules& rules = {});
 
 /// Writes all that a library holds as JSON, in a form that `Source` reads: names in place of ids,
 /// and no members for what is as in a new object. Objects stand in the order of their names; the

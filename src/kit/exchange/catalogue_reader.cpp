@@ -4,10 +4,11 @@
 #include <veldra/kit/fields.hpp>
 #include <veldra/kit/kinds.hpp>
 
+#include "kit/exchange/format_modules.hpp"
 #include "kit/exchange/object_reader.hpp"
 #include "kit/exchange/problem.hpp"
-#include "kit/exchange/readers.hpp"
 #include "kit/exchange/source_set.hpp"
+#include "kit/exchange/writers.hpp"
 #include "kit/text/quoted.hpp"
 
 #include <fmt/format.h>
@@ -330,14 +331,16 @@ class CatalogueContent : public SourceContent {
 
 }  // namespace
 
-Reader catalogue_reader() {
-  return {{"veldra", {"json"}, true, true},
+FormatModule catalogue_module() {
+  return {"veldra",
+          {"json"},
           [](const FileContent& content) {
             return content.document && is_catalogue(*content.document);
           },
           [](FileContent content) -> std::shared_ptr<const SourceContent> {
             return std::make_shared<CatalogueContent>(std::move(content));
-          }};
+          },
+          write_catalogue};
 }
 
 void complete(const CatalogueComposition& composition,

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/exchange/format_modules.hpp"
 #include "kit/exchange/problem.hpp"
-#include "kit/exchange/readers.hpp"
+#include "kit/exchange/writers.hpp"
 #include "kit/text/quoted.hpp"
 
 #include <veldra/kit/text.hpp>
@@ -20,19 +21,11 @@ void require_object(const JsonNode& node, const std::string& what, const std::st
   fail_at(file, node.line, fmt::format("{} must be a JSON object", what));
 }
 
-std::string text_of(const JsonNode& node, const std::string& file) {
-  switch (node.kind) {
-    case JsonNode::Kind::Null:
-      return "";
-    case JsonNode::Kind::Number:
-      return exact_number(node.number);
-    case JsonNode::Kind::Text:
-      return trimmed(node.text);
-    case JsonNode::Kind::Boolean:
-      return node.boolean ? "Yes" : "No";
-    default:
-      fail_at(file, node.line, "a number or a text is expected");
-  }
+/// More than any object has that is none to fill the memory.
+void require_few_members(const JsonNode& node, const std::string& name, const std::string& file) {
+  constexpr std::size_t most = 1000;
+  if (node.members.size() <= most) return;
+  fail_at(file, node.line, fmt::format("{} has more than {} fields", quoted(name), most), name);
 }
 
 /// Whether a member says something of the object: not the order that it had in another file, and
@@ -54,7 +47,7 @@ SourceMaterial material_from(const std::string& name, const JsonNode& node,
     known.insert(field.key);
     const JsonNode* value = node.member(field.key);
     if (value == nullptr || field.kind == FieldKind::Implied) continue;
-    std::string text = text_of(*value, file);
+    std::string text = scalar_text(*value, file);
     if (!text.empty()) material.values[field.key] = std::move(text);
   }
   for (const auto& [key, value] : node.members) {
@@ -90,7 +83,7 @@ SourceConstruction construction_from(const std::string& name, const JsonNode& no
       construction.not_kept.emplace_back(key, text_of_any(value));
     }
     if (position == 0) continue;
-    std::string text = text_of(value, file);
+    std::string text = scalar_text(value, file);
     if (!text.empty()) layers[position] = std::move(text);
   }
   for (auto& layer : layers) construction.layers.push_back(std::move(layer.second));
@@ -140,6 +133,7 @@ SourceModel read_epjson(const JsonNode& document, const std::string& file) {
     }
     for (const auto& [object, node] : objects.members) {
       require_object(node, quoted(object), file);
+      require_few_members(node, object, file);
       if (material) {
         model.materials.push_back(material_from(object, node, *material, file));
       } else {
@@ -152,15 +146,15 @@ SourceModel read_epjson(const JsonNode& document, const std::string& file) {
 
 }  // namespace
 
-Reader epjson_reader() {
-  return {{"epJSON", {"epjson", "json"}, true, false},
-          [](const FileContent& content) {
-            return content.document && !is_foreign(*content.document) &&
-                   is_epjson(*content.document);
-          },
-          [](FileContent content) -> std::shared_ptr<const SourceContent> {
-            return std::make_shared<ModelContent>(read_epjson(*content.document, content.file));
-          }};
+FormatModule epjson_module() {
+  return {
+      "epJSON",
+      {"epjson", "json"},
+      [](const FileContent& content) { return content.document && is_epjson(*content.document); },
+      [](FileContent content) -> std::shared_ptr<const SourceContent> {
+        return std::make_shared<ModelContent>(read_epjson(*content.document, content.file));
+      },
+      write_epjson};
 }
 
 }  // namespace veldra::kit

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/exchange/format_modules.hpp"
+#include "kit/exchange/idf_fields.hpp"
 #include "kit/exchange/problem.hpp"
-#include "kit/exchange/readers.hpp"
+#include "kit/exchange/writers.hpp"
 
 #include <veldra/kit/text.hpp>
 
@@ -20,7 +22,13 @@ struct IdfObject {
   std::vector<std::string> fields;  ///< the class first
   unsigned line = 0;                ///< of the class
   bool whole = true;                ///< the text did not end within it
+  bool too_large = false;           ///< what is beyond the limits is not among the fields
 };
+
+/// More than any object needs; what has more was made to fill the memory.
+constexpr std::size_t most_fields = 100000;
+constexpr std::size_t longest_field = 1 << 20;
+constexpr std::size_t most_fields_of_material = 1000;
 
 /// Takes a text apart into objects.
 class IdfScanner {
@@ -36,12 +44,14 @@ class IdfScanner {
       if (character == '!') {
         skip_comment();
       } else if (character == ',' || character == ';') {
-        object.fields.push_back(trimmed(field));
+        object.too_large = object.too_large || object.fields.size() == most_fields;
+        if (!object.too_large) object.fields.push_back(trimmed(field));
         field.clear();
         if (character == ';') return true;
       } else {
         if (object.line == 0 && !is_blank(character)) object.line = line_;
-        field += character;
+        object.too_large = object.too_large || field.size() == longest_field;
+        if (!object.too_large) field += character;
       }
     }
     object.whole = false;
@@ -95,12 +105,6 @@ SourceMaterial material_from(const IdfObject& object, const MaterialClass& descr
   }
   return material;
 }
-
-/// The fields before the layers of a construction with a source of heat.
-constexpr const char* fields_of_heat_source[] = {
-    "source_present_after_layer_number", "temperature_calculation_requested_after_layer_number",
-    "dimensions_for_the_ctf_calculation", "tube_spacing",
-    "two_dimensional_temperature_calculation_position"};
 
 /// Before the layers stand four numbers, and five in later versions; each may be left empty.
 std::size_t first_layer(const IdfObject& object, const ConstructionClass& described) {
@@ -177,13 +181,24 @@ bool is_idf(const std::string& text) {
   std::size_t with_class = 0;
   bool evident = false;
   while (scanner.next(object)) {
-    if (object.fields.front().empty()) continue;
+    if (object.fields.empty() || object.fields.front().empty()) continue;
     ++objects;
     if (may_be_class(object.fields.front())) ++with_class;
     evident = evident || is_evidence(object);
   }
   if (objects == 0) return trimmed(text).compare(0, 1, "!") == 0;
   return evident && with_class * 2 >= objects;
+}
+
+const std::string no_name;
+
+void require_small(const IdfObject& object, const std::string& name, const std::string& file) {
+  const auto most = is_known_class(name) ? most_fields_of_material : most_fields;
+  if (!object.too_large && object.fields.size() <= most) return;
+  fail_at(file, object.line,
+          object.fields.size() >= most
+              ? fmt::format("the object that begins here has more than {} fields", most)
+              : "a field of the object that begins here is longer than 1 MiB");
 }
 
 SourceModel read_idf(const std::string& text, const std::string& file) {
@@ -194,7 +209,8 @@ SourceModel read_idf(const std::string& text, const std::string& file) {
     if (!object.whole) {
       fail_at(file, object.line, "the file ends within the object that begins here");
     }
-    const std::string& name = object.fields.front();
+    const std::string& name = object.fields.empty() ? no_name : object.fields.front();
+    require_small(object, name, file);
     if (const auto* material = material_class(name)) {
       model.materials.push_back(material_from(object, *material));
     } else if (const auto* construction = construction_class(name)) {
@@ -208,12 +224,14 @@ SourceModel read_idf(const std::string& text, const std::string& file) {
 
 }  // namespace
 
-Reader idf_reader() {
-  return {{"IDF", {"idf"}, true, false},
+FormatModule idf_module() {
+  return {"IDF",
+          {"idf"},
           [](const FileContent& content) { return !content.document && is_idf(content.text); },
           [](FileContent content) -> std::shared_ptr<const SourceContent> {
             return std::make_shared<ModelContent>(read_idf(content.text, content.file));
-          }};
+          },
+          write_idf};
 }
 
 }  // namespace veldra::kit

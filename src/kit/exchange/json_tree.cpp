@@ -185,6 +185,21 @@ std::string text_of_any(const JsonNode& node) {
   return json_of(node).dump();
 }
 
+std::string scalar_text(const JsonNode& node, const std::string& file) {
+  switch (node.kind) {
+    case JsonNode::Kind::Null:
+      return "";
+    case JsonNode::Kind::Number:
+      return exact_number(node.number);
+    case JsonNode::Kind::Text:
+      return trimmed(node.text);
+    case JsonNode::Kind::Boolean:
+      return node.boolean ? "Yes" : "No";
+    default:
+      fail_at(file, node.line, "a number or a text is expected");
+  }
+}
+
 const JsonNode* JsonNode::member(const std::string& name) const {
   for (const auto& [key, value] : members) {
     if (key == name) return &value;

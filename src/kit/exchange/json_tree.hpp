@@ -28,6 +28,10 @@ struct JsonNode {
 /// A value as a text: a text as it is, all else as JSON without blanks.
 std::string text_of_any(const JsonNode& node);
 
+/// A number, a text, or yes or no, as a text without blanks around it; empty for null. Throws
+/// `SourceError` for all else.
+std::string scalar_text(const JsonNode& node, const std::string& file);
+
 /// Reads a JSON text; `file` is for messages. Throws `SourceError`.
 JsonNode parse_json(const std::string& text, const std::string& file);
 

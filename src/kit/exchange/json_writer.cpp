@@ -4,10 +4,10 @@
 #include <veldra/kit/text.hpp>
 
 #include "kit/exchange/json_objects.hpp"
+#include "kit/exchange/objects_by_name.hpp"
+#include "kit/exchange/writers.hpp"
 
 #include <algorithm>
-#include <map>
-#include <set>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -26,21 +26,6 @@ std::string lines_of(const Json& json, std::size_t indent) {
     if (character == '\n') result.append(indent, ' ');
   }
   return result;
-}
-
-/// The ids of all objects of a kind, by name, and by id where names are equal.
-template <class T>
-std::vector<unsigned> ids_by_name(const Library& library) {
-  std::vector<std::pair<String, unsigned>> names;
-  library.for_each<T>([&](const std::shared_ptr<T>& object) {
-    names.emplace_back(object->name(), object->id());
-    return true;
-  });
-  std::sort(names.begin(), names.end());
-  std::vector<unsigned> ids;
-  ids.reserve(names.size());
-  for (const auto& entry : names) ids.push_back(entry.second);
-  return ids;
 }
 
 template <class T>
@@ -98,8 +83,6 @@ class Writer {
   }
 
  private:
-  static constexpr std::size_t at_once = 256;
-
   void begin_member(const std::string& name) {
     sink_(std::exchange(first_, false) ? "{\n  \"" : ",\n  \"");
     sink_(name + "\": ");
@@ -110,30 +93,17 @@ class Writer {
     sink_(lines_of(value, 2));
   }
 
-  /// A part of the objects is read at a time, since there may be many.
   template <class T>
   void write_objects(const std::string& name) {
     begin_member(name);
-    const auto ids = ids_by_name<T>(library_);
     sink_("[");
-    for (std::size_t begin = 0; begin < ids.size(); begin += at_once) {
-      const auto end = std::min(begin + at_once, ids.size());
-      write_part<T>({ids.data() + begin, ids.data() + end}, begin == 0);
-    }
-    sink_(ids.empty() ? "]" : "\n  ]");
-  }
-
-  template <class T>
-  void write_part(const std::vector<unsigned>& ids, bool first) {
-    std::vector<std::shared_ptr<T>> objects;
-    library_.get(objects, std::set<unsigned>(ids.begin(), ids.end()));
-    std::map<unsigned, std::shared_ptr<T>> by_id;
-    for (auto& object : objects) by_id[object->id()] = std::move(object);
-    for (const unsigned id : ids) {
+    bool first = true;
+    for_each_by_name<T>(library_, [&](const T& object, std::size_t) {
       sink_(std::exchange(first, false) ? "\n    " : ",\n    ");
-      sink_(lines_of(json_from(*by_id.at(id)), 4));
+      sink_(lines_of(json_from(object), 4));
       if (progress_) progress_();
-    }
+    });
+    sink_(first ? "]" : "\n  ]");
   }
 
   const Library& library_;
@@ -143,6 +113,14 @@ class Writer {
 };
 
 }  // namespace
+
+WriteReport write_catalogue(const Library& library, const TextSink& sink, const WriteRules& rules) {
+  write_json(library, sink, rules.progress);
+  WriteReport report;
+  report.written["material"] = library.count<Material>();
+  report.written["composition"] = library.count<Composition>();
+  return report;
+}
 
 void write_json(const Library& library, const TextSink& sink, const Progress& progress) {
   Writer(library, sink, progress).write();

@@ -3,11 +3,14 @@
 
 #include <veldra/kit/fields.hpp>
 #include <veldra/kit/physics.hpp>
+#include <veldra/kit/text.hpp>
 
+#include "kit/exchange/source_fields.hpp"
 #include "kit/text/quoted.hpp"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -38,6 +41,76 @@ double thickness_of(const SourceMaterial& source) {
   return thickness;
 }
 
+constexpr const char* identifier_property = "Identifier";
+
+bool is_a_number(const std::string& text) {
+  double number = 0;
+  const char* end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, number);
+  return result.ec == std::errc() && result.ptr == end && std::isfinite(number);
+}
+
+/// The number of metres that the reader takes for a length of a library: the one of the fewest
+/// digits.
+double metres_for(double length, Unit unit) {
+  const double about = in_metres(length, unit);
+  for (int digits = 1; digits <= 17; ++digits) {
+    const double metres = number_in(fmt::format("{:.{}g}", about, digits)).value_or(about);
+    if (from_metres(metres, unit) == length) return metres;
+  }
+  for (const double metres : {std::nextafter(about, 0.0), std::nextafter(about, 1e300)}) {
+    if (from_metres(metres, unit) == length) return metres;
+  }
+  return about;
+}
+
+bool has_value(const Material& material, const std::string& property) {
+  return !material.custom_value(library_text(property)).null();
+}
+
+/// How many values of a material a class has a place for.
+std::size_t places_in(const MaterialClass& described, const Material& material,
+                      bool has_thickness) {
+  const bool takes_thickness = described.default_thickness >= 0;
+  const auto fields =
+      std::count_if(described.fields.begin(), described.fields.end(), [&](const auto& field) {
+        return *field.property != '\0' && has_value(material, field.property);
+      });
+  return static_cast<std::size_t>(fields) + unknown_fields(material, described.name).size() +
+         (takes_thickness == has_thickness ? 1 : 0);
+}
+
+/// The type that a material has by its values.
+const char* usual_type(const Material& material, bool has_thickness) {
+  if (has_value(material, property::conductivity) || has_thickness) return "Opaque";
+  if (has_value(material, source_property::u_factor)) return "Simple glazing";
+  return has_value(material, property::resistance) ? "No mass" : "Opaque";
+}
+
+const MaterialClass* best_class(const Material& material, const std::string& type,
+                                const MaterialClasses& classes, bool has_thickness) {
+  const MaterialClass* best = nullptr;
+  std::size_t most = 0;
+  for (const auto& described : classes) {
+    if (described.type != type) continue;
+    const auto places = places_in(described, material, has_thickness);
+    if (best != nullptr && places <= most) continue;
+    best = &described;
+    most = places;
+  }
+  return best;
+}
+
+/// The text that stands for a field in the source; empty for none.
+std::string source_value(const Material& material, const SourceField& field) {
+  if (field.kind != FieldKind::Number && field.kind != FieldKind::Text) return {};
+  const auto value = material.custom_value(library_text(field.property));
+  if (value.null()) return {};
+  const auto text = value.get().utf8();
+  if (field.kind == FieldKind::Text) return text;
+  return is_a_number(text) ? exact_number(number_of(text, field.key)) : std::string();
+}
+
 double thermal_mass_of(const Material& material) {
   const auto density = number_value(material, property::density);
   if (!density || material.thicknesses().empty()) return -1;
@@ -51,6 +124,7 @@ std::shared_ptr<Material> map_material(const SourceMaterial& source, Unit unit,
   if (source.name.empty()) throw Error("the name is missing");
   auto material = Material::create(library_text(source.name));
   material->type(shared.type(source.described->type));
+  if (!source.identifier.empty()) material->mark(library_text(source.identifier));
   if (source.described->default_thickness >= 0) {
     material->thicknesses(toModify).insert(from_metres(thickness_of(source), unit));
   }
@@ -87,10 +161,19 @@ std::vector<Composition::Layer> map_layers(
   return layers;
 }
 
-std::shared_ptr<Composition> map_construction(const String& name,
-                                              const std::vector<Composition::Layer>& layers) {
-  auto composition = Composition::create(name);
-  composition->type(Composition::Type::Other);
+std::shared_ptr<Composition> map_construction(const SourceConstruction& source,
+                                              const std::vector<Composition::Layer>& layers,
+                                              SharedObjects& shared) {
+  auto composition = Composition::create(library_text(source.name));
+  if (!source.identifier.empty()) {
+    composition->custom_value(shared.property(identifier_property, ObjectType::Composition),
+                              library_text(source.identifier));
+  }
+  composition->type(source.type);
+  for (const auto& [name, value] : source.properties) {
+    composition->custom_value(shared.property(library_text(name), ObjectType::Composition),
+                              library_text(value));
+  }
   unsigned structural = 0;
   for (const auto& layer : layers) {
     if (layer.function() == Material::Function::Structure) {
@@ -101,6 +184,51 @@ std::shared_ptr<Composition> map_construction(const String& name,
   composition->last_core_layer(static_cast<unsigned>(layers.size() - 1));
   composition->structural_layer(structural);
   return composition;
+}
+
+std::string property_of_unknown(const std::string& class_name, const std::string& field) {
+  return fmt::format("{}.{}", class_name, field);
+}
+
+const MaterialClass& class_for(const Material& material, const MaterialClasses& classes,
+                               bool has_thickness) {
+  if (material.type()) {
+    const auto type = material.type()->name().utf8();
+    if (const auto* found = best_class(material, type, classes, has_thickness)) return *found;
+  }
+  const auto* found =
+      best_class(material, usual_type(material, has_thickness), classes, has_thickness);
+  return found != nullptr ? *found : classes.front();
+}
+
+SourceMaterial unmap_material(const Material& material, const MaterialClass& described,
+                              std::optional<double> thickness, Unit unit, HoldsField holds) {
+  SourceMaterial source;
+  source.described = &described;
+  source.name = material.name().utf8();
+  source.identifier = material.mark().utf8();
+  if (thickness) source.values["thickness"] = exact_number(metres_for(*thickness, unit));
+  for (const auto& field : described.fields) {
+    const auto text = source_value(material, field);
+    if (!text.empty() && holds(described, field.key, text)) source.values[field.key] = text;
+  }
+  for (auto& [key, value] : unknown_fields(material, described.name)) {
+    const bool stands_there = source.values.count(key) > 0;
+    if (!stands_there && holds(described, key, value)) source.not_kept.emplace_back(key, value);
+  }
+  return source;
+}
+
+std::string identifier_of(const Composition& composition) {
+  const auto value = composition.custom_value(identifier_property);
+  return value.null() ? std::string() : value.get().utf8();
+}
+
+const ConstructionClass& class_for(const Composition& composition) {
+  for (const char* name : {"Construction:InternalSource", "Construction:WindowEquivalentLayer"}) {
+    if (!unknown_fields(composition, name).empty()) return *construction_class(name);
+  }
+  return *construction_class("Construction");
 }
 
 }  // namespace veldra::kit

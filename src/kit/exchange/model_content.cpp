@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "kit/exchange/readers.hpp"
+#include "kit/exchange/format_modules.hpp"
 #include "kit/exchange/source_set.hpp"
 
 namespace veldra::kit {
@@ -10,6 +10,10 @@ bool ModelContent::has_objects() const {
   return !model_.materials.empty() || !model_.constructions.empty();
 }
 
-void ModelContent::add_to(SourceSet& set, SourceReport& report) const { set.add(model_, report); }
+void ModelContent::add_to(SourceSet& set, SourceReport& report) const {
+  if (!model_.note.empty()) report.format += ", " + model_.note;
+  report.problems.insert(report.problems.end(), model_.problems.begin(), model_.problems.end());
+  set.add(model_, report);
+}
 
 }  // namespace veldra::kit

@@ -4,6 +4,7 @@
 #include <veldra/kit/text.hpp>
 
 #include "kit/exchange/problem.hpp"
+#include "kit/text/characters.hpp"
 
 #include <fmt/format.h>
 
@@ -23,10 +24,19 @@ using namespace std::string_view_literals;
   fail_at(file, 0, sentence);
 }
 
+/// The names of the formats that can be read, as people list them.
+std::string readable_formats() {
+  std::string names;
+  for (const auto& format : formats()) {
+    if (format.readable) names += (names.empty() ? "" : ", ") + format.name;
+  }
+  return names;
+}
+
 [[noreturn]] void refuse_format(const std::string& file, const std::string& format) {
   refuse(file, fmt::format("this seems to be {}, for which there is no reader; there are readers "
-                           "for IDF, epJSON and the JSON that 'veldra export' writes",
-                           format));
+                           "for {}",
+                           format, readable_formats()));
 }
 
 bool begins_with(std::string_view text, std::string_view beginning) {
@@ -131,66 +141,6 @@ void refuse_database(std::string_view content, const std::string& file) {
   refuse(file, "this is a library; 'veldra copy' takes objects from libraries");
 }
 
-const JsonNode* first_value(const JsonNode& node) {
-  if (!node.elements.empty()) return &node.elements.front();
-  return node.members.empty() ? nullptr : &node.members.front().second;
-}
-
-bool has_text(const JsonNode& node, const char* member) {
-  const JsonNode* value = node.member(member);
-  return value != nullptr && value->kind == JsonNode::Kind::Text;
-}
-
-/// A honeybee object says its type and its identifier; several stand in a list or under names.
-bool is_honeybee(const JsonNode& document) {
-  const auto is_object = [](const JsonNode& node) {
-    return has_text(node, "type") && has_text(node, "identifier");
-  };
-  const JsonNode* first = first_value(document);
-  return is_object(document) || (first != nullptr && is_object(*first));
-}
-
-/// Lists of materials and constructions, maybe below the names of standards.
-bool is_openstudio_standards(const JsonNode& node, int depth = 0) {
-  for (const char* list : {"materials", "constructions"}) {
-    const JsonNode* objects = node.member(list);
-    const JsonNode* first = objects != nullptr ? first_value(*objects) : nullptr;
-    if (first == nullptr) continue;
-    for (const char* member : {"material_type", "intended_surface_type", "materials_standard",
-                               "material_standard", "construction_standard"}) {
-      if (first->member(member) != nullptr) return true;
-    }
-  }
-  if (depth == 3) return false;
-  return std::any_of(node.members.begin(), node.members.end(), [&](const auto& member) {
-    return is_openstudio_standards(member.second, depth + 1);
-  });
-}
-
-/// The first lines of a text that are not blank.
-std::vector<std::string_view> first_lines(std::string_view text, std::size_t count) {
-  std::vector<std::string_view> lines;
-  while (!text.empty() && lines.size() < count) {
-    const auto end = std::min(text.find_first_of("\r\n"), text.size());
-    const auto line = text.substr(0, end);
-    if (!without_leading_blanks(line).empty()) lines.push_back(line);
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
-  return lines;
-}
-
-/// Whether the first lines have as many cells. Prose and programs may have a comma in each line.
-bool is_table(std::string_view text) {
-  const auto lines = first_lines(text, 2);
-  if (lines.size() < 2) return false;
-  constexpr std::pair<char, int> least[] = {{',', 2}, {';', 2}, {'\t', 1}};
-  return std::any_of(std::begin(least), std::end(least), [&](const auto& entry) {
-    const auto [separator, count] = entry;
-    const auto found = std::count(lines[0].begin(), lines[0].end(), separator);
-    return found >= count && found == std::count(lines[1].begin(), lines[1].end(), separator);
-  });
-}
-
 void require_readable(const std::string& content, const std::string& file) {
   const std::string mark = format_by_mark(content);
   if (!mark.empty()) refuse_format(file, mark);
@@ -198,7 +148,6 @@ void require_readable(const std::string& content, const std::string& file) {
   if (begins_with(content, "PK\x03\x04") || begins_with(content, "PK\x05\x06")) {
     refuse_format(file, format_of_archive(content));
   }
-  if (is_utf16(content)) refuse(file, "this seems to be a text in UTF-16; save it as UTF-8");
   const auto text = without_leading_blanks(content);
   if (text.empty()) refuse(file, "this is empty");
   if (contains(text, "\0"sv)) refuse_format(file, "a binary file");
@@ -206,6 +155,37 @@ void require_readable(const std::string& content, const std::string& file) {
   if (contains(text.substr(0, 1024), "ISO-10303-21;")) {
     refuse_format(file, contains(text.substr(0, 1 << 16), "IFC") ? "an IFC model" : "a STEP file");
   }
+}
+
+/// The code units of a text in UTF-16, the first byte of which is at one of two places.
+char32_t unit_at(std::string_view content, std::size_t place, bool little) {
+  const auto first = static_cast<unsigned char>(content[place]);
+  const auto second = static_cast<unsigned char>(content[place + 1]);
+  return little ? first | second << 8 : first << 8 | second;
+}
+
+/// The text in UTF-8, with the mark that it may begin with.
+std::string from_utf16(std::string_view content, const std::string& file) {
+  const bool little = begins_with(content, "\xff\xfe") || content[0] != '\0';
+  const bool big_mark = begins_with(content, "\xfe\xff");
+  const bool is_little = little && !big_mark;
+  if (content.size() % 2 != 0)
+    refuse(file, "this is a text in UTF-16 that ends within a character");
+  std::string text;
+  text.reserve(content.size() / 2);
+  for (std::size_t i = 0; i < content.size(); i += 2) {
+    char32_t character = unit_at(content, i, is_little);
+    if (character >= 0xd800 && character < 0xdc00 && i + 3 < content.size()) {
+      const auto low = unit_at(content, i + 2, is_little);
+      if (low < 0xdc00 || low > 0xdfff) refuse(file, "this is malformed UTF-16");
+      character = 0x10000 + ((character - 0xd800) << 10 | (low - 0xdc00));
+      i += 2;
+    } else if (character >= 0xd800 && character <= 0xdfff) {
+      refuse(file, "this is malformed UTF-16");
+    }
+    append_character(text, character);
+  }
+  return text;
 }
 
 void drop_byte_order_mark(std::string& text) {
@@ -218,24 +198,10 @@ bool starts_as_json(std::string_view text) {
   return first != std::string_view::npos && (text[first] == '{' || text[first] == '[');
 }
 
-/// What a JSON document is that no reader knows.
-const char* kind_of(const JsonNode& document) {
-  if (is_honeybee(document)) return "JSON of honeybee";
-  if (is_openstudio_standards(document)) return "JSON of the OpenStudio standards";
-  return "JSON of another kind";
-}
-
-/// What a text is that no reader knows.
-const char* kind_of(std::string_view text) {
-  if (begins_with(text, "kind,name,position,material,")) {
-    return "a table that 'veldra export --format csv' has written";
-  }
-  return is_table(text) ? "a table (CSV)" : "plain text";
-}
-
 }  // namespace
 
 FileContent content_from(const std::string& file, std::string bytes) {
+  if (is_utf16(bytes)) bytes = from_utf16(bytes, file);
   drop_byte_order_mark(bytes);
   require_readable(bytes, file);
   if (starts_as_json(bytes)) return {file, "", parse_json(bytes, file)};
@@ -243,12 +209,7 @@ FileContent content_from(const std::string& file, std::string bytes) {
 }
 
 void refuse_unknown(const FileContent& content) {
-  refuse_format(content.file,
-                content.document ? kind_of(*content.document) : kind_of(content.text));
-}
-
-bool is_foreign(const JsonNode& document) {
-  return is_honeybee(document) || is_openstudio_standards(document);
+  refuse_format(content.file, content.document ? "JSON of another kind" : "plain text");
 }
 
 }  // namespace veldra::kit

@@ -24,10 +24,6 @@ FileContent content_from(const std::string& file, std::string bytes);
 /// Throws `SourceError`, as above, for a content that no reader knows.
 [[noreturn]] void refuse_unknown(const FileContent& content);
 
-/// Whether a JSON document is of a format that is known by more than the names in it, and that
-/// there is no reader for.
-bool is_foreign(const JsonNode& document);
-
 }  // namespace veldra::kit
 
 #endif

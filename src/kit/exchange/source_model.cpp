@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/exchange/source_model.hpp"
 
+#include "kit/exchange/source_fields.hpp"
+
 #include <veldra/kit/physics.hpp>
 #include <veldra/kit/text.hpp>
 
@@ -10,46 +12,7 @@ namespace veldra::kit {
 
 namespace {
 
-constexpr double required = 0;
-constexpr double none = -1;
-
-SourceField number(const char* key, const char* property) {
-  return {key, property, FieldKind::Number};
-}
-
-SourceField text(const char* key, const char* property) { return {key, property, FieldKind::Text}; }
-
-SourceField thickness() { return {"thickness", "", FieldKind::Thickness}; }
-
-SourceField dropped(const char* key) { return {key, "", FieldKind::Dropped}; }
-
-SourceField implied(const char* key) { return {key, "", FieldKind::Implied}; }
-
-std::vector<SourceField> dropped(const std::vector<const char*>& keys) {
-  std::vector<SourceField> fields;
-  fields.reserve(keys.size());
-  for (const char* key : keys) fields.push_back(dropped(key));
-  return fields;
-}
-
-SourceField roughness() { return text("roughness", "Roughness"); }
-
-std::vector<SourceField> joined(std::vector<SourceField> fields,
-                                const std::vector<SourceField>& more) {
-  fields.insert(fields.end(), more.begin(), more.end());
-  return fields;
-}
-
-std::vector<SourceField> absorptances() {
-  return {number("thermal_absorptance", "Thermal absorptance [-]"),
-          number("solar_absorptance", "Solar absorptance [-]"),
-          number("visible_absorptance", "Visible absorptance [-]")};
-}
-
-std::vector<SourceField> solid() {
-  return {number("conductivity", property::conductivity), number("density", property::density),
-          number("specific_heat", property::specific_heat)};
-}
+using namespace source_fields;
 
 /// What gases that are none of the usual ones are known by.
 std::vector<SourceField> gas_coefficients() {
@@ -62,22 +25,26 @@ std::vector<SourceField> gas_coefficients() {
 
 std::vector<SourceField> glazing_fields() {
   const std::vector<SourceField> usual{
-      text("optical_data_type", "Optical data type"),
+      text("optical_data_type", source_property::optical_data_type),
       text("window_glass_spectral_data_set_name", "Spectral data set"),
       thickness(),
-      number("solar_transmittance_at_normal_incidence", "Solar transmittance [-]"),
-      number("front_side_solar_reflectance_at_normal_incidence", "Front solar reflectance [-]"),
-      number("back_side_solar_reflectance_at_normal_incidence", "Back solar reflectance [-]"),
-      number("visible_transmittance_at_normal_incidence", "Visible transmittance [-]"),
-      number("front_side_visible_reflectance_at_normal_incidence", "Front visible reflectance [-]"),
-      number("back_side_visible_reflectance_at_normal_incidence", "Back visible reflectance [-]"),
-      number("infrared_transmittance_at_normal_incidence", "Infrared transmittance [-]"),
-      number("front_side_infrared_hemispherical_emissivity", "Front infrared emissivity [-]"),
-      number("back_side_infrared_hemispherical_emissivity", "Back infrared emissivity [-]"),
+      number("solar_transmittance_at_normal_incidence", source_property::solar_transmittance),
+      number("front_side_solar_reflectance_at_normal_incidence",
+             source_property::front_solar_reflectance),
+      number("back_side_solar_reflectance_at_normal_incidence",
+             source_property::back_solar_reflectance),
+      number("visible_transmittance_at_normal_incidence", source_property::visible_transmittance),
+      number("front_side_visible_reflectance_at_normal_incidence",
+             source_property::front_visible_reflectance),
+      number("back_side_visible_reflectance_at_normal_incidence",
+             source_property::back_visible_reflectance),
+      number("infrared_transmittance_at_normal_incidence", source_property::infrared_transmittance),
+      number("front_side_infrared_hemispherical_emissivity", source_property::front_emissivity),
+      number("back_side_infrared_hemispherical_emissivity", source_property::back_emissivity),
       number("conductivity", property::conductivity),
       number("dirt_correction_factor_for_solar_and_visible_transmittance",
-             "Dirt correction factor [-]"),
-      text("solar_diffusing", "Solar diffusing")};
+             source_property::dirt_correction),
+      text("solar_diffusing", source_property::solar_diffusing)};
   return joined(
       usual,
       dropped({"young_s_modulus", "poisson_s_ratio",
@@ -92,8 +59,9 @@ std::vector<SourceField> refraction_fields() {
        number("solar_extinction_coefficient", "Solar extinction coefficient [1/m]"),
        number("visible_index_of_refraction", "Visible index of refraction [-]"),
        number("visible_extinction_coefficient", "Visible extinction coefficient [1/m]"),
-       number("infrared_transmittance_at_normal_incidence", "Infrared transmittance [-]"),
-       number("infrared_hemispherical_emissivity", "Infrared emissivity [-]"),
+       number("infrared_transmittance_at_normal_incidence",
+              source_property::infrared_transmittance),
+       number("infrared_hemispherical_emissivity", source_property::emissivity),
        number("conductivity", property::conductivity)},
       dropped({"dirt_correction_factor_for_solar_and_visible_transmittance", "solar_diffusing"}));
 }
@@ -112,13 +80,13 @@ std::vector<SourceField> gas_mixture_fields() {
 }
 
 std::vector<SourceField> shade_fields() {
-  return joined({number("solar_transmittance", "Solar transmittance [-]"),
-                 number("solar_reflectance", "Solar reflectance [-]"),
-                 number("visible_transmittance", "Visible transmittance [-]"),
-                 number("visible_reflectance", "Visible reflectance [-]"),
-                 number("infrared_hemispherical_emissivity", "Infrared emissivity [-]"),
-                 number("infrared_transmittance", "Infrared transmittance [-]"), thickness(),
-                 number("conductivity", property::conductivity)},
+  return joined({number("solar_transmittance", source_property::solar_transmittance),
+                 number("solar_reflectance", source_property::solar_reflectance),
+                 number("visible_transmittance", source_property::visible_transmittance),
+                 number("visible_reflectance", source_property::visible_reflectance),
+                 number("infrared_hemispherical_emissivity", source_property::emissivity),
+                 number("infrared_transmittance", source_property::infrared_transmittance),
+                 thickness(), number("conductivity", property::conductivity)},
                 dropped({"shade_to_glass_distance", "top_opening_multiplier",
                          "bottom_opening_multiplier", "left_side_opening_multiplier",
                          "right_side_opening_multiplier", "airflow_permeability"}));
@@ -167,7 +135,7 @@ std::vector<SourceField> screen_fields() {
 std::vector<SourceField> vegetation_fields() {
   const auto soil =
       joined(joined({dropped("height_of_plants"), dropped("leaf_area_index"),
-                     number("leaf_reflectivity", "Leaf reflectance [-]"),
+                     number("leaf_reflectivity", source_property::leaf_reflectance),
                      dropped("leaf_emissivity"), dropped("minimum_stomatal_resistance"),
                      dropped("soil_layer_name"), roughness(), thickness()},
                     {number("conductivity_of_dry_soil", property::conductivity),
@@ -180,43 +148,80 @@ std::vector<SourceField> vegetation_fields() {
                                "moisture_diffusion_calculation_method"}));
 }
 
-std::vector<MaterialClass> make_material_classes() {
+MaterialClasses make_material_classes() {
   const auto resistance = number("thermal_resistance", property::resistance);
-  return {
-      {"Material", "Opaque", required,
-       joined(joined({roughness(), thickness()}, solid()), absorptances())},
-      {"Material:NoMass", "No mass", none, joined({roughness(), resistance}, absorptances())},
-      {"Material:AirGap", "Air gap", none, {resistance}},
-      {"Material:InfraredTransparent", "Infrared transparent", none, {}},
-      {"Material:RoofVegetation", "Vegetation", 0.1, vegetation_fields()},
-      {"WindowMaterial:Glazing", "Glazing", required, glazing_fields()},
-      {"WindowMaterial:Glazing:RefractionExtinctionMethod", "Glazing", required,
-       refraction_fields()},
-      {"WindowMaterial:Gas", "Gas", required,
-       joined({text("gas_type", "Gas type"), thickness()}, gas_coefficients())},
-      {"WindowMaterial:GasMixture", "Gas mixture", required, gas_mixture_fields()},
-      {"WindowMaterial:Gap:EquivalentLayer", "Gas", required,
-       joined({text("gas_type", "Gas type"), thickness(), text("gap_vent_type", "Gap vent type")},
-              gas_coefficients())},
-      {"WindowMaterial:SimpleGlazingSystem",
-       "Simple glazing",
-       none,
-       {number("u_factor", "U-factor [W/(m2 K)]"),
-        number("solar_heat_gain_coefficient", "Solar heat gain coefficient [-]"),
-        number("visible_transmittance", "Visible transmittance [-]")}},
-      {"WindowMaterial:Shade", "Shade", required, shade_fields()},
-      {"WindowMaterial:Blind", "Blind", none, blind_fields()},
-      {"WindowMaterial:Screen", "Screen", none, screen_fields()},
-      {"WindowMaterial:Glazing:EquivalentLayer", "Glazing", none, {}},
-      {"WindowMaterial:Shade:EquivalentLayer", "Shade", none, {}},
-      {"WindowMaterial:Drape:EquivalentLayer", "Shade", none, {}},
-      {"WindowMaterial:Blind:EquivalentLayer", "Blind", none, {}},
-      {"WindowMaterial:Screen:EquivalentLayer", "Screen", none, {}}};
-}
-
-const std::vector<MaterialClass>& material_classes() {
-  static const auto classes = make_material_classes();
-  return classes;
+  return {{"Material",
+           "Opaque",
+           required,
+           joined(joined({roughness(), thickness()}, solid()), absorptances()),
+           {"roughness", "thickness", "conductivity", "density", "specific_heat"}},
+          {"Material:NoMass",
+           "No mass",
+           none,
+           joined({roughness(), resistance}, absorptances()),
+           {"roughness", "thermal_resistance"}},
+          {"Material:AirGap", "Air gap", none, {resistance}, {"thermal_resistance"}},
+          {"Material:InfraredTransparent", "Infrared transparent", none, {}, {}},
+          {"Material:RoofVegetation", "Vegetation", 0.1, vegetation_fields(), {}},
+          {"WindowMaterial:Glazing",
+           "Glazing",
+           required,
+           glazing_fields(),
+           {"optical_data_type", "thickness"}},
+          {"WindowMaterial:Glazing:RefractionExtinctionMethod",
+           "Glazing",
+           required,
+           refraction_fields(),
+           {"thickness", "solar_index_of_refraction", "solar_extinction_coefficient",
+            "visible_index_of_refraction", "visible_extinction_coefficient"}},
+          {"WindowMaterial:Gas",
+           "Gas",
+           required,
+           joined({text("gas_type", source_property::gas_type), thickness()}, gas_coefficients()),
+           {"gas_type", "thickness"}},
+          {"WindowMaterial:GasMixture",
+           "Gas mixture",
+           required,
+           gas_mixture_fields(),
+           {"thickness", "gas_1_type", "gas_1_fraction", "gas_2_type", "gas_2_fraction"}},
+          {"WindowMaterial:Gap:EquivalentLayer",
+           "Gas",
+           required,
+           joined({text("gas_type", source_property::gas_type), thickness(),
+                   text("gap_vent_type", "Gap vent type")},
+                  gas_coefficients()),
+           {"gas_type", "thickness", "gap_vent_type"}},
+          {"WindowMaterial:SimpleGlazingSystem",
+           "Simple glazing",
+           none,
+           {number("u_factor", source_property::u_factor),
+            number("solar_heat_gain_coefficient", source_property::heat_gain),
+            number("visible_transmittance", source_property::visible_transmittance)},
+           {"u_factor", "solar_heat_gain_coefficient"}},
+          {"WindowMaterial:Shade",
+           "Shade",
+           required,
+           shade_fields(),
+           {"solar_transmittance", "solar_reflectance", "visible_transmittance",
+            "visible_reflectance", "infrared_hemispherical_emissivity", "infrared_transmittance",
+            "thickness", "conductivity"}},
+          {"WindowMaterial:Blind",
+           "Blind",
+           none,
+           blind_fields(),
+           {"slat_width", "slat_separation", "front_side_slat_beam_solar_reflectance",
+            "back_side_slat_beam_solar_reflectance", "front_side_slat_diffuse_solar_reflectance",
+            "back_side_slat_diffuse_solar_reflectance", "slat_beam_visible_transmittance"}},
+          {"WindowMaterial:Screen",
+           "Screen",
+           none,
+           screen_fields(),
+           {"diffuse_solar_reflectance", "diffuse_visible_reflectance"}},
+          {"WindowMaterial:Glazing:EquivalentLayer", "Glazing", none, {}, {}},
+          {"WindowMaterial:Shade:EquivalentLayer", "Shade", none, {}, {}},
+          {"WindowMaterial:Drape:EquivalentLayer", "Shade", none, {}, {}},
+          {"WindowMaterial:Blind:EquivalentLayer", "Blind", none, {}, {}},
+          {"WindowMaterial:Screen:EquivalentLayer", "Screen", none, {}, {}}};
 }
 
 template <class Class>
@@ -233,6 +238,11 @@ const Class* find(const std::map<std::string, const Class*>& classes, const std:
 }
 
 }  // namespace
+
+const MaterialClasses& material_classes() {
+  static const auto classes = make_material_classes();
+  return classes;
+}
 
 const MaterialClass* material_class(const std::string& name) {
   static const auto index = by_name(material_classes());

@@ -2,7 +2,10 @@
 #ifndef VELDRA_KIT_EXCHANGE_SOURCE_MODEL_HPP
 #define VELDRA_KIT_EXCHANGE_SOURCE_MODEL_HPP
 
+#include <veldra/kit/exchange.hpp>
+
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,7 +33,13 @@ struct MaterialClass {
   const char* type;                 ///< the material type in the library
   double default_thickness;         ///< in metres, where the class has one; else negative
   std::vector<SourceField> fields;  ///< behind the name, in the order of IDF
+  std::set<std::string> required;   ///< the keys of those that the format demands
 };
+
+using MaterialClasses = std::vector<MaterialClass>;
+
+/// The classes of materials of IDF and epJSON.
+const MaterialClasses& material_classes();
 
 /// The class of that name in whatever case; null when there is none.
 const MaterialClass* material_class(const std::string& name);
@@ -60,6 +69,7 @@ using FieldsNotKept = std::vector<std::pair<std::string, std::string>>;
 struct SourceMaterial {
   const MaterialClass* described = nullptr;
   std::string name;
+  std::string identifier;  ///< where the format has one beside the name
   unsigned line = 0;
   std::map<std::string, std::string> values;  ///< by the key of the field; none is empty
   FieldsNotKept not_kept;
@@ -68,8 +78,11 @@ struct SourceMaterial {
 struct SourceConstruction {
   const ConstructionClass* described = nullptr;
   std::string name;
+  std::string identifier;  ///< likewise
   unsigned line = 0;
   std::vector<std::string> layers;  ///< from outside to inside
+  Composition::Type type = Composition::Type::Other;
+  std::vector<std::pair<std::string, std::string>> properties;  ///< custom ones, and their values
   FieldsNotKept not_kept;
 };
 
@@ -78,6 +91,9 @@ struct SourceModel {
   std::vector<SourceMaterial> materials;
   std::vector<SourceConstruction> constructions;
   std::map<std::string, unsigned> skipped;  ///< objects of other classes, by class
+  bool ignores_case = true;                 ///< how names of the format compare
+  std::vector<SourceProblem> problems;      ///< what is doubtful about objects that are read
+  std::string note;                         ///< what the report says beside the format
 };
 
 }  // namespace veldra::kit

@@ -144,9 +144,7 @@ void SourceSet::take_unknown(const Incoming<T>& incoming, const std::string& cla
       report.not_kept.push_back({class_name, field, origin.name, origin.line, value});
       continue;
     }
-    const auto name = library_text(fmt::format("{}.{}", class_name, field));
-    incoming.object->custom_value(shared_.property(name, ObjectTraits<T>::type),
-                                  library_text(value));
+    keep_unknown(*incoming.object, class_name, field, value, shared_);
   }
 }
 
@@ -238,7 +236,7 @@ void SourceSet::require_free_code(const Incoming<Material>& incoming, const Sour
                         quoted(material.code().utf8()), quoted(holder->second.utf8())));
 }
 
-void SourceSet::add_material(const SourceMaterial& material, std::size_t source,
+void SourceSet::add_material(const SourceMaterial& material, std::size_t source, bool ignores_case,
                              SourceReport& report) {
   ++report.read[material.described->name];
   std::shared_ptr<Material> object;
@@ -249,7 +247,8 @@ void SourceSet::add_material(const SourceMaterial& material, std::size_t source,
         report, material.line, material.name,
         fmt::format("{}: {}", called(material.described->name, material.name), error.what()));
   }
-  const Incoming<Material> incoming{object, {source, material.line, material.name, true, false}};
+  const Incoming<Material> incoming{object,
+                                    {source, material.line, material.name, ignores_case, false}};
   take_unknown(incoming, material.described->name, material.not_kept, report);
   enter(materials_, incoming, report);
 }
@@ -258,9 +257,11 @@ void SourceSet::add(const SourceModel& model, SourceReport& report) {
   const std::size_t source = files_.size();
   files_.push_back(report.file);
   choose_tags(true, report);
-  for (const auto& material : model.materials) add_material(material, source, report);
+  for (const auto& material : model.materials) {
+    add_material(material, source, model.ignores_case, report);
+  }
   for (const auto& [name, count] : model.skipped) report.skipped[name] += count;
-  constructions_.push_back({&model.constructions, &report, source});
+  constructions_.push_back({&model.constructions, &report, source, model.ignores_case});
 }
 
 void SourceSet::add(Catalogue catalogue, SourceReport& report) {
@@ -284,8 +285,8 @@ void SourceSet::add(Catalogue catalogue, SourceReport& report) {
 }
 
 void SourceSet::resolve() {
-  for (const auto& [objects, report, source] : constructions_) {
-    for (const auto& construction : *objects) resolve(construction, source, *report);
+  for (const auto& constructions : constructions_) {
+    for (const auto& construction : *constructions.objects) resolve(construction, constructions);
   }
   for (const auto& [objects, report, source] : catalogue_compositions_) {
     for (const auto& composition : objects) resolve(composition, source, *report);
@@ -299,8 +300,9 @@ void SourceSet::count_layer(const std::shared_ptr<Material>& material, double th
   if (thickness == 0 || std::isnan(thickness)) ++report.layers_without_thickness;
 }
 
-void SourceSet::resolve(const SourceConstruction& construction, std::size_t source,
-                        SourceReport& report) {
+void SourceSet::resolve(const SourceConstruction& construction, const Constructions& of) {
+  SourceReport& report = *of.report;
+  const auto names = of.ignores_case ? MaterialNames::Folded : MaterialNames::Exact;
   const std::string& class_name = construction.described->name;
   ++report.read[class_name];
   const auto problem = [&](const std::string& sentence) {
@@ -314,7 +316,7 @@ void SourceSet::resolve(const SourceConstruction& construction, std::size_t sour
   std::vector<std::shared_ptr<Material>> materials;
   bool all_found = true;
   for (const auto& name : construction.layers) {
-    const auto material = materials_.find(name, source, MaterialNames::Folded);
+    const auto material = materials_.find(name, of.source, names);
     materials.push_back(material);
     count_layer(material, material ? usual_thickness(*material) : 0, report);
     if (material) continue;
@@ -323,9 +325,9 @@ void SourceSet::resolve(const SourceConstruction& construction, std::size_t sour
   }
   if (construction.name.empty()) return problem("the name is missing");
   if (!all_found) return;
-  const auto object = map_construction(library_text(construction.name), map_layers(materials));
-  const Incoming<Composition> incoming{object,
-                                       {source, construction.line, construction.name, true, false}};
+  const auto object = map_construction(construction, map_layers(materials), shared_);
+  const Incoming<Composition> incoming{
+      object, {of.source, construction.line, construction.name, of.ignores_case, false}};
   take_unknown(incoming, class_name, construction.not_kept, report);
   enter(compositions_, incoming, report);
 }

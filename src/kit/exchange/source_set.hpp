@@ -89,6 +89,7 @@ class SourceSet {
     const std::vector<SourceConstruction>* objects;
     SourceReport* report;
     std::size_t source;
+    bool ignores_case;
   };
   struct Compositions {
     std::vector<CatalogueComposition> objects;
@@ -117,8 +118,9 @@ class SourceSet {
                           SourceReport& report);
   void release_code(const Material& material) { names_by_code_.erase(material.code()); }
   void release_code(const Composition&) {}
-  void add_material(const SourceMaterial& material, std::size_t source, SourceReport& report);
-  void resolve(const SourceConstruction& construction, std::size_t source, SourceReport& report);
+  void add_material(const SourceMaterial& material, std::size_t source, bool ignores_case,
+                    SourceReport& report);
+  void resolve(const SourceConstruction& construction, const Constructions& of);
   void resolve(const CatalogueComposition& composition, std::size_t source, SourceReport& report);
 
   const SourceRules& rules_;

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include <veldra/kit/exchange.hpp>
 
-#include "kit/exchange/readers.hpp"
+#include "kit/exchange/format_modules.hpp"
+#include "kit/exchange/problem.hpp"
 #include "kit/exchange/source_set.hpp"
+#include "kit/exchange/table_reader.hpp"
 
 #include <fmt/format.h>
 
@@ -12,16 +14,12 @@ namespace veldra::kit {
 
 namespace {
 
-/// In the order in which they are asked.
-const std::vector<Reader>& readers() {
-  static const std::vector<Reader> all{catalogue_reader(), epjson_reader(), idf_reader()};
-  return all;
-}
-
-const Reader& reader_of(const FileContent& content) {
-  const auto found = std::find_if(readers().begin(), readers().end(),
-                                  [&](const Reader& reader) { return reader.recognises(content); });
-  if (found == readers().end()) refuse_unknown(content);
+const FormatModule& module_of(const FileContent& content) {
+  const auto& modules = format_modules();
+  const auto found = std::find_if(modules.begin(), modules.end(), [&](const auto& module) {
+    return module.read != nullptr && module.recognises(content);
+  });
+  if (found == modules.end()) refuse_unknown(content);
   return *found;
 }
 
@@ -62,15 +60,6 @@ class SourceReading {
   static const SourceContent& content_of(const Source& source) { return *source.content_; }
 };
 
-const std::vector<Format>& formats() {
-  static const auto all = [] {
-    std::vector<Format> formats;
-    for (const Reader& reader : readers()) formats.push_back(reader.format);
-    return formats;
-  }();
-  return all;
-}
-
 std::vector<FieldNotKept> fields_not_kept(const SourceReport& report) {
   std::map<std::pair<std::string, std::string>, std::size_t> counts;
   for (const auto& value : report.not_kept) ++counts[{value.object_class, value.field}];
@@ -82,14 +71,16 @@ std::vector<FieldNotKept> fields_not_kept(const SourceReport& report) {
 
 Source::Source(std::string file, std::string content) : file_(std::move(file)) {
   FileContent read = content_from(file_, std::move(content));
-  const Reader& reader = reader_of(read);
-  format_ = &reader.format;
-  content_ = reader.read(std::move(read));
+  const FormatModule& module = module_of(read);
+  format_ = &module.format;
+  content_ = module.read(std::move(read));
 }
 
 bool Source::has_objects() const { return content_->has_objects(); }
 
 std::optional<Unit> Source::unit() const { return content_->unit(); }
+
+bool Source::is_table() const noexcept { return content_->is_table(); }
 
 Sources read_together(const std::vector<Source>& sources, const SourceRules& rules) {
   std::vector<NamedContent> contents;
@@ -121,6 +112,24 @@ Sources read_together(const std::vector<NamedContent>& sources, const SourceRule
   save_all(set.materials(), rules, result);
   save_all(set.compositions(), rules, result);
   for (auto& report : result.reports) give_ids(report.repeated, set);
+  return result;
+}
+
+Sources read_tables(const std::vector<Source>& sources,
+                    const std::shared_ptr<const Library>& library, const TableRules& rules) {
+  std::vector<SourceReport> reports(sources.size());
+  std::vector<TableSource> tables;
+  for (std::size_t i = 0; i < sources.size(); ++i) {
+    const auto& source = sources[i];
+    reports[i].file = source.file();
+    reports[i].format = source.format().name;
+    const auto* content = dynamic_cast<const TableContent*>(&SourceReading::content_of(source));
+    if (content == nullptr) fail_at(source.file(), 0, "this is no table");
+    tables.push_back({i, &source.file(), &content->text(), {}, {}, {}, &reports[i]});
+    read_head(tables.back(), rules);
+  }
+  auto result = read_tables(tables, library, rules.progress);
+  result.reports = std::move(reports);
   return result;
 }
 

@@ -2,7 +2,7 @@
 #include "kit/plan/plan_reading.hpp"
 
 #include "kit/exchange/problem.hpp"
-#include "kit/exchange/readers.hpp"
+#include "kit/exchange/format_modules.hpp"
 #include "kit/fields/field.hpp"
 #include "kit/plan/plan_form.hpp"
 #include "kit/text/quoted.hpp"
@@ -150,7 +150,7 @@ void PlanReading::require_sense(const PlanFileEntry& entry, const ObjectReader& 
 void PlanReading::read_objects(JsonNode node) {
   const unsigned line = node.line;
   FileContent content{file_, "", std::move(node)};
-  const auto reader = catalogue_reader();
+  const auto reader = catalogue_module();
   if (!reader.recognises(content)) {
     fail_at(file_, line, "'objects' must be the contents of a library as JSON");
   }

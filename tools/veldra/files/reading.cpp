@@ -47,22 +47,30 @@ bool is_larger(int descriptor, std::size_t most) {
          static_cast<std::size_t>(status.st_size) > most;
 }
 
-}  // namespace
-
-std::string content_of(const std::string& file, std::size_t most) {
-  const Opened opened(open_for_reading(file));
-  if (opened.get() < 0) fail(file, errno);
-  if (is_larger(opened.get(), most)) fail_for_size(file, most);
+std::string content_behind(int descriptor, const std::string& file, std::size_t most) {
+  if (is_larger(descriptor, most)) fail_for_size(file, most);
   std::string content;
   std::vector<char> block(1 << 16);
   for (;;) {
-    const auto size = ::read(opened.get(), block.data(), block.size());
+    const auto size = ::read(descriptor, block.data(), block.size());
     if (size == 0) return content;
     if (size > 0) content.append(block.data(), static_cast<std::size_t>(size));
     if (content.size() > most) fail_for_size(file, most);
     if (size < 0 && errno != EINTR) fail(file, errno);
     stop_if_asked();
   }
+}
+
+}  // namespace
+
+std::string content_of(const std::string& file, std::size_t most) {
+  const Opened opened(open_for_reading(file));
+  if (opened.get() < 0) fail(file, errno);
+  return content_behind(opened.get(), file, most);
+}
+
+std::string content_of_standard_input(std::size_t most) {
+  return content_behind(STDIN_FILENO, "standard input", most);
 }
 
 }  // namespace veldra_tool

@@ -14,6 +14,9 @@ constexpr std::size_t most_bytes_of_source = std::size_t{1} << 30;
 /// more than so many, and `Stopped` where the program is asked to stop while it waits for them.
 std::string content_of(const std::string& file, std::size_t most = most_bytes_of_source);
 
+/// The same of standard input.
+std::string content_of_standard_input(std::size_t most = most_bytes_of_source);
+
 }  // namespace veldra_tool
 
 #endif

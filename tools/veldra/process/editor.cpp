@@ -81,6 +81,7 @@ class Attributes {
 
 pid_t start(std::vector<std::string>& words) {
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (auto& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   const Attributes attributes;

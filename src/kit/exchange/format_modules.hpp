@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#ifndef VELDRA_KIT_EXCHANGE_READERS_HPP
-#define VELDRA_KIT_EXCHANGE_READERS_HPP
+#ifndef VELDRA_KIT_EXCHANGE_FORMAT_MODULES_HPP
+#define VELDRA_KIT_EXCHANGE_FORMAT_MODULES_HPP
 
 #include "kit/exchange/recognition.hpp"
 #include "kit/exchange/source_model.hpp"
@@ -26,14 +26,8 @@ class SourceContent {
 
   virtual bool has_objects() const = 0;
   virtual std::optional<Unit> unit() const { return std::nullopt; }
+  virtual bool is_table() const { return false; }
   virtual void add_to(SourceSet& set, SourceReport& report) const = 0;
-};
-
-/// How a format is read.
-struct Reader {
-  Format format;
-  bool (*recognises)(const FileContent& content);
-  std::shared_ptr<const SourceContent> (*read)(FileContent content);
 };
 
 /// What was read of a source, by the name of its file.
@@ -46,9 +40,35 @@ struct NamedContent {
 /// The same as `read_together` of what was read already.
 Sources read_together(const std::vector<NamedContent>& sources, const SourceRules& rules);
 
-Reader catalogue_reader();
-Reader epjson_reader();
-Reader idf_reader();
+/// How a format is read and written. What it has no function for, it cannot.
+struct FormatModule {
+  using Recognises = bool (*)(const FileContent& content);
+  using Read = std::shared_ptr<const SourceContent> (*)(FileContent content);
+  using Write = WriteReport (*)(const Library& library, const TextSink& sink,
+                                const WriteRules& rules);
+
+  FormatModule(const std::string& name, const std::vector<std::string>& endings,
+               Recognises recognises, Read read, Write write)
+      : format{name, endings, read != nullptr, write != nullptr},
+        recognises(recognises),
+        read(read),
+        write(write) {}
+
+  Format format;
+  Recognises recognises;
+  Read read;
+  Write write;
+};
+
+FormatModule catalogue_module();
+FormatModule epjson_module();
+FormatModule honeybee_module();
+FormatModule idf_module();
+FormatModule openstudio_module();
+FormatModule table_module();
+
+/// All of them, in the order in which they are asked whether a content is theirs.
+const std::vector<FormatModule>& format_modules();
 
 /// What is of the simulation formats.
 class ModelContent : public SourceContent {

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#ifndef VELDRA_KIT_EXCHANGE_SOURCE_FIELDS_HPP
+#define VELDRA_KIT_EXCHANGE_SOURCE_FIELDS_HPP
+
+#include "kit/exchange/source_model.hpp"
+
+#include <veldra/kit/physics.hpp>
+
+#include <string>
+#include <vector>
+
+namespace veldra::kit {
+
+/// The custom properties that take what several formats say, so that the same material from two of
+/// them is equal. Those of physics have their names there.
+namespace source_property {
+
+constexpr const char* solar_transmittance = "Solar transmittance [-]";
+constexpr const char* front_solar_reflectance = "Front solar reflectance [-]";
+constexpr const char* back_solar_reflectance = "Back solar reflectance [-]";
+constexpr const char* visible_transmittance = "Visible transmittance [-]";
+constexpr const char* front_visible_reflectance = "Front visible reflectance [-]";
+constexpr const char* back_visible_reflectance = "Back visible reflectance [-]";
+constexpr const char* infrared_transmittance = "Infrared transmittance [-]";
+constexpr const char* front_emissivity = "Front infrared emissivity [-]";
+constexpr const char* back_emissivity = "Back infrared emissivity [-]";
+constexpr const char* dirt_correction = "Dirt correction factor [-]";
+constexpr const char* solar_diffusing = "Solar diffusing";
+constexpr const char* optical_data_type = "Optical data type";
+constexpr const char* solar_reflectance = "Solar reflectance [-]";
+constexpr const char* visible_reflectance = "Visible reflectance [-]";
+constexpr const char* emissivity = "Infrared emissivity [-]";
+constexpr const char* leaf_reflectance = "Leaf reflectance [-]";
+constexpr const char* gas_type = "Gas type";
+constexpr const char* u_factor = "U-factor [W/(m2 K)]";
+constexpr const char* heat_gain = "Solar heat gain coefficient [-]";
+
+}  // namespace source_property
+
+/// What the tables of classes are made of.
+namespace source_fields {
+
+constexpr double required = 0;
+constexpr double none = -1;
+
+inline SourceField number(const char* key, const char* property) {
+  return {key, property, FieldKind::Number};
+}
+
+inline SourceField text(const char* key, const char* property) {
+  return {key, property, FieldKind::Text};
+}
+
+inline SourceField thickness() { return {"thickness", "", FieldKind::Thickness}; }
+
+inline SourceField dropped(const char* key) { return {key, "", FieldKind::Dropped}; }
+
+inline SourceField implied(const char* key) { return {key, "", FieldKind::Implied}; }
+
+inline std::vector<SourceField> dropped(const std::vector<const char*>& keys) {
+  std::vector<SourceField> fields;
+  fields.reserve(keys.size());
+  for (const char* key : keys) fields.push_back(dropped(key));
+  return fields;
+}
+
+inline SourceField roughness() { return text("roughness", "Roughness"); }
+
+inline std::vector<SourceField> joined(std::vector<SourceField> fields,
+                                       const std::vector<SourceField>& more) {
+  fields.insert(fields.end(), more.begin(), more.end());
+  return fields;
+}
+
+inline std::vector<SourceField> absorptances() {
+  return {number("thermal_absorptance", "Thermal absorptance [-]"),
+          number("solar_absorptance", "Solar absorptance [-]"),
+          number("visible_absorptance", "Visible absorptance [-]")};
+}
+
+inline std::vector<SourceField> solid() {
+  return {number("conductivity", property::conductivity), number("density", property::density),
+          number("specific_heat", property::specific_heat)};
+}
+
+}  // namespace source_fields
+
+}  // namespace veldra::kit
+
+#endif

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#ifndef VELDRA_KIT_EXCHANGE_TABLE_COLUMNS_HPP
+#define VELDRA_KIT_EXCHANGE_TABLE_COLUMNS_HPP
+
+#include <veldra/kit/fields.hpp>
+#include <veldra/library.hpp>
+
+#include <string>
+#include <vector>
+
+namespace veldra::kit {
+
+constexpr const char* kind_heading = "kind";
+constexpr const char* layer_kind = "layer";
+constexpr const char* property_prefix = "property:";
+
+/// The heading of ids. They are those of one library, which stands behind them as a unit does.
+std::string id_heading(const Library& library);
+
+/// The heading of a field: its key, and its unit in brackets.
+std::string heading_of(const FieldDescription& field, Unit library);
+
+/// A column of the table of a kind.
+template <class T>
+struct TableColumn {
+  std::string heading;
+  const Field<T>* field;
+};
+
+/// Whether a table has a column for a field: it is stored with the object, and no part of another
+/// table. The name and the id stand in each table.
+bool has_column(const FieldDescription& field);
+
+/// All columns of the table of a kind, in their order.
+template <class T>
+std::vector<TableColumn<T>> table_columns(const Fields<T>& fields, const Library& library);
+
+/// The headings of the table of layers.
+std::vector<std::string> layer_headings(Unit library);
+
+extern template std::vector<TableColumn<Material>> table_columns(const Fields<Material>&,
+                                                                 const Library&);
+extern template std::vector<TableColumn<Composition>> table_columns(const Fields<Composition>&,
+                                                                    const Library&);
+
+}  // namespace veldra::kit
+
+#endif

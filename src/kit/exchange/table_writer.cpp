@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/exchange/lost_values.hpp"
+#include "kit/exchange/objects_by_name.hpp"
+#include "kit/exchange/table_columns.hpp"
+#include "kit/exchange/table_text.hpp"
+#include "kit/exchange/writers.hpp"
+
+#include <veldra/kit/kinds.hpp>
+#include <veldra/kit/text.hpp>
+
+#include <fmt/format.h>
+
+namespace veldra::kit {
+
+namespace {
+
+/// Writes one table, a row at a time.
+class TableWriter {
+ public:
+  TableWriter(const Library& library, const TextSink& sink, const WriteRules& rules)
+      : library_(library), sink_(sink), rules_(rules), style_{rules.separator, rules.decimal} {}
+
+  WriteReport write() {
+    if (rules_.table == "materials") {
+      write_objects<Material>();
+    } else if (rules_.table == "compositions") {
+      write_objects<Composition>();
+    } else if (rules_.table == "layers") {
+      write_layers();
+    } else {
+      throw Error(fmt::format("there is no table '{}'; there are materials, compositions, layers",
+                              rules_.table));
+    }
+    report_.not_written = lost_.fields();
+    return std::move(report_);
+  }
+
+ private:
+  template <class T>
+  void write_objects() {
+    const Fields<T> fields(library_);
+    const auto columns = table_columns(fields, library_);
+    Cells headings{kind_heading};
+    for (const auto& column : columns) headings.push_back(cell_of_text(column.heading, style_));
+    sink_(row_text(headings, style_));
+    const auto kind = singular_of(ObjectTraits<T>::type);
+    for_each_by_name<T>(library_, [&](const T& object, std::size_t) {
+      Cells cells{kind};
+      for (const auto& column : columns) {
+        cells.push_back(cell_of(*column.field, column.field->get(object), style_));
+      }
+      sink_(row_text(cells, style_));
+      tell_assets(fields, object);
+      ++report_.written[kind];
+      if (rules_.progress) rules_.progress();
+    });
+  }
+
+  template <class T>
+  void tell_assets(const Fields<T>& fields, const T& object) {
+    for (const auto& field : fields) {
+      if (field.origin != Origin::Asset) continue;
+      const auto value = field.get(object);
+      if (value.is_nothing() || value == field.initial) continue;
+      lost_.add(singular_of(ObjectTraits<T>::type), field.name());
+    }
+  }
+
+  void write_layers() {
+    sink_(row_text(layer_headings(library_.unit()), style_));
+    for_each_by_name<Composition>(library_, [&](const Composition& composition, std::size_t) {
+      for (std::size_t i = 0; i < composition.layers().size(); ++i) write_layer(composition, i);
+      if (rules_.progress) rules_.progress();
+    });
+  }
+
+  void write_layer(const Composition& composition, std::size_t index) {
+    static const auto& number = built_in_fields<Composition>().at("variable_layer_max_thickness");
+    const auto& layer = composition.layers()[index];
+    const auto name = layer.material() ? layer.material()->name().utf8() : std::string();
+    sink_(row_text(
+        {layer_kind, cell_of_text(composition.name().utf8(), style_), fmt::format("{}", index + 1),
+         cell_of_text(name, style_), cell_of(number, layer.thickness(), style_),
+         fmt::format("{}", static_cast<int>(layer.function()))},
+        style_));
+    ++report_.written[layer_kind];
+  }
+
+  const Library& library_;
+  const TextSink& sink_;
+  const WriteRules& rules_;
+  TableStyle style_;
+  FieldCounts lost_;
+  WriteReport report_;
+};
+
+}  // namespace
+
+WriteReport write_table(const Library& library, const TextSink& sink, const WriteRules& rules) {
+  return TableWriter(library, sink, rules).write();
+}
+
+}  // namespace veldra::kit

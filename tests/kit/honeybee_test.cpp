@@ -1,0 +1,248 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/written.hpp"
+
+#include "support/builders.hpp"
+
+#include <gmock/gmock.h>
+
+namespace veldra_tests {
+namespace {
+
+using testing::IsEmpty;
+using testing::Pair;
+using testing::UnorderedElementsAre;
+
+const char* const all_objects = R"([
+  {"type": "EnergyMaterial", "identifier": "brick_1", "display_name": "Ziegel, rot",
+   "roughness": "Rough", "thickness": 0.115, "conductivity": 0.81, "density": 1800,
+   "specific_heat": 1000, "thermal_absorptance": 0.9, "solar_absorptance": 0.65,
+   "visible_absorptance": 0.65},
+  {"type": "EnergyMaterialNoMass", "identifier": "Insulation", "r_value": 3.5},
+  {"type": "EnergyMaterialVegetation", "identifier": "Green", "thickness": 0.12,
+   "conductivity": 0.4, "density": 641, "specific_heat": 1100, "plant_height": 0.2,
+   "leaf_area_index": 1, "moist_diff_model": "Simple"},
+  {"type": "EnergyWindowMaterialGlazing", "identifier": "Clear", "thickness": 0.003,
+   "solar_transmittance": 0.837, "solar_reflectance_back": 0.075, "emissivity": 0.84,
+   "solar_diffusing": false},
+  {"type": "EnergyWindowMaterialSimpleGlazSys", "identifier": "Window", "u_factor": 1.3,
+   "shgc": 0.6, "vt": 0.7},
+  {"type": "EnergyWindowMaterialGas", "identifier": "Argon", "thickness": 0.0127,
+   "gas_type": "Argon"},
+  {"type": "EnergyWindowMaterialGasMixture", "identifier": "Mixture", "thickness": 0.012,
+   "gas_types": ["Air", "Krypton"], "gas_fractions": [0.1, 0.9]},
+  {"type": "EnergyWindowMaterialGasCustom", "identifier": "Own", "conductivity_coeff_a": 0.02,
+   "thickness": 0.01},
+  {"type": "EnergyWindowMaterialShade", "identifier": "Cloth", "thickness": 0.002,
+   "solar_transmittance": 0.1, "airflow_permeability": 0.3},
+  {"type": "EnergyWindowMaterialBlind", "identifier": "Slats", "slat_width": 0.025},
+  {"type": "EnergyWindowFrame", "identifier": "Frame", "width": 0.05, "conductance": 2},
+  {"type": "OpaqueConstructionAbridged", "identifier": "wall_1", "display_name": "Wand",
+   "materials": ["brick_1", "Insulation"]},
+  {"type": "WindowConstructionAbridged", "identifier": "Double", "frame": null,
+   "materials": ["Clear", "Argon", "Clear"]}
+])";
+
+class Honeybee : public TestWithParam<bool> {
+ protected:
+  kit::Sources read(const std::string& content) const {
+    kit::SourceRules rules;
+    rules.tags = {"t"};
+    rules.keep_unknown = GetParam();
+    return kit::read_together({{"a.hbjson", content}}, rules);
+  }
+};
+
+TEST_P(Honeybee, reads_back_to_what_came_in) {
+  const auto sources = read(all_objects);
+  EXPECT_THAT(sources.reports[0].problems, IsEmpty());
+  EXPECT_EQ(sources.reports[0].format, "honeybee");
+  EXPECT_EQ(sources.library->count<Material>(), 11U);
+  EXPECT_EQ(sources.library->count<Composition>(), 2U);
+  const auto written = written_as("honeybee", *sources.library);
+  for (const auto& field : written.report.not_written) EXPECT_EQ(field.field, "tags");
+  EXPECT_THAT(written.report.problems, IsEmpty());
+  const auto back = read(written.text);
+  EXPECT_EQ(fields_of(*back.library), fields_of(*sources.library));
+  EXPECT_EQ(written_as("honeybee", *back.library).text, written.text);
+}
+
+TEST_P(Honeybee, has_the_properties_that_the_same_material_has_of_other_formats) {
+  const auto library = read(all_objects).library;
+  const auto brick = library->get<Material>(text("Ziegel, rot"));
+  ASSERT_NE(brick, nullptr);
+  EXPECT_EQ(brick->mark(), text("brick_1"));
+  EXPECT_EQ(brick->type()->name(), text("Opaque"));
+  EXPECT_EQ(brick->thicknesses(), (std::set<double>{115}));
+  EXPECT_EQ(brick->custom_value("Thermal conductivity [W/(m K)]").get(), text("0.81"));
+  EXPECT_EQ(brick->custom_value("Roughness").get(), text("Rough"));
+  const auto mixture = library->get<Material>(text("Mixture"));
+  EXPECT_EQ(mixture->custom_value("Gas 2 type").get(), text("Krypton"));
+  EXPECT_EQ(mixture->custom_value("Gas 2 fraction [-]").get(), text("0.9"));
+  EXPECT_EQ(library->get<Material>(text("Clear"))->custom_value("Solar diffusing").get(),
+            text("No"));
+  const auto wall = library->get<Composition>(text("Wand"));
+  ASSERT_NE(wall, nullptr);
+  EXPECT_EQ(wall->layers()[0].material()->name(), text("Ziegel, rot"));
+  EXPECT_EQ(wall->custom_value("Identifier").get(), text("wall_1"));
+}
+
+INSTANTIATE_TEST_SUITE_P(With, Honeybee, Values(false, true));
+
+kit::Sources read(const std::string& content) {
+  return kit::read_together({{"a.json", content}}, {});
+}
+
+TEST(HoneybeeSource, may_be_one_object_a_list_or_a_dictionary) {
+  const std::string object = R"({"type": "EnergyMaterialNoMass", "identifier": "A", "r_value": 1})";
+  for (const auto& content : {object, "[" + object + "]", "{\"A\": " + object + "}"}) {
+    const auto sources = read(content);
+    EXPECT_EQ(sources.reports[0].format, "honeybee");
+    EXPECT_NE(sources.library->get<Material>(text("A")), nullptr) << content;
+  }
+}
+
+TEST(HoneybeeSource, may_be_a_model) {
+  const auto sources = read(R"({"type": "Model", "identifier": "House", "properties": {"energy": {
+    "materials": [{"type": "EnergyMaterialNoMass", "identifier": "A", "r_value": 1}],
+    "constructions": [{"type": "AirBoundaryConstruction", "identifier": "Air"},
+      {"type": "OpaqueConstructionAbridged", "identifier": "W", "materials": ["A"]}]}}})");
+  EXPECT_EQ(sources.library->count<Composition>(), 1U);
+  EXPECT_THAT(sources.reports[0].skipped,
+              UnorderedElementsAre(Pair("Model", 1U), Pair("AirBoundaryConstruction", 1U)));
+}
+
+TEST(HoneybeeSource, may_have_the_materials_within_constructions) {
+  const auto sources = read(R"({"type": "OpaqueConstruction", "identifier": "W", "materials": [
+    {"type": "EnergyMaterialNoMass", "identifier": "A", "r_value": 1},
+    {"type": "EnergyMaterialNoMass", "identifier": "a", "r_value": 2},
+    {"type": "EnergyMaterialNoMass", "identifier": "A", "r_value": 1}]})");
+  EXPECT_THAT(sources.reports[0].problems, IsEmpty());
+  EXPECT_EQ(sources.library->count<Material>(), 2U) << "identifiers compare exactly";
+  EXPECT_EQ(sources.library->get<Composition>(text("W"))->layers().size(), 3U);
+}
+
+TEST(HoneybeeSource, has_identifiers_as_names_where_names_are_shared) {
+  const auto sources = read(R"([
+    {"type": "EnergyMaterialNoMass", "identifier": "1", "display_name": "A", "r_value": 1},
+    {"type": "EnergyMaterialNoMass", "identifier": "2", "display_name": "A", "r_value": 2},
+    {"type": "OpaqueConstructionAbridged", "identifier": "W", "materials": ["1", "2"]}])");
+  EXPECT_THAT(sources.reports[0].problems, IsEmpty());
+  const auto layers = sources.library->get<Composition>(text("W"))->layers();
+  EXPECT_EQ(layers[0].material()->name(), text("A"));
+  EXPECT_EQ(layers[1].material()->name(), text("2"));
+}
+
+TEST(HoneybeeSource, tells_what_it_cannot_take) {
+  const auto sources = read(R"([
+    {"type": "EnergyMaterial", "identifier": "A", "thickness": -1},
+    {"type": "EnergyMaterialNoMass", "identifier": "B", "r_value": 1, "user_data": {"a": 1}},
+    {"type": "OpaqueConstructionAbridged", "identifier": "W", "materials": ["C"]}])");
+  const auto& report = sources.reports[0];
+  ASSERT_EQ(report.problems.size(), 2U);
+  EXPECT_EQ(report.problems[0].text(),
+            "'a.json', line 2: EnergyMaterial 'A': the thickness -1 is negative");
+  EXPECT_THAT(report.problems[1].text(), HasSubstr("there is no material 'C'"));
+  ASSERT_EQ(report.not_kept.size(), 1U);
+  EXPECT_EQ(report.not_kept[0].field, "user_data");
+}
+
+TEST(HoneybeeSource, that_is_broken_gives_a_sentence) {
+  const std::string head = R"({"type": "OpaqueConstruction", "identifier": "W", "materials": )";
+  for (const auto& content :
+       {std::string(R"([{"type": "EnergyMaterial", "identifier": "A"}, 5])"), head + "[{}]}",
+        head + "[[]]}",
+        std::string(R"([{"type": "EnergyMaterial", "identifier": "A", "thickness": []}])"),
+        std::string(R"([{"type": "EnergyWindowMaterialGasMixture", "identifier": "A",
+                         "gas_types": ["a", "b", "c", "d", "e"]}])")}) {
+    EXPECT_THAT(error_of([&] { read(content); }), StartsWith("'a.json', line 1: ")) << content;
+  }
+}
+
+TEST(WrittenHoneybee, has_marks_as_identifiers_where_these_are_of_one_object) {
+  const auto library = Library::create(":memory:", Unit::Millimetres, "");
+  for (const auto& [name, mark] : {std::pair("A", "1"), std::pair("B", "2"), std::pair("C", "2"),
+                                   std::pair("D", "A"), std::pair("E", "E")}) {
+    const auto material = with_custom(name, "Thermal resistance [m2 K/W]", "1");
+    material->mark(text(mark));
+    library->save(material);
+  }
+  const auto written = written_as("honeybee", *library);
+  EXPECT_THAT(written.text, HasSubstr(R"("identifier":"1","display_name":"A")"));
+  for (const char* name : {"B", "C", "D"}) {
+    EXPECT_THAT(written.text,
+                HasSubstr("\"identifier\":\"" + std::string(name) + "\",\"r_value\""));
+  }
+  EXPECT_THAT(written.text, HasSubstr(R"("identifier":"E","display_name":"E")"));
+  std::size_t lost = 0;
+  for (const auto& field : written.report.not_written)
+    lost += field.field == "mark" ? field.count : 0;
+  EXPECT_EQ(lost, 3U);
+}
+
+const char* const standards = R"({"standard": {"materials": [
+  {"name": "Brick", "material_type": "StandardOpaqueMaterial", "roughness": "Rough",
+   "thickness": 4.0, "conductivity": 5.0, "resistance": 0.8, "density": 120.0,
+   "specific_heat": 0.2, "thermal_absorptance": 0.9, "code_category": null, "notes": "old"},
+  {"name": "Wool", "material_type": "MasslessOpaqueMaterial", "thickness": null,
+   "resistance": 10.0},
+  {"name": "Window", "material_type": "SimpleGlazing", "u_factor": 0.5,
+   "solar_heat_gain_coefficient": 0.4},
+  {"name": "Odd", "material_type": "Jelly", "thickness": 1, "colour": "red"}],
+ "constructions": [
+  {"name": "Outer", "intended_surface_type": "ExteriorWall", "materials": ["Brick", "WOOL"]},
+  {"name": "Lid", "intended_surface_type": "AtticRoof", "materials": ["Wool"]},
+  {"name": "Ground", "intended_surface_type": "GroundContactFloor", "materials": ["Wool"]},
+  {"name": "Pane", "intended_surface_type": "ExteriorWindow", "materials": ["Window"]}],
+ "schedules": [{"name": "x"}]}})";
+
+double number_of(const Material& material, const char* property) {
+  return kit::number_in(material.custom_value(text(property)).get().utf8()).value();
+}
+
+TEST(OpenstudioStandards, are_converted_by_exact_factors) {
+  const auto library = read(standards).library;
+  const auto brick = library->get<Material>(text("Brick"));
+  EXPECT_EQ(brick->type()->name(), text("Opaque"));
+  EXPECT_DOUBLE_EQ(*brick->thicknesses().begin(), 101.6);
+  EXPECT_NEAR(number_of(*brick, "Thermal conductivity [W/(m K)]"), 5 * 0.1442279, 1e-7);
+  EXPECT_NEAR(number_of(*brick, "Density [kg/m3]"), 120 * 16.01846, 1e-3);
+  EXPECT_DOUBLE_EQ(number_of(*brick, "Specific heat [J/(kg K)]"), 0.2 * 4186.8);
+  EXPECT_DOUBLE_EQ(number_of(*brick, "Thermal absorptance [-]"), 0.9);
+  EXPECT_EQ(brick->custom_value("Notes").get(), text("old"));
+  EXPECT_TRUE(brick->custom_value("Thermal resistance [m2 K/W]").null());
+  EXPECT_NEAR(number_of(*library->get<Material>(text("Wool")), "Thermal resistance [m2 K/W]"),
+              1.761102, 1e-6);
+  EXPECT_NEAR(number_of(*library->get<Material>(text("Window")), "U-factor [W/(m2 K)]"),
+              0.5 * 5.678263, 1e-6);
+}
+
+TEST(OpenstudioStandards, give_the_types_of_compositions) {
+  const auto library = read(standards).library;
+  const auto type_of = [&](const char* name) {
+    return library->get<Composition>(text(name))->type();
+  };
+  EXPECT_EQ(type_of("Outer"), Composition::Type::Wall);
+  EXPECT_EQ(type_of("Lid"), Composition::Type::Roof);
+  EXPECT_EQ(type_of("Ground"), Composition::Type::Floor);
+  EXPECT_EQ(type_of("Pane"), Composition::Type::Other);
+  EXPECT_EQ(library->get<Composition>(text("Outer"))->layers().size(), 2U);
+}
+
+TEST(OpenstudioStandards, tell_of_units_and_of_types_that_are_not_known) {
+  const auto report = read(standards).reports[0];
+  EXPECT_EQ(report.format, "OpenStudio standards, with units of inch and pound converted");
+  ASSERT_EQ(report.problems.size(), 1U);
+  EXPECT_EQ(report.problems[0].text(),
+            "'a.json', line 9: material 'Odd': its type 'Jelly' is not known; it is taken for a "
+            "generic one");
+  EXPECT_THAT(report.skipped, UnorderedElementsAre(Pair("schedules", 1U)));
+  ASSERT_EQ(report.not_kept.size(), 1U);
+  EXPECT_EQ(report.not_kept[0].field, "colour");
+}
+
+TEST(OpenstudioStandards, can_only_be_read) {
+  EXPECT_FALSE(kit::find_format("OpenStudio standards")->writable);
+}
+
+}  // namespace
+}  // namespace veldra_tests
