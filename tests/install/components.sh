@@ -3,10 +3,11 @@
 # Installs each component on its own: each has what is its own, no file is in two of them, and
 # together they are what is installed without naming one.
 #
-#   components.sh <build folder> <source tree> <whether the program is built> <whether the kit is>
+#   components.sh <build folder> <source tree> <whether the program is built> <whether the kit is> \
+#                 <whether the Python module is>
 set -euo pipefail
 
-build=$1 source=$2 has_tools=$3 has_kit=$4
+build=$1 source=$2 has_tools=$3 has_kit=$4 has_python=$5
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 status=0
@@ -29,6 +30,7 @@ expect() {
 components=(runtime development documentation)
 [ "$has_tools" != ON ] || components+=(tools)
 [ "$has_kit" != ON ] || components+=(kit-runtime kit-development)
+[ "$has_python" != ON ] || components+=(python)
 for component in "${components[@]}"; do install_part "$component" "$component"; done
 install_part everything
 
@@ -59,6 +61,13 @@ if [ "$has_kit" = ON ]; then
   done
   expect kit-development '/veldra-kit-targets\.cmake$'
   expect kit-development '/pkgconfig/veldra-kit\.pc$'
+fi
+
+if [ "$has_python" = ON ]; then
+  expect python '/veldra/_veldra\..*\.so$'
+  for file in "$source"/python/veldra/*; do
+    [ ! -f "$file" ] || expect python "/veldra/${file##*/}$"
+  done
 fi
 
 (cd "$folder" && cat "${components[@]}") | LC_ALL=C sort >"$folder/together"

@@ -51,7 +51,9 @@ refused "VELDRA_BUILD_KIT is ON, and the kit cannot be built without: fmt, libmd
   -DVELDRA_BUILD_TOOLS=OFF -DVELDRA_BUILD_KIT=ON
 refused "VELDRA_BUILD_TESTS is ON, and the tests cannot be built without: GTest" \
   -DVELDRA_BUILD_TOOLS=OFF -DVELDRA_BUILD_KIT=OFF -DVELDRA_BUILD_TESTS=ON
-configure -DVELDRA_BUILD_TESTS=OFF || wrong "not configured without program and tests"
+refused "VELDRA_BUILD_PYTHON is ON, and the Python module needs the kit" \
+  -DVELDRA_BUILD_TESTS=OFF -DVELDRA_BUILD_PYTHON=ON
+configure -DVELDRA_BUILD_TESTS=OFF -DVELDRA_BUILD_PYTHON=AUTO || wrong "not configured without program and tests"
 ! grep -q 'Leaving out' "$folder/log" || wrong "told of what is not wanted"
 
 mkdir -p "$folder/old/odb"
@@ -60,4 +62,11 @@ printf '#define LIBODB_VERSION_STR "2.3.0"\n' >"$folder/old/odb/version.hxx"
 refused "libodb is 2.3.0, and the library needs 2.4 or later" -DVELDRA_ODB_INCLUDE="$folder/old"
 refused 'Found unsuitable version "3.31.1", but required is at least "3.32"' \
   -DSQLite3_INCLUDE_DIR="$folder/old"
+
+rm -r "$folder/build"
+configure -DCMAKE_DISABLE_FIND_PACKAGE_pybind11=ON || wrong "not configured without pybind11"
+tells "Leaving out the Python module, which cannot be built without: pybind11"
+! has veldra_python || wrong "the Python module is built without its libraries"
+refused "VELDRA_BUILD_PYTHON is ON, and the Python module cannot be built without: pybind11" \
+  -DVELDRA_BUILD_PYTHON=ON
 exit "$status"

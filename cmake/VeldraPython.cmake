@@ -1,0 +1,24 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+# Whether the Python module is built, as VELDRA_HAS_PYTHON: it needs the kit, and an interpreter that
+# can load what is built, so instruments leave it out.
+set(VELDRA_HAS_PYTHON OFF)
+if(NOT VELDRA_HAS_KIT OR VELDRA_SANITIZERS OR VELDRA_COVERAGE)
+  if(VELDRA_BUILD_PYTHON AND NOT VELDRA_BUILD_PYTHON STREQUAL AUTO)
+    message(FATAL_ERROR "VELDRA_BUILD_PYTHON is ${VELDRA_BUILD_PYTHON}, and the Python module needs the kit, without sanitizers and coverage")
+  endif()
+  return()
+endif()
+
+# Debian's interpreter is the one for which its pybind11 and pytest are.
+find_program(VELDRA_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH
+             DOC "The interpreter for which the Python module is built")
+if(VELDRA_PYTHON AND NOT DEFINED Python3_EXECUTABLE)
+  set(Python3_EXECUTABLE ${VELDRA_PYTHON})
+endif()
+find_package(Python3 QUIET COMPONENTS Interpreter Development.Module)
+veldra_part(PYTHON "the Python module" Python3 Python3::Module pybind11 pybind11::module)
+if(VELDRA_HAS_PYTHON)
+  set(VELDRA_PYTHON_FOLDER
+      lib/python${Python3_VERSION_MAJOR}.${Python3_VERSION_MINOR}/dist-packages
+      CACHE STRING "Where the Python package is installed, below the prefix")
+endif()

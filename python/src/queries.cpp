@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "objects.hpp"
+#include "text.hpp"
+#include "values.hpp"
+
+#include <veldra/kit/select.hpp>
+#include <veldra/kit/text.hpp>
+
+#include <pybind11/stl.h>
+
+#include <algorithm>
+#include <optional>
+
+namespace veldra::python {
+
+namespace {
+
+using Ids = std::vector<unsigned>;
+
+/// Calls `work(class)` for a kind, on a library in use, without the interpreter's lock.
+template <class Work>
+auto of_kind(LibraryHandle& self, int kind, Work work) {
+  const Use use({&self});
+  return run(use, {self.file, {}},
+             [&] { return kit::with_class_of(static_cast<ObjectType>(kind), work); });
+}
+
+/// The same for work that makes an object, or nothing.
+template <class Find>
+py::object found(LibraryHandle& self, int kind, Find find) {
+  return kit::with_class_of(static_cast<ObjectType>(kind), [&](auto of) -> py::object {
+    const Use use({&self});
+    auto object = run(use, {self.file, {}}, [&] { return find(of); });
+    return object ? py::cast(std::move(object)) : py::none();
+  });
+}
+
+py::object by_id(LibraryHandle& self, int kind, unsigned id) {
+  return found(self, kind,
+               [&](auto of) { return self.library->get<typename decltype(of)::type>(id); });
+}
+
+py::object by_name(LibraryHandle& self, int kind, const Text& name) {
+  const String text = name.string();
+  return found(self, kind,
+               [&](auto of) { return self.library->get<typename decltype(of)::type>(text); });
+}
+
+/// The objects with these ids, in their order; those that have gone are left out.
+py::list batch(LibraryHandle& self, int kind, const Ids& ids) {
+  return kit::with_class_of(static_cast<ObjectType>(kind), [&](auto of) {
+    using T = typename decltype(of)::type;
+    std::vector<std::shared_ptr<T>> objects;
+    const Use use({&self});
+    run(use, {self.file, {}}, [&] {
+      self.library->get(objects, std::set<unsigned>(ids.begin(), ids.end()));
+      std::sort(objects.begin(), objects.end(),
+                [](const auto& left, const auto& right) { return left->id() < right->id(); });
+    });
+    py::list result;
+    for (auto& object : objects) result.append(py::cast(std::move(object)));
+    return result;
+  });
+}
+
+template <class T>
+Ids selected(const Library& library, const std::string& filter) {
+  const kit::Fields<T> fields(library);
+  const kit::Filter<T> wanted(filter, fields);
+  Ids result;
+  library.for_each<T>([&](const std::shared_ptr<T>& object) {
+    if (wanted(*object)) result.push_back(object->id());
+    return true;
+  });
+  std::sort(result.begin(), result.end());
+  return result;
+}
+
+Ids listed(const std::set<unsigned>& ids) { return Ids(ids.begin(), ids.end()); }
+
+Ids ids(LibraryHandle& self, int kind) {
+  return of_kind(self, kind,
+                 [&](auto of) { return listed(self.library->ids<typename decltype(of)::type>()); });
+}
+
+Ids where(LibraryHandle& self, int kind, const Text& filter) {
+  return of_kind(self, kind, [&](auto of) {
+    return selected<typename decltype(of)::type>(*self.library, filter.utf8);
+  });
+}
+
+Ids search(LibraryHandle& self, int kind, const Text& pattern) {
+  return of_kind(self, kind, [&](auto of) {
+    using T = typename decltype(of)::type;
+    std::vector<std::shared_ptr<T>> objects;
+    self.library->search(objects, pattern.string());
+    Ids result;
+    for (const auto& object : objects) result.push_back(object->id());
+    std::sort(result.begin(), result.end());
+    return result;
+  });
+}
+
+Ids unreadable(LibraryHandle& self, int kind) {
+  return of_kind(self, kind, [&](auto of) {
+    return listed(self.library->unreadable<typename decltype(of)::type>());
+  });
+}
+
+Ids unreferenced(LibraryHandle& self, int kind) {
+  return of_kind(self, kind, [&](auto of) {
+    return listed(self.library->unreferenced<typename decltype(of)::type>());
+  });
+}
+
+unsigned long long count(LibraryHandle& self, int kind) {
+  return of_kind(self, kind,
+                 [&](auto of) { return self.library->count<typename decltype(of)::type>(); });
+}
+
+/// The names that are most like one that is not there.
+std::vector<std::string> nearest(LibraryHandle& self, int kind, const Text& name) {
+  return of_kind(self, kind, [&](auto of) {
+    using T = typename decltype(of)::type;
+    kit::Nearest names(name.utf8);
+    self.library->for_each<T>([&](const std::shared_ptr<T>& object) {
+      names.offer(object->name().utf8());
+      return true;
+    });
+    return names.names();
+  });
+}
+
+/// Columns of values, one for each field.
+struct Columns {
+  std::vector<std::string> names;
+  std::vector<std::vector<kit::Value>> values;
+};
+
+template <class T>
+Columns read_columns(const Library& library,
+                     const std::optional<std::vector<std::string>>& wanted) {
+  const kit::Fields<T> fields(library);
+  Columns result;
+  result.names = wanted ? *wanted : fields.names();
+  std::vector<const kit::Field<T>*> each;
+  for (const auto& name : result.names) each.push_back(&fields.at(name));
+  result.values.resize(each.size());
+  library.for_each<T>([&](const std::shared_ptr<T>& object) {
+    for (std::size_t i = 0; i < each.size(); ++i) result.values[i].push_back(each[i]->get(*object));
+    return true;
+  });
+  return result;
+}
+
+py::dict columns(LibraryHandle& self, int kind,
+                 const std::optional<std::vector<std::string>>& names) {
+  const Columns read = of_kind(self, kind, [&](auto of) {
+    return read_columns<typename decltype(of)::type>(*self.library, names);
+  });
+  py::dict result;
+  for (std::size_t i = 0; i < read.names.size(); ++i) {
+    py::list column;
+    for (const auto& value : read.values[i]) column.append(as_python(value));
+    result[as_python(read.names[i])] = column;
+  }
+  return result;
+}
+
+py::list referrers(LibraryHandle& self, int kind, unsigned id) {
+  const Use use({&self});
+  const auto keys = run(use, {self.file, {}}, [&] {
+    return self.library->referrers({static_cast<ObjectType>(kind), id});
+  });
+  py::list result;
+  for (const auto& key : keys) result.append(key_object(key));
+  return result;
+}
+
+}  // namespace
+
+void bind_queries(py::class_<LibraryHandle, std::shared_ptr<LibraryHandle>>& library) {
+  library.def("_by_id", &by_id);
+  library.def("_by_name", &by_name);
+  library.def("_batch", &batch);
+  library.def("_ids", &ids);
+  library.def("_where", &where);
+  library.def("_search", &search);
+  library.def("_unreadable", &unreadable);
+  library.def("_unreferenced", &unreferenced);
+  library.def("_count", &count);
+  library.def("_nearest", &nearest);
+  library.def("_columns", &columns);
+  library.def("_referrers", &referrers);
+}
+
+}  // namespace veldra::python

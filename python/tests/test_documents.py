@@ -1,0 +1,90 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+"""The examples of the docstrings and of the page run, and types are as they are described."""
+
+import doctest
+import importlib
+import os
+import pkgutil
+import re
+import subprocess
+import sys
+from pathlib import Path
+
+import pytest
+
+import veldra
+
+PACKAGE = Path(veldra.__file__).parent
+TESTS = Path(__file__).parent
+MODULES = [name for _, name, _ in pkgutil.iter_modules([str(PACKAGE)]) if name != "_veldra"]
+
+
+@pytest.mark.parametrize("name", ["", *MODULES])
+def test_the_examples_of_docstrings_give_what_they_show(name: str) -> None:
+    module = importlib.import_module(f"veldra.{name}" if name else "veldra")
+    assert doctest.testmod(module).failed == 0
+
+
+def test_there_are_examples_of_what_people_use() -> None:
+    for used in (
+        veldra,
+        veldra.Material,
+        veldra.Composition,
+        veldra.Collection,
+        veldra.Library.transaction,
+        veldra.Plan,
+        veldra.Reactor,
+    ):
+        assert ">>>" in (used.__doc__ or ""), used
+
+
+def test_everything_that_people_use_is_described() -> None:
+    for name, used in vars(veldra).items():
+        if name.startswith("_") or not callable(used):
+            continue
+        assert used.__doc__, name
+        for member, function in vars(used).items() if isinstance(used, type) else ():
+            if member.startswith("_") or not callable(function):
+                continue
+            assert function.__doc__, f"{name}.{member}"
+
+
+def blocks_of(page: str, language: str) -> list[str]:
+    return re.findall(rf"^```{language}\n(.*?)^```$", page, re.MULTILINE | re.DOTALL)
+
+
+def test_the_page_shows_what_its_programs_print(tmp_path: Path) -> None:
+    page = Path(os.environ["VELDRA_PYTHON_PAGE"]).read_text(encoding="utf-8")
+    programs, shown = blocks_of(page, "python"), blocks_of(page, "text")
+    assert len(programs) == len(shown) >= 6
+    separator = "=" * 8
+    script = tmp_path / "tutorial.py"
+    script.write_text(f"\nprint('{separator}')\n".join(programs), encoding="utf-8")
+    result = subprocess.run(
+        [sys.executable, script], cwd=tmp_path, capture_output=True, text=True, timeout=60
+    )
+    assert result.stderr == ""
+    assert result.stdout.split(separator + "\n") == shown
+
+
+def type_checker(*arguments: object) -> None:
+    pytest.importorskip("mypy")
+    result = subprocess.run(
+        [sys.executable, "-m", *map(str, arguments)],
+        env={**os.environ, "MYPYPATH": str(PACKAGE.parent)},
+        cwd=TESTS,
+        capture_output=True,
+        text=True,
+        timeout=300,
+    )
+    assert result.returncode == 0, result.stdout + result.stderr
+
+
+def test_the_stubs_agree_with_what_runs() -> None:
+    type_checker("mypy.stubtest", "--mypy-config-file", TESTS / "mypy.ini", "veldra")
+
+
+def test_package_and_tests_pass_a_strict_type_checker(tmp_path: Path) -> None:
+    tests = [str(path) for path in sorted(TESTS.glob("*.py"))]
+    for what in (["-p", "veldra"], tests):
+        type_checker("mypy", "--config-file", TESTS / "mypy.ini", "--cache-dir", tmp_path, *what)
