@@ -144,9 +144,9 @@ void require_sense(const Arguments& arguments, const kit::Format& format) {
 }
 
 void export_library(const Arguments& arguments, Host& host) {
+  const OutputFile output(arguments.output, arguments.file, arguments.force);
   const auto& format = format_for(arguments.format, arguments.output);
   require_sense(arguments, format);
-  const OutputFile output(arguments.output, arguments.file, arguments.force);
   const bool to_standard_output = is_standard_output(arguments.output);
   Spool kept;
   reading(arguments.file, [&](const veldra::Library& library) {
