@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <limits>
+#include <regex>
 
 namespace veldra_tests {
 namespace {
@@ -233,6 +234,24 @@ TEST_F(ExportedFormat, tells_what_it_has_no_place_for) {
             "veldra: IDF has no place for 'tags' of material, 1 value is left out\n");
   must({"untag", "a.lib", "material:Brick", "composition:Wall", "--tag", "a.idf"});
   EXPECT_EQ(must({"export", "a.lib", "-o", "x.idf", "--force"}).err, "");
+}
+
+TEST_F(ExportedFormat, tells_of_20_objects_that_are_written_otherwise_and_of_all_if_wanted) {
+  std::string materials;
+  for (int i = 0; i < 25; ++i) {
+    materials += (i > 0 ? "," : "") + std::string(R"({"name": "Brick, )") + std::to_string(i) +
+                 R"(", "custom_values": {"Thermal conductivity [W/(m K)]": "1"}})";
+  }
+  write("b.json", R"({"format": "veldra", "version": 1, "materials": [)" + materials + "]}");
+  must({"import", "b.lib", "b.json"});
+  const auto lines_told = [](const std::string& text) {
+    const std::regex line("is written as");
+    return std::distance(std::sregex_iterator(text.begin(), text.end(), line), {});
+  };
+  const auto folded = veldra({"export", "b.lib", "-o", "b.idf"}).err;
+  EXPECT_EQ(lines_told(folded), 20);
+  EXPECT_THAT(folded, HasSubstr("5 more are written otherwise than they are; --verbose"));
+  EXPECT_EQ(lines_told(veldra({"export", "b.lib", "-o", "c.idf", "--verbose"}).err), 25);
 }
 
 TEST_F(ExportedFormat, that_can_only_be_read_is_wrong_use) {

@@ -28,6 +28,7 @@ struct Arguments {
   std::string locale;
   std::string output;
   bool force = false;
+  bool verbose = false;
   bool json = false;
 };
 
@@ -95,7 +96,7 @@ class Export {
   void tell(const kit::WriteReport& report) {
     if (report.is_whole()) return;
     host_.status = Status::Findings;
-    for (const auto& problem : report.problems) note(printable(problem));
+    tell_problems(report.problems);
     for (const auto& field : report.not_written) {
       note(fmt::format("{} has no place for {} of {}, {}", format_.name, in_quotes(field.field),
                        field.object_class, left_out(field.count)));
@@ -105,6 +106,16 @@ class Export {
                        in_quotes(field.field), printable(field.object_class), field.count,
                        field.count == 1 ? "s" : ""));
     }
+  }
+
+  void tell_problems(const std::vector<std::string>& problems) {
+    constexpr std::size_t most = 20;
+    const bool all = arguments_.verbose || problems.size() <= most;
+    const std::size_t told = all ? problems.size() : most;
+    for (std::size_t i = 0; i < told; ++i) note(printable(problems[i]));
+    if (all) return;
+    note(fmt::format("{} more are written otherwise than they are; --verbose tells of each",
+                     problems.size() - told));
   }
 
   static std::string left_out(std::size_t count) {
@@ -191,6 +202,9 @@ void add_export(Host& host) {
   add_file(command, arguments->file);
   add_format(command, *arguments);
   add_output(command, arguments->output, arguments->force);
+  command.add_flag(
+      "--verbose", arguments->verbose,
+      "Tell of each object that is written otherwise than it is, also of more than 20");
   add_json_of_file(command, arguments->json);
   add_example(command, "veldra export office.lib -o office.json",
               "the format has no place for something that the library holds, or demands something "

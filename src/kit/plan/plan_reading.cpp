@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/plan/plan_reading.hpp"
 
-#include "kit/exchange/problem.hpp"
 #include "kit/exchange/format_modules.hpp"
+#include "kit/exchange/problem.hpp"
 #include "kit/fields/field.hpp"
 #include "kit/plan/plan_form.hpp"
 #include "kit/text/quoted.hpp"
