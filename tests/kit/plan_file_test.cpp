@@ -159,8 +159,8 @@ TEST_F(KitPlanFile, takes_an_object_in_under_another_name_though_its_own_is_free
 
 TEST_F(KitPlanFile, does_not_need_the_source) {
   const auto content = decided("change");
-  source->remove<Composition>({source->get<Composition>("Wall")->id()});
-  source->remove<Material>({source->get<Material>("Brick")->id()});
+  source->remove<Composition>(source->get<Composition>("Wall")->id());
+  source->remove<Material>(source->get<Material>("Brick")->id());
   apply(content);
   EXPECT_EQ(maker("Brick"), "New");
 }
@@ -187,7 +187,7 @@ TEST_F(KitPlanFile, is_refused_where_an_object_of_a_name_has_appeared_that_was_f
 
 TEST_F(KitPlanFile, is_refused_where_an_object_has_gone) {
   const auto content = decided("change");
-  library->remove<Material>({library->get<Material>("Brick")->id()});
+  library->remove<Material>(library->get<Material>("Brick")->id());
   expect_refusal(content, "an object has changed since the plan was made: material 'Brick'");
 }
 

@@ -239,8 +239,9 @@ TEST_F(ExportedFormat, tells_what_it_has_no_place_for) {
 TEST_F(ExportedFormat, tells_of_20_objects_that_are_written_otherwise_and_of_all_if_wanted) {
   std::string materials;
   for (int i = 0; i < 25; ++i) {
-    materials += (i > 0 ? "," : "") + std::string(R"({"name": "Brick, )") + std::to_string(i) +
-                 R"(", "custom_values": {"Thermal conductivity [W/(m K)]": "1"}})";
+    materials +=
+        (i > 0 ? "," : "") + std::string(R"({"name": "Brick, )") + std::to_string(i) +
+        R"(", "thicknesses": [100], "custom_values": {"Thermal conductivity [W/(m K)]": "1"}})";
   }
   write("b.json", R"({"format": "veldra", "version": 1, "materials": [)" + materials + "]}");
   must({"import", "b.lib", "b.json"});

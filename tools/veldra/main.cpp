@@ -75,10 +75,10 @@ int write_output(const Spool& output) noexcept {
 
 /// Tells what the command had to say, now that it holds nothing any more.
 Status report(const Host& host) {
-  say(host.notes);
   const int error = write_output(host.output);
-  if (error == 0) return host.status;
   const bool is_done = host.done && host.status != Status::Failed;
+  if (error == 0 || is_done) say(host.notes);
+  if (error == 0) return host.status;
   if (error == EINTR && !is_done) return stopped();
   const char* sentence = "standard output cannot be written: ";
   if (!is_done) return complain({sentence, text_of_error(error)}, Status::Failed);
