@@ -172,6 +172,17 @@ class DrawSheet : public Draw {
     return std::regex_search(svg, match, element) ? std::stod(match[1]) : 0;
   }
 
+  /// The same months all year, with that humidity inside.
+  void write_climate(const std::string& inside) const {
+    std::string table =
+        "month,outside_temperature,outside_humidity,inside_temperature,"
+        "inside_humidity\n";
+    for (int month = 1; month <= 12; ++month) {
+      table += std::to_string(month) + ",0,90,20," + inside + "\n";
+    }
+    write("climate.csv", table);
+  }
+
   std::shared_ptr<veldra::Composition> wall_ = veldra::Composition::create("Wall");
 };
 
@@ -338,16 +349,17 @@ TEST_F(DrawSheet, charts_of_moisture_stand_below_it) {
   add(material("Board", {{"Thermal conductivity [W/(m K)]", "0.2"},
                          {"Water vapour resistance factor [-]", "10"}}),
       50);
-  std::string table =
-      "month,outside_temperature,outside_humidity,inside_temperature,"
-      "inside_humidity\n";
-  for (int month = 1; month <= 12; ++month) table += std::to_string(month) + ",0,90,20,60\n";
-  write("climate.csv", table);
+  write_climate("60");
   const auto svg = sheet({"--climate", "climate.csv"});
   EXPECT_THAT(svg, HasSubstr(">Vapour pressures, December<"));
   EXPECT_THAT(svg, HasSubstr(">Accumulated moisture<"));
   EXPECT_THAT(svg, HasSubstr(">s_d [m]<"));
   EXPECT_THAT(sheet(), Not(HasSubstr("Vapour pressures")));
+  write_climate("20");
+  const auto dry = sheet({"--climate", "climate.csv"});
+  EXPECT_THAT(dry, HasSubstr(">nothing condenses<"));
+  EXPECT_THAT(dry, HasSubstr(">0.10<"));
+  EXPECT_THAT(dry, Not(HasSubstr("0.000")));
 }
 
 /// The relative luminance of a colour such as "#1a1a1a", from 0 for black to 1 for white, after

@@ -363,6 +363,7 @@ class TableSet {
 
     void read_part(const std::vector<Row>& rows) {
       std::vector<unsigned> ids;
+      ids.reserve(rows.size());
       for (const Row& row : rows) ids.push_back(id_of(row));
       std::vector<std::shared_ptr<T>> found;
       set_.library_->get(found, std::set<unsigned>(ids.begin(), ids.end()));

@@ -165,7 +165,8 @@ void draw_pressures(Svg& svg, const MoistureYear& year, const Words& words, Poin
 }
 
 void draw_year(Svg& svg, const MoistureYear& year, const Words& words, Point origin) {
-  const Chart chart(svg, words, origin, 12, year.greatest);
+  constexpr double usual = 0.1;  // an axis needs an end also where nothing condenses
+  const Chart chart(svg, words, origin, 12, year.condenses ? year.greatest : usual);
   chart.title(words.say("Accumulated moisture", "Tauwasser über das Jahr"));
   chart.vertical_axis("kg/m²");
   for (std::size_t n = 0; n < year.months.size(); ++n) {
