@@ -3,7 +3,6 @@
 
 #include "support/database.hpp"
 #include "support/processes.hpp"
-#include "support/sanitized.hpp"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,11 +15,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-#ifdef VELDRA_KEEPS_FREED_MEMORY
-constexpr milliseconds a_second(5000);  // with the search for leaks at the end
-#else
 constexpr milliseconds a_second(1000);
-#endif
 
 /// A library with a wall and two materials, and a source of which one object cannot be imported.
 class Process : public ProgramTest {
