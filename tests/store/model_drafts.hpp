@@ -4,22 +4,30 @@
 
 #include "store/model_store.hpp"
 
+#include <cstdint>
 #include <iterator>
 #include <memory>
 #include <optional>
 #include <random>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace veldra_tests {
 
-/// Numbers that are the same on every machine.
+/// Numbers that are the same on every machine: those of a seed, or bytes and then those of a seed.
 class Random {
  public:
   explicit Random(unsigned seed) : engine_(seed) {}
+  explicit Random(std::vector<std::uint8_t> bytes) : bytes_(std::move(bytes)) {}
 
-  unsigned below(unsigned end) { return static_cast<unsigned>(engine_() % end); }
+  /// Whether there are bytes that decide.
+  bool has_bytes() const { return next_ != bytes_.size(); }
+
+  unsigned below(unsigned end) {
+    return has_bytes() ? bytes_[next_++] % end : static_cast<unsigned>(engine_() % end);
+  }
   bool chance(unsigned percent) { return below(100) < percent; }
   double length() { return 0.25 * (1 + below(12)); }
 
@@ -35,6 +43,8 @@ class Random {
   }
 
  private:
+  std::vector<std::uint8_t> bytes_;
+  std::size_t next_ = 0;
   std::mt19937 engine_;
 };
 

@@ -2,7 +2,6 @@
 #include "store/model_walk.hpp"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdlib>
 
@@ -20,7 +19,7 @@ std::vector<unsigned> seeds() {
 }
 
 void walk(unsigned seed) {
-  RandomWalk walk(seed);
+  RandomWalk walk{Random(seed)};
   for (int step = 0; step != kSteps; ++step) {
     SCOPED_TRACE("VELDRA_TEST_SEED=" + std::to_string(seed) + ", step " + std::to_string(step));
     walk.step();
@@ -29,12 +28,6 @@ void walk(unsigned seed) {
     if (testing::Test::HasFailure()) return;
   }
   walk.expect_sound_files();
-}
-
-/// Thousands of commits wait for the disk most of the time, and nothing here is about the disk.
-void keep_files_in_memory() {
-  constexpr const char* kMemory = "/dev/shm";
-  if (::access(kMemory, W_OK) == 0) ::setenv("TMPDIR", kMemory, 0);
 }
 
 TEST(ModelRandom, libraries_do_what_their_models_do) {

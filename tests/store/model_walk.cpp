@@ -6,6 +6,10 @@
 #include "support/names.hpp"
 #include "support/thrown.hpp"
 
+#include <unistd.h>
+
+#include <cstdlib>
+
 namespace veldra_tests {
 
 namespace {
@@ -47,8 +51,13 @@ std::vector<std::string> notifications_of(const std::set<ObjectType>& changed) {
 
 }  // namespace
 
-RandomWalk::RandomWalk(unsigned seed)
-    : random_(seed),
+void keep_files_in_memory() {
+  constexpr const char* kMemory = "/dev/shm";
+  if (::access(kMemory, W_OK) == 0) ::setenv("TMPDIR", kMemory, 0);
+}
+
+RandomWalk::RandomWalk(Random random)
+    : random_(std::move(random)),
       sides_{Side(folder_ / "millimetres.lib", Unit::Millimetres),
              Side(folder_ / "inches.lib", Unit::Inches)} {}
 

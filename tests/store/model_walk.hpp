@@ -69,11 +69,16 @@ struct Victim {
 
 using Removed = std::map<veldra::ObjectKey, bool>;
 
+/// Thousands of commits wait for the disk most of the time, and nothing here is about the disk.
+void keep_files_in_memory();
+
 /// Does the same at random to two libraries and to their models, and compares.
 class RandomWalk {
  public:
-  explicit RandomWalk(unsigned seed);
+  explicit RandomWalk(Random random);
 
+  /// Whether there are bytes left that decide about steps.
+  bool has_bytes() const { return random_.has_bytes(); }
   void step();
 
   /// The libraries hold what their models hold.
