@@ -312,6 +312,54 @@ TEST_F(DrawSheet, speaks_german_in_a_german_library) {
   EXPECT_THAT(svg, Not(HasSubstr(">12.5<")));
 }
 
+/// Both are made in the same way, so that what is told of a layer is told in German.
+TEST_F(DrawSheet, tells_in_german_what_the_figures_cannot_say) {
+  must({"create", "de.lib", "--locale", "de"});
+  const auto sheet_of = [&](const char* name) {
+    wall_->name(name);
+    library("de.lib")->save(wall_);
+    const auto svg = must({"draw", "de.lib", name, "--climate", "climate.csv"}).out;
+    wall_ = veldra::Composition::create();
+    return svg;
+  };
+  write_climate("50");
+  add(material("Wool", {{"Thermal conductivity [W/(m K)]", "0.04"},
+                        {"Air void level [-]", "1"},
+                        {"Bridge share [-]", "0.12"},
+                        {"Bridge conductivity [W/(m K)]", "50"}}),
+      200);
+  const auto metal = sheet_of("Metal");
+  EXPECT_THAT(metal, HasSubstr("Schicht 1, „Wool“: eine Unterbrechung aus Metall"));
+  EXPECT_THAT(metal, HasSubstr(">Fehler durch Unterbrechungen, höchstens<"));
+  EXPECT_THAT(metal, HasSubstr(">ΔU: Luftspalte in Schicht 1<"));
+  EXPECT_THAT(metal, HasSubstr("-Fache des unteren; das vereinfachte Verfahren gilt bis 1,5<"));
+  EXPECT_THAT(metal, ContainsRegex(">f_Rsi 0,[0-9]{3}, nötig 0,[0-9]{3} im Januar"));
+  EXPECT_THAT(metal,
+              HasSubstr(">Schicht 1, „Wool“: „Water vapour resistance factor [-]“ ist nicht"));
+  wall_->custom_value("U-factor [W/(m2 K)]", "much");
+  add(material("Brick", {{"Thermal conductivity [W/(m K)]", "0.4"}}), 100);
+  EXPECT_THAT(
+      sheet_of("Stated"),
+      HasSubstr("U-Wert unbekannt: „U-factor [W/(m2 K)]“ ist keine brauchbare Zahl: „much“"));
+}
+
+TEST_F(DrawSheet, tells_f_rsi_and_the_error_by_bridges) {
+  add(material("Wool", {{"Thermal conductivity [W/(m K)]", "0.04"},
+                        {"Water vapour resistance factor [-]", "1"},
+                        {"Bridge share [-]", "0.12"},
+                        {"Bridge conductivity [W/(m K)]", "0.13"}}),
+      200);
+  add(material("Board", {{"Thermal conductivity [W/(m K)]", "0.2"},
+                         {"Water vapour resistance factor [-]", "10"}}),
+      20);
+  write_climate("50");
+  const auto svg = sheet({"--climate", "climate.csv"});
+  EXPECT_THAT(svg,
+              ContainsRegex(">f_Rsi 0\\.9[0-9]{2}, needed 0\\.[0-9]{3} in January .*: no mould<"));
+  EXPECT_THAT(svg, HasSubstr(">moisture is computed beside the bridges<"));
+  EXPECT_THAT(svg, ContainsRegex(">error by the bridges, at most<.*\n?.*>[0-9.]+ %<"));
+}
+
 TEST_F(DrawSheet, numbers_are_never_those_of_a_machine) {
   const auto brick = material("Brick", {{"Thermal conductivity [W/(m K)]", "0.000025"}});
   for (const double thickness : {1e-5, 1e300, 0.0, std::nan(""), -5.0, HUGE_VAL}) {

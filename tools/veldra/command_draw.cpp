@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "arguments.hpp"
-#include "drawing/page.hpp"
-#include "drawing/pdf.hpp"
-#include "drawing/sheet.hpp"
+#include "failure.hpp"
 #include "files/output_file.hpp"
 #include "host.hpp"
 #include "json.hpp"
@@ -64,29 +62,38 @@ void print_written(const Arguments& arguments, const std::string& sheet,
   print_json(output, written);
 }
 
-DrawingWishes wishes_of(const Arguments& arguments, const ProofRequest& request,
-                        const veldra::Library& library) {
-  DrawingWishes wishes;
-  wishes.locale = library.locale().utf8();
-  if (!arguments.orientation.empty()) wishes.lying = arguments.orientation == "lying";
-  if (!arguments.type.empty()) wishes.type = composition_type(arguments.type);
-  wishes.boundary = request.boundary;
-  wishes.climate = request.climate;
-  return wishes;
+kit::DrawingRules rules_of(const Arguments& arguments, const ProofRequest& request,
+                           const veldra::Library& library) {
+  kit::DrawingRules rules;
+  rules.locale = library.locale().utf8();
+  if (!arguments.orientation.empty()) rules.lying = arguments.orientation == "lying";
+  if (!arguments.type.empty()) rules.type = composition_type(arguments.type);
+  rules.boundary = request.boundary;
+  rules.climate = request.climate;
+  return rules;
+}
+
+/// What goes wrong here is no fault of the library.
+std::string pdf_of(const std::string& svg, const std::string& title) {
+  try {
+    return kit::pdf_of(svg, title);
+  } catch (const kit::Error& error) {
+    throw Failure(error.what());
+  }
 }
 
 /// The sheet in the format that is wanted.
 std::string document_of(const Compositions& compositions, const Arguments& arguments,
                         const ProofRequest& request, const veldra::Library& library) {
-  const auto wishes = wishes_of(arguments, request, library);
-  auto svg = draw_sheet(compositions, library.unit(), wishes);
+  const auto rules = rules_of(arguments, request, library);
+  auto svg = kit::draw_sheet(compositions, library.unit(), rules);
   const auto format = format_of(arguments);
   if (format == "svg") return svg;
   std::string title;
   for (const auto& each : compositions) {
     title += (title.empty() ? "" : ", ") + each->name().utf8();
   }
-  return format == "pdf" ? pdf_of(svg, title) : page_of(svg, title, Words(wishes.locale));
+  return format == "pdf" ? pdf_of(svg, title) : kit::page_of(svg, title, rules.locale);
 }
 
 void draw(const Arguments& arguments, Host& host) {
@@ -124,8 +131,9 @@ void add_draw(Host& host) {
       ->check(one_of({"standing", "lying"}))
       ->type_name("WAY");
   command
-      .add_option("--type", arguments->type,
-                  "Draw them as wall, floor, roof or other, whatever their types are")
+      .add_option(
+          "--type", arguments->type,
+          "Draw them as wall, floor, roof or other, whatever their types are; figures keep those")
       ->check(one_of({"wall", "floor", "roof", "other"}))
       ->type_name("TYPE");
   add_climate(command, arguments->proof);

@@ -98,6 +98,10 @@ struct VELDRA_KIT_EXPORT Transmission {
   std::vector<std::string> notes;                     ///< what was assumed, and limits of methods
   std::vector<std::string> faults;                    ///< why there is no figure, as sentences
 
+  /// The resistance of a layer; empty where it is not known, and where it does not count, as the
+  /// layer is well ventilated or borders on one that is. Throws `std::out_of_range` for no layer.
+  std::optional<double> counted_resistance(std::size_t layer) const;
+
   /// The resistance with both surfaces, before corrections; empty where a layer is not known.
   std::optional<double> total_resistance() const;
 

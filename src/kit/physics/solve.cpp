@@ -126,7 +126,7 @@ ThicknessSolution thickness_for(const Composition& composition, Unit unit, doubl
     if (*result.thickness <= thin) result.thickness = 0;  // it can be left out
   } else if (std::isfinite(limits.greatest)) {
     result.fault =
-        fmt::format("even with its greatest thickness, {}, layer {} gives {:.3f} W/(m2 K)",
+        fmt::format("even with its greatest thickness, {}, layer {} gives {:.3f} W/(m²K)",
                     text_of(limits.greatest, unit), *layer + 1, transmittance(limits.greatest));
   } else {
     result.fault = fmt::format("no thickness of layer {} is enough", *layer + 1);

@@ -229,6 +229,11 @@ class Assembly {
 
 }  // namespace
 
+std::optional<double> Transmission::counted_resistance(std::size_t layer) const {
+  const auto& resistance = layers.at(layer).resistance;
+  return layer >= ventilated ? resistance : std::nullopt;
+}
+
 std::optional<double> Transmission::total_resistance() const {
   if (!faults.empty()) return std::nullopt;
   if (stated) return 1 / *stated;

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "drawing/page.hpp"
+#include <veldra/kit/drawing.hpp>
 
-#include "drawing/svg.hpp"
+#include "kit/drawing/svg.hpp"
+#include "kit/drawing/words.hpp"
 
 #include <fmt/format.h>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
-std::string page_of(const std::string& svg, const std::string& title, const Words& words) {
+std::string page_of(const std::string& svg, const std::string& title, const std::string& locale) {
   const auto begin = svg.find("<svg");
   return fmt::format(R"(<!DOCTYPE html>
 <html lang="{0}">
@@ -24,7 +25,7 @@ std::string page_of(const std::string& svg, const std::string& title, const Word
 </body>
 </html>
 )",
-                     words.code(), xml_text(title), svg.substr(begin));
+                     Words(locale).code(), xml_text(title), svg.substr(begin));
 }
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#ifndef VELDRA_TOOL_DRAWING_SVG_HPP
-#define VELDRA_TOOL_DRAWING_SVG_HPP
+#ifndef VELDRA_KIT_DRAWING_SVG_HPP
+#define VELDRA_KIT_DRAWING_SVG_HPP
 
 #include <cstddef>
 #include <string>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 /// A text as it stands in XML. Characters that XML does not allow or that could steer a terminal
 /// become U+FFFD.
@@ -54,6 +54,6 @@ class Svg {
   std::string elements_;
 };
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit
 
 #endif

@@ -1,36 +1,25 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#ifndef VELDRA_TOOL_DRAWING_SECTION_HPP
-#define VELDRA_TOOL_DRAWING_SECTION_HPP
+#ifndef VELDRA_KIT_DRAWING_SECTION_HPP
+#define VELDRA_KIT_DRAWING_SECTION_HPP
 
-#include "drawing/hatch.hpp"
-#include "drawing/svg.hpp"
-#include "drawing/words.hpp"
-#include "kit.hpp"
+#include "kit/drawing/hatch.hpp"
+#include "kit/drawing/svg.hpp"
+#include "kit/drawing/words.hpp"
 
-#include <veldra/veldra.hpp>
+#include <veldra/kit/drawing.hpp>
 
-#include <optional>
 #include <string>
 #include <vector>
 
-namespace veldra_tool {
-
-/// How build-ups are to be drawn.
-struct DrawingWishes {
-  std::string locale;                             ///< of the library, for language and decimal sign
-  std::optional<bool> lying;                      ///< else as the type says
-  std::optional<veldra::Composition::Type> type;  ///< else that of the build-up
-  kit::physics::BoundaryStatement boundary;       ///< what they border on
-  std::optional<kit::physics::Climate> climate;   ///< for charts of moisture
-};
+namespace veldra::kit {
 
 /// The cut through a build-up, placed on paper: walls stand, with the outside on the left; roofs
 /// lie, with the outside above; floors lie, with the outside below.
 class Section {
  public:
   /// Chooses the largest usual scale that fits. There are layers. `heat` outlives the section.
-  Section(const veldra::Composition& composition, veldra::Unit unit, Point origin,
-          const kit::Transmission& heat, const DrawingWishes& wishes);
+  Section(const Composition& composition, Unit unit, Point origin, const Transmission& heat,
+          const DrawingRules& rules);
 
   /// Draws the layers, the core, the ends, the dimensions and a bar that shows the scale, with a
   /// number for each layer, or for every so many where they would not fit. Returns false when some
@@ -64,7 +53,7 @@ class Section {
   void draw_leader(Svg& svg, double middle, double shift) const;
   double row_shift(std::size_t row) const;
   double total_place() const;
-  const char* side_text(kit::physics::Side side) const;
+  const char* side_text(physics::Side side) const;
   void draw_scale_bar(Svg& svg) const;
   void draw_numbers(Svg& svg) const;
   void draw_sides(Svg& svg) const;
@@ -76,11 +65,11 @@ class Section {
 
   double width() const { return edges_.back(); }
 
-  const veldra::Composition& composition_;
-  veldra::Unit unit_;
+  const Composition& composition_;
+  Unit unit_;
   Point origin_;  ///< of the area that the drawing may use
   Lie lie_;
-  const kit::Transmission& heat_;
+  const Transmission& heat_;
   Words words_;
   double scale_ = 1;
   double margin_lying_ = 8;        ///< above and below a section that lies
@@ -92,11 +81,11 @@ class Section {
 };
 
 /// A length as it stands in drawings, without its unit.
-std::string drawn_length(double length, veldra::Unit unit, const Words& words);
+std::string drawn_length(double length, Unit unit, const Words& words);
 
 /// A layer number in its circle.
 void draw_number(Svg& svg, Point center, std::size_t number, bool structural);
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit
 
 #endif

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#ifndef VELDRA_TOOL_DRAWING_HATCH_HPP
-#define VELDRA_TOOL_DRAWING_HATCH_HPP
+#ifndef VELDRA_KIT_DRAWING_HATCH_HPP
+#define VELDRA_KIT_DRAWING_HATCH_HPP
 
 #include <veldra/veldra.hpp>
 
 #include <string>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 /// How the cut through a material looks.
 struct CutStyle {
@@ -21,7 +21,7 @@ struct CutStyle {
 
 /// The style that a material asks for; where it asks for nothing, one that fits what is known of
 /// it.
-CutStyle cut_style(const veldra::Material& material);
+CutStyle cut_style(const Material& material);
 
 /// The style of a bridge of that conductivity in W/(m K).
 CutStyle bridge_style(double conductivity);
@@ -30,6 +30,6 @@ CutStyle bridge_style(double conductivity);
 /// across and from 0 to `length` along. What lies outside must be clipped.
 std::string hatch_elements(const CutStyle& style, double width, double length);
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit
 
 #endif

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "drawing/section.hpp"
+#include "kit/drawing/section.hpp"
 
-#include "kinds.hpp"
-#include "text.hpp"
+#include <veldra/kit/kinds.hpp>
+#include <veldra/kit/text.hpp>
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
@@ -38,8 +38,8 @@ constexpr double longest_bar = 40;
 constexpr double longest_lying_numbers = 135;
 constexpr std::size_t longest_hatches = 400'000;  ///< bytes of all hatches together
 
-double millimetres(double length, veldra::Unit unit) {
-  const double value = veldra::converted_length(length, unit, veldra::Unit::Millimetres);
+double millimetres(double length, Unit unit) {
+  const double value = converted_length(length, unit, Unit::Millimetres);
   return std::isfinite(value) && value > 0 ? std::min(value, 1e300) : 0;
 }
 
@@ -65,21 +65,21 @@ double mean(const std::vector<double>& values) {
 
 }  // namespace
 
-Section::Section(const veldra::Composition& composition, veldra::Unit unit, Point origin,
-                 const kit::Transmission& heat, const DrawingWishes& wishes)
-    : composition_(composition), unit_(unit), origin_(origin), heat_(heat), words_(wishes.locale) {
-  switch (wishes.type.value_or(composition.type())) {
-    case veldra::Composition::Type::Roof:
+Section::Section(const Composition& composition, Unit unit, Point origin, const Transmission& heat,
+                 const DrawingRules& rules)
+    : composition_(composition), unit_(unit), origin_(origin), heat_(heat), words_(rules.locale) {
+  switch (rules.type.value_or(composition.type())) {
+    case Composition::Type::Roof:
       lie_ = Lie::OutsideAbove;
       break;
-    case veldra::Composition::Type::Floor:
+    case Composition::Type::Floor:
       lie_ = Lie::OutsideBelow;
       break;
     default:
       lie_ = Lie::Standing;
   }
-  if (wishes.lying && *wishes.lying != (lie_ != Lie::Standing)) {
-    lie_ = *wishes.lying ? Lie::OutsideAbove : Lie::Standing;
+  if (rules.lying && *rules.lying != (lie_ != Lie::Standing)) {
+    lie_ = *rules.lying ? Lie::OutsideAbove : Lie::Standing;
   }
   place_layers();
   const double numbers = static_cast<double>(numbered_layers().size()) * number_spacing;
@@ -176,13 +176,13 @@ std::string Section::bridge_elements(std::size_t index, double layer_width,
                                      double layer_length) const {
   if (index >= heat_.layers.size() || !heat_.layers[index].bridge) return "";
   const auto& heat = heat_.layers[index];
-  const kit::KnownValues values(*composition_.layers()[index].material());
-  const double apart = values.number(kit::Known::BridgeSpacing).value_or(0) / scale_;
+  const KnownValues values(*composition_.layers()[index].material());
+  const double apart = values.number(Known::BridgeSpacing).value_or(0) / scale_;
   const double spacing = apart > 0 ? std::clamp(apart, 6.0, layer_length) : layer_length / 3;
   const double across = spacing * heat.bridge->share;
   const double thickness = composition_.layers()[index].thickness();
-  const double deep = veldra::converted_length(values.number(kit::Known::BridgeDepth).value_or(0),
-                                               veldra::Unit::Millimetres, unit_);
+  const double deep =
+      converted_length(values.number(Known::BridgeDepth).value_or(0), Unit::Millimetres, unit_);
   const double depth = deep > 0 && deep < thickness ? layer_width * deep / thickness : layer_width;
   const auto style = bridge_style(heat.bridge_conductivity);
   std::string result;
@@ -427,7 +427,7 @@ void Section::draw_sides(Svg& svg) const {
   style.anchor = Anchor::Middle;
   style.color = "#555555";
   const auto& boundary = heat_.border.boundary;
-  using Side = kit::physics::Side;
+  using Side = physics::Side;
   const bool open = boundary.outside == Side::Outdoors;
   const bool between_rooms =
       boundary.outside == Side::Interior || boundary.inside != Side::Interior;
@@ -446,15 +446,15 @@ void Section::draw_sides(Svg& svg) const {
   svg.text({bottom.x, bottom.y + 5}, above ? inside : outside, style);
 }
 
-const char* Section::side_text(kit::physics::Side side) const {
+const char* Section::side_text(physics::Side side) const {
   switch (side) {
-    case kit::physics::Side::Ground:
+    case physics::Side::Ground:
       return words_.say("ground", "Erdreich");
-    case kit::physics::Side::Unheated:
+    case physics::Side::Unheated:
       return words_.say("unheated room", "unbeheizter Raum");
-    case kit::physics::Side::Ventilated:
+    case physics::Side::Ventilated:
       return words_.say("ventilated air", "belüftet");
-    case kit::physics::Side::Interior:
+    case physics::Side::Interior:
       return words_.say("room", "Raum");
     default:
       return words_.say("outside", "außen");
@@ -462,9 +462,9 @@ const char* Section::side_text(kit::physics::Side side) const {
 }
 
 /// What is no length is a dash.
-std::string drawn_length(double length, veldra::Unit unit, const Words& words) {
+std::string drawn_length(double length, Unit unit, const Words& words) {
   if (std::isnan(length)) return "–";
-  const int decimals = unit == veldra::Unit::Inches ? 3 : 2;
+  const int decimals = unit == Unit::Inches ? 3 : 2;
   return words.number(short_number(length, decimals));
 }
 
@@ -478,4 +478,4 @@ void draw_number(Svg& svg, Point center, std::size_t number, bool structural) {
   svg.text({center.x, center.y + 0.9}, fmt::format("{}", number), style);
 }
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit

@@ -1,19 +1,21 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "drawing/sheet.hpp"
+#include <veldra/kit/drawing.hpp>
 
-#include "drawing/charts.hpp"
-#include "drawing/section.hpp"
-#include "drawing/svg.hpp"
-#include "kinds.hpp"
-#include "summary.hpp"
-#include "text.hpp"
+#include "kit/drawing/charts.hpp"
+#include "kit/drawing/section.hpp"
+#include "kit/drawing/sentences.hpp"
+#include "kit/drawing/svg.hpp"
+
+#include <veldra/kit/kinds.hpp>
+#include <veldra/kit/physics_storage.hpp>
+#include <veldra/kit/text.hpp>
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <string_view>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
@@ -102,13 +104,13 @@ std::string conductivity_text(double conductivity) {
   return fixed_number(conductivity, conductivity < 10 ? 3 : 0);
 }
 
-const char* title_of(veldra::Composition::Type type, const Words& words) {
+const char* title_of(Composition::Type type, const Words& words) {
   switch (type) {
-    case veldra::Composition::Type::Wall:
+    case Composition::Type::Wall:
       return words.say("Wall", "Wand");
-    case veldra::Composition::Type::Floor:
+    case Composition::Type::Floor:
       return words.say("Floor", "Decke");
-    case veldra::Composition::Type::Roof:
+    case Composition::Type::Roof:
       return words.say("Roof", "Dach");
     default:
       return words.say("Build-up", "Aufbau");
@@ -118,12 +120,11 @@ const char* title_of(veldra::Composition::Type type, const Words& words) {
 /// One build-up on the sheet.
 class Panel {
  public:
-  Panel(const veldra::Composition& composition, veldra::Unit unit, const DrawingWishes& wishes,
-        double top)
+  Panel(const Composition& composition, Unit unit, const DrawingRules& rules, double top)
       : composition_(composition),
         unit_(unit),
-        wishes_(wishes),
-        words_(wishes.locale),
+        rules_(rules),
+        words_(rules.locale),
         names_(title_lines(composition.name().utf8(), title_columns)),
         top_(top) {}
 
@@ -138,12 +139,12 @@ class Panel {
       return draw_sentence(svg, words_.say("It has too many layers to be drawn.",
                                            "Er hat zu viele Schichten für eine Zeichnung."));
     }
-    transmission_ = kit::transmission_of(composition_, unit_, wishes_.boundary);
+    transmission_ = transmission_of(composition_, unit_, rules_.boundary);
     // The subtitle needs the scale, and the section the place below it: first anywhere.
-    const Section trial(composition_, unit_, {margin, top_}, transmission_, wishes_);
+    const Section trial(composition_, unit_, {margin, top_}, transmission_, rules_);
     subtitles_ = subtitle_lines(trial.scale());
     const double body_top = top_ + title_height() + 2.5;
-    const Section section(composition_, unit_, {margin, body_top}, transmission_, wishes_);
+    const Section section(composition_, unit_, {margin, body_top}, transmission_, rules_);
     thickened_ = section.has_thickened_layers();
     undimensioned_ = section.undimensioned_layers();
     Svg body;
@@ -162,14 +163,32 @@ class Panel {
  private:
   /// Charts where there is a climate, or why there are none.
   double draw_moisture(Svg& svg, double y) const {
-    if (!wishes_.climate) return y;
-    const auto moisture = kit::moisture_of(composition_, unit_, *wishes_.climate, wishes_.boundary);
+    if (!rules_.climate) return y;
+    const auto moisture = moisture_of(composition_, unit_, *rules_.climate, rules_.boundary);
+    if (moisture.surface) {
+      svg.text({margin, y += 5}, surface_text(*moisture.surface), style_of(2.8));
+    }
+    y = draw_sentences(svg, y, moisture.notes);
     if (moisture.year) {
       draw_charts(svg, *moisture.year, words_, {margin, y + 6});
       return y + charts_height;
     }
-    for (const auto& fault : moisture.faults) {
-      for (const auto& line : wrapped(fault, subtitle_columns)) {
+    return draw_sentences(svg, y, moisture.faults);
+  }
+
+  std::string surface_text(const physics::SurfaceHumidity& surface) const {
+    const auto text = fmt::format(
+        fmt::runtime(words_.say("f_Rsi {:.3f}, needed {:.3f} in {} (ISO 13788): {}",
+                                "f_Rsi {:.3f}, nötig {:.3f} im {} (ISO 13788): {}")),
+        surface.factor, surface.required[surface.critical], words_.month(surface.critical),
+        surface.safe() ? words_.say("no mould", "kein Schimmel")
+                       : words_.say("mould may grow", "Schimmel ist möglich"));
+    return words_.number(text);
+  }
+
+  double draw_sentences(Svg& svg, double y, const std::vector<std::string>& sentences) const {
+    for (const auto& sentence : sentences) {
+      for (const auto& line : wrapped(in_language(sentence, words_), subtitle_columns)) {
         svg.text({margin, y += 4.5}, line, style_of(2.6));
       }
     }
@@ -190,7 +209,7 @@ class Panel {
 
   /// A scale of 0 stands for none.
   std::vector<std::string> subtitle_lines(double scale) const {
-    const auto type = wishes_.type.value_or(composition_.type());
+    const auto type = rules_.type.value_or(composition_.type());
     const auto count = composition_.layers().size();
     std::string text = fmt::format("{} · {} {}", title_of(type, words_), count,
                                    words_.say("layers", count == 1 ? "Schicht" : "Schichten"));
@@ -203,7 +222,7 @@ class Panel {
   }
 
   const char* unit_text() const {
-    return unit_ == veldra::Unit::Inches
+    return unit_ == Unit::Inches
                ? words_.say("thicknesses in inches", "Dicken in Zoll")
                : words_.say("thicknesses in millimetres", "Dicken in Millimetern");
   }
@@ -246,9 +265,9 @@ class Panel {
     for (std::size_t i = 0; i < lines.size(); ++i) {
       svg.text({name_left, base + static_cast<double>(i) * line_height}, lines[i], style);
     }
-    const auto conductivity = kit::conductivity_of(*layer.material());
+    const auto conductivity = conductivity_of(*layer.material());
     draw_cells(svg, base, thickness_text(index), conductivity ? number(*conductivity) : "–",
-               words_.number(resistance_text(transmission_, index)));
+               words_.number(resistance_text(index)));
     double end = y + row_padding + line_height * static_cast<double>(lines.size());
     if (transmission_.layers[index].bridge) {
       draw_bridge(svg, transmission_.layers[index], end - row_padding / 2 + line_height * 0.78);
@@ -266,7 +285,7 @@ class Panel {
     svg.text({right, base}, resistance, cell);
   }
 
-  void draw_bridge(Svg& svg, const kit::LayerHeat& heat, double base) const {
+  void draw_bridge(Svg& svg, const LayerHeat& heat, double base) const {
     const std::string name =
         heat.bridge_name.empty() ? words_.say("bridge", "Unterbrechung") : heat.bridge_name;
     const auto share = words_.number(rounded_number(heat.bridge->share * 100, 1));
@@ -274,6 +293,11 @@ class Panel {
              style_of(2.8));
     draw_cells(svg, base, "", number(heat.bridge_conductivity),
                words_.number(fixed_number(heat.bridge->resistance, 3)));
+  }
+
+  std::string resistance_text(std::size_t index) const {
+    const auto resistance = transmission_.counted_resistance(index);
+    return resistance ? fixed_number(*resistance, 3) : "–";
   }
 
   std::string number(double conductivity) const {
@@ -294,7 +318,7 @@ class Panel {
   double draw_sum(Svg& svg, double y) const {
     y += 5;
     draw_figure(svg, y, words_.say("total thickness", "Gesamtdicke"),
-                drawn_length(kit::total_thickness(composition_), unit_, words_), thickness_right);
+                drawn_length(total_thickness(composition_), unit_, words_), thickness_right);
     y = draw_further_figures(svg, draw_transmission(svg, y + 5));
     TextStyle note = style_of(2.2);
     note.color = "#555555";
@@ -328,8 +352,15 @@ class Panel {
                                 "R gesamt, mit Übergängen {:.2f} außen und {:.2f} innen")),
         transmission_.outside, transmission_.inside);
     draw_figure(svg, y, words_.number(surfaces), words_.number(fixed_number(*total, 3)), right);
+    if (transmission_.limits && transmission_.bridged) {
+      const auto error = fixed_number(transmission_.limits->error() * 100, 1);
+      draw_figure(
+          svg, y += 4.5,
+          words_.say("error by the bridges, at most", "Fehler durch Unterbrechungen, höchstens"),
+          words_.number(error) + " %", right);
+    }
     for (const auto& correction : transmission_.corrections) {
-      draw_figure(svg, y += 4.5, "ΔU: " + correction.name,
+      draw_figure(svg, y += 4.5, "ΔU: " + in_language(correction.name, words_),
                   words_.number(fixed_number(correction.value, 4)), right);
     }
     return draw_transmittance(svg, y);
@@ -350,11 +381,11 @@ class Panel {
   }
 
   std::string assumed_text() const {
-    using Side = kit::physics::Side;
+    using Side = physics::Side;
     const auto basis = transmission_.border.basis;
-    const auto* by = basis == kit::BoundaryBasis::Name ? words_.say("by its name", "nach dem Namen")
-                     : basis == kit::BoundaryBasis::Type ? words_.say("by its type", "nach der Art")
-                                                         : words_.say("as usual", "wie üblich");
+    const auto* by = basis == BoundaryBasis::Name   ? words_.say("by its name", "nach dem Namen")
+                     : basis == BoundaryBasis::Type ? words_.say("by its type", "nach der Art")
+                                                    : words_.say("as usual", "wie üblich");
     const auto side = transmission_.border.boundary.outside;
     const auto* outside = side == Side::Outdoors
                               ? words_.say("outdoor air outside", "außen Außenluft")
@@ -366,7 +397,7 @@ class Panel {
   }
 
   std::string transmittance_text(double transmittance) const {
-    if (unit_ != veldra::Unit::Inches) return fmt::format("U = {:.2f} W/(m²K)", transmittance);
+    if (unit_ != Unit::Inches) return fmt::format("U = {:.2f} W/(m²K)", transmittance);
     return fmt::format("U = {:.2f} W/(m²K) = {:.3f} Btu/(h·ft²·°F)", transmittance,
                        transmittance * 0.17611);
   }
@@ -377,14 +408,14 @@ class Panel {
       const auto text = words_.number(fixed_number(value, decimals));
       draw_figure(svg, y += 4.5, label, fmt::format("{} {}", text, unit), right);
     };
-    const auto storage = kit::storage_of(composition_, unit_, wishes_.boundary);
+    const auto storage = storage_of(composition_, unit_, rules_.boundary);
     if (storage.mass) figure(words_.say("mass", "Masse"), *storage.mass, 0, "kg/m²");
     if (storage.storage) {
       figure(words_.say("heat capacity κ inside", "Wärmekapazität κ innen"),
              storage.storage->inside / 1000, 1, "kJ/(m²K)");
       figure(words_.say("time shift", "Phasenverschiebung"), storage.storage->time_shift, 1, "h");
     }
-    const auto diffusion = kit::diffusion_of(composition_, unit_);
+    const auto diffusion = diffusion_of(composition_, unit_);
     if (diffusion.total) {
       figure(words_.say("vapour diffusion s_d", "Dampfdiffusion s_d"), *diffusion.total, 2, "m");
     }
@@ -397,7 +428,8 @@ class Panel {
       if (transmission_.layers[i].fault.empty()) continue;
       numbers += fmt::format("{}{}", numbers.empty() ? "" : ", ", i + 1);
     }
-    if (numbers.empty()) return transmission_.faults.empty() ? "" : transmission_.faults.front();
+    if (numbers.empty() && transmission_.faults.empty()) return "";
+    if (numbers.empty()) return in_language(transmission_.faults.front(), words_);
     return fmt::format(
         fmt::runtime(words_.say("nothing is known of layer {}", "nichts bekannt von Schicht {}")),
         numbers);
@@ -427,18 +459,18 @@ class Panel {
                                   "Schicht {} ist stark belüftet: R zählt ab der nächsten.")),
           transmission_.ventilated));
     }
-    notes.insert(notes.end(), transmission_.notes.begin(), transmission_.notes.end());
+    for (const auto& note : transmission_.notes) notes.push_back(in_language(note, words_));
     return notes;
   }
 
-  const veldra::Composition& composition_;
-  veldra::Unit unit_;
-  const DrawingWishes& wishes_;
+  const Composition& composition_;
+  Unit unit_;
+  const DrawingRules& rules_;
   Words words_;
   std::vector<std::string> names_;
   std::vector<std::string> subtitles_;
   double top_;
-  kit::Transmission transmission_;
+  Transmission transmission_;
   bool thickened_ = false;
   bool hatched_ = true;
   std::size_t undimensioned_ = 0;
@@ -446,19 +478,19 @@ class Panel {
 
 }  // namespace
 
-std::string draw_sheet(const std::vector<std::shared_ptr<veldra::Composition>>& compositions,
-                       veldra::Unit unit, const DrawingWishes& wishes) {
+std::string draw_sheet(const std::vector<std::shared_ptr<Composition>>& compositions, Unit unit,
+                       const DrawingRules& rules) {
   Svg svg;
   double y = margin;
   std::string title;
   for (const auto& composition : compositions) {
-    y = Panel(*composition, unit, wishes, y).draw(svg);
+    y = Panel(*composition, unit, rules, y).draw(svg);
     title += (title.empty() ? "" : ", ") + shortened(composition->name().utf8(), title_columns);
   }
-  const Words words(wishes.locale);
+  const Words words(rules.locale);
   const auto* description = words.say("Sections to scale, with layers and figures",
                                       "Maßstäbliche Schnitte mit Schichten und Kennwerten");
   return svg.document(sheet_width, std::max(y, margin * 2), title, description, words.code());
 }
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "drawing/hatch.hpp"
-#include "kit.hpp"
+#include "kit/drawing/hatch.hpp"
+
+#include <veldra/kit/physics.hpp>
+#include <veldra/kit/text.hpp>
 
 #include <fmt/format.h>
 
@@ -8,7 +10,7 @@
 #include <cmath>
 #include <map>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
@@ -29,7 +31,7 @@ std::string usual_fill(const std::string& hatch) {
   return found != fills.end() ? found->second : "#ececec";
 }
 
-std::string hex(const veldra::Color& color) {
+std::string hex(const Color& color) {
   const auto part = [](double value) {
     return static_cast<int>(std::lround(std::clamp(std::isnan(value) ? 0 : value, 0.0, 1.0) * 255));
   };
@@ -37,12 +39,12 @@ std::string hex(const veldra::Color& color) {
 }
 
 /// What the numbers of a material without a cut pattern make likely.
-std::string likely_hatch(const veldra::Material& material) {
-  const std::string type = material.type() ? kit::lower_case(material.type()->name().utf8()) : "";
+std::string likely_hatch(const Material& material) {
+  const std::string type = material.type() ? lower_case(material.type()->name().utf8()) : "";
   if (type == "air gap" || type == "gas" || type == "gas mixture") return "air";
   if (type == "glazing" || type == "simple glazing" || type == "glass") return "glass";
-  const auto conductivity = kit::conductivity_of(material);
-  const auto density = kit::number_value(material, kit::property::density);
+  const auto conductivity = conductivity_of(material);
+  const auto density = number_value(material, property::density);
   if (!conductivity) return "unknown";
   if (*conductivity > 10) return "metal";
   if (*conductivity <= 0.25 && density && *density >= 300 && *density <= 750) return "timber";
@@ -57,17 +59,17 @@ CutStyle bridge_style(double conductivity) {
   return {usual_fill(hatch), 1, "#3a3a3a", hatch, 1, 0, false};
 }
 
-CutStyle cut_style(const veldra::Material& material) {
+CutStyle cut_style(const Material& material) {
   const auto& pattern = material.cut_pattern();
   CutStyle style;
   style.scale = pattern.scale > 0 && pattern.scale <= 1000 ? pattern.scale : 1;
   style.angle = std::isfinite(pattern.angle) ? pattern.angle : 0;
   style.cross = pattern.cross;
-  if (pattern.type == veldra::Pattern::Type::None) {
+  if (pattern.type == Pattern::Type::None) {
     style.hatch = likely_hatch(material);
     style.angle = 45;
   } else {
-    style.hatch = pattern.name ? kit::lower_case(pattern.name.utf8()) : "lines";
+    style.hatch = pattern.name ? lower_case(pattern.name.utf8()) : "lines";
   }
   const auto& fill = material.shading_color();
   const bool coloured = fill.alpha > 0;
@@ -78,4 +80,4 @@ CutStyle cut_style(const veldra::Material& material) {
   return style;
 }
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "drawing/pdf.hpp"
+#include <veldra/kit/drawing.hpp>
+#include <veldra/kit/error.hpp>
 
-#include "failure.hpp"
+#include "kit/text/quoted.hpp"
 
 #include <fmt/format.h>
 
@@ -9,7 +10,7 @@
 
 #include <memory>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
@@ -28,8 +29,8 @@ class Module {
  public:
   explicit Module(const char* file) : file_(file), handle_(dlopen(file, RTLD_NOW | RTLD_LOCAL)) {
     if (handle_ == nullptr) {
-      throw Failure(fmt::format("a PDF needs {}, which is not there; write SVG or HTML instead",
-                                in_quotes(file_)));
+      throw Error(fmt::format("a PDF needs {}, which is not there; write SVG or HTML instead",
+                              quoted(file_)));
     }
   }
 
@@ -37,7 +38,7 @@ class Module {
   void find(Function& function, const char* name) const {
     function = reinterpret_cast<Function>(dlsym(handle_, name));
     if (function == nullptr) {
-      throw Failure(fmt::format("{} has no {}", in_quotes(file_), in_quotes(name)));
+      throw Error(fmt::format("{} has no {}", quoted(file_), quoted(name)));
     }
   }
 
@@ -108,7 +109,7 @@ std::string pdf_of(const std::string& svg, const std::string& title) {
   using Owner = std::unique_ptr<void, void (*)(void*)>;
   const auto* data = reinterpret_cast<const unsigned char*>(svg.data());
   const Owner handle(renderer.handle_create(data, svg.size(), nullptr), renderer.unref);
-  if (!handle) throw Failure("librsvg cannot read the drawing");
+  if (!handle) throw Error("librsvg cannot read the drawing");
   renderer.set_dpi(handle.get(), 96);
   double width = 0;
   double height = 0;
@@ -122,9 +123,9 @@ std::string pdf_of(const std::string& svg, const std::string& title) {
   const bool rendered = renderer.render(handle.get(), context.get(), &page, nullptr) != 0;
   renderer.surface_finish(surface.get());
   if (!rendered || !output.complete || renderer.surface_status(surface.get()) != 0) {
-    throw Failure("librsvg and cairo cannot make a PDF of the drawing");
+    throw Error("librsvg and cairo cannot make a PDF of the drawing");
   }
   return output.text;
 }
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit

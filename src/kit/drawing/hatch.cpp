@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "drawing/hatch.hpp"
+#include "kit/drawing/hatch.hpp"
 
-#include "drawing/svg.hpp"
+#include "kit/drawing/svg.hpp"
 
 #include <fmt/format.h>
 
@@ -9,7 +9,7 @@
 #include <cmath>
 #include <map>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
@@ -319,4 +319,4 @@ std::string hatch_elements(const CutStyle& style, double width, double length) {
   return found != hatches.end() ? found->second(hatch) : lines(hatch);
 }
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "drawing/svg.hpp"
+#include "kit/drawing/svg.hpp"
 
-#include "text.hpp"
+#include "kit/text/xml.hpp"
+
+#include <veldra/kit/text.hpp>
 
 #include <fmt/format.h>
 
 #include <cmath>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
@@ -29,26 +31,7 @@ std::string xml_text(const std::string& text) {
     const bool blank = character == U'\t' || character == U'\n' || character == U'\r';
     return blank ? " " : "\xEF\xBF\xBD";
   };
-  std::string result;
-  for (const char character : without_controls(text, replacement)) {
-    switch (character) {
-      case '&':
-        result += "&amp;";
-        break;
-      case '<':
-        result += "&lt;";
-        break;
-      case '>':
-        result += "&gt;";
-        break;
-      case '"':
-        result += "&quot;";
-        break;
-      default:
-        result += character;
-    }
-  }
-  return result;
+  return escaped_in_xml(without_controls(text, replacement), [](char byte) { return byte; });
 }
 
 std::string paper(double millimetres) {
@@ -94,4 +77,4 @@ std::string Svg::document(double width, double height, const std::string& title,
       paper(width), paper(height), xml_text(title), elements_, xml_text(description), language);
 }
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit

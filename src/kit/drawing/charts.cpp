@@ -1,19 +1,19 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "drawing/charts.hpp"
+#include "kit/drawing/charts.hpp"
 
-#include "text.hpp"
+#include <veldra/kit/text.hpp>
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
 
-namespace veldra_tool {
+namespace veldra::kit {
 
 namespace {
 
-using kit::physics::MoistureMonth;
-using kit::physics::MoistureYear;
+using physics::MoistureMonth;
+using physics::MoistureYear;
 
 constexpr double chart_width = 112;
 constexpr double chart_depth = 48;
@@ -21,16 +21,6 @@ constexpr double between_charts = 17;
 constexpr double label_margin = 14;
 constexpr double title_margin = 9;
 constexpr const char* muted = "#555555";
-
-const char* month_name(std::size_t month, const Words& words) {
-  constexpr const char* english[] = {"January",   "February", "March",    "April",
-                                     "May",       "June",     "July",     "August",
-                                     "September", "October",  "November", "December"};
-  constexpr const char* german[] = {"Januar",    "Februar", "März",     "April",
-                                    "Mai",       "Juni",    "Juli",     "August",
-                                    "September", "Oktober", "November", "Dezember"};
-  return words.say(english[month], german[month]);
-}
 
 /// A step of 1, 2 or 5 with which so many steps reach as far as a value.
 double step_for(double greatest, int steps) {
@@ -144,7 +134,7 @@ void draw_pressures(Svg& svg, const MoistureYear& year, const Words& words, Poin
   const double greatest = *std::max_element(month.saturations.begin(), month.saturations.end());
   const Chart chart(svg, words, origin, x.back(), greatest);
   chart.title(fmt::format("{}, {}", words.say("Vapour pressures", "Dampfdrücke"),
-                          month_name(month.month, words)));
+                          words.month(month.month)));
   chart.vertical_axis("Pa");
   chart.horizontal_axis("s_d [m]");
   for (std::size_t i = 1; i < year.places.size(); ++i) {
@@ -179,7 +169,7 @@ void draw_year(Svg& svg, const MoistureYear& year, const Words& words, Point ori
           R"(<rect x="{}" y="{}" width="{}" height="{}" fill="#0b5394" stroke="#1a1a1a" stroke-width="0.15"/>)",
           paper(top.x), paper(top.y), paper(bottom.x - top.x), paper(bottom.y - top.y)));
     }
-    const std::string name = month_name(month.month, words);
+    const std::string name = words.month(month.month);
     chart.note({chart.at(place + 0.5, 0).x, bottom.y + 4}, leading_columns(name, 3),
                Anchor::Middle);
   }
@@ -197,4 +187,4 @@ void draw_charts(Svg& svg, const MoistureYear& year, const Words& words, Point o
   draw_year(svg, year, words, {origin.x + label_margin + chart_width + between_charts, origin.y});
 }
 
-}  // namespace veldra_tool
+}  // namespace veldra::kit
