@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 //
-// The input is a file that the program imports: IDF, epJSON, honeybee, a table or the program's own
-// JSON, told by its content. Whatever it holds, the import works or ends with a sentence for
-// people, and then the library is as it was. What was imported can be exported and imported again,
-// with the same text.
+// The input is a file that the program imports: IDF, epJSON, honeybee, gbXML, IFC, a workbook, a
+// table or the program's own JSON, told by its content. Whatever it holds, the import works or ends
+// with a sentence for people, and then the library is as it was. What was imported can be exported
+// and imported again, with the same text.
 //
 // The command is run as a whole, into a library that it makes and into one that has objects of the
 // names that the inputs use. The fuzzer takes one of these ways for each input, which its length
@@ -47,7 +47,6 @@ constexpr const char* stored_objects = R"({
 class Place {
  public:
   Place() {
-    veldra_tool::use_unicode();
     write_file(source, stored_objects);
     expect(run({"import", stored, source}).empty(), "the library cannot be made");
     stored_bytes = read_file(stored);

@@ -29,7 +29,6 @@ constexpr const char* stored_objects = R"({
 class Place {
  public:
   Place() {
-    veldra_tool::use_unicode();
     write_file(plan, stored_objects);
     expect(run({"create", library, "--guid", "office"}).empty(), "no library can be made");
     expect(run({"import", library, plan}).empty(), "the library cannot be filled");

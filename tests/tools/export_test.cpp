@@ -225,6 +225,11 @@ TEST_F(ExportedFormat, is_that_of_the_ending_or_the_one_that_is_given) {
   EXPECT_EQ(read("y.json"), veldra({"export", "a.lib", "--format", "epjson"}).out);
   EXPECT_THAT(veldra({"export", "a.lib", "--format", "honeybee"}).out,
               HasSubstr("\"type\":\"EnergyMaterial\""));
+  const auto ifc = must({"export", "a.lib", "-o", "x.ifc"});
+  EXPECT_EQ(ifc.err, "") << "IFC has a place for everything";
+  EXPECT_THAT(read("x.ifc"), HasSubstr("=IFCMATERIAL('Brick',"));
+  must({"import", "b.lib", "x.ifc", "--tag", "a.idf"});
+  EXPECT_EQ(veldra({"export", "b.lib"}).out, veldra({"export", "a.lib"}).out);
 }
 
 TEST_F(ExportedFormat, tells_what_it_has_no_place_for) {
@@ -259,7 +264,7 @@ TEST_F(ExportedFormat, that_can_only_be_read_is_wrong_use) {
   const auto run = veldra({"export", "a.lib", "--format", "OpenStudio standards"});
   EXPECT_EQ(run.status, 2);
   EXPECT_THAT(run.err, HasSubstr("OpenStudio standards can only be read; there are writers for "
-                                 "json, hbjson, epjson, idf, csv"));
+                                 "json, hbjson, epjson, gbxml, xlsx, idf, ifc, csv"));
   EXPECT_EQ(veldra({"export", "a.lib", "-o", "x.idf", "--format", "csv"}).status, 2);
 }
 

@@ -23,12 +23,11 @@ std::string utf16(const std::string& text, bool little) {
   return result;
 }
 
-constexpr const char* some_ifc = R"(ISO-10303-21;
+constexpr const char* unknown_ifc = R"(ISO-10303-21;
 HEADER;FILE_DESCRIPTION(('ViewDefinition [CoordinationView]'),'2;1');
-FILE_SCHEMA(('IFC4'));ENDSEC;
+FILE_SCHEMA(('IFC5'));ENDSEC;
 DATA;
 #1=IFCMATERIAL('Concrete',$,$);
-#2=IFCMATERIALLAYER(#1,200.,$,$,$,$,$);
 ENDSEC;
 END-ISO-10303-21;
 )";
@@ -88,10 +87,11 @@ TEST_P(ForeignSource, is_refused_by_a_dry_run_and_a_strict_one) {
 INSTANTIATE_TEST_SUITE_P(
     Each, ForeignSource,
     testing::Values(Foreign{"", "this is empty"}, Foreign{" \n\t\r\n", "this is empty"},
-                    Foreign{"\xEF\xBB\xBF\n", "this is empty"}, Foreign{some_ifc, "an IFC model"},
+                    Foreign{"\xEF\xBB\xBF\n", "this is empty"},
+                    Foreign{unknown_ifc, "an IFC model"},
                     Foreign{"\n/* made by hand */\nISO-10303-21;\nHEADER;ENDSEC;", "a STEP file"},
-                    Foreign{"<?xml version=\"1.0\"?>\n<gbXML version=\"6.01\"><Material/></gbXML>",
-                            "gbXML"},
+                    Foreign{"<?xml version=\"1.0\"?>\n<ifc:ifcXML xmlns:ifc=\"ifc\"/>",
+                            "an IFC model in XML"},
                     Foreign{"<?xml version=\"1.0\"?><materials/>", "XML"},
                     Foreign{"<svg xmlns=\"http://www.w3.org/2000/svg\"/>", "a picture (SVG)"},
                     Foreign{"<!DOCTYPE html><HTML>", "an HTML page"},
@@ -117,9 +117,10 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     Binary, ForeignSource,
-    testing::Values(Foreign{"PK\x03\x04....xl/workbook.xml....", "a spreadsheet (XLSX)"},
+    testing::Values(Foreign{"PK\x03\x04....xl/workbook.xml....", "a broken archive (ZIP)"},
                     Foreign{"PK\x03\x04....mimetypeapplication/vnd.oasis.opendocument.spreadsheet",
                             "a spreadsheet (ODS)"},
+                    Foreign{"PK\x03\x04....house.ifc....", "a compressed IFC model"},
                     Foreign{"PK\x03\x04....readme.txt", "an archive (ZIP)"},
                     Foreign{"%PDF-1.7\n%\xE2\xE3\xCF\xD3\n", "a PDF document"},
                     Foreign{"\x89PNG\r\n\x1a\n\0\0"s, "a picture (PNG)"},

@@ -37,7 +37,6 @@ Table example() {
 }
 
 TEST(FittedTable, shortens_the_widest_texts_and_no_number) {
-  veldra_tool::use_unicode();
   const auto lines = lines_of(example().text(50));
   EXPECT_EQ(widest(lines), 50U);
   EXPECT_THAT(lines[2], AllOf(HasSubstr("Außenwand aus"), HasSubstr("…"), HasSubstr("485")));
@@ -45,20 +44,17 @@ TEST(FittedTable, shortens_the_widest_texts_and_no_number) {
 }
 
 TEST(FittedTable, is_as_it_is_where_there_is_room) {
-  veldra_tool::use_unicode();
   EXPECT_EQ(example().text(200), example().text());
   EXPECT_EQ(example().text(0), example().text());
   EXPECT_THAT(example().text(), Not(HasSubstr("…")));
 }
 
 TEST(FittedTable, leaves_something_of_each_text) {
-  veldra_tool::use_unicode();
   const auto lines = lines_of(example().text(10));
   EXPECT_THAT(lines[2], AllOf(HasSubstr("Außenwa…"), HasSubstr("massiv,…")));
 }
 
 TEST(FittedTable, counts_columns_and_not_characters) {
-  veldra_tool::use_unicode();
   Table table({{"name"}});
   table.add({"木材木材木材木材木材木材"});
   EXPECT_LE(widest(lines_of(table.text(12))), 12U);
@@ -68,7 +64,6 @@ class TableOnTerminal : public ProgramTest {
  protected:
   void SetUp() override {
     if (!terminals_can_be_made()) GTEST_SKIP() << "there are no terminals here";
-    veldra_tool::use_unicode();
     const auto office = library("a.lib");
     const std::string name = "Hochlochziegel mit Dämmstofffüllung ";
     for (int i = 0; i < 3; ++i) {

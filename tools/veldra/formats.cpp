@@ -27,6 +27,11 @@ bool has_ending(const kit::Format& format, const std::string& ending) {
 
 void require_writer(const kit::Format& format, const std::string& option) {
   if (format.writable) return;
+  if (!format.readable) {
+    throw CLI::ValidationError(
+        option, fmt::format("this build has no writer for {}; there are writers for {}",
+                            format.name, writable_formats()));
+  }
   throw CLI::ValidationError(option, fmt::format("{} can only be read; there are writers for {}",
                                                  format.name, writable_formats()));
 }

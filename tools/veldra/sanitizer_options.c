@@ -12,5 +12,8 @@ const char* __asan_default_options(void) { return options; }
 const char* __lsan_default_options(void) { return options; }
 const char* __ubsan_default_options(void) { return options; }
 
-/* It keeps what it has read of the fonts until the process ends, and forgets where. */
-const char* __lsan_default_suppressions(void) { return "leak:libfontconfig.so"; }
+/* The one keeps what it has read of the fonts until the process ends, and forgets where; the other
+   forgets one text for each drop-down of a workbook. */
+const char* __lsan_default_suppressions(void) {
+  return "leak:libfontconfig.so\nleak:libxlsxwriter.so";
+}

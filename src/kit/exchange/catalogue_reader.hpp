@@ -34,15 +34,20 @@ struct CatalogueComposition {
   unsigned first_core_layer;
   unsigned last_core_layer;
   unsigned structural_layer;
+  FieldsNotKept not_kept;
 };
 
-/// What a file of this program's own format holds, lengths in the unit that was asked for.
+/// What a file of whole objects holds, as this program's own format does, lengths in the unit that
+/// was asked for.
 struct Catalogue {
   String locale;
   String region;
   std::vector<CatalogueMaterial> materials;
   std::vector<CatalogueComposition> compositions;
-  std::optional<std::set<String>> types;  ///< all material types, where the file lists them
+  std::optional<std::set<String>> types;          ///< all material types, where the file lists them
+  std::string material_class = "material";        ///< as the report calls them
+  std::string composition_class = "composition";  ///< likewise
+  bool names_file_in_tags = false;                ///< as what comes from other programs does
 };
 
 /// Gives a composition its layers, with their materials, and its indices. Throws `SourceError` for

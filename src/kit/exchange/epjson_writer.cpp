@@ -115,12 +115,7 @@ WriteReport write_epjson(const Library& library, const TextSink& sink, const Wri
   static const ModelFormat format{"epJSON", material_classes(), true,  false,
                                   10,       name_in_epjson,     holds, holds_of_construction};
   ClassWriter writer(sink);
-  const ModelSink objects{
-      [&](const SourceMaterial& material) { writer.write(material); },
-      [&](const SourceConstruction& construction) { writer.write(construction); }};
-  auto report = write_model(library, format, objects, rules.progress);
-  writer.end();
-  return report;
+  return write_model_to(writer, library, format, rules.progress);
 }
 
 }  // namespace veldra::kit

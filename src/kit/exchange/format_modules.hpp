@@ -62,10 +62,13 @@ struct FormatModule {
 
 FormatModule catalogue_module();
 FormatModule epjson_module();
+FormatModule gbxml_module();
 FormatModule honeybee_module();
 FormatModule idf_module();
+FormatModule ifc_module();
 FormatModule openstudio_module();
 FormatModule table_module();
+FormatModule workbook_module();
 
 /// All of them, in the order in which they are asked whether a content is theirs.
 const std::vector<FormatModule>& format_modules();

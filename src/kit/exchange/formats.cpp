@@ -23,6 +23,9 @@ const FormatModule& module_for(const Format& format) {
   for (const auto& module : modules) {
     if (module.write != nullptr) names += (names.empty() ? "" : ", ") + module.format.name;
   }
+  if (!format.readable) {
+    throw Error(fmt::format("this build can neither read nor write {}", format.name));
+  }
   throw Error(fmt::format("{} can be read only; there are writers for {}", format.name, names));
 }
 
@@ -33,9 +36,9 @@ bool has_ending(const Format& format, const std::string& ending) {
 }  // namespace
 
 const std::vector<FormatModule>& format_modules() {
-  static const std::vector<FormatModule> all{catalogue_module(),  honeybee_module(),
-                                             openstudio_module(), epjson_module(),
-                                             idf_module(),        table_module()};
+  static const std::vector<FormatModule> all{
+      catalogue_module(), honeybee_module(), openstudio_module(), epjson_module(), gbxml_module(),
+      workbook_module(),  idf_module(),      ifc_module(),        table_module()};
   return all;
 }
 

@@ -40,17 +40,7 @@ std::vector<SourceField> shade_fields() {
           number("conductivity", property::conductivity)};
 }
 
-std::vector<SourceField> mixture_fields() {
-  return {thickness(),
-          text("gas_1_type", "Gas 1 type"),
-          number("gas_1_fraction", "Gas 1 fraction [-]"),
-          text("gas_2_type", "Gas 2 type"),
-          number("gas_2_fraction", "Gas 2 fraction [-]"),
-          text("gas_3_type", "Gas 3 type"),
-          number("gas_3_fraction", "Gas 3 fraction [-]"),
-          text("gas_4_type", "Gas 4 type"),
-          number("gas_4_fraction", "Gas 4 fraction [-]")};
-}
+std::vector<SourceField> mixture_fields() { return joined({thickness()}, gases()); }
 
 std::vector<SourceField> plant_fields() {
   return {number("plant_height", "Plant height [m]"),

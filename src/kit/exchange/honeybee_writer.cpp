@@ -126,11 +126,7 @@ WriteReport write_honeybee(const Library& library, const TextSink& sink, const W
                                   holds,
                                   holds_of_construction};
   ListWriter writer(sink);
-  const ModelSink objects{
-      [&](const SourceMaterial& material) { writer.write(material); },
-      [&](const SourceConstruction& construction) { writer.write(construction); }};
-  auto report = write_model(library, format, objects, rules.progress);
-  writer.end();
+  auto report = write_model_to(writer, library, format, rules.progress);
   report.written.erase("Construction");
   report.written.insert(writer.written().begin(), writer.written().end());
   return report;

@@ -3,6 +3,8 @@
 #define VELDRA_KIT_EXCHANGE_LOST_VALUES_HPP
 
 #include <veldra/kit/exchange.hpp>
+#include <veldra/kit/fields.hpp>
+#include <veldra/kit/kinds.hpp>
 
 #include <map>
 #include <string>
@@ -20,6 +22,17 @@ class FieldCounts {
  private:
   std::map<std::pair<std::string, std::string>, std::size_t> counts_;
 };
+
+/// Counts the values of the assets of an object, which tables do not hold.
+template <class T>
+void count_assets(const Fields<T>& fields, const T& object, FieldCounts& counts) {
+  for (const auto& field : fields) {
+    if (field.origin != Origin::Asset) continue;
+    const auto value = field.get(object);
+    if (value.is_nothing() || value == field.initial) continue;
+    counts.add(singular_of(ObjectTraits<T>::type), field.name());
+  }
+}
 
 /// Counts the values of objects that do not come back from a format.
 class LostValues {

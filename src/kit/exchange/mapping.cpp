@@ -41,6 +41,33 @@ double thickness_of(const SourceMaterial& source) {
   return thickness;
 }
 
+/// Sources round what follows from other numbers.
+bool is_nearly(double number, double other) {
+  constexpr double rounding = 0.01;
+  return std::abs(number - other) <= rounding * std::abs(other);
+}
+
+/// Whether the resistance is that of the thickness and the conductivity.
+bool is_implied(const SourceMaterial& source, const std::string& resistance) {
+  const auto number_at = [&](const std::string& key) {
+    const auto value = source.values.find(key);
+    return value != source.values.end() ? number_in(value->second) : std::nullopt;
+  };
+  const auto stated = number_in(resistance);
+  const auto thickness = number_at("thickness");
+  for (const auto& field : source.described->fields) {
+    if (std::string(field.property) != property::conductivity) continue;
+    const auto conductivity = number_at(field.key);
+    if (!stated || !thickness || !conductivity || *conductivity <= 0) return false;
+    return is_nearly(*thickness / *conductivity, *stated);
+  }
+  return false;
+}
+
+bool is_number(FieldKind kind) {
+  return kind == FieldKind::Number || kind == FieldKind::Resistance;
+}
+
 constexpr const char* identifier_property = "Identifier";
 
 bool is_a_number(const std::string& text) {
@@ -103,7 +130,7 @@ const MaterialClass* best_class(const Material& material, const std::string& typ
 
 /// The text that stands for a field in the source; empty for none.
 std::string source_value(const Material& material, const SourceField& field) {
-  if (field.kind != FieldKind::Number && field.kind != FieldKind::Text) return {};
+  if (!is_number(field.kind) && field.kind != FieldKind::Text) return {};
   const auto value = material.custom_value(library_text(field.property));
   if (value.null()) return {};
   const auto text = value.get().utf8();
@@ -121,6 +148,7 @@ double thermal_mass_of(const Material& material) {
 
 std::shared_ptr<Material> map_material(const SourceMaterial& source, Unit unit,
                                        SharedObjects& shared) {
+  if (!source.fault.empty()) throw Error(source.fault);
   if (source.name.empty()) throw Error("the name is missing");
   auto material = Material::create(library_text(source.name));
   material->type(shared.type(source.described->type));
@@ -130,9 +158,10 @@ std::shared_ptr<Material> map_material(const SourceMaterial& source, Unit unit,
   }
   for (const auto& field : source.described->fields) {
     const auto value = source.values.find(field.key);
-    const bool wanted = field.kind == FieldKind::Number || field.kind == FieldKind::Text;
+    const bool number = is_number(field.kind);
+    const bool wanted = number || field.kind == FieldKind::Text;
     if (!wanted || value == source.values.end()) continue;
-    const bool number = field.kind == FieldKind::Number;
+    if (field.kind == FieldKind::Resistance && is_implied(source, value->second)) continue;
     const auto text = number ? exact_number(number_of(value->second, field.key)) : value->second;
     material->custom_value(shared.property(field.property, ObjectType::Material),
                            library_text(text));
@@ -184,6 +213,15 @@ std::shared_ptr<Composition> map_construction(const SourceConstruction& source,
   composition->last_core_layer(static_cast<unsigned>(layers.size() - 1));
   composition->structural_layer(structural);
   return composition;
+}
+
+void keep_transmittance(Composition& composition, const std::string& stated, Unit unit,
+                        SharedObjects& shared) {
+  const double number = number_of(stated, "U-value");
+  const auto computed = transmission_of(composition, unit).transmittance();
+  if (computed && is_nearly(*computed, number)) return;
+  composition.custom_value(shared.property(source_property::u_factor, ObjectType::Composition),
+                           library_text(exact_number(number)));
 }
 
 std::string property_of_unknown(const std::string& class_name, const std::string& field) {

@@ -32,6 +32,11 @@ std::shared_ptr<Composition> map_construction(const SourceConstruction& source,
                                               const std::vector<Composition::Layer>& layers,
                                               SharedObjects& shared);
 
+/// Keeps the transmittance that a source states of a composition, in W/(m2 K), unless the layers
+/// say it as well. Throws `Error` for a number that is none.
+void keep_transmittance(Composition& composition, const std::string& stated, Unit unit,
+                        SharedObjects& shared);
+
 /// The name of the custom property for a field that a library has no place for.
 std::string property_of_unknown(const std::string& class_name, const std::string& field);
 

@@ -3,6 +3,7 @@
 
 #include <veldra/kit/fields.hpp>
 #include <veldra/kit/kinds.hpp>
+#include <veldra/kit/physics.hpp>
 #include <veldra/kit/text.hpp>
 
 #include "kit/exchange/lost_values.hpp"
@@ -103,7 +104,7 @@ class ModelWriter {
     for_each_by_name<Material>(library_, [&](const Material& material, std::size_t) {
       if (!material.mark().empty()) ++marks_[material.mark().utf8()];
       auto thicknesses = thicknesses_of(material);
-      const bool has_thickness = !thicknesses.empty();
+      const bool has_thickness = can_have_thickness(material, thicknesses);
       const auto& described = class_for(material, format_.classes, has_thickness);
       if (described.default_thickness < 0) thicknesses = {no_thickness};
       if (thicknesses.empty()) return refuse(material, "it has no thickness");
@@ -118,6 +119,13 @@ class ModelWriter {
       const auto found = others.find(material.id());
       if (found != others.end()) add_other_thicknesses(material, found->second);
     });
+  }
+
+  /// Layers of a material without thickness have the thickness 0.
+  static bool can_have_thickness(const Material& material, const std::vector<double>& thicknesses) {
+    return !material.thicknesses().empty() ||
+           std::any_of(thicknesses.begin(), thicknesses.end(),
+                       [](double thickness) { return thickness > 0; });
   }
 
   /// The thickness of the material itself, and those of its layers. What it is offered in besides
@@ -201,8 +209,9 @@ class ModelWriter {
   }
 
   /// The material that the reader would make.
-  std::shared_ptr<Material> mapped_back(const SourceMaterial& source, const String& name) const {
+  std::shared_ptr<Material> mapped_back(SourceMaterial source, const String& name) const {
     SharedObjects shared;
+    if (format_.read_as != nullptr) source.described = &format_.read_as(source);
     auto material = map_material(source, library_.unit(), shared);
     for (const auto& [key, value] : source.not_kept) {
       keep_unknown(*material, source.described->name, key, value, shared);
@@ -257,9 +266,17 @@ class ModelWriter {
     const bool identifies = format_.has_identifiers && !identifier.empty() &&
                             identifiers_[identifier] == 1 && trimmed(identifier) == identifier;
     if (identifies) source.identifier = identifier;
+    source.transmittance = transmittance_of(composition);
     lost_.compare(composition, *mapped_back(source, composition));
     ++report_.written[source.described->name];
     sink_.construction(source);
+  }
+
+  /// What the composition states, or what its layers say; empty if that is not known.
+  std::string transmittance_of(const Composition& composition) const {
+    if (!format_.has_transmittances) return {};
+    const auto known = transmission_of(composition, library_.unit()).transmittance();
+    return known && std::isfinite(*known) ? exact_number(*known) : std::string();
   }
 
   const Part* part_of(const Composition::Layer& layer) const {
@@ -286,6 +303,9 @@ class ModelWriter {
       materials.push_back(mapped_back(source_of(material, *part_of(layer)), material.name()));
     }
     auto result = map_construction(source, map_layers(materials), shared);
+    if (!source.transmittance.empty()) {
+      keep_transmittance(*result, source.transmittance, library_.unit(), shared);
+    }
     for (const auto& [key, value] : source.not_kept) {
       keep_unknown(*result, source.described->name, key, value, shared);
     }

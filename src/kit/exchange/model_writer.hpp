@@ -29,6 +29,11 @@ struct ModelFormat {
   /// The same for a field of a construction that a library has no place for.
   bool (*holds_of_construction)(const ConstructionClass& described, const std::string& key,
                                 const std::string& value);
+
+  /// Where the values of a material and not its class tell the reader what it is: what they tell.
+  const MaterialClass& (*read_as)(const SourceMaterial& material) = nullptr;
+
+  bool has_transmittances = false;  ///< constructions state them
 };
 
 /// Takes the objects of a library as a format has them: materials class by class, each class by
@@ -42,6 +47,17 @@ struct ModelSink {
 /// the report: each object is mapped back, and compared field by field.
 WriteReport write_model(const Library& library, const ModelFormat& format, const ModelSink& sink,
                         const Progress& progress);
+
+/// The same to a writer, which takes each object and then the end.
+template <class Writer>
+WriteReport write_model_to(Writer& writer, const Library& library, const ModelFormat& format,
+                           const Progress& progress) {
+  const ModelSink sink{[&](const SourceMaterial& material) { writer.write(material); },
+                       [&](const SourceConstruction& construction) { writer.write(construction); }};
+  auto report = write_model(library, format, sink, progress);
+  writer.end();
+  return report;
+}
 
 }  // namespace veldra::kit
 

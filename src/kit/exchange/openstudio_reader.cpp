@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/exchange/format_modules.hpp"
+#include "kit/exchange/inch_pound.hpp"
 #include "kit/exchange/problem.hpp"
 #include "kit/exchange/source_fields.hpp"
 #include "kit/text/quoted.hpp"
@@ -18,16 +19,7 @@ namespace veldra::kit {
 namespace {
 
 using namespace source_fields;
-
-// Units of inch and pound, exact in those of SI. The British thermal unit is that of the
-// international table.
-constexpr double inch = 0.0254;                                     // m
-constexpr double foot = 0.3048;                                     // m
-constexpr double pound = 0.45359237;                                // kg
-constexpr double btu = 1055.05585262;                               // J
-constexpr double hour = 3600;                                       // s
-constexpr double fahrenheit = 5.0 / 9.0;                            // K
-constexpr double u_unit = btu / (hour * foot * foot * fahrenheit);  // W/(m2 K)
+using namespace inch_pound;
 
 double factor_of(const std::string& key) {
   static const std::map<std::string, double> factors{{"thickness", inch},
@@ -54,27 +46,10 @@ std::vector<SourceField> with_origin(const std::vector<SourceField>& fields) {
 SourceField resistance() { return number("resistance", property::resistance); }
 
 std::vector<SourceField> glazing_fields() {
-  return {
-      thickness(),
-      number("conductivity", property::conductivity),
-      implied("resistance"),
-      text("optical_data_type", source_property::optical_data_type),
-      number("solar_transmittance_at_normal_incidence", source_property::solar_transmittance),
-      number("front_side_solar_reflectance_at_normal_incidence",
-             source_property::front_solar_reflectance),
-      number("back_side_solar_reflectance_at_normal_incidence",
-             source_property::back_solar_reflectance),
-      number("visible_transmittance_at_normal_incidence", source_property::visible_transmittance),
-      number("front_side_visible_reflectance_at_normal_incidence",
-             source_property::front_visible_reflectance),
-      number("back_side_visible_reflectance_at_normal_incidence",
-             source_property::back_visible_reflectance),
-      number("infrared_transmittance_at_normal_incidence", source_property::infrared_transmittance),
-      number("front_side_infrared_hemispherical_emissivity", source_property::front_emissivity),
-      number("back_side_infrared_hemispherical_emissivity", source_property::back_emissivity),
-      number("dirt_correction_factor_for_solar_and_visible_transmittance",
-             source_property::dirt_correction),
-      text("solar_diffusing", source_property::solar_diffusing)};
+  const std::vector<SourceField> glass{
+      thickness(), number("conductivity", property::conductivity), implied("resistance"),
+      text("optical_data_type", source_property::optical_data_type)};
+  return joined(joined(glass, optics_at_normal_incidence()), dirt_and_diffusion());
 }
 
 std::vector<SourceField> opaque_fields() {

@@ -84,12 +84,16 @@ std::string format_of_archive(std::string_view content) {
   return "an archive (ZIP)";
 }
 
+bool is_archive(std::string_view content) {
+  return begins_with(content, "PK\x03\x04") || begins_with(content, "PK\x05\x06");
+}
+
 std::string format_of_xml(std::string_view content) {
   constexpr std::size_t head = 4096;
   std::string beginning(content.substr(0, head));
   std::transform(beginning.begin(), beginning.end(), beginning.begin(),
                  [](unsigned char letter) { return std::tolower(letter); });
-  if (contains(beginning, "<gbxml")) return "gbXML";
+  if (contains(beginning, "<gbxml") || contains(beginning, ":gbxml ")) return "gbXML";
   if (contains(beginning, "<svg")) return "a picture (SVG)";
   if (contains(beginning, "<html")) return "an HTML page";
   if (contains(beginning, "ifcxml")) return "an IFC model in XML";
@@ -141,20 +145,33 @@ void refuse_database(std::string_view content, const std::string& file) {
   refuse(file, "this is a library; 'veldra copy' takes objects from libraries");
 }
 
+void require_readable_xml(std::string_view text, const std::string& file) {
+  const auto name = format_of_xml(text);
+  const auto& all = formats();
+  const bool is_read = std::any_of(all.begin(), all.end(), [&](const Format& format) {
+    return format.name == name && format.readable;
+  });
+  if (!is_read) refuse_format(file, name);
+}
+
 void require_readable(const std::string& content, const std::string& file) {
   const std::string mark = format_by_mark(content);
   if (!mark.empty()) refuse_format(file, mark);
   if (begins_with(content, "SQLite format 3\0"sv)) refuse_database(content, file);
-  if (begins_with(content, "PK\x03\x04") || begins_with(content, "PK\x05\x06")) {
-    refuse_format(file, format_of_archive(content));
-  }
+  if (is_archive(content)) refuse_format(file, format_of_archive(content));
   const auto text = without_leading_blanks(content);
   if (text.empty()) refuse(file, "this is empty");
   if (contains(text, "\0"sv)) refuse_format(file, "a binary file");
-  if (is_xml(text)) refuse_format(file, format_of_xml(text));
-  if (contains(text.substr(0, 1024), "ISO-10303-21;")) {
-    refuse_format(file, contains(text.substr(0, 1 << 16), "IFC") ? "an IFC model" : "a STEP file");
-  }
+  if (is_xml(text)) require_readable_xml(text, file);
+  if (is_step(text) && !contains(text.substr(0, 1 << 16), "IFC"))
+    refuse_format(file, "a STEP file");
+}
+
+/// Whether a content is a workbook, and there is a reader for these.
+bool is_workbook(std::string_view content) {
+  const auto* format = find_format("XLSX");
+  return is_archive(content) && contains(content, "xl/workbook") && format != nullptr &&
+         format->readable;
 }
 
 /// The code units of a text in UTF-16, the first byte of which is at one of two places.
@@ -200,12 +217,25 @@ bool starts_as_json(std::string_view text) {
 
 }  // namespace
 
+bool is_step(std::string_view text) { return contains(text.substr(0, 1024), "ISO-10303-21;"); }
+
 FileContent content_from(const std::string& file, std::string bytes) {
-  if (is_utf16(bytes)) bytes = from_utf16(bytes, file);
+  if (is_workbook(bytes)) return {file, std::move(bytes), std::nullopt, Encoding::Binary};
+  auto encoding = Encoding::Utf8;
+  if (is_utf16(bytes)) {
+    encoding = Encoding::Utf16;
+    bytes = from_utf16(bytes, file);
+  }
   drop_byte_order_mark(bytes);
   require_readable(bytes, file);
-  if (starts_as_json(bytes)) return {file, "", parse_json(bytes, file)};
-  return {file, is_utf8(bytes) ? std::move(bytes) : from_latin1(bytes), std::nullopt};
+  if (starts_as_json(bytes)) return {file, "", parse_json(bytes, file), encoding};
+  if (is_utf8(bytes)) return {file, std::move(bytes), std::nullopt, encoding};
+  return {file, from_latin1(bytes), std::nullopt, Encoding::Latin1};
+}
+
+bool is_gbxml(const std::string& text) {
+  const auto content = without_leading_blanks(text);
+  return is_xml(content) && format_of_xml(content) == "gbXML";
 }
 
 void refuse_unknown(const FileContent& content) {

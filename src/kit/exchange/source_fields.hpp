@@ -83,6 +83,39 @@ inline std::vector<SourceField> solid() {
           number("specific_heat", property::specific_heat)};
 }
 
+/// Of a pane, as the formats of simulation name it.
+inline std::vector<SourceField> optics_at_normal_incidence() {
+  return {
+      number("solar_transmittance_at_normal_incidence", source_property::solar_transmittance),
+      number("front_side_solar_reflectance_at_normal_incidence",
+             source_property::front_solar_reflectance),
+      number("back_side_solar_reflectance_at_normal_incidence",
+             source_property::back_solar_reflectance),
+      number("visible_transmittance_at_normal_incidence", source_property::visible_transmittance),
+      number("front_side_visible_reflectance_at_normal_incidence",
+             source_property::front_visible_reflectance),
+      number("back_side_visible_reflectance_at_normal_incidence",
+             source_property::back_visible_reflectance),
+      number("infrared_transmittance_at_normal_incidence", source_property::infrared_transmittance),
+      number("front_side_infrared_hemispherical_emissivity", source_property::front_emissivity),
+      number("back_side_infrared_hemispherical_emissivity", source_property::back_emissivity)};
+}
+
+/// What dims the light behind a pane.
+inline std::vector<SourceField> dirt_and_diffusion() {
+  return {number("dirt_correction_factor_for_solar_and_visible_transmittance",
+                 source_property::dirt_correction),
+          text("solar_diffusing", source_property::solar_diffusing)};
+}
+
+/// The parts of a mixture, of which there are at most four.
+inline std::vector<SourceField> gases() {
+  return {text("gas_1_type", "Gas 1 type"), number("gas_1_fraction", "Gas 1 fraction [-]"),
+          text("gas_2_type", "Gas 2 type"), number("gas_2_fraction", "Gas 2 fraction [-]"),
+          text("gas_3_type", "Gas 3 type"), number("gas_3_fraction", "Gas 3 fraction [-]"),
+          text("gas_4_type", "Gas 4 type"), number("gas_4_fraction", "Gas 4 fraction [-]")};
+}
+
 }  // namespace source_fields
 
 }  // namespace veldra::kit

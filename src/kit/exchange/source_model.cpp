@@ -24,29 +24,13 @@ std::vector<SourceField> gas_coefficients() {
 }
 
 std::vector<SourceField> glazing_fields() {
-  const std::vector<SourceField> usual{
+  const std::vector<SourceField> data{
       text("optical_data_type", source_property::optical_data_type),
-      text("window_glass_spectral_data_set_name", "Spectral data set"),
-      thickness(),
-      number("solar_transmittance_at_normal_incidence", source_property::solar_transmittance),
-      number("front_side_solar_reflectance_at_normal_incidence",
-             source_property::front_solar_reflectance),
-      number("back_side_solar_reflectance_at_normal_incidence",
-             source_property::back_solar_reflectance),
-      number("visible_transmittance_at_normal_incidence", source_property::visible_transmittance),
-      number("front_side_visible_reflectance_at_normal_incidence",
-             source_property::front_visible_reflectance),
-      number("back_side_visible_reflectance_at_normal_incidence",
-             source_property::back_visible_reflectance),
-      number("infrared_transmittance_at_normal_incidence", source_property::infrared_transmittance),
-      number("front_side_infrared_hemispherical_emissivity", source_property::front_emissivity),
-      number("back_side_infrared_hemispherical_emissivity", source_property::back_emissivity),
-      number("conductivity", property::conductivity),
-      number("dirt_correction_factor_for_solar_and_visible_transmittance",
-             source_property::dirt_correction),
-      text("solar_diffusing", source_property::solar_diffusing)};
+      text("window_glass_spectral_data_set_name", "Spectral data set"), thickness()};
+  const auto glass = joined(joined(data, optics_at_normal_incidence()),
+                            {number("conductivity", property::conductivity)});
   return joined(
-      usual,
+      joined(glass, dirt_and_diffusion()),
       dropped({"young_s_modulus", "poisson_s_ratio",
                "window_glass_spectral_and_incident_angle_transmittance_data_set_table_name",
                "window_glass_spectral_and_incident_angle_front_reflectance_data_set_table_name",
@@ -67,16 +51,7 @@ std::vector<SourceField> refraction_fields() {
 }
 
 std::vector<SourceField> gas_mixture_fields() {
-  return {thickness(),
-          implied("number_of_gases_in_mixture"),
-          text("gas_1_type", "Gas 1 type"),
-          number("gas_1_fraction", "Gas 1 fraction [-]"),
-          text("gas_2_type", "Gas 2 type"),
-          number("gas_2_fraction", "Gas 2 fraction [-]"),
-          text("gas_3_type", "Gas 3 type"),
-          number("gas_3_fraction", "Gas 3 fraction [-]"),
-          text("gas_4_type", "Gas 4 type"),
-          number("gas_4_fraction", "Gas 4 fraction [-]")};
+  return joined({thickness(), implied("number_of_gases_in_mixture")}, gases());
 }
 
 std::vector<SourceField> shade_fields() {

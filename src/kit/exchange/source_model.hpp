@@ -18,6 +18,7 @@ enum class FieldKind {
   Implied,  ///< other fields say it as well
   Thickness,
   Number,
+  Resistance,  ///< a number, unless thickness and conductivity say it as well
   Text
 };
 
@@ -73,6 +74,7 @@ struct SourceMaterial {
   unsigned line = 0;
   std::map<std::string, std::string> values;  ///< by the key of the field; none is empty
   FieldsNotKept not_kept;
+  std::string fault;  ///< why it cannot be taken; empty for most
 };
 
 struct SourceConstruction {
@@ -83,6 +85,9 @@ struct SourceConstruction {
   std::vector<std::string> layers;  ///< from outside to inside
   Composition::Type type = Composition::Type::Other;
   std::vector<std::pair<std::string, std::string>> properties;  ///< custom ones, and their values
+  std::string transmittance;         ///< in W/(m2 K), where the format states it
+  std::vector<std::string> missing;  ///< sentences about what it refers to and is not there
+  std::string fault;                 ///< why it cannot be taken; empty for most
   FieldsNotKept not_kept;
 };
 

@@ -56,19 +56,23 @@ std::string free_name(const IncomingObjects<T>& objects, const std::string& name
 }
 
 template <class T>
+void add_tag(T& object, const std::shared_ptr<Tag>& tag) {
+  const auto& has = object.tags();
+  const bool is_there = std::any_of(has.begin(), has.end(),
+                                    [&](const auto& each) { return each->name() == tag->name(); });
+  if (!is_there) object.addTag(tag);
+}
+
+/// An object may have such a tag by itself.
+template <class T>
 void give_tags(T& object, const SourceReport& report, SharedObjects& shared) {
-  for (const auto& tag : report.tags) object.addTag(shared.tag(tag));
+  for (const auto& tag : report.tags) add_tag(object, shared.tag(tag));
 }
 
 /// An object that stands for another one has the tags of both, each once.
 template <class T>
 void add_tags(T& object, const std::vector<std::shared_ptr<Tag>>& tags) {
-  for (const auto& tag : tags) {
-    const auto& has = object.tags();
-    const bool is_there = std::any_of(
-        has.begin(), has.end(), [&](const auto& each) { return each->name() == tag->name(); });
-    if (!is_there) object.addTag(tag);
-  }
+  for (const auto& tag : tags) add_tag(object, tag);
 }
 
 /// In what an object differs from the one that came first, whose name may be written otherwise.
@@ -267,12 +271,12 @@ void SourceSet::add(const SourceModel& model, SourceReport& report) {
 void SourceSet::add(Catalogue catalogue, SourceReport& report) {
   const std::size_t source = files_.size();
   files_.push_back(report.file);
-  choose_tags(false, report);
+  choose_tags(catalogue.names_file_in_tags, report);
   for (const auto& material : catalogue.materials) {
-    ++report.read["material"];
+    ++report.read[catalogue.material_class];
     const auto name = material.object->name().utf8();
     const Incoming<Material> incoming{material.object, {source, material.line, name, false, false}};
-    take_unknown(incoming, "material", material.not_kept, report);
+    take_unknown(incoming, catalogue.material_class, material.not_kept, report);
     enter(materials_, incoming, report);
   }
   if (catalogue.types) {
@@ -281,15 +285,16 @@ void SourceSet::add(Catalogue catalogue, SourceReport& report) {
   }
   if (locale_.empty()) locale_ = catalogue.locale;
   if (region_.empty()) region_ = catalogue.region;
-  catalogue_compositions_.push_back({std::move(catalogue.compositions), &report, source});
+  catalogue_compositions_.push_back(
+      {std::move(catalogue.compositions), catalogue.composition_class, &report, source});
 }
 
 void SourceSet::resolve() {
   for (const auto& constructions : constructions_) {
     for (const auto& construction : *constructions.objects) resolve(construction, constructions);
   }
-  for (const auto& [objects, report, source] : catalogue_compositions_) {
-    for (const auto& composition : objects) resolve(composition, source, *report);
+  for (const auto& compositions : catalogue_compositions_) {
+    for (const auto& composition : compositions.objects) resolve(composition, compositions);
   }
 }
 
@@ -309,12 +314,15 @@ void SourceSet::resolve(const SourceConstruction& construction, const Constructi
     add_problem(report, construction.line, construction.name,
                 fmt::format("{}: {}", called(class_name, construction.name), sentence));
   };
-  if (construction.layers.empty()) {
+  if (!construction.fault.empty()) return problem(construction.fault);
+  if (construction.layers.empty() && construction.missing.empty()) {
     ++report.skipped[class_name];
     return problem("it has no layers and is not imported");
   }
   std::vector<std::shared_ptr<Material>> materials;
-  bool all_found = true;
+  bool all_found = construction.missing.empty();
+  report.references_not_found += static_cast<unsigned>(construction.missing.size());
+  for (const auto& sentence : construction.missing) problem(sentence);
   for (const auto& name : construction.layers) {
     const auto material = materials_.find(name, of.source, names);
     materials.push_back(material);
@@ -326,15 +334,19 @@ void SourceSet::resolve(const SourceConstruction& construction, const Constructi
   if (construction.name.empty()) return problem("the name is missing");
   if (!all_found) return;
   const auto object = map_construction(construction, map_layers(materials), shared_);
+  if (!construction.transmittance.empty()) {
+    keep_transmittance(*object, construction.transmittance, rules_.unit, shared_);
+  }
   const Incoming<Composition> incoming{
       object, {of.source, construction.line, construction.name, of.ignores_case, false}};
   take_unknown(incoming, class_name, construction.not_kept, report);
   enter(compositions_, incoming, report);
 }
 
-void SourceSet::resolve(const CatalogueComposition& composition, std::size_t source,
-                        SourceReport& report) {
-  ++report.read["composition"];
+void SourceSet::resolve(const CatalogueComposition& composition, const Compositions& of) {
+  SourceReport& report = *of.report;
+  const std::size_t source = of.source;
+  ++report.read[of.class_name];
   const auto name = composition.object->name().utf8();
   std::vector<Composition::Layer> layers;
   bool all_found = true;
@@ -350,8 +362,10 @@ void SourceSet::resolve(const CatalogueComposition& composition, std::size_t sou
   }
   if (!all_found) return;
   complete(composition, layers, report.file);
-  enter(compositions_, {composition.object, {source, composition.line, name, false, false}},
-        report);
+  const Incoming<Composition> incoming{composition.object,
+                                       {source, composition.line, name, false, false}};
+  take_unknown(incoming, of.class_name, composition.not_kept, report);
+  enter(compositions_, incoming, report);
 }
 
 template class IncomingObjects<Material>;

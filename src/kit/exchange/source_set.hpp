@@ -93,6 +93,7 @@ class SourceSet {
   };
   struct Compositions {
     std::vector<CatalogueComposition> objects;
+    std::string class_name;
     SourceReport* report;
     std::size_t source;
   };
@@ -121,7 +122,7 @@ class SourceSet {
   void add_material(const SourceMaterial& material, std::size_t source, bool ignores_case,
                     SourceReport& report);
   void resolve(const SourceConstruction& construction, const Constructions& of);
-  void resolve(const CatalogueComposition& composition, std::size_t source, SourceReport& report);
+  void resolve(const CatalogueComposition& composition, const Compositions& of);
 
   const SourceRules& rules_;
   SharedObjects shared_;

@@ -125,8 +125,7 @@ Sources read_tables(const std::vector<Source>& sources,
     reports[i].format = source.format().name;
     const auto* content = dynamic_cast<const TableContent*>(&SourceReading::content_of(source));
     if (content == nullptr) fail_at(source.file(), 0, "this is no table");
-    tables.push_back({i, &source.file(), &content->text(), {}, {}, {}, &reports[i]});
-    read_head(tables.back(), rules);
+    content->add_tables(i, rules, reports[i], tables);
   }
   auto result = read_tables(tables, library, rules.progress);
   result.reports = std::move(reports);

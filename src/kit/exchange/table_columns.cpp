@@ -106,6 +106,16 @@ std::vector<std::string> layer_headings(Unit library) {
           "function"};
 }
 
+std::vector<std::string> layer_texts(const Composition& composition, std::size_t index) {
+  const auto& layer = composition.layers()[index];
+  return {layer_kind,
+          composition.name().utf8(),
+          fmt::format("{}", index + 1),
+          layer.material() ? layer.material()->name().utf8() : std::string(),
+          value_text(layer.thickness()),
+          fmt::format("{}", static_cast<int>(layer.function()))};
+}
+
 template std::vector<TableColumn<Material>> table_columns(const Fields<Material>&, const Library&);
 template std::vector<TableColumn<Composition>> table_columns(const Fields<Composition>&,
                                                              const Library&);

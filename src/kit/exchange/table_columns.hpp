@@ -38,6 +38,12 @@ std::vector<TableColumn<T>> table_columns(const Fields<T>& fields, const Library
 /// The headings of the table of layers.
 std::vector<std::string> layer_headings(Unit library);
 
+/// The first of these that is about the layer and not about where it is.
+constexpr std::size_t first_layer_cell = 3;
+
+/// The texts of the row of a layer, in the order of the headings.
+std::vector<std::string> layer_texts(const Composition& composition, std::size_t index);
+
 extern template std::vector<TableColumn<Material>> table_columns(const Fields<Material>&,
                                                                  const Library&);
 extern template std::vector<TableColumn<Composition>> table_columns(const Fields<Composition>&,

@@ -2,6 +2,7 @@
 #include "kit/exchange/problem.hpp"
 #include "kit/exchange/table_columns.hpp"
 #include "kit/exchange/table_reader.hpp"
+#include "kit/exchange/text_table.hpp"
 #include "kit/exchange/writers.hpp"
 #include "kit/text/quoted.hpp"
 
@@ -32,11 +33,11 @@ bool is_heading(const Cells& headings, const std::string& wanted) {
   });
 }
 
-TableKind kind_named(const std::string& name, const TableSource& table, unsigned line) {
+TableKind kind_named(const std::string& name, const TableSource& table, const TablePlace& place) {
   if (name == singular_of(ObjectType::Material)) return TableKind::Materials;
   if (name == singular_of(ObjectType::Composition)) return TableKind::Compositions;
   if (name == layer_kind) return TableKind::Layers;
-  fail_at(*table.file, line,
+  fail_in(*table.sheet, place,
           fmt::format("there is no table of the kind {}; there are material, composition, layer",
                       quoted(name)));
 }
@@ -68,32 +69,25 @@ bool has_unknown_heading(const Cells& headings) {
   });
 }
 
-/// What the headings tell where no row says it.
-TableKind kind_by_headings(const TableSource& table) {
-  if (is_heading(table.headings, "composition") && is_heading(table.headings, "position")) {
-    return TableKind::Layers;
-  }
-  const bool materials = has_own_heading<Material>(table.headings, keys_of<Composition>());
-  const bool compositions = has_own_heading<Composition>(table.headings, keys_of<Material>());
-  if (materials != compositions) {
-    return materials ? TableKind::Materials : TableKind::Compositions;
-  }
-  if (!materials && has_unknown_heading(table.headings)) return TableKind::Materials;
-  fail_at(*table.file, 1,
-          "the headings do not tell whether the rows are materials, compositions or layers of "
-          "compositions; a column 'kind' with material, composition or layer in each row does");
-}
-
-void find_kind(TableSource& table, TableScanner& scanner) {
+void find_kind(TableSource& table, TableRows& rows) {
   const auto column = std::find(table.headings.begin(), table.headings.end(), kind_heading);
-  Cells row;
-  if (column == table.headings.end() || !scanner.next(row)) {
-    table.kind = kind_by_headings(table);
+  TableRow row;
+  if (column != table.headings.end() && rows.next(row)) {
+    const auto place = static_cast<std::size_t>(column - table.headings.begin());
+    const auto kind = place < row.cells.size() ? trimmed(row.cells[place]) : std::string();
+    table.kind = kind_named(kind, table, {row.line, place});
     return;
   }
-  const auto place = static_cast<std::size_t>(column - table.headings.begin());
-  const auto kind = place < row.size() ? trimmed(row[place]) : std::string();
-  table.kind = kind_named(kind, table, scanner.line());
+  auto kind = kind_by_headings(table.headings);
+  const auto title = table.sheet->title();
+  if (title == "materials") kind = TableKind::Materials;
+  if (title == "compositions") kind = TableKind::Compositions;
+  if (!kind) {
+    fail_in(*table.sheet, {table.heading_line, {}},
+            "the headings do not tell whether the rows are materials, compositions or layers of "
+            "compositions; a column 'kind' with material, composition or layer in each row does");
+  }
+  table.kind = *kind;
 }
 
 /// A cell of digits with a comma among them shows that it is the sign between them. Where cells
@@ -116,40 +110,74 @@ char decimal_in(const std::string& text, char separator) {
 
 void require_headings(TableSource& table) {
   if (table.headings.size() > TableScanner::most_cells) {
-    fail_at(*table.file, 1,
+    fail_in(*table.sheet, {table.heading_line, {}},
             fmt::format("the table has more than {} columns", TableScanner::most_cells));
   }
   std::set<std::string> seen;
-  for (auto& heading : table.headings) {
+  for (std::size_t i = 0; i < table.headings.size(); ++i) {
+    auto& heading = table.headings[i];
     heading = trimmed(text_of_cell(heading, {table.style.separator, '.'}));
     if (!heading.empty() && !seen.insert(heading).second) {
-      fail_at(*table.file, 1, fmt::format("the column {} is there twice", quoted(heading)));
+      fail_in(*table.sheet, {table.heading_line, i},
+              fmt::format("the column {} is there twice", quoted(heading)));
     }
   }
 }
 
-}  // namespace
+/// The text of a table that was recognised.
+class TextContent : public TableContent {
+ public:
+  explicit TextContent(FileContent content) : content_(std::move(content)) {}
 
-bool TableContent::has_objects() const {
-  TableScanner scanner(content_.text, separator_in(content_.text));
-  Cells cells;
-  return scanner.next(cells) && scanner.next(cells);
-}
+  bool has_objects() const override {
+    TableScanner scanner(content_.text, separator_in(content_.text));
+    Cells cells;
+    return scanner.next(cells) && scanner.next(cells);
+  }
+
+  void add_tables(std::size_t index, const TableRules& rules, SourceReport& report,
+                  std::vector<TableSource>& tables) const override {
+    const auto& text = content_.text;
+    TableStyle style;
+    style.separator = rules.separator != '\0' ? rules.separator : separator_in(text);
+    style.decimal = rules.decimal != '\0' ? rules.decimal : decimal_in(text, style.separator);
+    auto sheet = std::make_shared<TextTable>(content_.file, text, style);
+    tables.push_back({index, std::move(sheet), style, &report, TableKind::Materials, 1, {}});
+    read_head(tables.back());
+  }
+
+ private:
+  FileContent content_;
+};
+
+}  // namespace
 
 void TableContent::add_to(SourceSet&, SourceReport& report) const {
   fail_at(report.file, 0,
           "this is a table, which is read into a library by itself and not with other sources");
 }
 
-void read_head(TableSource& table, const TableRules& rules) {
-  const auto& text = *table.text;
-  table.style.separator = rules.separator != '\0' ? rules.separator : separator_in(text);
-  table.style.decimal =
-      rules.decimal != '\0' ? rules.decimal : decimal_in(text, table.style.separator);
-  TableScanner scanner(text, table.style.separator);
-  if (!scanner.next(table.headings)) fail_at(*table.file, 0, "this is empty");
+std::optional<TableKind> kind_by_headings(const Cells& headings) {
+  if (is_heading(headings, "composition") && is_heading(headings, "position")) {
+    return TableKind::Layers;
+  }
+  const bool materials = has_own_heading<Material>(headings, keys_of<Composition>());
+  const bool compositions = has_own_heading<Composition>(headings, keys_of<Material>());
+  if (materials != compositions) {
+    return materials ? TableKind::Materials : TableKind::Compositions;
+  }
+  if (!materials && has_unknown_heading(headings)) return TableKind::Materials;
+  return std::nullopt;
+}
+
+void read_head(TableSource& table) {
+  const auto rows = table.sheet->rows();
+  TableRow row;
+  if (!rows->next(row)) fail_in(*table.sheet, {}, "this is empty");
+  table.headings = std::move(row.cells);
+  table.heading_line = row.line;
   require_headings(table);
-  find_kind(table, scanner);
+  find_kind(table, *rows);
 }
 
 FormatModule table_module() {
@@ -160,7 +188,7 @@ FormatModule table_module() {
                    (looks_like_table(content.text) || is_named_table(content.file));
           },
           [](FileContent content) -> std::shared_ptr<const SourceContent> {
-            return std::make_shared<TableContent>(std::move(content));
+            return std::make_shared<TextContent>(std::move(content));
           },
           write_table};
 }

@@ -2,6 +2,7 @@
 #include "kit/exchange/table_reader.hpp"
 
 #include "kit/exchange/problem.hpp"
+#include "kit/exchange/row_fingerprint.hpp"
 #include "kit/exchange/table_columns.hpp"
 #include "kit/fields/field.hpp"
 #include "kit/text/quoted.hpp"
@@ -26,18 +27,23 @@ namespace veldra::kit {
 
 namespace {
 
-/// A row, and where it begins.
-struct Row {
-  unsigned line = 0;
-  Cells cells;
-};
+using Row = TableRow;
 
 constexpr std::size_t rows_at_once = 512;
+constexpr std::size_t cells_at_once = 1 << 20;
+
+[[noreturn]] void fail_in_heading(const TableSource& table, const std::string& heading,
+                                  const std::string& sentence) {
+  const auto found = std::find(table.headings.begin(), table.headings.end(), heading);
+  const auto place = static_cast<std::size_t>(found - table.headings.begin());
+  fail_in(*table.sheet, {table.heading_line, place}, sentence);
+}
 
 [[noreturn]] void fail_heading(const TableSource& table, const std::string& heading,
                                const std::vector<std::string>& headings) {
-  fail_at(*table.file, 1,
-          absence_of("column", heading, {}) + choice_of(heading, headings, headings.size()));
+  fail_in_heading(
+      table, heading,
+      absence_of("column", heading, {}) + choice_of(heading, headings, headings.size()));
 }
 
 bool begins_with(const std::string& text, const std::string& beginning) {
@@ -72,24 +78,19 @@ std::string with_unit(const std::string& text, const std::string& unit) {
 /// Calls `work` with the rows of a table, so many at a time.
 template <class Work>
 void for_each_part(const TableSource& table, Work work) {
-  TableScanner scanner(*table.text, table.style.separator);
-  Cells cells;
-  scanner.next(cells);
+  const auto reading = table.sheet->rows();
+  Row row;
+  reading->next(row);  // the headings
   std::vector<Row> rows;
-  while (scanner.next(cells)) {
-    if (scanner.is_too_long()) {
-      fail_at(*table.file, scanner.line(), "a cell is longer than 1 MiB");
-    }
-    if (cells.size() > TableScanner::most_cells) {
-      fail_at(*table.file, scanner.line(),
-              fmt::format("the row has more than {} cells", TableScanner::most_cells));
-    }
-    rows.push_back({scanner.line(), cells});
-    if (rows.size() < rows_at_once) continue;
+  std::size_t cells = 0;
+  while (reading->next(row)) {
+    rows.push_back(row);
+    cells += row.cells.size();
+    if (rows.size() < rows_at_once && cells < cells_at_once) continue;
     work(rows);
     rows.clear();
+    cells = 0;
   }
-  if (scanner.is_open()) fail_at(*table.file, scanner.line(), "the table ends within quotes");
   if (!rows.empty()) work(rows);
 }
 
@@ -104,6 +105,25 @@ std::optional<std::size_t> column_of(const TableSource& table, const std::string
     if (without_unit(table.headings[i]).first == heading) return i;
   }
   return std::nullopt;
+}
+
+/// Programs that edit workbooks keep so many digits of a number.
+bool is_rounded(const std::string& cell, const std::string& stored) {
+  const auto number = number_in(cell);
+  const auto other = number_in(stored);
+  return number && other && fmt::format("{:.15g}", *number) == fmt::format("{:.15g}", *other);
+}
+
+/// The place of the column of fingerprints. Those of another library tell nothing.
+std::optional<std::size_t> fingerprint_column(const TableSource& table, const Library& library) {
+  const auto found =
+      std::find(table.headings.begin(), table.headings.end(), fingerprint_heading_of(library));
+  if (!table.sheet->is_workbook() || found == table.headings.end()) return std::nullopt;
+  return static_cast<std::size_t>(found - table.headings.begin());
+}
+
+bool is_fingerprint(const TableSource& table, const std::string& heading) {
+  return table.sheet->is_workbook() && without_unit(heading).first == fingerprint_heading;
 }
 
 template <class T>
@@ -198,7 +218,7 @@ class TableSet {
     const auto name = object->name().utf8();
     for (const auto& sentence : wrong_numbers(*object)) {
       add_problem(
-          *place.table, place.line, name,
+          *place.table, {place.line, {}}, name,
           fmt::format("{} {}: {}", singular_of(ObjectTraits<T>::type), quoted(name), sentence));
     }
   }
@@ -219,9 +239,9 @@ class TableSet {
     return result;
   }
 
-  static void add_problem(const TableSource& table, unsigned line, const std::string& object,
-                          const std::string& sentence) {
-    table.report->problems.push_back({table.report->file, line, object, sentence});
+  static void add_problem(const TableSource& table, const TablePlace& place,
+                          const std::string& object, const std::string& sentence) {
+    table.report->problems.push_back(table.sheet->problem(place, object, sentence));
   }
 
   template <class T>
@@ -264,14 +284,15 @@ class TableSet {
     }
 
     void find_columns() {
-      const auto known = table_columns(fields_, *set_.library_);
+      known_ = table_columns(fields_, *set_.library_);
+      fingerprint_ = fingerprint_column(table_, *set_.library_);
       for (std::size_t i = 0; i < table_.headings.size(); ++i) {
         const auto& heading = table_.headings[i];
-        if (heading == kind_heading) continue;
+        if (heading == kind_heading || is_fingerprint(table_, heading)) continue;
         if (without_unit(heading).first == "id") {
           take_id(i, heading);
         } else {
-          take_column(i, heading, known);
+          take_column(i, heading, known_);
         }
       }
       // The core must be able to shrink before it moves.
@@ -317,9 +338,9 @@ class TableSet {
 
     void require_once(const std::string& heading, const ReadColumn<T>& column) {
       if (column.field == nullptr || seen_.insert(column.field).second) return;
-      fail_at(*table_.file, 1,
-              fmt::format("the column {} means a field that another column means, too",
-                          quoted(heading)));
+      fail_in_heading(table_, heading,
+                      fmt::format("the column {} means a field that another column means, too",
+                                  quoted(heading)));
     }
 
     void take_property(const std::string& rest, ReadColumn<T>& column) {
@@ -336,7 +357,8 @@ class TableSet {
         if (column.field != nullptr && column.field->name() != group + rest) column.field = nullptr;
       }
       if (column.field != nullptr) return;
-      if (name.empty()) fail_at(*table_.file, 1, "a custom property has no name");
+      if (name.empty())
+        fail_in_heading(table_, property_prefix + rest, "a custom property has no name");
       column.property = CustomProperty::create(library_text(name), kind);
     }
 
@@ -355,9 +377,9 @@ class TableSet {
       if (unit.empty()) return;
       column.unit = unit;
       if (!unit_factor(unit, field->measure, set_.library_->unit())) {
-        fail_at(*table_.file, 1,
-                fmt::format("the column {}: {} is no unit of {}", quoted(heading), quoted(unit),
-                            field->key));
+        fail_in_heading(table_, heading,
+                        fmt::format("the column {}: {} is no unit of {}", quoted(heading),
+                                    quoted(unit), field->key));
       }
     }
 
@@ -401,16 +423,20 @@ class TableSet {
 
     void tell(const Row& row, const std::string& name, const std::string& sentence) {
       const auto what = name.empty() ? "a " + kind_ : fmt::format("{} {}", kind_, quoted(name));
-      add_problem(table_, row.line, name, fmt::format("{}: {}", what, sentence));
+      add_problem(table_, {row.line, at_}, name, fmt::format("{}: {}", what, sentence));
     }
 
     void read_row(const Row& row, std::shared_ptr<T> object) {
       ++table_.report->read[kind_];
+      at_.reset();
+      if (is_untouched(row)) return;
       const auto name = called(row, object);
       const unsigned id = object ? object->id() : 0;
       bool changes = !object;
       try {
         require_row(row);
+        require_there(row, object);
+        const bool clashes = object && has_changed_since(row, *object);
         if (id != 0 && !set_.rows_.insert({ObjectTraits<T>::type, id}).second) {
           throw Error("another row is about the same object");
         }
@@ -420,7 +446,9 @@ class TableSet {
           if (column.field != nullptr && is_index(*column.field)) continue;
           if (set_cell(*object, row, column)) changes = true;
         }
-        const unsigned state = set_.save(object, id, table_, row.line);
+        at_.reset();
+        if (clashes) tell_clash(row, *object, id);
+        const unsigned state = set_.save(object, clashes ? 0 : id, table_, row.line);
         if (changes) set_.changed_[{ObjectTraits<T>::type, state}] = {&table_, row.line};
       } catch (const Error& error) {
         return tell(row, name, error.what());
@@ -429,7 +457,47 @@ class TableSet {
       }
     }
 
-    void require_row(const Row& row) const {
+    std::string fingerprint_in(const Row& row) const { return text_at(row, fingerprint_); }
+
+    /// Whether a row of a workbook says what it said when it was written. What became of its object
+    /// since is nobody's wish to undo.
+    bool is_untouched(const Row& row) const {
+      const auto fingerprint = fingerprint_in(row);
+      if (fingerprint.empty() || !row.fault.empty()) return false;
+      NamedCells cells;
+      for (std::size_t i = 0; i < table_.headings.size(); ++i) {
+        const auto& heading = table_.headings[i];
+        const bool own = heading == kind_heading || without_unit(heading).first == "id" ||
+                         is_fingerprint(table_, heading);
+        if (!own) cells[heading] = text_at(row, i);
+      }
+      return fingerprint_of_row(cells) == fingerprint;
+    }
+
+    void require_there(const Row& row, const std::shared_ptr<T>& object) const {
+      if (object || fingerprint_in(row).empty() || text_at(row, id_).empty()) return;
+      throw Error("it has been removed from the library since the table was written");
+    }
+
+    bool has_changed_since(const Row& row, const T& object) const {
+      const auto fingerprint = fingerprint_in(row);
+      return !fingerprint.empty() && fingerprint_of_row(cells_of(object, known_)) != fingerprint;
+    }
+
+    /// Two people have changed an object. It comes in like one of another library, so that somebody
+    /// decides; for that it must have the name of the stored one.
+    void tell_clash(const Row& row, const T& object, unsigned id) {
+      const std::string sentence = "it has changed in the library since the table was written";
+      if (set_.stored<T>().by_name(object.name()) != id) {
+        throw Error(sentence + ", and one of both has another name");
+      }
+      tell(row, object.name().utf8(), sentence);
+      table_.report->problems.back().doubt = true;
+    }
+
+    void require_row(const Row& row) {
+      if (!row.fault.empty()) at_ = row.fault_column;
+      if (!row.fault.empty()) throw Error(row.fault);
       const auto kind = column_of(table_, kind_heading);
       if (kind && trimmed(cell_at(row, *kind)) != kind_) {
         throw Error(fmt::format("the row is of another kind, {}", quoted(cell_at(row, *kind))));
@@ -446,7 +514,8 @@ class TableSet {
 
     /// A cell that says what is there leaves it, whatever it is. Gives whether it says something
     /// else.
-    bool set_cell(T& object, const Row& row, const ReadColumn<T>& column) const {
+    bool set_cell(T& object, const Row& row, const ReadColumn<T>& column) {
+      at_ = column.place;
       const auto& cell = cell_at(row, column.place);
       if (column.property) {
         if (cell.empty()) return false;
@@ -454,7 +523,9 @@ class TableSet {
         return true;
       }
       const auto& field = *column.field;
-      const bool says_the_same = cell == cell_of(field, field.get(object), table_.style);
+      const auto stored = cell_of(field, field.get(object), table_.style);
+      const bool says_the_same =
+          cell == stored || (table_.sheet->is_workbook() && is_rounded(cell, stored));
       if (column.unit.empty() && says_the_same) return false;
       auto text = text_of_cell(field, cell, table_.style);
       if (!column.unit.empty()) text = with_unit(text, column.unit);
@@ -463,7 +534,7 @@ class TableSet {
     }
 
     void read_indices(const Row& row) {
-      const auto found = set_.composition_rows_.find({table_.index, row.line});
+      const auto found = set_.composition_rows_.find({&table_, row.line});
       if (found == set_.composition_rows_.end()) return;
       const auto object = set_.states_->template get<T>(found->second);
       try {
@@ -483,7 +554,10 @@ class TableSet {
     std::string kind_;
     std::vector<ReadColumn<T>> columns_;
     std::set<const void*> seen_;
+    std::vector<TableColumn<T>> known_;
     std::optional<std::size_t> id_;
+    std::optional<std::size_t> fingerprint_;
+    std::optional<std::size_t> at_;  ///< the column of the cell that is being read
     std::optional<std::size_t> code_;
     std::optional<std::size_t> name_;
   };
@@ -496,7 +570,7 @@ class TableSet {
     if (id != 0) states_of_[key] = id;
     origins_[key] = {table.index, line, object->name().utf8(), false, false};
     if constexpr (std::is_same_v<T, Composition>) {
-      composition_rows_[{table.index, line}] = state->id();
+      composition_rows_[{&table, line}] = state->id();
     }
     return state->id();
   }
@@ -512,7 +586,9 @@ class TableSet {
   using LayersByPosition = std::map<unsigned, LayerRow>;
 
   void read_layers(TableSource& table) {
-    for (const auto& heading : table.headings) require_layer_heading(table, heading);
+    for (const auto& heading : table.headings) {
+      if (!is_fingerprint(table, heading)) require_layer_heading(table, heading);
+    }
     std::map<std::string, LayersByPosition> layers;
     std::set<std::string> broken;
     for_each_part(table, [&](const std::vector<Row>& rows) {
@@ -536,12 +612,16 @@ class TableSet {
   void take_layer(TableSource& table, const Row& row,
                   std::map<std::string, LayersByPosition>& layers, std::set<std::string>& broken) {
     ++table.report->read[layer_kind];
+    layer_at_.reset();
     const auto text_at = [&](const char* heading) {
       const auto place = column_of(table, heading);
+      layer_at_ = place;
       return place ? text_of_cell(cell_at(row, *place), table.style) : std::string();
     };
     const auto name = text_at("composition");
     try {
+      if (!row.fault.empty()) layer_at_ = row.fault_column;
+      if (!row.fault.empty()) throw Error(row.fault);
       if (name.empty()) throw Error("the composition is missing");
       const auto position = number_in(text_at("position"));
       if (!position || *position < 1 || *position > 1e6 || *position != std::floor(*position)) {
@@ -555,21 +635,22 @@ class TableSet {
       }
     } catch (const Error& error) {
       broken.insert(name);
-      tell_layer(table, row.line, name, error.what());
+      tell_layer(table, {row.line, layer_at_}, name, error.what());
     }
   }
 
-  static void tell_layer(const TableSource& table, unsigned line, const std::string& name,
+  static void tell_layer(const TableSource& table, const TablePlace& place, const std::string& name,
                          const std::string& sentence) {
     const auto what =
         name.empty() ? std::string("a layer") : fmt::format("layers of {}", quoted(name));
-    add_problem(table, line, name, fmt::format("{}: {}", what, sentence));
+    add_problem(table, place, name, fmt::format("{}: {}", what, sentence));
   }
 
-  void read_numbers(const TableSource& table, LayerRow& layer) const {
+  void read_numbers(const TableSource& table, LayerRow& layer) {
     static const auto& length = built_in_fields<Composition>().at("variable_layer_max_thickness");
     static const auto& whole = built_in_fields<Material>().at("function");
     if (const auto place = column_of(table, "thickness")) {
+      layer_at_ = place;
       auto text = text_of_cell(length, cell_at(layer.row, *place), table.style);
       const auto unit = without_unit(table.headings[*place]).second;
       if (!unit.empty()) text = with_unit(text, unit);
@@ -577,6 +658,7 @@ class TableSet {
       layer.thickness = value.is_nothing() ? 0 : value.as<double>();
     }
     if (const auto place = column_of(table, "function")) {
+      layer_at_ = place;
       const auto text = text_of_cell(whole, cell_at(layer.row, *place), table.style);
       const auto value = value_from_text(whole, text, library_->unit());
       layer.function = value.is_nothing() ? 0 : static_cast<int>(value.as<long long>());
@@ -600,13 +682,53 @@ class TableSet {
     return library_->get<Material>(id);
   }
 
+  /// What rows of layers say, as `cells_of_layers` says it.
+  static NamedCells cells_of_rows(const TableSource& table, const LayersByPosition& rows) {
+    NamedCells cells;
+    for (const auto& [position, layer] : rows) {
+      for (std::size_t i = 0; i < table.headings.size(); ++i) {
+        const auto& heading = table.headings[i];
+        const bool place = heading == kind_heading || heading == "composition" ||
+                           heading == "position" || is_fingerprint(table, heading);
+        if (place) continue;
+        add_layer_cell(cells, position, heading, text_of_cell(cell_at(layer.row, i), table.style));
+      }
+    }
+    return cells;
+  }
+
+  /// What the layers were when they were written; empty where that is not known.
+  std::string fingerprint_in(const TableSource& table, const LayersByPosition& rows) const {
+    const auto column = fingerprint_column(table, *library_);
+    if (!column) return {};
+    for (const auto& [position, layer] : rows) {
+      const auto& fingerprint = cell_at(layer.row, *column);
+      if (!fingerprint.empty()) return fingerprint;
+    }
+    return {};
+  }
+
+  /// Whether two people have changed the layers of a composition.
+  bool clashes(const Composition& composition, const std::string& fingerprint) const {
+    const auto stored = library_->get<Composition>(composition.name());
+    return !fingerprint.empty() && stored &&
+           fingerprint_of_row(cells_of_layers(*stored, library_->unit())) != fingerprint;
+  }
+
   void set_layers(TableSource& table, const std::string& name, const LayersByPosition& rows) {
     const unsigned line = rows.begin()->second.row.line;
+    const auto fingerprint = fingerprint_in(table, rows);
+    const bool untouched =
+        !fingerprint.empty() && fingerprint_of_row(cells_of_rows(table, rows)) == fingerprint;
+    if (untouched) return;
     try {
       unsigned id = 0;
       const auto composition = composition_named(name, id);
       if (!composition) throw Error("there is no such composition");
       if (rows.rbegin()->first != rows.size()) throw Error("a position is missing");
+      if (clashes(*composition, fingerprint)) {
+        throw Error("they have changed in the library since the table was written");
+      }
       const bool changes = replace_layers(*composition, rows);
       table.report->layers += static_cast<unsigned>(rows.size());
       const bool is_state = composition->library().get() == states_.get();
@@ -614,7 +736,7 @@ class TableSet {
       const unsigned state = is_state ? composition->id() : save(composition, id, table, line);
       if (changes) changed_[{ObjectType::Composition, state}] = {&table, line};
     } catch (const Error& error) {
-      tell_layer(table, line, name, error.what());
+      tell_layer(table, {line, {}}, name, error.what());
     }
   }
 
@@ -654,8 +776,9 @@ class TableSet {
   std::map<ObjectKey, unsigned> states_of_;
   std::map<ObjectKey, SourceObject> origins_;
   std::map<ObjectKey, Place> changed_;
-  std::set<ObjectKey> rows_;  ///< stored objects that rows are about
-  std::map<std::pair<std::size_t, unsigned>, unsigned> composition_rows_;
+  std::optional<std::size_t> layer_at_;  ///< the column of the cell of a layer that is being read
+  std::set<ObjectKey> rows_;             ///< stored objects that rows are about
+  std::map<std::pair<const TableSource*, unsigned>, unsigned> composition_rows_;
 };
 
 }  // namespace

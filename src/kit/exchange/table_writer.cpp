@@ -50,20 +50,10 @@ class TableWriter {
         cells.push_back(cell_of(*column.field, column.field->get(object), style_));
       }
       sink_(row_text(cells, style_));
-      tell_assets(fields, object);
+      count_assets(fields, object, lost_);
       ++report_.written[kind];
       if (rules_.progress) rules_.progress();
     });
-  }
-
-  template <class T>
-  void tell_assets(const Fields<T>& fields, const T& object) {
-    for (const auto& field : fields) {
-      if (field.origin != Origin::Asset) continue;
-      const auto value = field.get(object);
-      if (value.is_nothing() || value == field.initial) continue;
-      lost_.add(singular_of(ObjectTraits<T>::type), field.name());
-    }
   }
 
   void write_layers() {
@@ -76,12 +66,10 @@ class TableWriter {
 
   void write_layer(const Composition& composition, std::size_t index) {
     static const auto& number = built_in_fields<Composition>().at("variable_layer_max_thickness");
-    const auto& layer = composition.layers()[index];
-    const auto name = layer.material() ? layer.material()->name().utf8() : std::string();
+    const auto texts = layer_texts(composition, index);
     sink_(row_text(
-        {layer_kind, cell_of_text(composition.name().utf8(), style_), fmt::format("{}", index + 1),
-         cell_of_text(name, style_), cell_of(number, layer.thickness(), style_),
-         fmt::format("{}", static_cast<int>(layer.function()))},
+        {texts[0], cell_of_text(texts[1], style_), texts[2], cell_of_text(texts[3], style_),
+         cell_of(number, composition.layers()[index].thickness(), style_), texts[5]},
         style_));
     ++report_.written[layer_kind];
   }

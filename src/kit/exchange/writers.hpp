@@ -10,9 +10,13 @@ namespace veldra::kit {
 
 WriteReport write_catalogue(const Library& library, const TextSink& sink, const WriteRules& rules);
 WriteReport write_epjson(const Library& library, const TextSink& sink, const WriteRules& rules);
+WriteReport write_gbxml(const Library& library, const TextSink& sink, const WriteRules& rules);
 WriteReport write_honeybee(const Library& library, const TextSink& sink, const WriteRules& rules);
 WriteReport write_idf(const Library& library, const TextSink& sink, const WriteRules& rules);
+WriteReport write_ifc(const Library& library, const TextSink& sink, const WriteRules& rules);
 WriteReport write_table(const Library& library, const TextSink& sink, const WriteRules& rules);
+
+WriteReport write_workbook(const Library& library, const TextSink& sink, const WriteRules& rules);
 
 }  // namespace veldra::kit
 

@@ -64,6 +64,10 @@ bool is_direction_mark(char32_t character) {
 /// The two that no XML may have.
 bool is_noncharacter(char32_t character) { return character == 0xfffe || character == 0xffff; }
 
+std::size_t columns_of(char32_t character) {
+  return static_cast<std::size_t>(utf8proc_charwidth(static_cast<utf8proc_int32_t>(character)));
+}
+
 std::string ascii_lower_case(std::string_view text) {
   std::string result(text);
   for (char& letter : result) {
@@ -152,6 +156,23 @@ std::string without_controls_in_json(std::string_view json) {
     if (character == U'\n') return std::string("\n");
     return fmt::format("\\u{:04x}", static_cast<unsigned>(character));
   });
+}
+
+std::size_t display_width(std::string_view text) {
+  std::size_t width = 0;
+  for_each_character(text,
+                     [&](char32_t character, std::string_view) { width += columns_of(character); });
+  return width;
+}
+
+std::string leading_columns(std::string_view text, std::size_t columns) {
+  std::size_t width = 0;
+  std::size_t bytes = 0;
+  for_each_character(text, [&](char32_t character, std::string_view encoded) {
+    width += columns_of(character);
+    if (width <= columns) bytes += encoded.size();
+  });
+  return std::string(text.substr(0, bytes));
 }
 
 std::string exact_number(double number) { return fmt::format("{}", number); }
