@@ -3,13 +3,16 @@
 
 import os
 import re
+import sys
 
 project = "veldra"
 author = "the veldra developers"
 release = os.environ["VELDRA_RELEASE"]
 version = release
 
-extensions = ["myst_parser", "breathe"]
+sys.path.insert(0, os.environ["VELDRA_PYTHON_PACKAGE"])
+
+extensions = ["myst_parser", "breathe", "sphinx.ext.autodoc"]
 myst_enable_extensions = ["colon_fence"]
 myst_heading_anchors = 3
 source_suffix = {".md": "markdown"}
@@ -24,6 +27,8 @@ primary_domain = "cpp"
 highlight_language = "cpp"
 cpp_id_attributes = ["VELDRA_EXPORT", "VELDRA_KIT_EXPORT"]
 add_module_names = False
+autodoc_member_order = "bysource"
+autodoc_typehints = "signature"
 toc_object_entries_show_parents = "hide"
 
 html_theme = "furo"

@@ -1,23 +1,19 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit.hpp"
 #include "objects.hpp"
 #include "text.hpp"
 #include "values.hpp"
 
-#include <veldra/kit/exchange.hpp>
 #include <veldra/kit/physics.hpp>
 #include <veldra/kit/plan.hpp>
 
 #include <pybind11/stl.h>
 
-#include <fstream>
 #include <map>
 #include <optional>
-#include <sstream>
 #include <utility>
 
 namespace veldra::python {
-
-using Handle = std::shared_ptr<LibraryHandle>;
 
 /// A plan as Python has it. The libraries are kept, and asked whether they are open.
 struct PlanHandle {
@@ -25,8 +21,6 @@ struct PlanHandle {
   Handle source;
   Handle destination;
 };
-
-namespace {
 
 kit::OnClash on_clash_named(const std::string& name) {
   const std::map<std::string, kit::OnClash> all{{"fail", kit::OnClash::Fail},
@@ -38,74 +32,38 @@ kit::OnClash on_clash_named(const std::string& name) {
   throw py::value_error("'" + name + "' is none of 'fail', 'use', 'overwrite' and 'rename'");
 }
 
-/// What was read from files.
-struct Read {
-  Handle library;
-  py::list reports;
-};
-
-std::string content_of(const std::string& file) {
-  std::ifstream stream(file, std::ios::binary);
-  std::ostringstream content;
-  if (!stream || !(content << stream.rdbuf())) {
-    throw kit::SourceError({file, 0, "", "it cannot be read"});
-  }
-  return content.str();
+Unit unit_of(const Composition& composition) {
+  const auto library = composition.library();
+  return library ? library->unit() : Unit::Millimetres;
 }
 
-py::dict report_of(const kit::SourceReport& report) {
-  py::dict result;
-  result["file"] = as_python(report.file);
-  result["format"] = as_python(report.format);
-  result["read"] = report.read;
-  result["skipped"] = report.skipped;
-  py::list problems;
-  for (const auto& problem : report.problems) problems.append(as_python(problem.text()));
-  result["problems"] = problems;
-  py::list not_kept;
-  for (const auto& field : kit::fields_not_kept(report)) {
-    not_kept.append(
-        py::make_tuple(as_python(field.object_class), as_python(field.field), field.count));
-  }
-  result["not_kept"] = not_kept;
-  return result;
+namespace {
+
+/// Of objects of the source, by their keys.
+template <class T>
+using ByKey = std::map<std::pair<int, unsigned>, T>;
+
+ObjectKey key_of(const std::pair<int, unsigned>& key) {
+  return {static_cast<ObjectType>(key.first), key.second};
 }
 
-Read read(const std::vector<FileName>& files, const std::string& unit,
-          const std::string& on_clash) {
-  kit::SourceRules rules;
-  rules.unit = unit == "in" ? Unit::Inches : Unit::Millimetres;
-  rules.on_clash = on_clash_named(on_clash);
-  rules.progress = [] { look_for_signals(py::handle(Py_None)); };
-  const Use nothing({});
-  const std::string first = files.empty() ? "" : files.front().utf8;
-  const auto sources = run_opening(nothing, {first, {}}, [&] {
-    std::vector<kit::Source> contents;
-    contents.reserve(files.size());
-    for (const auto& file : files) contents.emplace_back(file.utf8, content_of(file.utf8));
-    return kit::read_together(contents, rules);
-  });
-  Read result{std::make_shared<LibraryHandle>(sources.library, first), py::list()};
-  for (const auto& report : sources.reports) result.reports.append(report_of(report));
-  return result;
-}
-
-kit::PlanRules rules_of(const std::string& on_clash,
-                        const std::map<std::pair<int, unsigned>, std::string>& for_object) {
+kit::PlanRules rules_of(const std::string& on_clash, const ByKey<std::string>& for_object,
+                        const ByKey<unsigned>& states) {
   kit::PlanRules rules;
   rules.on_clash = on_clash_named(on_clash);
   for (const auto& [key, decision] : for_object) {
-    rules.for_object[{static_cast<ObjectType>(key.first), key.second}] = on_clash_named(decision);
+    rules.for_object[key_of(key)] = on_clash_named(decision);
   }
+  for (const auto& [key, stored] : states) rules.states_of[key_of(key)] = stored;
   rules.fingerprints = true;
   return rules;
 }
 
 std::shared_ptr<PlanHandle> plan(Handle destination, Handle source, const std::string& on_clash,
-                                 const std::map<std::pair<int, unsigned>, std::string>& for_object,
-                                 const py::object& progress) {
+                                 const ByKey<std::string>& for_object,
+                                 const ByKey<unsigned>& states, const py::object& progress) {
   const Use use({destination.get(), source.get()});
-  auto rules = rules_of(on_clash, for_object);
+  auto rules = rules_of(on_clash, for_object, states);
   auto made = run(use, {destination->file, {}}, [&] {
     return kit::Plan(source->library, *destination->library, std::move(rules),
                      [&] { look_for_signals(progress); });
@@ -159,11 +117,6 @@ py::object optional_number(const std::optional<double>& number) {
   return number ? py::object(py::float_(*number)) : py::none();
 }
 
-Unit unit_of(const Composition& composition) {
-  const auto library = composition.library();
-  return library ? library->unit() : Unit::Millimetres;
-}
-
 py::dict layer_heat(const kit::LayerHeat& layer) {
   py::dict result;
   result["resistance"] = optional_number(layer.resistance);
@@ -208,13 +161,6 @@ void bind_kit(py::module_& module) {
       .def("_entries", &entries)
       .def("_apply", &apply);
   module.def("_plan", &plan);
-  module.def(
-      "_read",
-      [](const std::vector<FileName>& files, const std::string& unit, const std::string& on_clash) {
-        auto result = read(files, unit, on_clash);
-        return py::make_tuple(result.library, result.reports);
-      },
-      py::arg("files"), py::arg("unit"), py::arg("on_clash"));
   module.def("_heat", &heat, py::arg("composition"), py::arg("boundary"));
 }
 

@@ -196,6 +196,7 @@ void bind_library(py::module_& module) {
   bind_transactions(library);
   bind_queries(library);
   bind_changes(library);
+  bind_exchange(module, library);
 }
 
 }  // namespace veldra::python

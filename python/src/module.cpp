@@ -17,4 +17,5 @@ PYBIND11_MODULE(_veldra, module) {
   bind_fields(module);
   bind_library(module);
   bind_kit(module);
+  bind_drawing(module);
 }

@@ -51,6 +51,9 @@ std::shared_ptr<T> lent(const std::shared_ptr<const T>& object) {
   return std::const_pointer_cast<T>(object);
 }
 
+/// The unit of its lengths.
+Unit unit_of(const Composition& composition);
+
 /// For each entry the key in the source, the key in the destination, and the number of the status.
 py::list entries_of(const IdMapping& mapping);
 
@@ -70,6 +73,9 @@ void bind_fields(py::module_& module);
 void bind_library(py::module_& module);
 void bind_queries(py::class_<LibraryHandle, std::shared_ptr<LibraryHandle>>& library);
 void bind_changes(py::class_<LibraryHandle, std::shared_ptr<LibraryHandle>>& library);
+void bind_exchange(py::module_& module,
+                   py::class_<LibraryHandle, std::shared_ptr<LibraryHandle>>& library);
+void bind_drawing(py::module_& module);
 void bind_kit(py::module_& module);
 
 }  // namespace veldra::python

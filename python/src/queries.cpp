@@ -167,6 +167,12 @@ py::dict columns(LibraryHandle& self, int kind,
   return result;
 }
 
+bool has_field(LibraryHandle& self, int kind, const Text& name) {
+  return of_kind(self, kind, [&](auto of) {
+    return kit::Fields<typename decltype(of)::type>(*self.library).find(name.utf8) != nullptr;
+  });
+}
+
 py::list referrers(LibraryHandle& self, int kind, unsigned id) {
   const Use use({&self});
   const auto keys = run(use, {self.file, {}}, [&] {
@@ -191,6 +197,7 @@ void bind_queries(py::class_<LibraryHandle, std::shared_ptr<LibraryHandle>>& lib
   library.def("_count", &count);
   library.def("_nearest", &nearest);
   library.def("_columns", &columns);
+  library.def("_has_field", &has_field);
   library.def("_referrers", &referrers);
 }
 

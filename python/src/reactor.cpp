@@ -115,7 +115,12 @@ void Hub::typeChanged(Library&, ObjectType type) {
 OnConflict::OnConflict(LibraryHandle& library, py::object policy)
     : hub_(*library.hub), before_(hub_.on_conflict_) {
   if (policy.is_none()) return;
-  if (is_text(policy)) decision_of(text_of(policy).utf8);
+  if (is_text(policy)) {
+    decision_of(text_of(policy).utf8);
+  } else if (PyCallable_Check(policy.ptr()) == 0) {
+    throw py::type_error("on_conflict is a str or a function, not " +
+                         std::string(py::repr(policy)));
+  }
   hub_.on_conflict_ = std::move(policy);
 }
 

@@ -47,6 +47,7 @@ from veldra._errors import (
     UnknownField as UnknownField,
     UnknownVersion as UnknownVersion,
 )
+from veldra._drawing import Drawing as Drawing, draw as draw
 from veldra._values import Color as Color, Pattern as Pattern, Point as Point
 from veldra._veldra import (
     Composition as Composition,
@@ -64,10 +65,13 @@ from veldra._library import (
     Collection as Collection,
     Copied as Copied,
     Finding as Finding,
+    Format as Format,
     Library as Library,
     Recognition as Recognition,
     Selection as Selection,
+    Written as Written,
     create as create,
+    formats as formats,
     open as open,
     read as read,
     recognise as recognise,

@@ -25,6 +25,11 @@ class Kind(Enum):
     PROPERTY = 6
     LAYER = 7
 
+    @property
+    def words(self) -> str:
+        """As it is called in sentences, such as "material type"."""
+        return self.name.lower().replace("_", " ")
+
 
 class Function(IntEnum):
     """The role of a material, or of a layer, in a build-up. Other numbers are the host's own."""
@@ -74,7 +79,7 @@ class Key(NamedTuple):
     id: int
 
     def __str__(self) -> str:
-        return f"{self.kind.name.lower().replace('_', ' ')} {self.id}"
+        return f"{self.kind.words} {self.id}"
 
 
 KindLike = Union[Kind, str]

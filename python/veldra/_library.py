@@ -4,19 +4,22 @@
 from __future__ import annotations
 
 import os
-from collections.abc import Iterable, Iterator, Sequence
+from collections.abc import Iterable, Iterator, Mapping, Sequence
 from importlib import import_module
 from types import TracebackType
 from typing import Any, Callable, Generic, NamedTuple, Optional, TypeVar, Union, overload
 
 from veldra import _veldra
-from veldra._enums import FileKind, Key, Kind, KindLike, Status, Unit, kind_of
-from veldra._errors import CannotOpen, NotFound
-from veldra._plan import Plan, Source
+from veldra._enums import FileKind, Key, Kind, KindLike, Unit, kind_of
+from veldra._errors import CannotOpen, NotFound, SameFile, SourceError
+from veldra._files import Path as Path, ending_of, write_whole
+from veldra._plan import Copied as Copied, Plan, Source, copied
 from veldra._reactor import Answer, Reactor
+from veldra._tables import Table, columns_of_frame
 
 T = TypeVar("T", bound="_veldra._Object")
-Path = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
+B = TypeVar("B", bound="_Block")
+Progress = Optional[Callable[[], None]]
 OnConflict = Union[str, Callable[["Library", Kind, str], Answer], None]
 Thing = Union["_veldra._Object", Key]
 
@@ -31,19 +34,39 @@ class Finding(NamedTuple):
     sentence: str
 
 
-class Copied(NamedTuple):
-    """What stands in a destination for an object of a source, and how it came there."""
-
-    source: Key
-    result: Key
-    status: Status
-
-
 class Recognition(NamedTuple):
     """What a file is, and the version of its schema (0 if it says none)."""
 
     kind: FileKind
     version: int
+
+
+class Format(NamedTuple):
+    """A format of files that `read` or `Library.write` know, and the usual endings of its files."""
+
+    name: str
+    endings: list[str]
+    readable: bool
+    writable: bool
+
+
+class Written(NamedTuple):
+    """What became of the objects of a library that was written.
+
+    `written` counts them by the classes of the format. Of `not_written` the format has no place
+    for, and `missing` it demands and the objects lack: the class, the field and how often.
+    `problems` are sentences about objects that are written otherwise than they are, or not at all.
+    """
+
+    written: dict[str, int]
+    not_written: list[tuple[str, str, int]]
+    missing: list[tuple[str, str, int]]
+    problems: list[str]
+
+    @property
+    def whole(self) -> bool:
+        """Whether the file says all that the library does."""
+        return not (self.not_written or self.missing or self.problems)
 
 
 class Selection(Generic[T], Sequence[T]):
@@ -100,9 +123,18 @@ class Collection(Generic[T]):
         self._kind = kind
 
     @property
+    def library(self) -> Library:
+        """The library that has them."""
+        return self._library
+
+    @property
     def kind(self) -> Kind:
         """The kind of the objects."""
         return self._kind
+
+    def has_field(self, name: str) -> bool:
+        """Whether there is a field of that name; those of custom properties count."""
+        return self._library._has_field(self._kind.value, name)
 
     def __len__(self) -> int:
         return self._library._count(self._kind.value)
@@ -124,11 +156,7 @@ class Collection(Generic[T]):
             return found
         near = self._library._nearest(self._kind.value, name)
         hint = f"; did you mean {' or '.join(repr(each) for each in near)}?" if near else ""
-        kind = self._kind.name.lower().replace("_", " ")
-        error = NotFound(f"'{self._library.file}' has no {kind} {name!r}{hint}")
-        error.file = self._library.file
-        error.object = name
-        raise error
+        raise self._missing(name, f"{self._kind.words} {name!r}{hint}")
 
     @overload
     def get(self, name: str, default: None = None) -> Optional[T]: ...
@@ -152,10 +180,13 @@ class Collection(Generic[T]):
         if found is not None:
             return found  # type: ignore[no-any-return]
         key = Key(self._kind, id)
-        error = NotFound(f"'{self._library.file}' has no {key}")
+        raise self._missing(key, str(key))
+
+    def _missing(self, object: Union[str, Key], words: str) -> NotFound:
+        error = NotFound(f"'{self._library.file}' has no {words}")
         error.file = self._library.file
-        error.object = key
-        raise error
+        error.object = object
+        return error
 
     def ids(self) -> list[int]:
         """The ids of all objects, ascending, also of those that cannot be read."""
@@ -195,51 +226,61 @@ class Collection(Generic[T]):
         return import_module("pandas").DataFrame(self.columns(fields))
 
     def __repr__(self) -> str:
-        return f"<{self._kind.name.lower().replace('_', ' ')} objects of {self._library!r}>"
+        return f"<{self._kind.words} objects of {self._library!r}>"
 
 
-class Transaction:
+class _Block:
+    """The `with` that a library gives; `_begin` and `_end` are called at its ends."""
+
+    def __enter__(self: B) -> B:
+        self._begin()
+        return self
+
+    def __exit__(
+        self,
+        kind: Optional[type[BaseException]],
+        error: Optional[BaseException],
+        trace: Optional[TracebackType],
+    ) -> None:
+        self._end(failed=kind is not None)
+
+    def _begin(self) -> None:
+        pass
+
+    def _end(self, *, failed: bool) -> None:
+        raise NotImplementedError
+
+
+class Transaction(_Block):
     """Several operations on a library of which either all are done or none (`Library.transaction`)."""
 
     def __init__(self, library: Library) -> None:
         self._library = library
 
-    def __enter__(self) -> Transaction:
+    def _begin(self) -> None:
         self._library._begin_transaction()
-        return self
 
-    def __exit__(
-        self,
-        kind: Optional[type[BaseException]],
-        error: Optional[BaseException],
-        trace: Optional[TracebackType],
-    ) -> None:
-        if kind is None:
-            self._library._commit()
-        else:
+    def _end(self, *, failed: bool) -> None:
+        if failed:
             self._library._roll_back()
+        else:
+            self._library._commit()
 
 
-class Snapshot:
+class Snapshot(_Block):
     """One state of a library for several reads (`Library.snapshot`)."""
 
     def __init__(self, library: Library) -> None:
         self._library = library
 
-    def __enter__(self) -> Snapshot:
+    def _begin(self) -> None:
         self._library._begin_snapshot()
-        return self
 
-    def __exit__(
-        self,
-        kind: Optional[type[BaseException]],
-        error: Optional[BaseException],
-        trace: Optional[TracebackType],
-    ) -> None:
+    def _end(self, *, failed: bool) -> None:
         self._library._end_snapshot()
 
 
-class Library(_veldra._Library):
+class Library(_Block, _veldra._Library):
     """An open library file, which `open`, `create` and `read` give.
 
     Closing: at the end of `with`, by `close`, or with the last reference. Objects live on, keep
@@ -255,15 +296,7 @@ class Library(_veldra._Library):
     def __init__(self, opened: _veldra._Library) -> None:
         super().__init__(opened)
 
-    def __enter__(self) -> Library:
-        return self
-
-    def __exit__(
-        self,
-        kind: Optional[type[BaseException]],
-        error: Optional[BaseException],
-        trace: Optional[TracebackType],
-    ) -> None:
+    def _end(self, *, failed: bool) -> None:
         self.close()
 
     @property
@@ -358,7 +391,7 @@ class Library(_veldra._Library):
         Raises `InUse` and `NotFound`.
         """
         if isinstance(object, Key):
-            return self._remove_id(object.kind.value, object.id)
+            return self._remove_id(*_plain_key(object))
         return self._remove(object)
 
     def purge(self, kinds: Optional[Iterable[KindLike]] = None) -> list[Key]:
@@ -383,9 +416,7 @@ class Library(_veldra._Library):
         Thicknesses are converted. `on_conflict` is that of `save`. Nothing is copied if it raises.
         """
         keys = None if objects is None else [_plain_key(each) for each in objects]
-        library = source.library if isinstance(source, Source) else source
-        entries = self._copy(library, keys, on_conflict)
-        return [Copied(before, after, Status(status)) for before, after, status in entries]
+        return copied(self._copy(_library_of(source), keys, on_conflict))
 
     def check(self) -> list[Finding]:
         """The defects of the whole file; none of a sound one."""
@@ -395,12 +426,103 @@ class Library(_veldra._Library):
         """The keys of the objects that refer to an object."""
         return self._referrers(*_plain_key(object))
 
+    def read_tables(
+        self, *paths: Path, separator: str = "", decimal: str = "", progress: Progress = None
+    ) -> Source:
+        """Reads tables (CSV) of what the objects of this library are to be, as a source for `plan`.
+
+        A row is the object of its id, code or name, or a new one; an empty cell clears a field.
+        The signs between cells and within numbers are found if they are not given. A row that
+        cannot be read is left out, and is among the problems of the report.
+
+        Raises `SourceError`.
+        """
+        return _source(self._read_tables(list(paths), separator, decimal, progress))
+
+    def plan_columns(
+        self,
+        kind: KindLike,
+        columns: Mapping[str, Sequence[Any]],
+        *,
+        on_clash: str = "fail",
+        progress: Progress = None,
+    ) -> Plan:
+        """A plan for materials or compositions to become what columns of values say.
+
+        It is the way back of `Collection.columns`: each place in the columns is the object of its
+        "id", or of its "name" where there is no column of ids, or a new one; None clears a field.
+        Only columns in which something differs from the library count.
+
+        >>> import veldra
+        >>> with veldra.create(":memory:") as library:
+        ...     _ = library.save(veldra.Material("Brick", density=1400))
+        ...     columns = library.materials.columns(["id", "density"])
+        ...     columns["density"] = [1600 for density in columns["density"]]
+        ...     _ = library.plan_columns("materials", columns).apply()
+        ...     library.materials["Brick"].density
+        1600.0
+
+        Raises `UnknownField`, `FieldError`, `TypeError` for a value of another class, and
+        `SourceError` for rows that make no sense.
+        """
+        table = Table(self.collection(kind), columns)
+        source = _source(self._read_table("columns.csv", table.text(), progress))
+        for report in source.reports:
+            if report["problems"]:
+                raise SourceError("; ".join(report["problems"]))
+        return self.plan(source, on_clash=on_clash, progress=progress)
+
+    def plan_from_pandas(
+        self, kind: KindLike, frame: Any, *, on_clash: str = "fail", progress: Progress = None
+    ) -> Plan:
+        """The same of a `pandas.DataFrame`, such as one of `to_pandas` that was changed. What is not
+        there, such as NaN, clears a field.
+        """
+        columns = columns_of_frame(frame)
+        return self.plan_columns(kind, columns, on_clash=on_clash, progress=progress)
+
+    def write(
+        self,
+        path: Path,
+        format: Optional[str] = None,
+        *,
+        select: Optional[Iterable[Thing]] = None,
+        table: str = "materials",
+        separator: str = ",",
+        decimal: str = ".",
+        progress: Progress = None,
+    ) -> Written:
+        """Writes the library in a format (`formats`), by default that of the ending of the name.
+
+        `select` are the objects to be written, with those to which they refer; None stands for
+        all. Of CSV `table` says which one: "materials", "compositions" or "layers" (of
+        compositions), and the signs may be others. `progress` is called now and then; what it
+        raises ends the work, and no file is written.
+
+        Raises `InvalidValue` for a format that cannot be written, `SameFile`, and `OSError`.
+        """
+        if os.path.exists(self.file) and os.path.exists(path) and os.path.samefile(self.file, path):
+            raise SameFile(f"'{self.file}': the file is that of the library itself")
+        library = self if select is None else self._part(select)
+        content, written, not_written, missing, problems = library._write(
+            format or ending_of(path), table, separator, decimal, progress
+        )
+        write_whole(path, content)
+        return Written(written, not_written, missing, problems)
+
+    def _part(self, objects: Iterable[Thing]) -> Library:
+        part = create(":memory:", unit=self.unit)
+        part.purge(["material_types"])
+        part.locale, part.region = self.locale, self.region
+        part.copy(self, objects)
+        return part
+
     def plan(
         self,
         source: Union[Source, Library],
         *,
         on_clash: str = "fail",
-        progress: Optional[Callable[[], None]] = None,
+        progress: Progress = None,
     ) -> Plan:
         """Finds out what would become of each object of `source` here, and does nothing yet.
 
@@ -408,8 +530,8 @@ class Library(_veldra._Library):
         "use", "overwrite" or "rename". `progress` is called now and then; what it raises ends the
         work.
         """
-        library = source.library if isinstance(source, Source) else source
-        return Plan(self, library, on_clash, {}, progress)
+        states = source.states if isinstance(source, Source) else {}
+        return Plan(self, _library_of(source), on_clash, {}, states, progress)
 
     def __repr__(self) -> str:
         closed = " (closed)" if self.closed else ""
@@ -417,9 +539,11 @@ class Library(_veldra._Library):
 
 
 def _plain_key(object: Thing) -> tuple[int, int]:
-    if isinstance(object, Key):
-        return object.kind.value, object.id
     return object.kind.value, object.id
+
+
+def _library_of(source: Union[Source, Library]) -> Library:
+    return source.library if isinstance(source, Source) else source
 
 
 def open(path: Path, *, read_only: bool = False) -> Library:
@@ -448,13 +572,26 @@ def recognise(path: Path) -> Recognition:
 
 
 def read(
-    *paths: Path, unit: Union[Unit, str] = Unit.MILLIMETRES, on_clash: str = "fail"
+    *paths: Path,
+    unit: Union[Unit, str] = Unit.MILLIMETRES,
+    on_clash: str = "fail",
+    progress: Progress = None,
 ) -> Source:
     """Reads files of other formats, such as epJSON, IDF and JSON, as one source for `plan`.
 
-    `on_clash` decides about objects of two files that differ under one name.
+    `on_clash` decides about objects of two files that differ under one name. `progress` is called
+    now and then; what it raises ends the work.
 
-    Raises `SourceError`.
+    Raises `SourceError`, also for tables (`Library.read_tables`).
     """
-    library, reports = _veldra._read(list(paths), Unit(unit).value, on_clash)
-    return Source(Library(library), reports)
+    return _source(_veldra._read(list(paths), Unit(unit).value, on_clash, progress))
+
+
+def formats() -> list[Format]:
+    """The formats that `read` and `Library.write` know."""
+    return [Format(*parts) for parts in _veldra._formats()]
+
+
+def _source(read: tuple[_veldra._Library, list[dict[str, Any]], dict[tuple[int, int], int]]) -> Source:
+    library, reports, states = read
+    return Source(Library(library), reports, states)

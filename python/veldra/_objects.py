@@ -7,6 +7,7 @@ from typing import Any, Callable, Iterable, NamedTuple, Optional
 
 from veldra import _veldra
 from veldra._enums import CompositionType, Kind, function_of
+from veldra._drawing import section
 from veldra._errors import Closed
 from veldra._views import CustomValues, Layers, Tags, Thicknesses
 
@@ -183,6 +184,8 @@ def _property_initialiser(made: Any) -> Callable[..., None]:
 
     def __init__(self: Any, name: str, object_type: Optional[str] = "material") -> None:
         kinds = {None: 0, "material": Kind.MATERIAL.value, "composition": Kind.COMPOSITION.value}
+        if not isinstance(object_type, (str, type(None))):
+            raise TypeError(f"an object type is a str or None, not {object_type!r}")
         if object_type not in kinds:
             raise ValueError(f"{object_type!r} is none of 'material', 'composition' and None")
         plain(self, name, kinds[object_type])
@@ -230,3 +233,4 @@ def complete() -> None:
     made = classes[Kind.COMPOSITION]
     made.u_value = u_value
     made.heat = heat
+    made.section = section

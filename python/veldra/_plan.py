@@ -10,7 +10,20 @@ from veldra import _veldra
 from veldra._enums import Key, Status
 
 if TYPE_CHECKING:
-    from veldra._library import Copied, Library
+    from veldra._library import Library
+
+
+class Copied(NamedTuple):
+    """What stands in a destination for an object of a source, and how it came there."""
+
+    source: Key
+    result: Key
+    status: Status
+
+
+def copied(entries: list[Any]) -> list[Copied]:
+    """What an operation of the extension has made."""
+    return [Copied(before, after, Status(status)) for before, after, status in entries]
 
 
 class Change(NamedTuple):
@@ -44,9 +57,16 @@ class Source:
     was wrong, and under "not_kept" which fields a library has no place for.
     """
 
-    def __init__(self, library: Library, reports: list[dict[str, Any]]) -> None:
+    def __init__(
+        self,
+        library: Library,
+        reports: list[dict[str, Any]],
+        states: Optional[dict[tuple[int, int], int]] = None,
+    ) -> None:
         self.library = library
         self.reports = reports
+        # Which stored object each of a table is another state of.
+        self.states = states or {}
 
     def __repr__(self) -> str:
         files = ", ".join(repr(report["file"]) for report in self.reports)
@@ -77,14 +97,16 @@ class Plan:
         source: Library,
         on_clash: str,
         decisions: dict[Key, str],
+        states: dict[tuple[int, int], int],
         progress: Optional[Callable[[], None]],
     ) -> None:
         self._library = library
         self._source = source
         self._on_clash = on_clash
         self._decisions = decisions
+        self._states = states
         plain = {(key.kind.value, key.id): decision for key, decision in decisions.items()}
-        self._plan = _veldra._plan(library, source, on_clash, plain, progress)
+        self._plan = _veldra._plan(library, source, on_clash, plain, states, progress)
         self._entries = [
             Entry(key, name, decision, result, [Change(*change) for change in changes], clashes)
             for key, name, decision, result, changes, clashes in self._plan._entries()
@@ -121,7 +143,7 @@ class Plan:
     def decide(self, decisions: dict[Key, str]) -> Plan:
         """A plan in which some objects of the source, by their keys, have another `on_clash`."""
         both = {**self._decisions, **decisions}
-        return Plan(self._library, self._source, self._on_clash, both, None)
+        return Plan(self._library, self._source, self._on_clash, both, self._states, None)
 
     def apply(self, *, progress: Optional[Callable[[], None]] = None) -> list[Copied]:
         """Does what was planned: all of it, or nothing. Returns what stands for each object.
@@ -130,16 +152,13 @@ class Plan:
 
         Raises `PlanError` if something is undecided, or has changed since the plan was made.
         """
-        from veldra._library import Copied
-
-        entries = self._plan._apply(progress)
-        return [Copied(before, after, Status(status)) for before, after, status in entries]
+        return copied(self._plan._apply(progress))
 
     def _rows(self) -> list[tuple[str, str, str, str]]:
         return [
             (
                 entry.decision,
-                entry.source.kind.name.lower().replace("_", " "),
+                entry.source.kind.words,
                 entry.name,
                 _remark(entry),
             )
