@@ -69,4 +69,13 @@ tells "Leaving out the Python module, which cannot be built without: pybind11"
 ! has veldra_python || wrong "the Python module is built without its libraries"
 refused "VELDRA_BUILD_PYTHON is ON, and the Python module cannot be built without: pybind11" \
   -DVELDRA_BUILD_PYTHON=ON
+
+rm -r "$folder/build"
+configure -DCMAKE_DISABLE_FIND_PACKAGE_pugixml=ON -DCMAKE_DISABLE_FIND_PACKAGE_xlsxwriter=ON ||
+  wrong "not configured without the libraries of formats"
+tells "Leaving out the reader of gbXML, which cannot be built without: pugixml"
+tells "Leaving out XLSX workbooks, which cannot be built without: xlsxwriter, pugixml"
+has veldra_kit || wrong "the kit is not built without the libraries of formats"
+refused "VELDRA_BUILD_XLSX is ON, and XLSX workbooks cannot be built without: xlsxwriter, pugixml" \
+  -DVELDRA_BUILD_XLSX=ON
 exit "$status"
