@@ -210,6 +210,11 @@ TEST_F(KitFilter, tells_where_it_is_wrong_and_what_was_expected) {
   }
 }
 
+TEST_F(KitFilter, is_refused_where_it_is_not_utf8) {
+  EXPECT_EQ(error_of([&] { selected("name = \xff"); }),
+            "in the filter, at character 1: it is not UTF-8");
+}
+
 TEST_F(KitFilter, keeps_the_parts_of_its_error) {
   try {
     selected("name ~ ä and (");

@@ -278,16 +278,71 @@ TEST_F(KitPlanFile, is_undecided_where_a_code_is_taken_meanwhile) {
   expect_refusal(content, "nobody has decided what becomes of material 'Clinker'");
 }
 
-TEST_F(KitPlanFile, cannot_be_written_of_what_has_no_fingerprints_or_is_a_state) {
+TEST_F(KitPlanFile, cannot_be_written_of_what_has_no_fingerprints) {
   const kit::Plan plan(source, *library, {});
   const auto ignore = [](std::string_view) {};
   EXPECT_EQ(error_of([&] { kit::write_plan(plan, *library, "", ignore); }),
             "the plan was made without fingerprints");
+}
+
+/// A plan by which the stored brick becomes a clinker.
+class KitPlanFileOfStates : public KitPlanFile {
+ protected:
+  void SetUp() override {
+    KitPlanFile::SetUp();
+    const auto state = source->get<Material>("Brick");
+    state->name("Clinker");
+    source->save(state);
+    rules.states_of[{ObjectType::Material, state->id()}] = library->get<Material>("Brick")->id();
+  }
+
+  std::string decided(const char* decision) const {
+    return edited([&](Json& json) { json["entries"][0]["decision"] = decision; }, rules);
+  }
+
   PlanRules rules;
-  const auto id = source->get<Material>("Brick")->id();
-  rules.states_of[{ObjectType::Material, id}] = library->get<Material>("Brick")->id();
-  EXPECT_EQ(error_of([&] { written(rules); }),
-            "a plan of other states of stored objects cannot be written");
+};
+
+TEST_F(KitPlanFileOfStates, changes_the_stored_objects) {
+  const auto id = library->get<Material>("Brick")->id();
+  apply(written(rules));
+  EXPECT_EQ(library->get<Material>("Clinker")->id(), id);
+  EXPECT_EQ(library->count<Material>(), 1U);
+  EXPECT_EQ(maker("Clinker"), "New");
+  EXPECT_EQ(material_of_wall(), "Clinker");
+}
+
+TEST_F(KitPlanFileOfStates, is_equal_when_it_was_applied_before) {
+  apply(written(rules));
+  const auto content = written(rules);
+  const auto before = rows();
+  apply(content);
+  EXPECT_EQ(rows(), before);
+}
+
+TEST_F(KitPlanFileOfStates, leaves_a_stored_object_that_is_to_be_kept) {
+  apply(decided("keep"));
+  EXPECT_EQ(maker("Brick"), "Old");
+  EXPECT_EQ(library->count<Material>(), 1U);
+  EXPECT_EQ(material_of_wall(), "Brick");
+}
+
+TEST_F(KitPlanFileOfStates, is_refused_where_the_stored_object_has_changed_or_gone) {
+  const auto content = written(rules);
+  const auto stored = library->get<Material>("Brick");
+  stored->url("https://example.org");
+  library->save(stored);
+  const char* sentence = "an object has changed since the plan was made: material 'Clinker'";
+  expect_refusal(content, sentence);
+  library->remove(stored);
+  expect_refusal(content, sentence);
+}
+
+TEST_F(KitPlanFileOfStates, takes_no_other_decision_for_them) {
+  for (const char* decision : {"rename", "equal"}) {
+    EXPECT_THAT(error_of([&] { apply(decided(decision)); }),
+                HasSubstr("makes no sense, as the library has one that differs"));
+  }
 }
 
 /// What an edit makes of the plan, and the sentence with which that is refused.

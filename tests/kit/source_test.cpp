@@ -81,7 +81,8 @@ TEST(SourceProblem, of_a_whole_file_has_no_line) {
 
 TEST(SourceProblem, names_the_format_of_what_cannot_be_read) {
   EXPECT_THAT(problem_of("%PDF-1.7 ").sentence, HasSubstr("this seems to be a PDF document"));
-  EXPECT_THAT(problem_of("PK\x03\x04 xl/workbook.xml").sentence, HasSubstr("XLSX"));
+  EXPECT_THAT(problem_of("PK\x03\x04 xl/workbook.xml").sentence,
+              HasSubstr("a broken archive (ZIP)"));
   EXPECT_THAT(problem_of("{\"a\": 1}").sentence, HasSubstr("JSON of another kind"));
 }
 

@@ -223,7 +223,7 @@ TEST_F(Solving, finds_the_thickness_of_the_variable_layer_within_its_limits) {
   wall_->variable_layer_max_thickness(200);
   EXPECT_EQ(solve(0.15).thickness, std::nullopt);
   EXPECT_EQ(solve(0.15).fault,
-            "even with its greatest thickness, 200 mm, layer 2 gives 0.176 W/(m2 K)");
+            "even with its greatest thickness, 200 mm, layer 2 gives 0.176 W/(m²K)");
 }
 
 TEST_F(Solving, needs_no_layer_without_which_the_target_is_reached) {

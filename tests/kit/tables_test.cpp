@@ -248,8 +248,8 @@ TEST_F(Tables, leave_rows_out_that_cannot_be_read_and_tell_the_line) {
           "greater",
           "'t.csv', line 5: material 'Wall': the row is of another kind, 'composition'",
           "'t.csv', line 6: material 'Oak': the row has more cells than the table has columns",
-          "'t.csv', line 7: material 'Wool': '1.5' is no value for 'function': it must be a whole "
-          "number",
+          "'t.csv', line 7: material 'Wool': '1.5' is no value for 'function': it must be none, "
+          "structure, or a whole number",
           "'t.csv', line 10: material 'Pine': its name is taken"));
   EXPECT_EQ(material("Pine")->thicknesses(), (std::set<double>{20}));
   EXPECT_TRUE(material("Wool")->thicknesses().empty());

@@ -35,6 +35,10 @@ TEST(ValueFromText, is_of_the_kind_of_the_field) {
   EXPECT_EQ(read("allow_custom_thickness", "No"), Value(false));
   EXPECT_EQ(read("allow_custom_thickness", " true "), Value(true));
   EXPECT_EQ(read("function", "1"), Value(1));
+  EXPECT_EQ(read("function", "Structure"), Value(1));
+  EXPECT_EQ(read("conductivity", "0.81 W/mK"), Value(0.81));
+  EXPECT_EQ(read("conductivity", "0.81 W/(m·K)"), Value(0.81));
+  EXPECT_EQ(read("function", "none"), Value(0));
   EXPECT_EQ(read("conductivity", "0.81"), Value(0.81));
   EXPECT_EQ(read("tags", "a; \"b;c\" ;d"), Value(Value::Texts{"a", "b;c", "d"}));
   EXPECT_EQ(read("thicknesses", "115; 240"), Value(Value::Numbers{115, 240}));
@@ -43,7 +47,7 @@ TEST(ValueFromText, is_of_the_kind_of_the_field) {
   EXPECT_EQ(read("cut_pattern", "0; Concrete; 1; 45; no"),
             Value(Pattern(Pattern::Type::Lines, "Concrete", 1, 45)));
   EXPECT_EQ(read("surface_pattern_alignment", "1; -2"), Value(Point2d(1, -2)));
-  EXPECT_EQ(read_for_composition("layers", "Brick | 240 mm | 1; \"Air | still\" | 40"),
+  EXPECT_EQ(read_for_composition("layers", "Brick | 240 mm | structure; \"Air | still\" | 40"),
             Value(Value::Layers{{"Brick", 240, 1}, {"Air | still", 40, 0}}));
   EXPECT_EQ(read_for_composition("type", " ROOF "), Value("roof"));
 }
@@ -73,11 +77,13 @@ TEST(ValueFromText, tells_the_field_the_value_and_what_is_allowed) {
       refused("conductivity", "much"),
       "'much' is no value for 'conductivity': it must be a number, in W/(m K) or with a unit");
   EXPECT_EQ(refused("conductivity", "1 mm"),
-            "'1 mm' is no value for 'conductivity': 'mm' is none of its units W/(mK)");
+            "'1 mm' is no value for 'conductivity': 'mm' is none of its units W/(mK), W/mK");
+  EXPECT_EQ(refused("conductivity", "0,035"),
+            "'0,035' is no value for 'conductivity': numbers have a point");
   EXPECT_EQ(refused("conductivity", "-1"),
             "'-1' is no value for 'conductivity': it must be 0 or greater");
   EXPECT_EQ(refused("function", "1.5"),
-            "'1.5' is no value for 'function': it must be a whole number");
+            "'1.5' is no value for 'function': it must be none, structure, or a whole number");
   EXPECT_EQ(refused("function", "9999999999"),
             "'9999999999' is no value for 'function': the number is out of range");
   EXPECT_EQ(refused("allow_custom_thickness", "maybe"),

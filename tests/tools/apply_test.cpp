@@ -53,6 +53,29 @@ class Apply : public ProgramTest {
   }
 };
 
+TEST_F(Apply, tells_of_all_that_is_undecided_whatever_the_case_of_its_name) {
+  write("case.idf",
+        "Material, BRICK, Rough, 0.24, 0.5, 1800, 1000; Material, BRIK, Rough, 1, 1, 1, 1;");
+  EXPECT_EQ(veldra({"import", "a.lib", "case.idf", "--plan", "q.json"}).status, 1);
+  expect_refusal({"apply", "q.json"},
+                 "the library has a material 'BRICK' already, written 'Brick', which differs");
+}
+
+TEST_F(Apply, does_what_the_plan_of_a_table_says) {
+  must({"set", "a.lib", "material:Brick", "manufacturer=Smith"});
+  must({"export", "a.lib", "-o", "t.csv"});
+  auto table = read("t.csv");
+  table.replace(table.find("Smith"), 5, "Jones");
+  write("t.csv", table);
+  const auto before = read("a.lib");
+  must({"import", "a.lib", "t.csv", "--plan", "p.json"});
+  EXPECT_TRUE(read("a.lib") == before);
+  EXPECT_EQ(plan()["entries"][0]["state_of"], "Brick");
+  EXPECT_THAT(must({"apply", "p.json"}).out, HasSubstr("manufacturer: Smith -> Jones"));
+  EXPECT_THAT(must({"show", "a.lib", "material", "Brick"}).out, HasSubstr("Jones"));
+  expect_refusal({"apply", "p.json"}, "an object has changed since the plan was made");
+}
+
 TEST_F(Apply, does_what_somebody_has_decided_in_the_plan_of_an_import) {
   const auto before = read("a.lib");
   make_plan();

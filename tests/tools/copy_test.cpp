@@ -82,6 +82,18 @@ TEST_F(Copy, makes_a_destination_that_is_missing_in_the_unit_of_the_source) {
   EXPECT_EQ(must({"info", "other.lib", "--json"}).json()["unit"], "mm");
 }
 
+TEST_F(Copy, takes_locale_and_region_into_an_empty_library) {
+  must({"create", "de.lib", "--locale", "de_AT", "--region", "AT"});
+  must({"copy", "a.lib", "de.lib", "--all"});
+  must({"copy", "de.lib", "new.lib", "--all"});
+  const auto info = must({"info", "new.lib", "--json"}).json();
+  EXPECT_EQ(info["locale"], "de_AT");
+  EXPECT_EQ(info["region"], "AT");
+  must({"create", "fr.lib", "--locale", "fr"});
+  must({"copy", "de.lib", "fr.lib", "--all"});
+  EXPECT_EQ(must({"info", "fr.lib", "--json"}).json()["locale"], "fr");
+}
+
 TEST_F(Copy, that_fails_makes_no_destination) {
   EXPECT_EQ(veldra({"copy", "a.lib", "made.lib", "material:Gold"}).status, 1);
   EXPECT_FALSE(exists("made.lib"));

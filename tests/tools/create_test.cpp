@@ -66,8 +66,9 @@ TEST_F(Create, arguments_that_are_wrong_are_told_with_the_command_that_helps) {
             "veldra: there is no command 'craete'\n'veldra --help' tells more.\n");
   EXPECT_EQ(veldra({"create"}).err,
             "veldra: FILE is required\n'veldra create --help' tells more.\n");
-  EXPECT_EQ(veldra({"export", "a.lib", "--format", "xml"}).err,
-            "veldra: --format: 'xml' is none of json, hbjson, epjson, idf, csv\n'veldra export "
+  EXPECT_EQ(veldra({"export", "a.lib", "--format", "pdf"}).err,
+            "veldra: --format: 'pdf' is none of json, hbjson, epjson, gbxml, xlsx, idf, ifc, "
+            "csv\n'veldra export "
             "--help' tells more.\n");
 }
 
@@ -90,7 +91,7 @@ const std::vector<std::vector<std::string>>& wrong_arguments() {
       {"where-used", "a.lib"},
       {"import", "a.lib"},
       {"import", "a.lib", "x.idf", "--on-conflict", "nonsense"},
-      {"export", "a.lib", "--format", "xml"},
+      {"export", "a.lib", "--format", "pdf"},
       {"export", "a.lib", "--format", "csv", "--json"},
       {"copy", "a.lib"},
       {"copy", "a.lib", "b.lib"},

@@ -182,8 +182,6 @@ TEST_F(Creating, of_several_imports_all_go_into_the_library_that_one_makes) {
 
 class NewLibraryTest : public Creating {
  protected:
-  NewLibraryTest() { veldra_tool::use_unicode(); }
-
   const std::string file_ = path("a.lib");
   veldra_tool::Host host_;
 };

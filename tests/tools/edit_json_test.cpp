@@ -58,6 +58,17 @@ TEST_F(EditJson, writes_nothing_where_nothing_was_changed) {
   EXPECT_EQ(edit("true", "material:Brick --json").json(), nlohmann::json::array());
 }
 
+TEST_F(EditJson, of_a_value_that_nobody_can_compute_with_is_refused) {
+  expect_unchanged("sed -i 's/\"1800\"/\"-3\"/' \"$1\"", "material:Brick",
+                   "material 'Brick': its 'Density [kg/m3]' is less than 0: '-3'");
+  expect_unchanged("sed -i 's/\"thickness\": [0-9.]*/\"thickness\": -1/' \"$1\"",
+                   "composition:Wall", "composition 'Wall': the thickness of layer 1");
+}
+
+TEST_F(EditJson, without_its_bracket_is_no_json) {
+  expect_unchanged("sed -i s/{// \"$1\"", "material:Brick", "line 1: this is no JSON");
+}
+
 TEST_F(EditJson, knows_a_renamed_object_again) {
   const auto id = shown("material", "Brick")["id"];
   const auto run = edit("sed -i s/Brick/Clinker/ \"$1\"", "material:Brick");

@@ -65,6 +65,16 @@ TEST_F(EditSet, leaves_all_else_as_it_was) {
   EXPECT_EQ(after, before);
 }
 
+TEST_F(EditSet, and_filters_know_functions_by_their_words) {
+  must({"set", "a.lib", "material:Brick", "function=structure"});
+  EXPECT_EQ(shown("material", "Brick")["function"].dump(), "1");
+  EXPECT_THAT(must({"list", "a.lib", "materials", "--where", "function = structure"}).out,
+              HasSubstr("Brick"));
+  must({"set", "a.lib", "material:Brick", "function=none"});
+  EXPECT_THAT(must({"list", "a.lib", "materials", "--where", "function = Structure"}).out,
+              Not(HasSubstr("Brick")));
+}
+
 TEST_F(EditSet, of_a_quantity_writes_its_custom_property) {
   must({"set", "a.lib", "material:Brick", "conductivity=0.81"});
   const auto quantity = shown("material", "Brick")["quantities"]["conductivity"];
@@ -471,8 +481,9 @@ TEST_F(EditLayers, of_a_wrong_material_thickness_or_function_are_refused) {
   expect_refusal({"layers", "a.lib", "Wall", "add", "Cork", "thick"},
                  "'thick' is no value for 'thickness': it must be a number, in mm or with a unit");
   expect_refusal({"layers", "a.lib", "Wall", "add", "Cork", ""}, "it cannot be empty");
-  expect_refusal({"layers", "a.lib", "Wall", "add", "Cork", "20", "--function", "roof"},
-                 "'roof' is no value for 'function': it must be none, structure, or a number");
+  expect_refusal(
+      {"layers", "a.lib", "Wall", "add", "Cork", "20", "--function", "roof"},
+      "'roof' is no value for 'function': it must be none, structure, or a whole number");
 }
 
 TEST_F(EditLayers, by_an_action_that_is_none_or_lacks_something_is_wrong_use) {

@@ -20,7 +20,6 @@ using Sentences = std::map<std::string, std::string>;
 
 /// What is said of what a call throws while it works on 'a.lib'.
 std::string said_of(const std::function<void()>& call) {
-  veldra_tool::use_unicode();
   try {
     veldra_tool::working_on("a.lib", call);
   } catch (const veldra_tool::Failure& failure) {

@@ -44,6 +44,23 @@ TEST_F(List, all_objects_come_by_name) {
   EXPECT_EQ(names({"types"}).size(), 13U);
 }
 
+TEST_F(List, as_json_has_the_figures_of_the_table_and_nothing_empty) {
+  const auto brick = veldra::Material::create("Lehmziegel");
+  brick->custom_value("Thermal conductivity [W/(m K)]", "0.4");
+  const auto wall = veldra::Composition::create("Ziegelwand");
+  wall->appendLayer({brick, veldra::Material::Function::Structure, 200});
+  library("a.lib")->save(wall);
+  for (const auto& entry : must({"list", "a.lib", "compositions", "--json"}).json()) {
+    if (entry["name"] != "Ziegelwand") continue;
+    EXPECT_EQ(entry["total_thickness"], 200.0);
+    EXPECT_NEAR(entry["transmittance"].get<double>(), 1 / (0.2 / 0.4 + 0.17), 1e-9);
+  }
+  for (const auto& entry : must({"list", "a.lib", "materials", "--json"}).json()) {
+    EXPECT_EQ(entry.count("thicknesses"), 0U) << entry;
+    EXPECT_EQ(entry.count("code"), 0U) << entry;
+  }
+}
+
 TEST_F(List, a_tag_selects) {
   EXPECT_THAT(names({"materials", "--tag", "Boden"}), ElementsAre("Eiche", "Kiefer"));
   EXPECT_THAT(names({"compositions", "--tag", "Decke"}), ElementsAre("Dach"));

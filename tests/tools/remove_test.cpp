@@ -35,6 +35,14 @@ TEST_F(Remove, what_is_in_use_stays_and_the_rest_goes) {
   EXPECT_EQ(count("a.lib", "materials"), 2U);
 }
 
+TEST_F(Remove, a_dry_run_tells_what_would_go_and_writes_nothing) {
+  const auto before = read("a.lib");
+  const auto run = must({"remove", "a.lib", "materials", "Used", "Free", "--dry-run"});
+  EXPECT_THAT(run.out, ContainsRegex("Used +stays: in use"));
+  EXPECT_THAT(run.out, ContainsRegex("Free +would go"));
+  EXPECT_TRUE(read("a.lib") == before);
+}
+
 TEST_F(Remove, when_nothing_goes_the_status_is_1) {
   const auto run = veldra({"remove", "a.lib", "materials", "Used"});
   EXPECT_EQ(run.status, 1);

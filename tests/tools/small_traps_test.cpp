@@ -41,6 +41,17 @@ class SmallTraps : public ProgramTest {
   }
 };
 
+TEST_F(SmallTraps, a_unit_that_a_library_does_not_have_is_refused_and_not_ignored) {
+  const auto before = read("a.lib");
+  must({"create", "b.lib", "--unit", "in"});
+  library("b.lib")->save(veldra::Composition::create("Roof"));
+  const std::string sentence = "veldra: 'a.lib': its unit is mm; --unit is for a new library\n";
+  EXPECT_EQ(error({"import", "a.lib", "walls.idf", "--unit", "in"}), sentence);
+  EXPECT_EQ(error({"copy", "b.lib", "a.lib", "--all", "--unit", "in"}), sentence);
+  EXPECT_TRUE(read("a.lib") == before);
+  must({"import", "a.lib", "walls.idf", "--unit", "mm"});
+}
+
 TEST_F(SmallTraps, an_empty_value_is_none) {
   for (const char* empty : {"", " ", "\t"}) {
     expect_wrong_use({"import", "a.lib", "walls.idf", "--tag", empty}, "--tag: the value is empty");
@@ -89,7 +100,8 @@ TEST_F(SmallTraps, an_output_has_the_ending_of_its_format) {
   };
   const auto unknown = [](const std::string& file) {
     return "--output: '" + file +
-           "' has the ending of none of the formats json, hbjson, epjson, idf, csv";
+           "' has the ending of none of the formats json, hbjson, epjson, gbxml, xlsx, idf, ifc, "
+           "csv";
   };
   expect_wrong_use({"export", "a.lib", "-o", "x.pdf"}, unknown("x.pdf"));
   expect_wrong_use({"export", "a.lib", "-o", "x.csv", "--format", "json"}, wrong("x.csv", "json"));

@@ -45,7 +45,7 @@ void add_calc(Host& host) {
   add_proof_wishes(command, arguments->wishes);
   add_json(command, arguments->json);
   add_example(command, "veldra calc office.lib 'Cavity wall' --climate climate.csv --target-u 0.15",
-              "a figure cannot be given");
+              "there is no U-value, a value cannot be used, or what was asked for cannot be had");
   command.callback([arguments, &host] { calculate(*arguments, host); });
 }
 

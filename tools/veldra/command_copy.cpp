@@ -32,11 +32,12 @@ using AssetCounts = std::map<std::string, unsigned>;
 
 AssetCounts assets_in(const veldra::Library& library) {
   AssetCounts counts;
-  for (const auto& material : all_objects<veldra::Material>(library)) {
+  library.for_each<veldra::Material>([&](const std::shared_ptr<veldra::Material>& material) {
     const unsigned count =
         (material->structuralAsset() ? 1U : 0U) + (material->thermalAsset() ? 1U : 0U);
     if (count > 0) counts[material->name().utf8()] = count;
-  }
+    return true;
+  });
   return counts;
 }
 
@@ -44,6 +45,8 @@ AssetCounts assets_in(const veldra::Library& library) {
 struct Staged {
   std::shared_ptr<veldra::Library> library;
   AssetCounts assets;  ///< which stay behind, of all materials of the source
+  veldra::String locale;
+  veldra::String region;
 };
 
 Staged staged(const Arguments& arguments, const std::vector<NamedObject>& wanted) {
@@ -56,8 +59,17 @@ Staged staged(const Arguments& arguments, const std::vector<NamedObject>& wanted
       result.library->copy(source.shared_from_this(), keys_of(source, wanted));
     }
     result.assets = assets_in(source);
+    result.locale = source.locale();
+    result.region = source.region();
   });
   return result;
+}
+
+/// An empty library takes over the language of what comes into it, as by an import.
+void adopt_settings(veldra::Library& library, const Staged& staging) {
+  if (library.count<veldra::Material>() + library.count<veldra::Composition>() != 0) return;
+  if (library.locale().empty() && staging.locale) library.locale(staging.locale);
+  if (library.region().empty() && staging.region) library.region(staging.region);
 }
 
 bool is_written(const kit::PlanEntry& entry) {
@@ -99,13 +111,15 @@ void copy(const Arguments& arguments, Host& host) {
   working_on(arguments.destination, [&] {
     const auto rules = rules_of(arguments.on_conflict, *staging.library);
     PlannedChange change(arguments.plan, host, "copying");
-    Destination(arguments.destination, arguments.plan.only_tells(), host)
-        .take(unit, true, [&](const std::shared_ptr<veldra::Library>& destination) {
-          output.take_from(change, *destination);
-          return change.carry_out(staging.library, *destination, rules, [&](const kit::Plan& plan) {
-            tell_lost_assets(lost_assets(plan, staging.assets), host);
-          });
-        });
+    Destination place(arguments.destination, arguments.plan.only_tells(), host);
+    if (arguments.unit_given) place.demand(arguments.unit);
+    place.take(unit, true, [&](const std::shared_ptr<veldra::Library>& destination) {
+      adopt_settings(*destination, staging);
+      output.take_from(change, *destination);
+      return change.carry_out(staging.library, *destination, rules, [&](const kit::Plan& plan) {
+        tell_lost_assets(lost_assets(plan, staging.assets), host);
+      });
+    });
   });
   output.write();
 }

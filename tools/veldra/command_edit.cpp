@@ -29,6 +29,24 @@ void tell_nothing_changed(const Arguments& arguments, Host& host) {
   host.output.print("Nothing was changed.\n");
 }
 
+template <class T>
+void require_sound_state(const veldra::Library& states, unsigned state,
+                         const veldra::Library& library, unsigned stored) {
+  const auto before = library.get<T>(stored);
+  require_sound(*states.get<T>(state), before ? faults_of(*before) : std::vector<std::string>());
+}
+
+/// Throws `LibraryFailure` for a value with which nobody could compute and that was not there
+/// before.
+void require_sound_states(const EditedObjects::States& states, const veldra::Library& library) {
+  for (const auto& [key, stored] : states.rules.states_of) {
+    key.type == veldra::ObjectType::Material
+        ? require_sound_state<veldra::Material>(*states.sources.library, key.id, library, stored)
+        : require_sound_state<veldra::Composition>(*states.sources.library, key.id, library,
+                                                   stored);
+  }
+}
+
 /// Does what the text says that somebody has edited.
 void apply(const Arguments& arguments, Host& host, const EditedObjects& objects,
            const std::string& file, const std::string& text) {
@@ -36,6 +54,7 @@ void apply(const Arguments& arguments, Host& host, const EditedObjects& objects,
     Destination(arguments.file, arguments.plan.dry_run, host)
         .take_existing([&](const std::shared_ptr<veldra::Library>& library) {
           const auto states = objects.states_in(file, text, *library);
+          require_sound_states(states, *library);
           PlannedChange change(arguments.plan, host, "editing");
           change.advise("");
           change.report_by([&](const auto& plan, const auto& mapping) {

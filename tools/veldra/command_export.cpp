@@ -44,6 +44,8 @@ bool goes_to_terminal(const std::string& output) {
 
 bool is_json(const kit::Format& format) { return word_of(format) == "json"; }
 
+bool is_binary(const kit::Format& format) { return word_of(format) == "xlsx"; }
+
 /// Lines in which nothing steers a terminal. JSON has escapes of its own.
 std::string printable_lines(std::string_view text) {
   std::string result;
@@ -147,6 +149,9 @@ void require_sense(const Arguments& arguments, const kit::Format& format) {
   if (!arguments.table.empty() && word_of(format) != "csv") {
     throw CLI::ValidationError("--table", "only csv has several tables");
   }
+  if (is_binary(format) && goes_to_terminal(arguments.output)) {
+    throw CLI::ValidationError("--output", "a workbook is no text; give a file for it with -o");
+  }
   if (!arguments.json || is_json(format) || !is_standard_output(arguments.output)) return;
   throw CLI::ValidationError("--json",
                              word_of(format) == "csv"
@@ -179,7 +184,8 @@ void add_format(CLI::App& command, Arguments& arguments) {
   };
   command
       .add_option("--format", arguments.format,
-                  "json: everything, for 'import' to read again; csv: a table; or another format, "
+                  "json: everything, for 'import' to read again; csv: a table; xlsx: a workbook "
+                  "of all tables; or another format, "
                   "of which 'export' tells what it has no place for. By default that of the "
                   "ending of OUT, or json")
       ->check(CLI::Validator(known, "", writable_formats()))

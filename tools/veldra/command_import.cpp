@@ -145,6 +145,7 @@ class Import {
   void run() {
     tell_as_it_was(arguments_.file);
     Destination destination(arguments_.file, arguments_.plan.only_tells(), host_);
+    if (arguments_.unit_given) destination.demand(arguments_.unit);
     if (!tables_) destination.prepare_by([this](veldra::Unit unit) { read_all(unit); });
     destination.take(unit_for(files_, arguments_), any_objects(), [this](const auto& library) {
       if (tables_) read_tables(library);
@@ -261,7 +262,7 @@ void add_import(Host& host) {
   add_on_conflict(command, arguments->on_conflict);
   add_tags(command, arguments->tags,
            "A tag for every material and composition that is imported; may be given several "
-           "times. Without it, those of IDF and epJSON are tagged with the name of their file");
+           "times. Without it, those of other programs are tagged with the name of their file");
   add_unit(command, arguments->unit);
   add_plan_arguments(command, arguments->plan);
   add_plan_file(command, arguments->plan);

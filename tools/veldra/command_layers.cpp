@@ -9,7 +9,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 #include <map>
 #include <stdexcept>
 
@@ -194,15 +193,10 @@ class LayerEditor {
   Material::Function function(const Material& material) const {
     const auto& name = arguments_.function;
     if (name.empty()) return material.function();
-    if (name == "none") return Material::Function::None;
-    if (name == "structure") return Material::Function::Structure;
-    int number = 0;
-    const char* const end = name.data() + name.size();
-    const auto result = std::from_chars(name.data(), end, number);
-    if (result.ec == std::errc() && result.ptr == end) {
-      return static_cast<Material::Function>(number);
-    }
-    throw kit::FieldError("function", name, "it must be none, structure, or a number of the host");
+    static const kit::Fields<Material> fields;
+    const auto value = kit::value_from_text(fields.at("function"), name, library_.unit());
+    if (value.is_nothing()) throw kit::FieldError("function", name, "it cannot be empty");
+    return static_cast<Material::Function>(value.as<long long>());
   }
 
   const veldra::Library& library_;

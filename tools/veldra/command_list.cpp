@@ -115,8 +115,10 @@ class Listing {
 
   Json json() const {
     Json list = Json::array();
+    const auto usual = columns_named(fields_, usual_columns(veldra::ObjectTraits<T>::type));
     for (const auto& object : objects_) {
-      list.push_back(columns_.empty() ? summary_of(*object) : json_of(*object, columns_, fields_));
+      list.push_back(columns_.empty() ? usual_json(*object, usual)
+                                      : json_of(*object, columns_, fields_));
       progress_.step();
     }
     return list;
@@ -134,6 +136,16 @@ class Listing {
   }
 
  private:
+  /// The summary, and what the table has beside it; neither has what an object has not.
+  Json usual_json(const T& object, const Columns<T>& usual) const {
+    Json json = summary_of(object);
+    const Json others = json_of(object, usual, fields_);
+    for (const auto& [key, value] : others.items()) {
+      if (json.count(key) == 0 && !value.empty()) json[key] = value;
+    }
+    return json;
+  }
+
   void read_by_pattern() {
     std::vector<std::shared_ptr<T>> all;
     library_.search(all, library_text(arguments_.pattern), criteria_);

@@ -24,6 +24,7 @@ struct RemoveArguments {
   std::string file;
   veldra::ObjectType kind{};
   std::vector<std::string> objects;
+  bool dry_run = false;
   bool yes = false;
   bool json = false;
 };
@@ -147,7 +148,16 @@ std::size_t count_of_removed(const std::vector<Candidate>& candidates) {
                     [](const Candidate& candidate) { return candidate.removed; }));
 }
 
+void print_prediction(const RemoveArguments& arguments, Host& host) {
+  reading(arguments.file, [&](const veldra::Library& library) {
+    auto objects = named_candidates(library, arguments);
+    predict_removal(objects, library);
+    print_candidates(host.output, objects, arguments.json, "would go");
+  });
+}
+
 void remove(const RemoveArguments& arguments, Host& host) {
+  if (arguments.dry_run) return print_prediction(arguments, host);
   Consent consent(arguments.file);
   const bool many = arguments.objects.size() > most_without_asking && !arguments.yes;
   const auto removal = [&](const veldra::Library& library) {
@@ -215,6 +225,7 @@ void add_remove(Host& host) {
       .add_option("OBJECT", arguments->objects, fmt::format("The objects, each {}", naming_help))
       ->required()
       ->type_name("");
+  command.add_flag("--dry-run", arguments->dry_run, "Tell what would go, and remove nothing");
   add_yes(command, arguments->yes,
           fmt::format("Do not ask; without it, or an answer on a terminal, no more than {} are "
                       "removed at once",

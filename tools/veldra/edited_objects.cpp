@@ -79,6 +79,9 @@ Json materials_of_library(const veldra::Library& library, const std::string& tex
 
 kit::Sources read(const std::string& file, const std::string& text,
                   const veldra::Library& library) {
+  if (text.find_first_not_of(" \t\r\n") != text.find('{')) {
+    throw failure_of(file, "line 1: this is no JSON, as it does not begin with '{'");
+  }
   std::vector<kit::Source> sources{{file, text}};
   const auto others = materials_of_library(library, text);
   if (!others["materials"].empty()) sources.emplace_back("the library", others.dump());

@@ -108,7 +108,6 @@ Status run_command(Host& host, int count, char** values) {
 }
 
 Status run(int count, char** values) {
-  use_unicode();
   Host host;
   if (count < 2) return refuse("a command is missing", "veldra");
   const std::string first = values[1];

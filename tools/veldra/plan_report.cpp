@@ -130,18 +130,6 @@ Json changes_to_json(const PlanEntry& entry) {
   return list;
 }
 
-const char* name_of(Clash::With with) {
-  switch (with) {
-    case Clash::With::Name:
-      return "name";
-    case Clash::With::OtherCase:
-      return "name in another case";
-    case Clash::With::Code:
-      return "code";
-  }
-  return "";
-}
-
 Json clashes_to_json(const PlanEntry& entry) {
   Json list = Json::array();
   for (const auto& clash : entry.clashes) {

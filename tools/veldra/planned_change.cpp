@@ -59,6 +59,16 @@ veldra::ObjectType kind_in(const std::string& objects) {
                   in_quotes(objects)));
 }
 
+/// The library of the sources is none that anybody knows of.
+veldra::ObjectKey key_in_sources(const veldra::Library& source, veldra::ObjectType kind,
+                                 const std::string& text) {
+  try {
+    return object_key(source, kind, text);
+  } catch (const LibraryFailure& failure) {
+    throw Failure(fmt::format("--on-conflict: in what comes in, {}", failure.what()));
+  }
+}
+
 void enter(const Policy& policy, const veldra::Library& source, kit::PlanRules& rules) {
   if (policy.objects.empty()) {
     rules.on_clash = policy.on_clash;
@@ -70,8 +80,8 @@ void enter(const Policy& policy, const veldra::Library& source, kit::PlanRules& 
     rules.for_kind[kind] = policy.on_clash;
     return;
   }
-  const auto key = object_key(source, kind, policy.objects.substr(colon + 1));
-  rules.for_object[key] = policy.on_clash;
+  rules.for_object[key_in_sources(source, kind, policy.objects.substr(colon + 1))] =
+      policy.on_clash;
 }
 
 /// The report goes there.

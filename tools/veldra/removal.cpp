@@ -107,7 +107,9 @@ void print_purged(Spool& output, const std::vector<Candidate>& candidates, bool 
   std::copy_if(candidates.begin(), candidates.end(), std::back_inserter(gone),
                [](const Candidate& candidate) { return candidate.removed; });
   print_candidates(output, gone, json, removed);
-  output.print("{} objects stay, because they are in use.\n", candidates.size() - gone.size());
+  const auto staying = candidates.size() - gone.size();
+  output.print("{} {} in use.\n", staying,
+               staying == 1 ? "object stays, because it is" : "objects stay, because they are");
 }
 
 }  // namespace veldra_tool

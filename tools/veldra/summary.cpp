@@ -69,9 +69,8 @@ std::string length_text(double length, veldra::Unit unit) {
 }
 
 std::string resistance_text(const kit::Transmission& transmission, std::size_t layer) {
-  const auto& resistance = transmission.layers[layer].resistance;
-  const bool told = layer >= transmission.ventilated && resistance;
-  return told ? fixed_number(*resistance, 3) : "–";
+  const auto resistance = transmission.counted_resistance(layer);
+  return resistance ? fixed_number(*resistance, 3) : "–";
 }
 
 }  // namespace veldra_tool

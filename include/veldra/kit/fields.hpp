@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace veldra::kit {
@@ -66,8 +67,9 @@ struct VELDRA_KIT_EXPORT FieldDescription {
   Origin origin = Origin::Stored;        ///< where its values come from
   bool unique = false;    ///< no two objects of the kind in a library have the same value
   bool required = false;  ///< an object cannot be without it
-  std::vector<std::string> choices;  ///< all texts that it can be; empty for any
-  int decimals = -1;                 ///< how many are shown to people; -1 for as many as there are
+  std::vector<std::string> choices;                ///< all texts that it can be; empty for any
+  std::vector<std::pair<std::string, int>> words;  ///< texts that stand for whole numbers
+  int decimals = -1;  ///< how many are shown to people; -1 for as many as there are
 
   /// The names of all objects to which it can refer; empty for a field that refers to none, and in
   /// fields without a library. Reads from the library.

@@ -7,6 +7,7 @@
 
 #include <veldra/kit/clash.hpp>
 #include <veldra/kit/compare.hpp>
+#include <veldra/kit/drawing.hpp>
 #include <veldra/kit/error.hpp>
 #include <veldra/kit/exchange.hpp>
 #include <veldra/kit/fields.hpp>

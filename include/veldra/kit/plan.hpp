@@ -49,6 +49,9 @@ struct Clash {
   std::string code;  ///< the code that both have; else empty
 };
 
+/// What both have, for people: "name", "name in another case", "code".
+VELDRA_KIT_EXPORT const char* name_of(Clash::With with);
+
 /// What is to become of one object.
 struct PlanEntry {
   ObjectKey source;    ///< the object in the source
@@ -84,7 +87,7 @@ struct PlanRules {
   std::function<bool(const ObjectKey&)> ignores_case;
 
   /// Which stored object one of the source is another state of, whatever its name. It gets all its
-  /// values, tags and name among them.
+  /// values, tags and name among them, unless a rule of its own in `for_object` is `OnClash::Use`.
   std::map<ObjectKey, unsigned> states_of;
 
   /// Whether entries get fingerprints, which takes time.

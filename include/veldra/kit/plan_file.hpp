@@ -20,8 +20,7 @@ namespace veldra::kit {
 /// - Hold the `Snapshot` or `Transaction` in which the plan was made.
 ///
 /// Throws:
-/// - `PlanError`: the plan was made without fingerprints, or of other states of stored objects
-///   (`PlanRules::states_of`).
+/// - `PlanError`: the plan was made without fingerprints.
 /// - a database error (`Library`), and what `sink` and `progress` throw.
 VELDRA_KIT_EXPORT void write_plan(const Plan& plan, const Library& destination,
                                   const std::string& path, const TextSink& sink,
@@ -35,6 +34,7 @@ struct PlanFileEntry {
   Decision decision{};        ///< what is to become of it
   std::string new_name;       ///< the name of one that is renamed; empty for any free one
   std::string stored_name;    ///< what the stored one is called, if otherwise
+  std::string state_of;       ///< the stored one whose other state it is, by name; empty for none
   std::string fingerprint;    ///< of the stored one as it was; empty where there was none
   bool ignores_case = false;  ///< whether its name does
 };
@@ -87,7 +87,7 @@ class VELDRA_KIT_EXPORT PlanFile {
   IdMapping apply(Library& destination, const Progress& progress = {}) const;
 
  private:
-  PlanRules rules() const;
+  PlanRules rules(const Library& destination) const;
   void require_same_state(const Plan& plan) const;
   void require_decisions(const Plan& plan) const;
 

@@ -67,6 +67,32 @@ VELDRA_KIT_EXPORT std::string without_controls_in_json(std::string_view json);
 /// Throws: `std::bad_alloc`.
 VELDRA_KIT_EXPORT std::string exact_number(double number);
 
+/// A number for people: at most that many decimals, no trailing zeros; "?" for what is none.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::string rounded_number(double number, int decimals);
+
+/// The same for places of limited width: what would take more than seven digits becomes two digits
+/// and a power of ten, such as 1.5·10⁹.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::string short_number(double number, int decimals);
+
+/// A number for such places, with just that many decimals.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::string fixed_number(double number, int decimals);
+
+/// The number of columns that a text takes where all characters are equally wide, or twice as wide,
+/// such as Chinese ones, or take no place. Of a text that is not UTF-8 the part before the first
+/// malformed character counts.
+VELDRA_KIT_EXPORT std::size_t display_width(std::string_view text);
+
+/// As much of the beginning of a text as takes no more than so many columns.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::string leading_columns(std::string_view text, std::size_t columns);
+
 /// The number that a text says, decimal and with a point, whatever the locale. Blanks around it do
 /// not matter. Empty if the text has anything else, and for what is not finite.
 VELDRA_KIT_EXPORT std::optional<double> number_in(std::string_view text);

@@ -114,6 +114,7 @@ void add_layers(Table<Composition>& table, const Context& context) {
   auto description =
       referring<Material>(described("layers", Value::Kind::Layers), "material", context);
   description.aliases = {"layer"};
+  description.words = function_words();
   description.measure = Measure::Length;
   description.required = true;
   table.add(description, layers_of,

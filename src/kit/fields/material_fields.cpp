@@ -64,8 +64,9 @@ void add_type(Table<Material>& table, const Context& context) {
 }
 
 void add_function(Table<Material>& table) {
-  const auto description =
+  auto description =
       described("function", Value::Kind::WholeNumber, static_cast<int>(Material::Function::None));
+  description.words = function_words();
   table.add(
       description,
       [](const Material& material) { return Value(static_cast<int>(material.function())); },

@@ -16,6 +16,11 @@ FieldDescription described(const std::string& key, Value::Kind kind, const Value
   return description;
 }
 
+std::vector<std::pair<std::string, int>> function_words() {
+  return {{"none", static_cast<int>(Material::Function::None)},
+          {"structure", static_cast<int>(Material::Function::Structure)}};
+}
+
 FieldDescription derived(const std::string& key, const std::string& label, Value::Kind kind) {
   auto description = described(key, kind);
   description.label = label;

@@ -50,6 +50,9 @@ Table<Composition> table_of<Composition>(const Context& context);
 /// A field of the object itself, with its key, blanks for underscores, as its label.
 FieldDescription described(const std::string& key, Value::Kind kind, const Value& initial = {});
 
+/// The functions of materials and layers that have a name; other numbers are the host's.
+std::vector<std::pair<std::string, int>> function_words();
+
 /// One that is computed.
 FieldDescription derived(const std::string& key, const std::string& label, Value::Kind kind);
 

@@ -17,12 +17,14 @@ constexpr WrittenUnit written_units[] = {{"mm", Measure::Length, 1},
                                          {"in", Measure::Length, 25.4},
                                          {"ft", Measure::Length, 304.8},
                                          {"W/(mK)", Measure::Conductivity, 1},
+                                         {"W/mK", Measure::Conductivity, 1},
                                          {"kg/m3", Measure::Density, 1},
                                          {"g/cm3", Measure::Density, 1000},
                                          {"J/(kgK)", Measure::SpecificHeat, 1},
                                          {"kJ/(kgK)", Measure::SpecificHeat, 1000},
                                          {"m2K/W", Measure::Resistance, 1},
                                          {"W/(m2K)", Measure::Transmittance, 1},
+                                         {"W/m2K", Measure::Transmittance, 1},
                                          {"m", Measure::VapourThickness, 1},
                                          {"kg/m2", Measure::AreaMass, 1},
                                          {"kJ/(m2K)", Measure::AreaCapacity, 1},
@@ -64,6 +66,7 @@ std::string unit_text(Measure measure, Unit library) {
 
 std::string bare_unit(std::string unit) {
   unit.erase(std::remove(unit.begin(), unit.end(), ' '), unit.end());
+  replace_all(unit, "·", "");
   replace_all(unit, "²", "2");
   replace_all(unit, "³", "3");
   return unit;

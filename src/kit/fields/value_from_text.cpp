@@ -9,6 +9,7 @@
 
 #include <charconv>
 #include <limits>
+#include <optional>
 
 namespace veldra::kit {
 
@@ -53,7 +54,12 @@ class Reader {
     throw FieldError(field_.name(), text_, allowed);
   }
   [[noreturn]] void refuse() const {
-    std::string allowed = fmt::format("it must be {}", name_of(field_.kind));
+    std::string allowed = "it must be ";
+    if (is_number()) {
+      for (const auto& [word, number] : field_.words) allowed += word + ", ";
+      if (!field_.words.empty()) allowed += "or ";
+    }
+    allowed += name_of(field_.kind);
     const std::string unit = unit_text(field_.measure, library_);
     if (!unit.empty()) allowed += fmt::format(", in {} or with a unit", unit);
     refuse(allowed);
@@ -66,7 +72,20 @@ class Reader {
     refuse();
   }
 
+  bool is_number() const {
+    return field_.kind == Value::Kind::WholeNumber || field_.kind == Value::Kind::Number;
+  }
+
+  /// The number for which a word stands.
+  std::optional<int> named_number(const std::string& text) const {
+    for (const auto& [word, number] : field_.words) {
+      if (folded(word) == folded(text)) return number;
+    }
+    return std::nullopt;
+  }
+
   long long whole_number(const std::string& text) const {
+    if (const auto named = named_number(text)) return *named;
     long long number = 0;
     const char* const end = text.data() + text.size();
     const auto result = std::from_chars(text.data(), end, number);
@@ -93,9 +112,12 @@ class Reader {
 
   /// A number with or without a unit behind it.
   double measured(const std::string& text) const {
+    const auto named = is_number() ? named_number(text) : std::nullopt;
+    if (named) return *named;
     require_finite(text);
     const auto digits = std::min(text.find_first_not_of("0123456789.+-eE"), text.size());
     const std::string unit = trimmed(text.substr(digits));
+    if (unit.size() > 1 && unit[0] == ',' && is_digit(unit[1])) refuse("numbers have a point");
     double result = number(text.substr(0, digits));
     if (!unit.empty()) {
       const auto factor = unit_factor(unit, field_.measure, library_);
@@ -105,6 +127,8 @@ class Reader {
     if (field_.measure != Measure::None && result < 0) refuse("it must be 0 or greater");
     return result;
   }
+
+  static bool is_digit(char character) { return character >= '0' && character <= '9'; }
 
   [[noreturn]] void refuse_unit(const std::string& unit) const {
     if (field_.measure == Measure::None) refuse("it has no unit");

@@ -2,33 +2,13 @@
 #include <veldra/kit/fields.hpp>
 #include <veldra/kit/plan.hpp>
 
-#include <sha2.h>
+#include "kit/text/sha256.hpp"
 
-#include <array>
-#include <cstdint>
 #include <type_traits>
 
 namespace veldra::kit {
 
 namespace {
-
-class Sha256 {
- public:
-  Sha256() { SHA256Init(&state_); }
-
-  /// Texts end with a byte that none has, so that no two lists of texts are the same bytes.
-  void add(const std::string& text) {
-    SHA256Update(&state_, reinterpret_cast<const std::uint8_t*>(text.c_str()), text.size() + 1);
-  }
-
-  std::string digits() {
-    std::array<char, SHA256_DIGEST_STRING_LENGTH> text{};
-    return SHA256End(&state_, text.data());
-  }
-
- private:
-  SHA2_CTX state_{};
-};
 
 template <class T>
 void add_custom_values(Sha256& sum, const T& object) {

@@ -177,7 +177,10 @@ unsigned KindPlanning<T>::stored_for(const T& incoming, bool& other_case) const 
 template <class T>
 void KindPlanning<T>::decide_state(PlanEntry& entry, const T& incoming, const T& stored) const {
   entry.changes = comparing_.all_differences(incoming, stored, materials_);
-  entry.decision = entry.changes.empty() ? Decision::Equal : Decision::Change;
+  const auto own_rule = rules_.for_object.find(entry.source);
+  const bool stays = own_rule != rules_.for_object.end() && own_rule->second == OnClash::Use;
+  entry.decision = stays ? Decision::Keep : Decision::Change;
+  if (entry.changes.empty()) entry.decision = Decision::Equal;
 }
 
 /// Leaves a clash for what differs.

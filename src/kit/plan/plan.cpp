@@ -63,6 +63,18 @@ const char* name_of(Decision decision) {
   return "undecided";
 }
 
+const char* name_of(Clash::With with) {
+  switch (with) {
+    case Clash::With::Name:
+      return "name";
+    case Clash::With::OtherCase:
+      return "name in another case";
+    case Clash::With::Code:
+      break;
+  }
+  return "code";
+}
+
 Plan::Plan(std::shared_ptr<const Library> source, const Library& destination, PlanRules rules,
            const Progress& progress)
     : source_(std::move(source)), rules_(std::move(rules)) {

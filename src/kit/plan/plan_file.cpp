@@ -7,15 +7,24 @@
 #include "kit/plan/plan_reading.hpp"
 #include "kit/text/quoted.hpp"
 
+#include <veldra/kit/fields.hpp>
 #include <veldra/kit/kinds.hpp>
+#include <veldra/kit/text.hpp>
 
 #include <fmt/format.h>
 
+#include <map>
 #include <set>
 
 namespace veldra::kit {
 
 namespace {
+
+/// Whether the stored object has another name, and not the same in another case.
+bool is_known_otherwise(const PlanFileEntry& entry) {
+  const bool same = entry.ignores_case && lower_case(entry.stored_name) == lower_case(entry.name);
+  return !entry.stored_name.empty() && !same;
+}
 
 /// By which rule a plan comes to a decision where an object clashes with a stored one.
 OnClash rule_for(const PlanFileEntry& entry) {
@@ -28,7 +37,7 @@ OnClash rule_for(const PlanFileEntry& entry) {
       return OnClash::Rename;
     default:
       // It may be known under a name that it got before.
-      return entry.stored_name.empty() ? OnClash::Fail : OnClash::Rename;
+      return is_known_otherwise(entry) ? OnClash::Rename : OnClash::Fail;
   }
 }
 
@@ -38,6 +47,32 @@ const std::string& new_name_in(const PlanFileEntry& entry) {
 
 std::string called(const PlanFileEntry& entry) {
   return fmt::format("{} {}", singular_of(entry.object.type), quoted(entry.name));
+}
+
+/// The id of a stored object; 0 where there is none.
+unsigned id_in(const Library& destination, ObjectType kind, const std::string& name) {
+  const auto text = library_text(name);
+  if (kind == ObjectType::Material) {
+    const auto object = destination.get<Material>(text);
+    return object ? object->id() : 0;
+  }
+  const auto object = destination.get<Composition>(text);
+  return object ? object->id() : 0;
+}
+
+/// Which stored objects the entries are other states of.
+std::map<ObjectKey, unsigned> states_in(const std::vector<PlanFileEntry>& entries,
+                                        const Library& destination) {
+  std::map<ObjectKey, unsigned> states;
+  std::vector<std::string> missing;
+  for (const auto& entry : entries) {
+    if (entry.state_of.empty()) continue;
+    const unsigned id = id_in(destination, entry.object.type, entry.state_of);
+    if (id == 0) missing.push_back(called(entry));
+    states[entry.object] = id;
+  }
+  if (!missing.empty()) throw_changed(missing);
+  return states;
 }
 
 /// What a stored object is to the one of the file, as the end of a sentence.
@@ -88,9 +123,10 @@ PlanFile::PlanFile(std::string file, const std::string& content) : file_(std::mo
   entries_ = std::move(reading.entries);
 }
 
-PlanRules PlanFile::rules() const {
+PlanRules PlanFile::rules(const Library& destination) const {
   PlanRules rules;
   rules.fingerprints = true;
+  rules.states_of = states_in(entries_, destination);
   std::set<ObjectKey> ignoring;
   for (const auto& entry : entries_) {
     const auto rule = rule_for(entry);
@@ -109,7 +145,7 @@ PlanRules PlanFile::rules() const {
 
 Plan PlanFile::plan(const Library& destination, const Progress& progress) const {
   if (destination.guid() != guid_) throw PlanError("the plan is for another library");
-  Plan plan(source_, destination, rules(), progress);
+  Plan plan(source_, destination, rules(destination), progress);
   require_same_state(plan);
   require_decisions(plan);
   return plan;

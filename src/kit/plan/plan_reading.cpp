@@ -113,6 +113,7 @@ void PlanReading::read_entry(const JsonNode& node) {
   entry.decision = decision_of(reader, node);
   if (reader.find("new_name")) entry.new_name = reader.required_text("new_name").utf8();
   if (reader.find("stored_name")) entry.stored_name = reader.required_text("stored_name").utf8();
+  if (reader.find("state_of")) entry.state_of = reader.required_text("state_of").utf8();
   const auto fingerprint = reader.required_text("fingerprint").utf8();
   if (fingerprint != plan_form::absent && !is_fingerprint(fingerprint)) {
     reader.fail(*node.member("fingerprint"),

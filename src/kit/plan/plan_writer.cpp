@@ -15,18 +15,6 @@ namespace veldra::kit {
 
 namespace {
 
-const char* name_of(Clash::With with) {
-  switch (with) {
-    case Clash::With::Name:
-      return "name";
-    case Clash::With::OtherCase:
-      return "name in another case";
-    case Clash::With::Code:
-      break;
-  }
-  return "code";
-}
-
 Json json_of_changes(const PlanEntry& entry) {
   Json list = Json::array();
   for (const auto& change : entry.changes) {
@@ -112,6 +100,7 @@ class PlanWriter {
     json["name"] = entry.name;
     json["decision"] = plan_form::word_of(entry.decision);
     if (entry.decision == Decision::Rename) json["new_name"] = entry.result;
+    if (is_state(entry)) json["state_of"] = stored_name_of(entry);
     add_stored(json, entry);
     if (ignores_case(entry)) json["ignores_case"] = true;
     if (!entry.changes.empty()) json["changes"] = json_of_changes(entry);
@@ -124,6 +113,17 @@ class PlanWriter {
     const bool is_result = entry.decision != Decision::Rename && entry.result != entry.name;
     if (entry.stored != 0 && is_result) json["stored_name"] = entry.result;
     json["fingerprint"] = entry.fingerprint.empty() ? plan_form::absent : entry.fingerprint;
+  }
+
+  bool is_state(const PlanEntry& entry) const {
+    return plan_.rules().states_of.count(entry.source) != 0;
+  }
+
+  static std::string stored_name_of(const PlanEntry& entry) {
+    for (const auto& change : entry.changes) {
+      if (change.field == "name") return value_text(change.before);
+    }
+    return entry.name;
   }
 
   bool ignores_case(const PlanEntry& entry) const {
@@ -141,9 +141,6 @@ class PlanWriter {
 void write_plan(const Plan& plan, const Library& destination, const std::string& path,
                 const TextSink& sink, const Progress& progress) {
   if (!plan.rules().fingerprints) throw PlanError("the plan was made without fingerprints");
-  if (!plan.rules().states_of.empty()) {
-    throw PlanError("a plan of other states of stored objects cannot be written");
-  }
   PlanWriter(plan, destination, sink).write(path, progress);
 }
 

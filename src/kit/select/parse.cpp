@@ -198,6 +198,7 @@ FilterError::FilterError(std::size_t position, const std::string& sentence)
 FilterError::~FilterError() = default;
 
 Expression parse(const std::string& text, const KnownFields& known) {
+  if (!is_utf8(text)) throw FilterError(1, "it is not UTF-8");
   return Parser(text, known).parse();
 }
 

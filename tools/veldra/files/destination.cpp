@@ -2,7 +2,10 @@
 #include "files/destination.hpp"
 
 #include "files/new_library.hpp"
+#include "kinds.hpp"
 #include "opening.hpp"
+
+#include <fmt/format.h>
 
 namespace veldra_tool {
 
@@ -34,6 +37,10 @@ bool Destination::into_new(veldra::Unit unit, const Work& work) {
 
 /// What is kept has its backup in place before.
 void Destination::within(const std::shared_ptr<veldra::Library>& library, const Work& work) {
+  if (demanded_ && library->unit() != *demanded_) {
+    throw LibraryFailure(
+        fmt::format("its unit is {}; --unit is for a new library", name_of(library->unit())));
+  }
   if (prepare_) prepare_(library->unit());
   veldra::Library::Transaction transaction(*library);
   forbid_sudden_end();  // from here on the file may be written

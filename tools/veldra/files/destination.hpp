@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace veldra_tool {
@@ -33,6 +34,9 @@ class Destination {
   /// Runs the work on the library that has to be there. Throws `Failure` when there is none.
   void take_existing(const Work& work) { into_existing(work); }
 
+  /// Refuses a library that is there and has another unit; `LibraryFailure` says so.
+  void demand(std::optional<veldra::Unit> unit) { demanded_ = unit; }
+
   void prepare_by(Prepare prepare) { prepare_ = std::move(prepare); }
 
  private:
@@ -43,6 +47,7 @@ class Destination {
   const std::string& file_;
   bool dry_run_;
   Host& host_;
+  std::optional<veldra::Unit> demanded_;
   Prepare prepare_;
 };
 
