@@ -118,7 +118,8 @@ void bind_changes(py::class_<LibraryHandle, std::shared_ptr<LibraryHandle>>& lib
   library.def("_remove_id", &remove_id);
   library.def("_remove_all", &remove_all);
   library.def("_purge", &purge);
-  library.def("_copy", &copy);
+  library.def("_copy", &copy, py::arg("source").none(false), py::arg("keys"),
+              py::arg("on_conflict"));
 }
 
 }  // namespace veldra::python

@@ -41,7 +41,10 @@ Unit common_unit(const Compositions& compositions) {
 
 std::string draw(const Compositions& compositions, const Text& locale, std::optional<bool> lying,
                  const std::optional<std::string>& type, const Text& boundary) {
-  for (const auto& each : compositions) require_readable(*each);
+  for (const auto& each : compositions) {
+    if (!each) throw py::type_error("a veldra.Composition is needed, not None");
+    require_readable(*each);
+  }
   const Use nothing({});
   try {
     kit::DrawingRules rules;

@@ -160,7 +160,8 @@ void bind_kit(py::module_& module) {
                              [](const PlanHandle& self) { return self.plan.changes_anything(); })
       .def("_entries", &entries)
       .def("_apply", &apply);
-  module.def("_plan", &plan);
+  module.def("_plan", &plan, py::arg("destination").none(false), py::arg("source").none(false),
+             py::arg("on_clash"), py::arg("for_object"), py::arg("states"), py::arg("progress"));
   module.def("_heat", &heat, py::arg("composition"), py::arg("boundary"));
 }
 

@@ -330,9 +330,18 @@ def test_other_types_and_numbers_of_arguments_are_refused(
         # Equality takes anything, and it does not matter how nothing is pickled or copied.
         if kind in ("object", "dict[int, Any]") or name == "protocol":
             continue
-        wrong = [*arguments[:place], NOTHING, *arguments[place + 1 :]]
-        with pytest.raises(TypeError):
-            call(scene, signature, wrong)
+        for value in [NOTHING, *absent_values(kind)]:
+            wrong = [*arguments[:place], value, *arguments[place + 1 :]]
+            with pytest.raises(TypeError):
+                call(scene, signature, wrong)
+
+
+def absent_values(kind: str) -> list[Any]:
+    """None, and a list of None, where they are not of the type; what is no bool is taken as one."""
+    if kind.startswith("Optional[") or kind in ("Any", "bool", "OnConflict"):
+        return []
+    has_parts = kind.startswith("list[") and kind != "list[Any]"
+    return [None, [None]] if has_parts else [None]
 
 
 @pytest.mark.parametrize(("owner", "name", "kind", "writable"), attributes())

@@ -72,6 +72,9 @@ def draw(
     Raises `InvalidValue` for build-ups of libraries of different units.
     """
     drawn = list(compositions)
+    for each in drawn:
+        if not isinstance(each, _veldra.Composition):
+            raise TypeError(f"a veldra.Composition is needed, not {each!r}")
     if locale is None:
         libraries = [each.library for each in drawn]
         locale = libraries[0].locale if libraries and libraries[0] is not None else ""

@@ -13,6 +13,7 @@ from veldra import _veldra
 from veldra._enums import FileKind, Key, Kind, KindLike, Unit, kind_of
 from veldra._errors import CannotOpen, NotFound, SameFile, SourceError
 from veldra._files import Path as Path, ending_of, write_whole
+from veldra._objects import CLASSES
 from veldra._plan import Copied as Copied, Plan, Source, copied
 from veldra._reactor import Answer, Reactor
 from veldra._tables import Table, columns_of_frame
@@ -539,6 +540,8 @@ class Library(_Block, _veldra._Library):
 
 
 def _plain_key(object: Thing) -> tuple[int, int]:
+    if not isinstance(object, (Key, *CLASSES.values())):
+        raise TypeError(f"an object or a veldra.Key is needed, not {object!r}")
     return object.kind.value, object.id
 
 

@@ -142,6 +142,9 @@ class Plan:
 
     def decide(self, decisions: dict[Key, str]) -> Plan:
         """A plan in which some objects of the source, by their keys, have another `on_clash`."""
+        for key in decisions:
+            if not isinstance(key, Key):
+                raise TypeError(f"a veldra.Key is needed, not {key!r}")
         both = {**self._decisions, **decisions}
         return Plan(self._library, self._source, self._on_clash, both, self._states, None)
 

@@ -18,6 +18,8 @@ _OWN = "custom_values."
 
 def columns_of_frame(frame: Any) -> dict[str, list[Any]]:
     """The columns of a `pandas.DataFrame`, with None for what is not there."""
+    if not (hasattr(frame, "columns") and hasattr(frame, "iloc")):
+        raise TypeError(f"a pandas.DataFrame is needed, not {frame!r}")
     result = {}
     for name in frame.columns:
         column = frame[name].astype(object)
@@ -37,6 +39,8 @@ class Table:
         self._kind = collection.kind
         if self._kind not in (Kind.MATERIAL, Kind.COMPOSITION):
             raise ValueError("tables are of materials or of compositions")
+        if not isinstance(columns, Mapping):
+            raise TypeError(f"columns are a dict of lists by the names of fields, not {columns!r}")
         self._columns = {name: list(values) for name, values in columns.items()}
         if len({len(values) for values in self._columns.values()}) > 1:
             raise ValueError("the columns are not equally long")
