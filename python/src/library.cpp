@@ -171,28 +171,57 @@ void bind_library(py::module_& module) {
   // The class of the package is derived from this one, and takes over what was opened.
   library.def(py::init([](const Handle& opened) { return opened; }));
   refuse_pickling(library, "a veldra.Library cannot be pickled: pickle the name of its file");
-  library.def_readonly("file", &LibraryHandle::file);
-  library.def_property_readonly("closed", [](const LibraryHandle& self) { return !self.library; });
-  library.def_property_readonly("guid", asked([](const Library& it) { return it.guid().utf8(); }));
+  library.def_readonly("file", &LibraryHandle::file,
+                       "The name of the file, as it was given; that of the first file for what "
+                       "veldra.read gives.");
+  library.def_property_readonly(
+      "closed", [](const LibraryHandle& self) { return !self.library; },
+      "Whether the library is closed.");
+  library.def_property_readonly("guid", asked([](const Library& it) { return it.guid().utf8(); }),
+                                "The identity of the library, which copies of the file share: 36 "
+                                "characters, hexadecimal with hyphens. Raises Closed.");
   library.def_property_readonly("_unit",
                                 asked([](const Library& it) { return kit::name_of(it.unit()); }));
-  library.def_property_readonly("version", asked([](const Library& it) { return it.version(); }));
-  library.def_property_readonly("read_only",
-                                asked([](const Library& it) { return it.readOnly(); }));
+  library.def_property_readonly("version", asked([](const Library& it) { return it.version(); }),
+                                "The version of the schema of the file. Raises Closed.");
+  library.def_property_readonly("read_only", asked([](const Library& it) { return it.readOnly(); }),
+                                "Whether the library was opened for reading. Raises Closed.");
   library.def_property("locale", asked([](const Library& it) { return it.locale().utf8(); }),
-                       told([](Library& it, const String& text) { it.locale(text); }));
-  library.def_property("region", asked([](const Library& it) { return it.region().utf8(); }),
-                       told([](Library& it, const String& text) { it.region(text); }));
+                       told([](Library& it, const String& text) { it.locale(text); }),
+                       "The locale of its texts, such as \"de_CH\". It is written at once. Raises "
+                       "Closed, and Busy and ReadOnly when it is set.");
+  library.def_property(
+      "region", asked([](const Library& it) { return it.region().utf8(); }),
+      told([](Library& it, const String& text) { it.region(text); }),
+      "The region for which it is meant. It is written at once. Raises Closed, and "
+      "Busy and ReadOnly when it is set.");
   library.def_property(
       "_reactor", [](const LibraryHandle& self) { return self.hub->installed(); },
       [](LibraryHandle& self, py::object reactor) { self.hub->install(std::move(reactor)); });
-  library.def("close", &close);
-  library.def("interrupt", [](LibraryHandle& self) {
-    if (self.library) self.library->interrupt();
-  });
+  library.def(
+      "close", &close,
+      "Closes the library; nothing happens if it is closed. Its objects live on, and belong "
+      "to none then.\n\nRaises TransactionError within a transaction, a snapshot or a call "
+      "on it, and ThreadError.");
+  library.def(
+      "interrupt",
+      [](LibraryHandle& self) {
+        if (self.library) self.library->interrupt();
+      },
+      "Ends what another thread does with the library, which raises Interrupted there. It may be "
+      "called from any thread, and does nothing to a library that does nothing.");
   library.def("check", &check);
-  library.def("backup", &backup, py::arg("path"));
-  library.def("restore_from", &restore_from, py::arg("path"), py::arg("other_library") = false);
+  library.def(
+      "backup", &backup, py::arg("path"),
+      "Copies the library, in the state of one moment, to a new file.\n\nRaises FileExists, "
+      "TransactionError within a transaction, CannotOpen and Full; no new file is left then.");
+  library.def(
+      "restore_from", &restore_from, py::arg("path"), py::arg("other_library") = false,
+      "Replaces all contents by those of a backup, or of any library with the same GUID, in "
+      "full or not at all. With other_library it may have another GUID, which the library "
+      "has then. Objects in memory stay as they are: read them anew.\n\nRaises FileMissing, "
+      "CannotOpen, NotALibrary, UnknownVersion, OtherLibrary, SameFile, Damaged, ReadOnly, "
+      "and TransactionError within a transaction or a snapshot.");
   bind_transactions(library);
   bind_queries(library);
   bind_changes(library);

@@ -148,11 +148,17 @@ py::object library_of(const T& object) {
 template <class T>
 ClassOfObject<T> bind_object(py::module_& module, const char* name) {
   ClassOfObject<T> object(module, name);
-  object.def_property_readonly("library", &library_of<T>);
-  object.def_property_readonly("dirty", [](const T& self) {
-    require_readable(self);
-    return self.isDirty();
-  });
+  object.def_property_readonly(
+      "library", &library_of<T>,
+      "The library of the object; None for one that was not saved, and after "
+      "closing the library.");
+  object.def_property_readonly(
+      "dirty",
+      [](const T& self) {
+        require_readable(self);
+        return self.isDirty();
+      },
+      "Whether something has changed since the object was read or saved.");
   object.def("__repr__", [name](const T& self) { return shown(self, name); });
   object.def("__str__", [](const T& self) {
     require_readable(self);
