@@ -1,27 +1,36 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-2.0-or-later
-"""Lists materials with three attributes in Python, beside sqlite3 of the standard library.
+"""Lists materials in Python, beside sqlite3 of the standard library and beside the same list in C++.
 
-    PYTHONPATH=build/release/python/package bench/python_lists.py [<materials> [<veldra_bench>]]
+    PYTHONPATH=build/release/python/package bench/python_lists.py [<materials> [<veldra_list_file>]]
 
-With the benchmarks of C++ it also tells the list in C++, of as many materials. Times are the best
-of several rounds, in milliseconds; each ratio is to the line that it names.
+All of them read one file. Without the program (`ninja -C build/release veldra_list_file`) there is
+no line of C++; without pandas there are none of data frames. Figures are processor times, which
+hold also on a machine with other work, and the least of several rounds; each ratio is to the line
+that it names.
 """
 
-import re
+import importlib.util
 import sqlite3
 import subprocess
 import sys
 import tempfile
 import time
+from collections.abc import Callable
 from pathlib import Path
-from typing import Any, Callable, Optional
+from typing import Any
 
 import veldra
 
 ROUNDS = 5
 BY_HAND = """
     SELECT Material.id, Material.name, Material.description, Material.manufacturer FROM Material
+"""
+IMPORT = """
+import time
+began = time.process_time()
+import veldra
+print(time.process_time() - began)
 """
 
 
@@ -43,9 +52,9 @@ def sample(file: Path, count: int) -> None:
 def best(work: Callable[[], Any]) -> float:
     times = []
     for _ in range(ROUNDS):
-        start = time.perf_counter()
+        start = time.process_time()
         work()
-        times.append(time.perf_counter() - start)
+        times.append(time.process_time() - start)
     return min(times) * 1000
 
 
@@ -74,13 +83,38 @@ def without_attributes(file: Path) -> int:
         return sum(1 for _ in library.materials)
 
 
-def of_cplusplus(program: str, count: int) -> Optional[float]:
-    """What veldra_bench prints for the list of all materials, for each, in milliseconds for all."""
-    command = [program, "--filter=^all_materials$", f"--materials={count}", f"--rounds={ROUNDS}"]
-    printed = subprocess.run(command, capture_output=True, text=True, check=True).stdout
-    found = re.search(r"^all_materials\s+(ns|us|ms|s)\s+([\d.]+)", printed, re.MULTILINE)
-    factors = {"ns": 1e-6, "us": 1e-3, "ms": 1.0, "s": 1e3}
-    return float(found.group(2)) * factors[found.group(1)] * count if found else None
+def all_columns(file: Path) -> dict[str, list[Any]]:
+    with veldra.open(file, read_only=True) as library:
+        return library.materials.columns()
+
+
+def frame(file: Path) -> Any:
+    with veldra.open(file, read_only=True) as library:
+        return library.to_pandas("materials")
+
+
+def frame_figures(file: Path) -> dict[str, float]:
+    """A data frame of all fields, and what pandas alone takes for its columns."""
+    if importlib.util.find_spec("pandas") is None:
+        return {}
+    import pandas
+
+    columns = all_columns(file)
+    return {
+        "data frame of all fields": best(lambda: frame(file)),
+        "pandas alone, its columns": best(lambda: pandas.DataFrame(columns)),
+    }
+
+
+def of_cplusplus(program: str, file: Path) -> float:
+    command = [program, str(file), str(ROUNDS)]
+    return float(subprocess.run(command, capture_output=True, text=True, check=True).stdout)
+
+
+def import_time() -> float:
+    command = [sys.executable, "-c", IMPORT]
+    printed = [subprocess.run(command, capture_output=True, check=True).stdout for _ in range(ROUNDS)]
+    return min(map(float, printed)) * 1000
 
 
 def tell(work: str, figure: float, beside: dict[str, float]) -> None:
@@ -90,28 +124,31 @@ def tell(work: str, figure: float, beside: dict[str, float]) -> None:
 
 def main() -> None:
     count = int(sys.argv[1]) if len(sys.argv) > 1 else 10_000
+    beside: dict[str, float] = {}
     with tempfile.TemporaryDirectory() as folder:
         file = Path(folder) / "bench.lib"
         sample(file, count)
         if not sorted(by_objects(file)) == sorted(by_columns(file)) == sorted(by_hand(file)):
             sys.exit("the three lists differ")
-        hand = best(lambda: by_hand(file))
+        beside["sqlite3"] = best(lambda: by_hand(file))
+        if len(sys.argv) > 2:
+            beside["C++"] = of_cplusplus(sys.argv[2], file)
         figures = {
             "objects, no attribute": best(lambda: without_attributes(file)),
             "objects, three attributes": best(lambda: by_objects(file)),
             "columns of three attributes": best(lambda: by_columns(file)),
+            "columns of all fields": best(lambda: all_columns(file)),
         }
+        figures |= frame_figures(file)
     print(f"{count} materials")
-    beside = {"sqlite3": hand}
-    tell("sqlite3, one table", hand, {})
-    listed = of_cplusplus(sys.argv[2], count) if len(sys.argv) > 2 else None
-    if listed is not None:
-        beside["C++"] = listed
-        tell("C++, whole objects", listed, {"sqlite3": hand})
+    tell("sqlite3, one table", beside["sqlite3"], {})
+    if "C++" in beside:
+        tell("C++, whole objects", beside["C++"], {"sqlite3": beside["sqlite3"]})
     for work, figure in figures.items():
         tell(work, figure, beside)
     attributes = figures["objects, three attributes"] - figures["objects, no attribute"]
     print(f"an attribute takes {attributes / count / 3 * 1000:.2f} us")
+    print(f"import takes {import_time():.1f} ms")
 
 
 main()
