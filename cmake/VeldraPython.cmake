@@ -1,11 +1,19 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
-# Whether the Python module is built, as VELDRA_HAS_PYTHON: it needs the kit, and an interpreter that
-# can load what is built, so instruments leave it out.
+# Whether the Python module is built, as VELDRA_HAS_PYTHON. It needs the kit, and an interpreter that
+# can load what is built: with instruments it needs their libraries loaded before (scripts/soak python
+# does it), so that it is left out there unless somebody asks for it.
 set(VELDRA_HAS_PYTHON OFF)
-if(NOT VELDRA_HAS_KIT OR VELDRA_SANITIZERS OR VELDRA_COVERAGE)
-  if(VELDRA_BUILD_PYTHON AND NOT VELDRA_BUILD_PYTHON STREQUAL AUTO)
-    message(FATAL_ERROR "VELDRA_BUILD_PYTHON is ${VELDRA_BUILD_PYTHON}, and the Python module needs the kit, without sanitizers and coverage")
+set(asked OFF)
+if(VELDRA_BUILD_PYTHON AND NOT VELDRA_BUILD_PYTHON STREQUAL AUTO)
+  set(asked ON)
+endif()
+if(NOT VELDRA_HAS_KIT)
+  if(asked)
+    message(FATAL_ERROR "VELDRA_BUILD_PYTHON is ${VELDRA_BUILD_PYTHON}, and the Python module needs the kit")
   endif()
+  return()
+endif()
+if((VELDRA_SANITIZERS OR VELDRA_COVERAGE) AND NOT asked)
   return()
 endif()
 
