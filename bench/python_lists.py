@@ -10,6 +10,7 @@ hold also on a machine with other work, and the least of several rounds; each ra
 that it names.
 """
 
+import importlib
 import importlib.util
 import sqlite3
 import subprocess
@@ -97,8 +98,7 @@ def frame_figures(file: Path) -> dict[str, float]:
     """A data frame of all fields, and what pandas alone takes for its columns."""
     if importlib.util.find_spec("pandas") is None:
         return {}
-    import pandas
-
+    pandas = importlib.import_module("pandas")
     columns = all_columns(file)
     return {
         "data frame of all fields": best(lambda: frame(file)),

@@ -31,7 +31,7 @@ wall
 # Figures follow from the layers. A section shows itself in a notebook.
 
 # %%
-round(wall.U, 3)
+print(f"U = {wall.U:.3f} W/(m2 K)")
 
 # %%
 wall.section()
@@ -66,7 +66,7 @@ plan = library.plan(supplier, on_clash="overwrite")
 plan
 
 # %%
-_ = plan.apply()
+copied = plan.apply()
 len(library.materials), library.materials["Brick"].conductivity
 
 # %% [markdown]
