@@ -14,13 +14,6 @@ namespace veldra::python {
 namespace {
 
 using Handle = std::shared_ptr<LibraryHandle>;
-using Keys = std::vector<std::pair<int, unsigned>>;
-
-std::set<ObjectKey> as_keys(const Keys& keys) {
-  std::set<ObjectKey> result;
-  for (const auto& [kind, id] : keys) result.emplace(static_cast<ObjectType>(kind), id);
-  return result;
-}
 
 /// Objects that a transaction may put back are watched until it ends.
 void remember(LibraryHandle& self, const Addresses& objects) {

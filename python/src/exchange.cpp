@@ -156,9 +156,10 @@ const kit::Format& format_named(const std::string& name) {
   throw kit::Error("there is no format '" + name + "'");
 }
 
-/// What was written, and the parts of the report.
-py::tuple write(LibraryHandle& self, const Text& format, const std::string& table,
-                const Text& separator, const Text& decimal, const py::object& progress) {
+/// What was written of the library, or of the objects with keys, and the parts of the report.
+py::tuple write(LibraryHandle& self, const Text& format, const std::optional<Keys>& keys,
+                const std::string& table, const Text& separator, const Text& decimal,
+                const py::object& progress) {
   const kit::WriteRules rules{table, sign_of(separator, ','), sign_of(decimal, '.'),
                               progress_of(progress)};
   const Use use({&self});
@@ -167,7 +168,9 @@ py::tuple write(LibraryHandle& self, const Text& format, const std::string& tabl
     std::unique_ptr<Library::Snapshot> one_state;
     if (!self.is_bound()) one_state = std::make_unique<Library::Snapshot>(*self.library);
     const auto sink = [&](std::string_view part) { text += part; };
-    return kit::write(*self.library, format_named(format.utf8), sink, rules);
+    const auto& known = format_named(format.utf8);
+    if (!keys) return kit::write(*self.library, known, sink, rules);
+    return kit::write(*self.library, as_keys(*keys), known, sink, rules);
   });
   py::list problems;
   for (const auto& problem : report.problems) problems.append(as_python(problem));

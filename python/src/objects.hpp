@@ -7,9 +7,21 @@
 #include <veldra/kit/kinds.hpp>
 
 #include <memory>
+#include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace veldra::python {
+
+/// Keys of objects as the functions of Python hand them over: kinds and ids.
+using Keys = std::vector<std::pair<int, unsigned>>;
+
+inline std::set<ObjectKey> as_keys(const Keys& keys) {
+  std::set<ObjectKey> result;
+  for (const auto& [kind, id] : keys) result.emplace(static_cast<ObjectType>(kind), id);
+  return result;
+}
 
 /// What saving an object can touch.
 struct Reached {

@@ -73,6 +73,18 @@ def test_selected_objects_are_written_with_those_to_which_they_refer(
     assert [each["name"] for each in part["materials"]] == ["Slate"]
 
 
+def test_objects_keep_their_ids_whatever_is_written_beside_them(
+    office: veldra.Library, tmp_path: Path
+) -> None:
+    slate = office.materials["Slate"]
+    office.write(tmp_path / "a.csv", select=[slate])
+    text = (tmp_path / "a.csv").read_text(encoding="utf-8")
+    assert f"id [{office.guid}]" in text
+    (tmp_path / "a.csv").write_text(text.replace("Slate", "Schist"), encoding="utf-8")
+    office.plan(office.read_tables(tmp_path / "a.csv")).apply()
+    assert office.materials["Schist"].id == slate.id
+
+
 def test_tables_have_their_signs(office: veldra.Library, tmp_path: Path) -> None:
     written = office.write(
         tmp_path / "layers.csv", table="layers", separator=";", decimal=",", progress=None

@@ -496,7 +496,7 @@ class Library(_Block, _veldra._Library):
         """Writes the library in a format (`formats`), by default that of the ending of the name.
 
         `select` are the objects to be written, with those to which they refer; None stands for
-        all. Of CSV `table` says which one: "materials", "compositions" or "layers" (of
+        all. Ids and GlobalIds are those of this library then, too; assets are left out and told. Of CSV `table` says which one: "materials", "compositions" or "layers" (of
         compositions), and the signs may be others. `progress` is called now and then; what it
         raises ends the work, and no file is written.
 
@@ -504,19 +504,12 @@ class Library(_Block, _veldra._Library):
         """
         if os.path.exists(self.file) and os.path.exists(path) and os.path.samefile(self.file, path):
             raise SameFile(f"'{self.file}': the file is that of the library itself")
-        library = self if select is None else self._part(select)
-        content, written, not_written, missing, problems = library._write(
-            format or ending_of(path), table, separator, decimal, progress
+        keys = None if select is None else [_plain_key(each) for each in select]
+        content, written, not_written, missing, problems = self._write(
+            format or ending_of(path), keys, table, separator, decimal, progress
         )
         write_whole(path, content)
         return Written(written, not_written, missing, problems)
-
-    def _part(self, objects: Iterable[Thing]) -> Library:
-        part = create(":memory:", unit=self.unit)
-        part.purge(["material_types"])
-        part.locale, part.region = self.locale, self.region
-        part.copy(self, objects)
-        return part
 
     def plan(
         self,

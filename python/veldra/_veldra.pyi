@@ -251,6 +251,7 @@ class _Library(metaclass=_Meta):
     def _write(
         self,
         format: str,
+        keys: Any,
         table: str,
         separator: str,
         decimal: str,

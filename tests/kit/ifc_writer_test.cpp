@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include <limits>
+#include <map>
 #include <random>
 #include <regex>
 #include <set>
@@ -156,6 +157,39 @@ TEST_P(WrittenIfc, is_the_same_when_it_is_written_again) {
   EXPECT_NE(written_as("IFC", *other).text.substr(0, 2000),
             written_as("IFC", *library_).text.substr(0, 2000))
       << "another library has other GlobalIds";
+}
+
+/// The GlobalIds of what has one, by the names of classes and objects.
+std::map<std::string, std::string> global_ids(const std::string& model) {
+  const std::regex rooted("=(IFC[A-Z]*)\\('([^']{22})',\\$,(\\$|'[^']*')");
+  std::map<std::string, std::string> ids;
+  for (std::sregex_iterator each(model.begin(), model.end(), rooted), end; each != end; ++each) {
+    ids[(*each)[1].str() + (*each)[3].str()] = (*each)[2];
+  }
+  return ids;
+}
+
+TEST_P(WrittenIfc, has_the_same_global_ids_for_an_object_whatever_is_written_beside_it) {
+  const auto brick = material("Brick");
+  library_->save(brick);
+  for (const char* name : {"A", "B", "C"}) {
+    library_->save(composition(name, {{brick, Material::Function::None, 1}}));
+  }
+  const auto all = global_ids(written_as("IFC", *library_).text);
+  ASSERT_EQ(all.count("IFCBUILDINGELEMENTPROXYTYPE'C'"), 1U);
+  for (const std::set<ObjectKey>& keys :
+       {std::set<ObjectKey>{key_of<Composition>(*library_, "C")},
+        std::set<ObjectKey>{key_of<Composition>(*library_, "B"),
+                            key_of<Composition>(*library_, "C")}}) {
+    const auto part = part_written_as("IFC", *library_, keys).text;
+    const auto ids = global_ids(part);
+    for (const char* name :
+         {"IFCPROJECT'veldra'", "IFCPROJECTLIBRARY'veldra'", "IFCBUILDINGELEMENTPROXYTYPE'C'"}) {
+      EXPECT_EQ(ids.at(name), all.at(name)) << name;
+    }
+    EXPECT_EQ(ids.count("IFCBUILDINGELEMENTPROXYTYPE'A'"), 0U);
+    EXPECT_EQ(part_written_as("IFC", *library_, keys).text, part);
+  }
 }
 
 TEST_P(WrittenIfc, has_global_ids_of_22_characters_each_once) {

@@ -352,6 +352,21 @@ TEST_F(Tables, need_a_library) {
               HasSubstr("this is no table"));
 }
 
+TEST_F(Tables, of_a_part_of_a_library_mean_its_objects) {
+  fill();
+  const auto odd = key_of<Material>(*library_, "=odd, \"quoted\"; and\nmore");
+  auto table = part_written_as("CSV", *library_, {odd}).text;
+  EXPECT_EQ(table.substr(0, table.find("\r\n")),
+            table_of(*library_, "materials").substr(0, table.find("\r\n")))
+      << "the same columns, so that they mean the same";
+  EXPECT_THAT(take({table}), IsEmpty());
+  EXPECT_FALSE(changes_);
+  const std::string name = "'=odd, \"\"quoted\"\"; and\nmore";
+  table.replace(table.find(name), name.size(), "Other");
+  EXPECT_THAT(take({table}), IsEmpty());
+  EXPECT_EQ(material("Other")->id(), odd.id);
+}
+
 TEST(Formats, are_those_of_the_page) {
   std::ifstream page(VELDRA_FORMATS_PAGE);
   std::vector<std::string> rows;

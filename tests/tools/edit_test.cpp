@@ -224,7 +224,8 @@ TEST_F(EditSet, keeps_a_backup_of_what_was) {
 }
 
 TEST_F(EditSet, without_an_object_or_something_to_set_is_wrong_use) {
-  expect_wrong_use({"set", "a.lib", "comments=x"}, "say which objects to change");
+  expect_wrong_use({"set", "a.lib", "comments=x"},
+                   "say which objects, as KIND:OBJECT or by --where");
   expect_wrong_use({"set", "a.lib", "material:Brick"}, "say what to set");
   expect_wrong_use({"set", "a.lib", "material:Brick", "comments"},
                    "'comments' is not FIELD=VALUE, such as manufacturer=Smith");

@@ -104,6 +104,71 @@ TEST_F(Export, a_round_trip_gives_the_same_bytes) {
   }
 }
 
+/// Makes a library of two walls of one brick, one of which has a tag.
+class ExportOfObjects : public Export {
+ protected:
+  void SetUp() override {
+    const auto office = library("a.lib");
+    const auto brick = veldra::Material::create("Brick");
+    for (const char* name : {"Inner", "Outer"}) {
+      const auto wall = veldra::Composition::create(name);
+      wall->type(veldra::Composition::Type::Wall);
+      wall->addTag(veldra::Tag::create(name));
+      wall->appendLayer({brick, veldra::Material::Function::None, 100});
+      office->save(wall);
+    }
+    office->save(veldra::Material::create("Wool"));
+  }
+
+  /// The names of the objects of a kind in what is written.
+  static std::vector<std::string> names(const Json& written, const char* kind) {
+    std::vector<std::string> names;
+    for (const auto& each : written.at(kind)) names.push_back(each.at("name"));
+    return names;
+  }
+};
+
+TEST_F(ExportOfObjects, writes_them_and_what_they_refer_to) {
+  for (const std::vector<std::string>& objects :
+       {std::vector<std::string>{"composition:Outer"},
+        std::vector<std::string>{"compositions", "--where", "name = Outer"}}) {
+    std::vector<std::string> command{"export", "a.lib"};
+    command.insert(command.end(), objects.begin(), objects.end());
+    const auto written = must(command).json();
+    EXPECT_EQ(names(written, "compositions"), std::vector<std::string>{"Outer"});
+    EXPECT_EQ(names(written, "materials"), std::vector<std::string>{"Brick"});
+    EXPECT_EQ(written.at("tags"), Json::array({"Outer"}));
+  }
+}
+
+TEST_F(ExportOfObjects, gives_an_object_the_same_global_ids_as_the_library) {
+  must({"export", "a.lib", "-o", "all.ifc"});
+  must({"export", "a.lib", "composition:Outer", "-o", "one.ifc"});
+  const std::regex wall("IFCWALLTYPE\\('([^']*)',\\$,'Outer'");
+  const auto all = read("all.ifc");
+  const auto one = read("one.ifc");
+  std::smatch in_all;
+  std::smatch in_one;
+  ASSERT_TRUE(std::regex_search(all, in_all, wall));
+  ASSERT_TRUE(std::regex_search(one, in_one, wall));
+  EXPECT_EQ(in_all[1], in_one[1]);
+  EXPECT_EQ(one.find("Inner"), std::string::npos);
+}
+
+TEST_F(ExportOfObjects, of_a_table_changes_the_library_again) {
+  must({"export", "a.lib", "materials", "--where", "name = Wool", "-o", "a.csv"});
+  write("b.csv", std::regex_replace(read("a.csv"), std::regex("Wool"), "Mineral wool"));
+  must({"import", "a.lib", "b.csv"});
+  EXPECT_EQ(count("a.lib", "materials"), 2U);
+}
+
+TEST_F(ExportOfObjects, tells_objects_that_are_not_there) {
+  EXPECT_EQ(veldra({"export", "a.lib", "composition:Roof"}).status, 1);
+  EXPECT_EQ(veldra({"export", "a.lib", "Roof"}).status, 2);
+  EXPECT_EQ(veldra({"export", "a.lib", "--where", "name = x"}).status, 2);
+  EXPECT_EQ(veldra({"export", "a.lib", "composition:Outer", "x=y"}).status, 2);
+}
+
 TEST_F(Export, a_second_import_changes_nothing) {
   fill(*library("a.lib"));
   write("a.json", exported("a.lib"));

@@ -5,6 +5,7 @@
 #include "formats.hpp"
 #include "host.hpp"
 #include "json.hpp"
+#include "object_arguments.hpp"
 #include "opening.hpp"
 #include "progress.hpp"
 #include "summary.hpp"
@@ -26,6 +27,8 @@ struct Arguments {
   std::string format;
   std::string table;
   std::string locale;
+  std::vector<std::string> objects;
+  Selection selection;
   std::string output;
   bool force = false;
   bool verbose = false;
@@ -87,13 +90,18 @@ class Export {
       if (!to_terminal) return text.write(part);
       text.write(is_table() ? printable_row(part) : printable_lines(part));
     };
-    tell(kit::write(library, format_, keep, rules_));
+    tell(write_wanted(library, keep));
     if (is_table() && arguments_.table.empty()) tell_other_tables(library);
     return size;
   }
 
  private:
   bool is_table() const { return word_of(format_) == "csv"; }
+
+  kit::WriteReport write_wanted(const veldra::Library& library, const kit::TextSink& sink) const {
+    if (arguments_.selection.is_empty()) return kit::write(library, format_, sink, rules_);
+    return kit::write(library, keys_of(library, arguments_.selection), format_, sink, rules_);
+  }
 
   void tell(const kit::WriteReport& report) {
     if (report.is_whole()) return;
@@ -140,7 +148,7 @@ class Export {
 void print_written(const Arguments& arguments, const kit::Format& format, std::size_t bytes,
                    const veldra::Library& library, Spool& output) {
   Json written = written_to_json(arguments.output, word_of(format), bytes);
-  written["counts"] = counts_of(library);
+  if (arguments.selection.is_empty()) written["counts"] = counts_of(library);
   print_json(output, written);
 }
 
@@ -176,6 +184,14 @@ void export_library(const Arguments& arguments, Host& host) {
   if (!to_standard_output) output.write(host, kept);
 }
 
+/// Takes what is to be written from the arguments; nothing stands for the whole library.
+void take_objects(Arguments& arguments) {
+  auto& texts = arguments.objects;
+  if (texts.empty() && !arguments.selection.filtered) return;
+  take_selection(texts, arguments.selection);
+  if (!texts.empty()) named_object(texts.front());
+}
+
 void add_format(CLI::App& command, Arguments& arguments) {
   const auto known = [](const std::string& text) {
     const auto* format = kit::find_format(text);
@@ -203,9 +219,17 @@ void add_format(CLI::App& command, Arguments& arguments) {
 }  // namespace
 
 void add_export(Host& host) {
-  auto& command = *host.arguments.add_subcommand("export", "Write a whole library as text");
+  auto& command = *host.arguments.add_subcommand(
+      "export", "Write a library, or objects of it and what they refer to, as text");
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
+  command
+      .add_option("OBJECT", arguments->objects,
+                  fmt::format("What to write, each as KIND:OBJECT, which is {}, or KIND with "
+                              "--where; by default everything",
+                              naming_help))
+      ->type_name("");
+  const auto* where = add_selection(command, arguments->selection);
   add_format(command, *arguments);
   add_output(command, arguments->output, arguments->force);
   command.add_flag(
@@ -215,7 +239,11 @@ void add_export(Host& host) {
   add_example(command, "veldra export office.lib -o office.json",
               "the format has no place for something that the library holds, or demands something "
               "that it lacks");
-  command.callback([arguments, &host] { export_library(*arguments, host); });
+  command.callback([arguments, where, &host] {
+    arguments->selection.filtered = where->count() > 0;
+    take_objects(*arguments);
+    export_library(*arguments, host);
+  });
 }
 
 }  // namespace veldra_tool

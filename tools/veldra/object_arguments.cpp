@@ -73,7 +73,7 @@ std::set<veldra::ObjectKey> keys_of(const veldra::Library& library,
 CLI::Option* add_selection(CLI::App& command, Selection& selection) {
   return command
       .add_option("--where", selection.filter,
-                  "Change all objects of KIND for which this holds, such as \"type = Insulation "
+                  "All objects of KIND for which this holds, such as \"type = Insulation "
                   "and manufacturer is empty\"; 'veldra help list' tells more")
       ->type_name("EXPR");
 }
@@ -93,8 +93,7 @@ void take_selection(std::vector<std::string>& texts, Selection& selection) {
     if (!texts.empty() && texts.front().find('=') == std::string::npos) {
       named_object(texts.front());
     }
-    throw CLI::ValidationError("OBJECT",
-                               "say which objects to change, as KIND:OBJECT or by --where");
+    throw CLI::ValidationError("OBJECT", "say which objects, as KIND:OBJECT or by --where");
   }
   texts.erase(texts.begin(), text);
 }

@@ -29,12 +29,15 @@ std::vector<NamedObject> named_objects(const std::vector<std::string>& texts);
 std::set<veldra::ObjectKey> keys_of(const veldra::Library& library,
                                     const std::vector<NamedObject>& objects);
 
-/// Which objects a command changes: those that are named, or those of a kind that a filter selects.
+/// Which objects a command is about: those that are named, or those of a kind that a filter
+/// selects.
 struct Selection {
   std::vector<NamedObject> objects;
   veldra::ObjectType kind{};
   std::string filter;
   bool filtered = false;
+
+  bool is_empty() const { return objects.empty() && !filtered; }
 };
 
 /// Adds the option that makes a `Selection` a filtered one; `filtered` is left to the callback.

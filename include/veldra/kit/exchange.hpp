@@ -280,6 +280,13 @@ VELDRA_KIT_EXPORT Sources read_tables(const std::vector<Source>& sources,
 /// Takes the parts of a text, one after the other; of a format that is no text, the bytes.
 using TextSink = std::function<void(std::string_view part)>;
 
+/// The library that objects belong to which are written from another one, such as a part of it in
+/// memory.
+struct WholeLibrary {
+  String guid;                        ///< its GUID
+  std::map<ObjectKey, unsigned> ids;  ///< the ids that the objects of the part have there
+};
+
 /// How a library is written.
 struct WriteRules {
   /// Which table of a format that has several: "materials", "compositions", or "layers" of
@@ -291,6 +298,11 @@ struct WriteRules {
 
   /// Is called for each object that is written.
   Progress progress;
+
+  /// The library of which the one that is written is a part; null for none. Formats that hold ids,
+  /// or marks made from them (GlobalIds), have those of the whole then, so that an object keeps
+  /// them whatever is written beside it.
+  const WholeLibrary* part_of = nullptr;
 };
 
 /// What became of the objects of a library that was written.
@@ -309,8 +321,7 @@ struct WriteReport {
   }
 };
 
-/// Writes a library in a format. A part of a library is put into a library in memory first
-/// (`Library::copy`).
+/// Writes a library in a format.
 ///
 /// - What is written is the same for the same library, and of a format that is read reads back to
 ///   the same, but for what the report tells.
@@ -323,6 +334,18 @@ struct WriteReport {
 /// - a database error (`Library`), and what `sink` and `progress` throw.
 VELDRA_KIT_EXPORT WriteReport write(const Library& library, const Format& format,
                                     const TextSink& sink, const WriteRules& rules = {});
+
+/// Writes objects of a library and those to which they refer, as a library that holds nothing else.
+/// Their ids, and the marks that are made from them, are those of the library itself; `part_of` of
+/// the rules counts for nothing.
+///
+/// - Keys of no objects are skipped.
+/// - The objects are in memory meanwhile. Their assets are not written, and are told.
+///
+/// Throws: as `write` of a library.
+VELDRA_KIT_EXPORT WriteReport write(const Library& library, const std::set<ObjectKey>& keys,
+                                    const Format& format, const TextSink& sink,
+                                    const WriteRules& rules = {});
 
 /// Writes all that a library holds as JSON, in a form that `Source` reads: names in place of ids,
 /// and no members for what is as in a new object. Objects stand in the order of their names; the

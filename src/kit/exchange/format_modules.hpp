@@ -47,17 +47,25 @@ struct FormatModule {
   using Write = WriteReport (*)(const Library& library, const TextSink& sink,
                                 const WriteRules& rules);
 
+  /// Which custom properties are written with a part of a library: those of its objects, or all of
+  /// the library. The heading of a property depends on which others there are, and what is read
+  /// again is read beside all of them.
+  enum class PropertiesOf { Objects, Library };
+
   FormatModule(const std::string& name, const std::vector<std::string>& endings,
-               Recognises recognises, Read read, Write write)
+               Recognises recognises, Read read, Write write,
+               PropertiesOf properties_of = PropertiesOf::Objects)
       : format{name, endings, read != nullptr, write != nullptr},
         recognises(recognises),
         read(read),
-        write(write) {}
+        write(write),
+        properties_of(properties_of) {}
 
   Format format;
   Recognises recognises;
   Read read;
   Write write;
+  PropertiesOf properties_of;
 };
 
 FormatModule catalogue_module();

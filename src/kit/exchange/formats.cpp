@@ -3,6 +3,7 @@
 #include <veldra/kit/text.hpp>
 
 #include "kit/exchange/format_modules.hpp"
+#include "kit/exchange/library_part.hpp"
 
 #include <fmt/format.h>
 
@@ -27,6 +28,12 @@ const FormatModule& module_for(const Format& format) {
     throw Error(fmt::format("this build can neither read nor write {}", format.name));
   }
   throw Error(fmt::format("{} can be read only; there are writers for {}", format.name, names));
+}
+
+void add_properties(const Library& library, std::set<ObjectKey>& keys) {
+  for (const unsigned id : library.ids<CustomProperty>()) {
+    keys.insert({ObjectType::CustomProperty, id});
+  }
 }
 
 bool has_ending(const Format& format, const std::string& ending) {
@@ -67,6 +74,19 @@ const Format* find_format(const std::string& name) {
 WriteReport write(const Library& library, const Format& format, const TextSink& sink,
                   const WriteRules& rules) {
   return module_for(format).write(library, sink, rules);
+}
+
+WriteReport write(const Library& library, const std::set<ObjectKey>& keys, const Format& format,
+                  const TextSink& sink, const WriteRules& rules) {
+  const auto& module = module_for(format);
+  auto copied = keys;
+  if (module.properties_of == FormatModule::PropertiesOf::Library) add_properties(library, copied);
+  const LibraryPart part(library, copied);
+  auto of_part = rules;
+  of_part.part_of = &part.whole();
+  auto report = module.write(part.library(), sink, of_part);
+  for (const auto& field : part.left_behind()) report.not_written.push_back(field);
+  return report;
 }
 
 }  // namespace veldra::kit

@@ -4,6 +4,7 @@
 #include "kit/exchange/lost_values.hpp"
 #include "kit/exchange/objects_by_name.hpp"
 #include "kit/exchange/writers.hpp"
+#include "kit/exchange/written_identity.hpp"
 #include "kit/text/quoted.hpp"
 
 #include <veldra/kit/kinds.hpp>
@@ -76,7 +77,7 @@ constexpr KnownProperty known_properties[] = {
 class IfcWriter {
  public:
   IfcWriter(const Library& library, const TextSink& sink, const WriteRules& rules)
-      : library_(library), sink_(sink), progress_(rules.progress) {}
+      : library_(library), sink_(sink), progress_(rules.progress), identity_(library, rules) {}
 
   WriteReport write() {
     sink_(head);
@@ -104,11 +105,11 @@ class IfcWriter {
 
   /// The GlobalId of something of the library, as a value.
   std::string id_of(const std::string& what) const {
-    return step_text(ifc_global_id(fmt::format("{}/{}", library_.guid().utf8(), what)));
+    return step_text(ifc_global_id(fmt::format("{}/{}", identity_.guid(), what)));
   }
 
   std::string id_of(const Composition& composition, const char* role) const {
-    return id_of(fmt::format("composition/{}/{}", composition.id(), role));
+    return id_of(fmt::format("composition/{}/{}", identity_.id_of(composition), role));
   }
 
   unsigned si_unit(const char* type, const char* prefix, const char* name) {
@@ -300,6 +301,7 @@ class IfcWriter {
   const Library& library_;
   const TextSink& sink_;
   const Progress& progress_;
+  WrittenIdentity identity_;
   unsigned last_ = 0;
   unsigned context_ = 0;
   unsigned project_library_ = 0;

@@ -19,8 +19,8 @@ std::string canonical(const std::string& text) {
 
 }  // namespace
 
-std::string fingerprint_heading_of(const Library& library) {
-  return fmt::format("{} [{}]", fingerprint_heading, library.guid().utf8());
+std::string fingerprint_heading_of(const std::string& guid) {
+  return fmt::format("{} [{}]", fingerprint_heading, guid);
 }
 
 std::string fingerprint_of_row(const NamedCells& cells) {

@@ -15,8 +15,8 @@ namespace veldra::kit {
 /// The heading of the column that tells how a row was when it was written.
 constexpr const char* fingerprint_heading = "fingerprint";
 
-/// The heading of that column in a workbook of a library.
-std::string fingerprint_heading_of(const Library& library);
+/// The heading of that column in a workbook of the library of a GUID.
+std::string fingerprint_heading_of(const std::string& guid);
 
 /// The texts of a row by the headings of their columns.
 using NamedCells = std::map<std::string, std::string>;

@@ -66,9 +66,7 @@ class PropertyHeadings {
 
 }  // namespace
 
-std::string id_heading(const Library& library) {
-  return fmt::format("id [{}]", library.guid().utf8());
-}
+std::string id_heading(const std::string& guid) { return fmt::format("id [{}]", guid); }
 
 std::string heading_of(const FieldDescription& field, Unit library) {
   const auto unit = unit_text(field.measure, library);
@@ -82,7 +80,8 @@ bool has_column(const FieldDescription& field) {
 }
 
 template <class T>
-std::vector<TableColumn<T>> table_columns(const Fields<T>& fields, const Library& library) {
+std::vector<TableColumn<T>> table_columns(const Fields<T>& fields, Unit unit,
+                                          const std::string& guid) {
   std::vector<TableColumn<T>> columns;
   for (const auto& field : fields) {
     if (has_column(field)) columns.push_back({"", &field});
@@ -91,8 +90,8 @@ std::vector<TableColumn<T>> table_columns(const Fields<T>& fields, const Library
   for (auto& column : columns) {
     const auto& field = *column.field;
     const bool is_property = field.origin == Origin::Custom;
-    column.heading = is_property ? property_heading(field) : heading_of(field, library.unit());
-    if (field.origin == Origin::Derived) column.heading = id_heading(library);
+    column.heading = is_property ? property_heading(field) : heading_of(field, unit);
+    if (field.origin == Origin::Derived) column.heading = id_heading(guid);
   }
   return columns;
 }
@@ -116,8 +115,9 @@ std::vector<std::string> layer_texts(const Composition& composition, std::size_t
           fmt::format("{}", static_cast<int>(layer.function()))};
 }
 
-template std::vector<TableColumn<Material>> table_columns(const Fields<Material>&, const Library&);
-template std::vector<TableColumn<Composition>> table_columns(const Fields<Composition>&,
-                                                             const Library&);
+template std::vector<TableColumn<Material>> table_columns(const Fields<Material>&, Unit,
+                                                          const std::string&);
+template std::vector<TableColumn<Composition>> table_columns(const Fields<Composition>&, Unit,
+                                                             const std::string&);
 
 }  // namespace veldra::kit

@@ -15,7 +15,7 @@ constexpr const char* layer_kind = "layer";
 constexpr const char* property_prefix = "property:";
 
 /// The heading of ids. They are those of one library, which stands behind them as a unit does.
-std::string id_heading(const Library& library);
+std::string id_heading(const std::string& guid);
 
 /// The heading of a field: its key, and its unit in brackets.
 std::string heading_of(const FieldDescription& field, Unit library);
@@ -31,9 +31,10 @@ struct TableColumn {
 /// table. The name and the id stand in each table.
 bool has_column(const FieldDescription& field);
 
-/// All columns of the table of a kind, in their order.
+/// All columns of the table of a kind, in their order, with the ids of the library of a GUID.
 template <class T>
-std::vector<TableColumn<T>> table_columns(const Fields<T>& fields, const Library& library);
+std::vector<TableColumn<T>> table_columns(const Fields<T>& fields, Unit unit,
+                                          const std::string& guid);
 
 /// The headings of the table of layers.
 std::vector<std::string> layer_headings(Unit library);
@@ -44,10 +45,10 @@ constexpr std::size_t first_layer_cell = 3;
 /// The texts of the row of a layer, in the order of the headings.
 std::vector<std::string> layer_texts(const Composition& composition, std::size_t index);
 
-extern template std::vector<TableColumn<Material>> table_columns(const Fields<Material>&,
-                                                                 const Library&);
+extern template std::vector<TableColumn<Material>> table_columns(const Fields<Material>&, Unit,
+                                                                 const std::string&);
 extern template std::vector<TableColumn<Composition>> table_columns(const Fields<Composition>&,
-                                                                    const Library&);
+                                                                    Unit, const std::string&);
 
 }  // namespace veldra::kit
 

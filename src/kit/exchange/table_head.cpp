@@ -190,7 +190,8 @@ FormatModule table_module() {
           [](FileContent content) -> std::shared_ptr<const SourceContent> {
             return std::make_shared<TextContent>(std::move(content));
           },
-          write_table};
+          write_table,
+          FormatModule::PropertiesOf::Library};
 }
 
 }  // namespace veldra::kit

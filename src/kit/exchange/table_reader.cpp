@@ -116,8 +116,8 @@ bool is_rounded(const std::string& cell, const std::string& stored) {
 
 /// The place of the column of fingerprints. Those of another library tell nothing.
 std::optional<std::size_t> fingerprint_column(const TableSource& table, const Library& library) {
-  const auto found =
-      std::find(table.headings.begin(), table.headings.end(), fingerprint_heading_of(library));
+  const auto found = std::find(table.headings.begin(), table.headings.end(),
+                               fingerprint_heading_of(library.guid().utf8()));
   if (!table.sheet->is_workbook() || found == table.headings.end()) return std::nullopt;
   return static_cast<std::size_t>(found - table.headings.begin());
 }
@@ -284,7 +284,7 @@ class TableSet {
     }
 
     void find_columns() {
-      known_ = table_columns(fields_, *set_.library_);
+      known_ = table_columns(fields_, set_.library_->unit(), set_.library_->guid().utf8());
       fingerprint_ = fingerprint_column(table_, *set_.library_);
       for (std::size_t i = 0; i < table_.headings.size(); ++i) {
         const auto& heading = table_.headings[i];
@@ -307,7 +307,7 @@ class TableSet {
     /// Ids of another library mean other objects.
     void take_id(std::size_t place, const std::string& heading) {
       const auto library = without_unit(heading).second;
-      if (library.empty() || heading == id_heading(*set_.library_)) id_ = place;
+      if (library.empty() || heading == id_heading(set_.library_->guid().utf8())) id_ = place;
     }
 
     void take_column(std::size_t place, const std::string& heading,

@@ -4,6 +4,7 @@
 #include "kit/exchange/table_columns.hpp"
 #include "kit/exchange/table_text.hpp"
 #include "kit/exchange/writers.hpp"
+#include "kit/exchange/written_identity.hpp"
 
 #include <veldra/kit/kinds.hpp>
 #include <veldra/kit/text.hpp>
@@ -18,7 +19,11 @@ namespace {
 class TableWriter {
  public:
   TableWriter(const Library& library, const TextSink& sink, const WriteRules& rules)
-      : library_(library), sink_(sink), rules_(rules), style_{rules.separator, rules.decimal} {}
+      : library_(library),
+        sink_(sink),
+        rules_(rules),
+        identity_(library, rules),
+        style_{rules.separator, rules.decimal} {}
 
   WriteReport write() {
     if (rules_.table == "materials") {
@@ -39,7 +44,7 @@ class TableWriter {
   template <class T>
   void write_objects() {
     const Fields<T> fields(library_);
-    const auto columns = table_columns(fields, library_);
+    const auto columns = table_columns(fields, library_.unit(), identity_.guid());
     Cells headings{kind_heading};
     for (const auto& column : columns) headings.push_back(cell_of_text(column.heading, style_));
     sink_(row_text(headings, style_));
@@ -47,13 +52,19 @@ class TableWriter {
     for_each_by_name<T>(library_, [&](const T& object, std::size_t) {
       Cells cells{kind};
       for (const auto& column : columns) {
-        cells.push_back(cell_of(*column.field, column.field->get(object), style_));
+        cells.push_back(cell_of(object, *column.field));
       }
       sink_(row_text(cells, style_));
       count_assets(fields, object, lost_);
       ++report_.written[kind];
       if (rules_.progress) rules_.progress();
     });
+  }
+
+  template <class T>
+  std::string cell_of(const T& object, const Field<T>& field) const {
+    if (field.origin == Origin::Derived) return fmt::format("{}", identity_.id_of(object));
+    return kit::cell_of(field, field.get(object), style_);
   }
 
   void write_layers() {
@@ -69,7 +80,7 @@ class TableWriter {
     const auto texts = layer_texts(composition, index);
     sink_(row_text(
         {texts[0], cell_of_text(texts[1], style_), texts[2], cell_of_text(texts[3], style_),
-         cell_of(number, composition.layers()[index].thickness(), style_), texts[5]},
+         kit::cell_of(number, composition.layers()[index].thickness(), style_), texts[5]},
         style_));
     ++report_.written[layer_kind];
   }
@@ -77,6 +88,7 @@ class TableWriter {
   const Library& library_;
   const TextSink& sink_;
   const WriteRules& rules_;
+  WrittenIdentity identity_;
   TableStyle style_;
   FieldCounts lost_;
   WriteReport report_;

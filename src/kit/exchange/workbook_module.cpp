@@ -42,7 +42,8 @@ FormatModule workbook_module() {
           [](FileContent content) -> std::shared_ptr<const SourceContent> {
             return std::make_shared<WorkbookContent>(content);
           },
-          write_workbook};
+          write_workbook,
+          FormatModule::PropertiesOf::Library};
 }
 
 }  // namespace veldra::kit

@@ -6,6 +6,7 @@
 #include "kit/exchange/workbook_file.hpp"
 #include "kit/exchange/workbook_names.hpp"
 #include "kit/exchange/writers.hpp"
+#include "kit/exchange/written_identity.hpp"
 #include "kit/text/quoted.hpp"
 
 #include <veldra/kit/kinds.hpp>
@@ -192,7 +193,7 @@ class ChoiceLists {
 class WorkbookWriter {
  public:
   WorkbookWriter(const Library& library, const WriteRules& rules)
-      : library_(library), rules_(rules) {}
+      : library_(library), rules_(rules), identity_(library, rules) {}
 
   WriteReport write(const TextSink& sink) {
     write_objects<Material>("materials");
@@ -208,7 +209,7 @@ class WorkbookWriter {
   template <class T>
   void write_objects(const char* name) {
     const Fields<T> fields(library_);
-    const auto columns = table_columns(fields, library_);
+    const auto columns = table_columns(fields, library_.unit(), identity_.guid());
     SheetWriter sheet(file_, name, sheet_columns(columns));
     const auto kind = singular_of(ObjectTraits<T>::type);
     for_each_by_name<T>(library_, [&](const T& object, std::size_t) {
@@ -232,7 +233,7 @@ class WorkbookWriter {
       const auto& field = *column.field;
       if (field.origin == Origin::Derived) {
         result.push_back({column.heading, true, true});
-        result.push_back({fingerprint_heading_of(library_), false, true});
+        result.push_back({fingerprint_heading_of(identity_.guid()), false, true});
         continue;
       }
       SheetColumn sheet{column.heading, has_numbers(field)};
@@ -251,14 +252,13 @@ class WorkbookWriter {
   }
 
   template <class T>
-  static std::vector<WrittenCell> row_of(const T& object,
-                                         const std::vector<TableColumn<T>>& columns,
-                                         const NamedCells& texts) {
+  std::vector<WrittenCell> row_of(const T& object, const std::vector<TableColumn<T>>& columns,
+                                  const NamedCells& texts) const {
     std::vector<WrittenCell> cells;
     for (const auto& column : columns) {
       const auto& field = *column.field;
       if (field.origin == Origin::Derived) {
-        cells.push_back({value_text(field.get(object)), true});
+        cells.push_back({fmt::format("{}", identity_.id_of(object)), true});
         cells.push_back({fingerprint_of_row(texts)});
         continue;
       }
@@ -318,7 +318,7 @@ class WorkbookWriter {
 
   std::vector<SheetColumn> columns_of_layers() const {
     const auto headings = layer_headings(library_.unit());
-    std::vector<SheetColumn> columns{{fingerprint_heading_of(library_), false, true}};
+    std::vector<SheetColumn> columns{{fingerprint_heading_of(identity_.guid()), false, true}};
     for (std::size_t i = 1; i < headings.size(); ++i) {
       const bool names = headings[i] == "composition" || headings[i] == "material";
       columns.push_back({headings[i], !names});
@@ -343,6 +343,7 @@ class WorkbookWriter {
 
   const Library& library_;
   const WriteRules& rules_;
+  WrittenIdentity identity_;
   WorkbookFile file_;
   ChoiceLists lists_;
   std::string material_names_;  ///< the range of their names
