@@ -249,16 +249,23 @@ class EditedWorkbook : public Workbook {
                  "fingerprint [" + library_->guid().utf8() + "]", "name", "mark"};
   }
 
-  /// The fingerprint that an export has for a material.
-  std::string fingerprint_of(const std::string& name) const {
+  /// The XML of a sheet of a workbook.
+  static std::string sheet_in(const std::string& bytes, unsigned number) {
     const TemporaryFolder folder;
     const auto path = folder / "x.xlsx";
-    write_file(path, written(*library_));
-    const auto command = "unzip -p '" + std::string(path) + "' xl/worksheets/sheet1.xml";
+    write_file(path, bytes);
+    const auto command = "unzip -p '" + std::string(path) + "' xl/worksheets/sheet" +
+                         std::to_string(number) + ".xml";
     std::string sheet;
     FILE* out = popen(command.c_str(), "r");
     for (int c = fgetc(out); c != EOF; c = fgetc(out)) sheet += static_cast<char>(c);
     pclose(out);
+    return sheet;
+  }
+
+  /// The fingerprint that an export has for what a row of a sheet begins with.
+  std::string fingerprint_of(const std::string& name, unsigned sheet_number = 1) const {
+    const auto sheet = sheet_in(written(*library_), sheet_number);
     const std::regex pattern("<t>([0-9a-f]{16})</t></is></c><c [^>]*><is><t>" + name + "<");
     std::smatch match;
     return std::regex_search(sheet, match, pattern) ? match[1].str() : std::string();
@@ -268,6 +275,28 @@ class EditedWorkbook : public Workbook {
                   const std::string& mark) const {
     return row_of(
         {"<c><v>" + std::to_string(material(name)->id()) + "</v></c>", fingerprint, name, mark});
+  }
+
+  static constexpr unsigned sheet_of_wall = 3;  ///< behind materials and compositions
+
+  /// A workbook in which the first layer of the wall is as thick as somebody wanted.
+  std::string with_layer(const std::string& fingerprint, const char* thickness) const {
+    const auto known = "fingerprint [" + library_->guid().utf8() + "]";
+    return workbook_of(
+        {{"Wall", row_of({known, "composition", "position", "material", "thickness [mm]"}) +
+                      row_of({fingerprint, "Wall", "<c><v>1</v></c>", "Brick",
+                              "<c><v>" + std::string(thickness) + "</v></c>"})}});
+  }
+
+  /// Another person makes the first layer of the wall so thick.
+  void set_thickness(double thickness) {
+    const auto wall = library_->get<Composition>(text("Wall"));
+    wall->layer(0, toModify) = {material("Brick"), Material::Function::None, thickness};
+    wall->save();
+  }
+
+  double thickness_of(const std::string& name) const {
+    return library_->get<Composition>(text(name))->layers().at(0).thickness();
   }
 
   void set_mark(const std::string& name, const char* mark) {
@@ -300,6 +329,64 @@ TEST_F(EditedWorkbook, clashes_with_what_another_person_has_changed_since) {
   EXPECT_EQ(material("Brick")->mark(), text("theirs"));
   take(bytes, kit::OnClash::Overwrite);
   EXPECT_EQ(material("Brick")->mark(), text("mine"));
+}
+
+TEST_F(EditedWorkbook, clashes_with_layers_that_another_person_has_changed_since) {
+  const auto was = fingerprint_of("Wall", sheet_of_wall);
+  ASSERT_FALSE(was.empty());
+  const auto bytes = with_layer(was, "250");
+  set_thickness(300);
+  EXPECT_THAT(take(bytes, kit::OnClash::Fail),
+              ElementsAre("'x.xlsx': Wall!A2: layers of 'Wall': they have changed in the library "
+                          "since the table was written"));
+  EXPECT_FALSE(decided_);
+  EXPECT_EQ(thickness_of("Wall"), 300);
+  take(bytes, kit::OnClash::Use);
+  EXPECT_EQ(thickness_of("Wall"), 300);
+  take(bytes, kit::OnClash::Rename);
+  EXPECT_EQ(thickness_of("Wall"), 300);
+  EXPECT_EQ(thickness_of("Wall (2)"), 250);
+  take(bytes, kit::OnClash::Overwrite);
+  EXPECT_EQ(thickness_of("Wall"), 250);
+}
+
+TEST_F(EditedWorkbook, does_not_clash_with_layers_that_are_as_both_want_them) {
+  const auto bytes = with_layer(fingerprint_of("Wall", sheet_of_wall), "250");
+  set_thickness(250);
+  EXPECT_THAT(take(bytes, kit::OnClash::Fail), IsEmpty());
+  EXPECT_FALSE(changes_);
+}
+
+TEST_F(EditedWorkbook, leaves_out_layers_that_clash_under_a_name_that_the_stored_has_not) {
+  const auto was = fingerprint_of("Wall", sheet_of_wall);
+  const auto known = library_->guid().utf8();
+  const auto wall = library_->get<Composition>(text("Wall"));
+  const auto bytes = workbook_of(
+      {{"compositions", row_of({"id [" + known + "]", "name"}) +
+                            row_of({"<c><v>" + std::to_string(wall->id()) + "</v></c>", "Roof"})},
+       {"Wall", row_of({"fingerprint [" + known + "]", "composition", "position", "material",
+                        "thickness [mm]"}) +
+                    row_of({was, "Roof", "<c><v>1</v></c>", "Brick", "<c><v>250</v></c>"})}});
+  set_thickness(300);
+  EXPECT_THAT(take(bytes, kit::OnClash::Fail),
+              ElementsAre("'x.xlsx': Wall!A2: layers of 'Roof': they have changed in the library "
+                          "since the table was written, and the composition has another name in "
+                          "one of both"));
+  EXPECT_EQ(thickness_of("Roof"), 300);
+}
+
+TEST_F(EditedWorkbook, of_a_part_of_a_library_changes_it) {
+  const auto wool = key_of<Material>(*library_, "Wool");
+  const auto bytes = part_written_as("XLSX", *library_, {wool}).text;
+  EXPECT_THAT(take(bytes), IsEmpty());
+  EXPECT_FALSE(changes_);
+  EXPECT_NE(wool.id, 1U) << "in a library of its own it is the first";
+  const auto sheet = sheet_in(bytes, 1);
+  EXPECT_THAT(sheet, HasSubstr("<v>" + std::to_string(wool.id) + "</v>"));
+  EXPECT_THAT(sheet, HasSubstr(fingerprint_of("Wool")));
+  for (const char* heading : {"id [", "fingerprint ["}) {
+    EXPECT_THAT(sheet, HasSubstr(heading + library_->guid().utf8() + "]"));
+  }
 }
 
 TEST_F(EditedWorkbook, leaves_alone_what_only_another_person_has_changed) {

@@ -220,6 +220,7 @@ class TableSet {
       add_problem(
           *place.table, {place.line, {}}, name,
           fmt::format("{} {}: {}", singular_of(ObjectTraits<T>::type), quoted(name), sentence));
+      place.table->report->problems.back().doubt = true;
     }
   }
 
@@ -665,11 +666,16 @@ class TableSet {
     }
   }
 
-  /// The composition as the tables have it so far, or as the library has it.
+  /// The composition as the tables have it so far, or as the library has it, and the id of the
+  /// stored one of which that is a state; 0 for none.
   std::shared_ptr<Composition> composition_named(const std::string& text, unsigned& id) {
     const auto name = library_text(text);
     id = 0;
-    if (auto state = states_->get<Composition>(name)) return state;
+    if (auto state = states_->get<Composition>(name)) {
+      const auto of = states_of_.find({ObjectType::Composition, state->id()});
+      if (of != states_of_.end()) id = of->second;
+      return state;
+    }
     id = stored<Composition>().by_name(name);
     return id != 0 ? library_->get<Composition>(id) : nullptr;
   }
@@ -708,11 +714,23 @@ class TableSet {
     return {};
   }
 
-  /// Whether two people have changed the layers of a composition.
-  bool clashes(const Composition& composition, const std::string& fingerprint) const {
-    const auto stored = library_->get<Composition>(composition.name());
-    return !fingerprint.empty() && stored &&
-           fingerprint_of_row(cells_of_layers(*stored, library_->unit())) != fingerprint;
+  /// Whether the layers of a stored composition are others than those that were written.
+  bool has_changed_since(unsigned id, const std::string& fingerprint) const {
+    if (fingerprint.empty() || id == 0) return false;
+    const auto stored = library_->get<Composition>(id);
+    return fingerprint_of_row(cells_of_layers(*stored, library_->unit())) != fingerprint;
+  }
+
+  /// Two people have changed the layers of a composition. It comes in like one of another library,
+  /// so that somebody decides; for that it must have the name of the stored one.
+  void tell_clash(const TableSource& table, unsigned line, const std::string& name,
+                  const Composition& composition, unsigned id) {
+    const std::string sentence = "they have changed in the library since the table was written";
+    if (stored<Composition>().by_name(composition.name()) != id) {
+      throw Error(sentence + ", and the composition has another name in one of both");
+    }
+    tell_layer(table, {line, {}}, name, sentence);
+    table.report->problems.back().doubt = true;
   }
 
   void set_layers(TableSource& table, const std::string& name, const LayersByPosition& rows) {
@@ -726,14 +744,14 @@ class TableSet {
       const auto composition = composition_named(name, id);
       if (!composition) throw Error("there is no such composition");
       if (rows.rbegin()->first != rows.size()) throw Error("a position is missing");
-      if (clashes(*composition, fingerprint)) {
-        throw Error("they have changed in the library since the table was written");
-      }
       const bool changes = replace_layers(*composition, rows);
+      const bool clashes = changes && has_changed_since(id, fingerprint);
+      if (clashes) tell_clash(table, line, name, *composition, id);
       table.report->layers += static_cast<unsigned>(rows.size());
       const bool is_state = composition->library().get() == states_.get();
       if (is_state) states_->save(composition);
       const unsigned state = is_state ? composition->id() : save(composition, id, table, line);
+      if (clashes) states_of_.erase({ObjectType::Composition, state});
       if (changes) changed_[{ObjectType::Composition, state}] = {&table, line};
     } catch (const Error& error) {
       tell_layer(table, {line, {}}, name, error.what());
