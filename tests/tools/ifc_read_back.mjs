@@ -6,19 +6,21 @@
 //
 //   ifc_read_back.mjs <the program> <sources>...
 //
-// The environment variable VELDRA_NODE_MODULES names the folder in which web-ifc is; without it the
-// test is skipped.
+// web-ifc is where scripts/setup puts it, or in the folder that the environment variable
+// VELDRA_NODE_MODULES names; the test is skipped where it is not there.
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import { existsSync, mkdtempSync, readFileSync, rmSync } from 'node:fs';
 import { createRequire } from 'node:module';
 import { tmpdir } from 'node:os';
 import { join, resolve } from 'node:path';
+import { fileURLToPath } from 'node:url';
 
 const skipped = 77;
-const modules = process.env.VELDRA_NODE_MODULES ?? '';
+const own = fileURLToPath(new URL('../../build/node/node_modules', import.meta.url));
+const modules = process.env.VELDRA_NODE_MODULES ?? own;
 if (!existsSync(join(modules, 'web-ifc'))) {
-  console.log('VELDRA_NODE_MODULES names no folder with web-ifc');
+  console.log(`there is no web-ifc in ${modules}`);
   process.exit(skipped);
 }
 const webIfc = createRequire(resolve(modules, '..', 'package.json'))('web-ifc');
