@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/random_values.hpp"
 #include "kit/written.hpp"
 
 #include "support/builders.hpp"
@@ -332,9 +333,9 @@ TEST(Gbxml, tells_of_types_that_it_cannot_hold) {
 }
 
 /// Writes random objects of the format, as a person might write them.
-class RandomDocument {
+class RandomDocument : private RandomValues {
  public:
-  explicit RandomDocument(unsigned seed) : random_(seed) {}
+  using RandomValues::RandomValues;
 
   std::string text() {
     std::string text;
@@ -353,15 +354,6 @@ class RandomDocument {
   }
 
  private:
-  unsigned number(unsigned below) { return static_cast<unsigned>(random_() % below); }
-
-  std::string value() {
-    std::ostringstream text;
-    text.precision(1 + number(17));
-    text << std::uniform_real_distribution<>(0.001, 1)(random_) * std::pow(10.0, number(5));
-    return text.str();
-  }
-
   std::string maybe(const std::string& name, const char* unit, const char* other) {
     if (number(3) == 0) return "";
     return "<" + name + " unit='" + (number(2) == 0 ? unit : other) + "'>" + value() + "</" + name +
@@ -378,8 +370,6 @@ class RandomDocument {
            maybe("R-value", "SquareMeterKPerW", "HrSquareFtFPerBTU") + "</Material><Layer id='l" +
            id + "'><MaterialId materialIdRef='m" + id + "'/></Layer>\n";
   }
-
-  std::mt19937 random_;
 };
 
 TEST(Gbxml, of_any_objects_reads_back_to_the_same) {
@@ -516,13 +506,6 @@ TEST(GbxmlSource, that_is_broken_gives_a_sentence_with_the_line) {
 TEST(GbxmlSource, of_another_kind_of_xml_has_no_reader) {
   EXPECT_THAT(error_of([&] { read("<?xml version='1.0'?><catalogue/>"); }),
               HasSubstr("this seems to be XML, for which there is no reader"));
-}
-
-std::string repeated(const std::string& part, std::size_t count) {
-  std::string text;
-  text.reserve(part.size() * count);
-  for (; count > 0; --count) text += part;
-  return text;
 }
 
 TEST(GbxmlSource, that_is_nested_a_million_times_is_read) {

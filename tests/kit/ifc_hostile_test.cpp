@@ -18,13 +18,6 @@ using testing::SizeIs;
 
 constexpr std::size_t million = 1000000;
 
-std::string repeated(const std::string& part, std::size_t count) {
-  std::string text;
-  text.reserve(part.size() * count);
-  for (; count > 0; --count) text += part;
-  return text;
-}
-
 std::string numbered(std::size_t first, std::size_t count, const std::string& behind) {
   std::string text;
   for (std::size_t i = first; i < first + count; ++i) {

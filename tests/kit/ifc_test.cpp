@@ -208,6 +208,14 @@ TEST(IfcSource, keeps_what_a_library_has_no_place_for_when_that_is_wanted) {
             text("Shell"));
 }
 
+/// Of a brick, from whatever instances they come.
+void expect_common_properties(const kit::Sources& sources) {
+  EXPECT_EQ(custom(sources, "Brick", "Thermal conductivity [W/(m K)]"), "0.81");
+  EXPECT_EQ(custom(sources, "Brick", "Specific heat [J/(kg K)]"), "1000");
+  EXPECT_EQ(custom(sources, "Brick", "Density [kg/m3]"), "1800");
+  EXPECT_EQ(custom(sources, "Brick", "Pset_MaterialCommon.Porosity [-]"), "0.25");
+}
+
 TEST(IfcSource, has_the_properties_of_ifc_4) {
   const auto sources = read(ifc_model(std::string(ifc_millimetres) + R"(
 #1=IFCMATERIAL('Brick',$,$);
@@ -224,10 +232,7 @@ TEST(IfcSource, has_the_properties_of_ifc_4) {
 #12=IFCPROPERTYLISTVALUE('Sizes',$,(IFCREAL(1.),IFCREAL(2.)),$);
 #13=IFCPROPERTYSINGLEVALUE('Joint',$,IFCPOSITIVELENGTHMEASURE(12.),$);
 )"));
-  EXPECT_EQ(custom(sources, "Brick", "Thermal conductivity [W/(m K)]"), "0.81");
-  EXPECT_EQ(custom(sources, "Brick", "Specific heat [J/(kg K)]"), "1000");
-  EXPECT_EQ(custom(sources, "Brick", "Density [kg/m3]"), "1800");
-  EXPECT_EQ(custom(sources, "Brick", "Pset_MaterialCommon.Porosity [-]"), "0.25");
+  expect_common_properties(sources);
   EXPECT_EQ(custom(sources, "Brick", "Own.Maker"), "Müller");
   EXPECT_EQ(custom(sources, "Brick", "Own.Recycled"), "Yes");
   EXPECT_EQ(custom(sources, "Brick", "Own.Joint [m]"), "0.012");
@@ -251,10 +256,7 @@ TEST(IfcSource, has_the_properties_of_ifc_2x3_by_the_same_names) {
                                       "IFC2X3"));
   EXPECT_EQ(sources.reports[0].format, "IFC, IFC2X3");
   EXPECT_THAT(problems_of(sources), IsEmpty());
-  EXPECT_EQ(custom(sources, "Brick", "Thermal conductivity [W/(m K)]"), "0.81");
-  EXPECT_EQ(custom(sources, "Brick", "Specific heat [J/(kg K)]"), "1000");
-  EXPECT_EQ(custom(sources, "Brick", "Density [kg/m3]"), "1800");
-  EXPECT_EQ(custom(sources, "Brick", "Pset_MaterialCommon.Porosity [-]"), "0.25");
+  expect_common_properties(sources);
   EXPECT_EQ(custom(sources, "Brick", "Pset_MaterialThermal.BoilingPoint [K]"), "373.15");
   EXPECT_EQ(custom(sources, "Brick", "Pset_MaterialMechanical.YoungModulus [Pa]"), "5000000000");
   EXPECT_EQ(custom(sources, "Brick", "Pset_MaterialConcrete.MaxAggregateSize [m]"), "0.016");

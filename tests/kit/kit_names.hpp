@@ -21,6 +21,14 @@ std::string error_of(Work work) {
   return "no error";
 }
 
+/// A text that says the same many times.
+inline std::string repeated(const std::string& part, std::size_t count) {
+  std::string whole;
+  whole.reserve(part.size() * count);
+  for (; count > 0; --count) whole += part;
+  return whole;
+}
+
 inline String text(const std::string& utf8) { return String(utf8.c_str()); }
 
 /// A new material with one custom value.

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/random_values.hpp"
 #include "kit/written.hpp"
 
 #include "support/builders.hpp"
@@ -9,7 +10,6 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
-#include <random>
 #include <set>
 #include <sstream>
 
@@ -98,9 +98,9 @@ TEST_P(WrittenModel, reads_back_to_what_came_in) {
 }
 
 /// Writes random objects of the format, as a person might write them.
-class RandomIdf {
+class RandomIdf : private RandomValues {
  public:
-  explicit RandomIdf(unsigned seed) : random_(seed) {}
+  using RandomValues::RandomValues;
 
   std::string text() {
     std::string text;
@@ -118,15 +118,6 @@ class RandomIdf {
   }
 
  private:
-  unsigned number(unsigned below) { return static_cast<unsigned>(random_() % below); }
-
-  std::string value() {
-    std::ostringstream text;
-    text.precision(1 + number(17));
-    text << std::uniform_real_distribution<>(0, 1)(random_) * std::pow(10.0, number(5));
-    return text.str();
-  }
-
   std::string maybe() { return number(3) == 0 ? "" : value(); }
 
   std::string maybe_values(unsigned count) {
@@ -158,8 +149,6 @@ class RandomIdf {
                maybe_values(6) + ";\n";
     }
   }
-
-  std::mt19937 random_;
 };
 
 TEST_P(WrittenModel, of_any_such_objects_reads_back_to_the_same) {
