@@ -36,6 +36,12 @@ TEST(Source, is_of_the_format_that_its_content_tells) {
   EXPECT_EQ(Source("a.csv", "name\nBrick\n").format().name, "CSV");
 }
 
+TEST(Source, is_of_the_format_that_the_beginning_of_a_long_one_tells) {
+  const auto text = repeated("Zone, A;\n", 1000) + repeated("1, 2;\n", 2000);
+  EXPECT_EQ(Source("a", text).format().name, "IDF");
+  EXPECT_NE(Source("a.csv", "a,b\n" + repeated("1,2\n", 2000)).format().name, "IDF");
+}
+
 TEST(Source, may_begin_with_a_byte_order_mark) {
   EXPECT_EQ(Source("a",
                    "\xEF\xBB\xBF"

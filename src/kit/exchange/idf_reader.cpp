@@ -171,16 +171,20 @@ bool may_be_class(const std::string& name) {
   return true;
 }
 
+/// So many objects tell what a text is; to go through all of a large one takes as long as to read
+/// it.
+constexpr std::size_t objects_to_tell = 1000;
+
 /// Whether a text is of the format, maybe not whole: it has an object of a class of materials or
 /// constructions, or of another one that the format is known by, and most of its objects are of
-/// classes that can be; or it has nothing but comments.
+/// classes that can be, of which the first ones are looked at; or it has nothing but comments.
 bool is_idf(const std::string& text) {
   IdfScanner scanner(text);
   IdfObject object;
   std::size_t objects = 0;
   std::size_t with_class = 0;
   bool evident = false;
-  while (scanner.next(object)) {
+  while ((!evident || objects < objects_to_tell) && scanner.next(object)) {
     if (object.fields.empty() || object.fields.front().empty()) continue;
     ++objects;
     if (may_be_class(object.fields.front())) ++with_class;
