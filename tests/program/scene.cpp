@@ -56,6 +56,15 @@ Material, Gipsplatte, Smooth, 0.0125, 0.25, 850, 1000, 0.9, 0.5, 0.5;
 Construction, Trennwand, Gipsplatte, Floatglas, Gipsplatte;
 )";
 
+constexpr const char* gbxml = R"(<?xml version="1.0" encoding="UTF-8"?>
+<gbXML xmlns="http://www.gbxml.org/schema" lengthUnit="Meters" useSIUnitsForResults="true">
+  <Construction id="c"><Name>Spundwand</Name><LayerId layerIdRef="l"/></Construction>
+  <Layer id="l"><MaterialId materialIdRef="m"/></Layer>
+  <Material id="m"><Name>Fichte</Name><Thickness unit="Meters">0.03</Thickness>
+    <Conductivity unit="WPerMeterK">0.12</Conductivity></Material>
+</gbXML>
+)";
+
 void write(const TemporaryFolder& folder, const std::string& name, const std::string& text) {
   write_file(folder / name, text);
   ::chmod((folder / name).c_str(), 0640);
@@ -96,6 +105,9 @@ const TemporaryFolder& original() {
     make(*made, "site.lib", site);
     write(*made, "walls.json", walls);
     write(*made, "glass.idf", glass);
+    write(*made, "site.gbxml", gbxml);
+    for (const char* other : {"site.ifc", "site.xlsx"})
+      must_run(*made, {"export", "site.lib", "-o", other});
     must_run(*made, {"import", "office.lib", "walls.json", "--plan", "plan.json"});
     write(*made, "old.json", "what was exported last year\n");
     write(*made, "old.svg", "what was drawn last year\n");

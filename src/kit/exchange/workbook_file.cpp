@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/exchange/workbook_file.hpp"
 
+#include "kit/exchange/workbook_proof.hpp"
 #include "kit/text/quoted.hpp"
 
 #include <fmt/format.h>
@@ -18,6 +19,9 @@ namespace {
 /// The same for every workbook, so that the same library gives the same bytes.
 constexpr std::time_t made_at = 1'577'836'800;  // the first of January 2020
 
+/// The name by which the library opens a file in memory.
+std::string path_of(int descriptor) { return fmt::format("/proc/self/fd/{}", descriptor); }
+
 }  // namespace
 
 void require_written(lxw_error result) {
@@ -29,7 +33,7 @@ WorkbookFile::WorkbookFile() : descriptor_(::memfd_create("workbook", MFD_CLOEXE
   if (descriptor_ < 0) throw Error("there is no memory for the workbook");
   lxw_workbook_options options{};
   options.constant_memory = LXW_TRUE;
-  workbook_ = workbook_new_opt(fmt::format("/proc/self/fd/{}", descriptor_).c_str(), &options);
+  workbook_ = workbook_new_opt(path_of(descriptor_).c_str(), &options);
   if (workbook_ == nullptr) throw Error("there is no memory for the workbook");
   lxw_doc_properties properties{};
   properties.created = made_at;
@@ -49,6 +53,7 @@ WorkbookFile::~WorkbookFile() {
 lxw_worksheet* WorkbookFile::add_sheet(const std::string& name) {
   auto* sheet = workbook_add_worksheet(workbook_, name.c_str());
   if (sheet == nullptr) throw Error(fmt::format("a sheet cannot be called {}", quoted(name)));
+  rows_.push_back(0);
   return sheet;
 }
 
@@ -56,6 +61,9 @@ void WorkbookFile::finish(const TextSink& sink) {
   auto* workbook = workbook_;
   workbook_ = nullptr;
   require_written(workbook_close(workbook));
+  if (!is_whole_workbook(path_of(descriptor_), rows_)) {
+    throw Error("the workbook cannot be written: the disk for temporary files seems to be full");
+  }
   ::lseek(descriptor_, 0, SEEK_SET);
   std::array<char, 1 << 16> part{};
   for (;;) {

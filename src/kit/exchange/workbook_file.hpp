@@ -6,7 +6,9 @@
 
 #include <xlsxwriter.h>
 
+#include <cstddef>
 #include <string>
+#include <vector>
 
 namespace veldra::kit {
 
@@ -26,6 +28,9 @@ class WorkbookFile {
   lxw_format* heading_format() const { return heading_; }
   lxw_format* text_format() const { return text_; }
 
+  /// Counts a row of a sheet that has cells.
+  void count_row(const lxw_worksheet& sheet) { ++rows_.at(sheet.index); }
+
   /// Gives all bytes to a sink; nothing can be added then. Throws `Error`, and what the sink
   /// throws.
   void finish(const TextSink& sink);
@@ -35,6 +40,7 @@ class WorkbookFile {
   lxw_workbook* workbook_ = nullptr;
   lxw_format* heading_ = nullptr;
   lxw_format* text_ = nullptr;
+  std::vector<std::size_t> rows_;  ///< of each sheet, which have cells
 };
 
 /// Throws `Error` unless something could be written.

@@ -102,7 +102,11 @@ class SheetWriter {
   void hide() { worksheet_hide(sheet_); }
 
  private:
-  void next_row() { ++row_; }
+  void next_row() {
+    if (has_cells_) file_.count_row(*sheet_);
+    has_cells_ = false;
+    ++row_;
+  }
 
   static bool is_name(const std::string& heading) {
     return heading == "name" || heading == "composition" || heading == "material";
@@ -124,6 +128,7 @@ class SheetWriter {
 
   void write(std::size_t index, const WrittenCell& cell, lxw_format* format) {
     if (cell.text.empty()) return;
+    has_cells_ = true;
     const auto place = static_cast<lxw_col_t>(index);
     if (cell.as_number) {
       return require_written(
@@ -151,6 +156,7 @@ class SheetWriter {
   lxw_worksheet* sheet_;
   std::vector<SheetColumn> columns_;
   lxw_row_t row_ = 0;
+  bool has_cells_ = false;  ///< the row that is being written
 };
 
 /// The lists of what cells may be, each in a column of the sheet that nobody sees.
