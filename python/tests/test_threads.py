@@ -142,8 +142,14 @@ def test_another_thread_interrupts_a_call_that_waits(file: Path) -> None:
         assert len(other.tags) == 1
 
 
-INTERRUPTED = """
-import os, signal, sys, threading, time
+# Shells start what runs in the background with Ctrl-C ignored.
+CONTROL_C = """
+import signal
+signal.signal(signal.SIGINT, signal.default_int_handler)
+"""
+
+INTERRUPTED = CONTROL_C + """
+import os, sys, threading, time
 import veldra
 
 library = veldra.open(sys.argv[1])
@@ -177,8 +183,8 @@ def test_control_c_ends_a_call_and_takes_it_back(file: Path) -> None:
     assert run(INTERRUPTED, str(file)) == "interrupted True\n2\n"
 
 
-LONG = """
-import os, signal, sys, threading
+LONG = CONTROL_C + """
+import os, sys, threading
 import veldra
 
 library = veldra.create(":memory:")
