@@ -18,8 +18,28 @@ py::object made(const char* name, const py::tuple& parts) {
   return py::module_::import("veldra._values").attr(name)(*parts);
 }
 
+/// Colours and points cannot change, and most objects of a list have the same: the object of the
+/// last one is given again. Kept to the end of the process, with the lock of the interpreter held.
+template <class T, class Make>
+py::object same_or_made(const T& value, Make make) {
+  static T last;
+  static PyObject* object = nullptr;
+  if (object == nullptr || !(last == value)) {
+    PyObject* const before = std::exchange(object, make().release().ptr());
+    last = value;
+    Py_XDECREF(before);
+  }
+  return py::reinterpret_borrow<py::object>(object);
+}
+
 py::object color(const Color& color) {
-  return made("Color", py::make_tuple(color.red, color.green, color.blue, color.alpha));
+  return same_or_made(color, [&] {
+    return made("Color", py::make_tuple(color.red, color.green, color.blue, color.alpha));
+  });
+}
+
+py::object point(const Point2d& point) {
+  return same_or_made(point, [&] { return made("Point", py::make_tuple(point.x, point.y)); });
 }
 
 py::object pattern(const Pattern& pattern) {
@@ -161,7 +181,7 @@ py::object as_python(const Value& value) {
     case Value::Kind::Pattern:
       return pattern(value.as<Pattern>());
     case Value::Kind::Point:
-      return made("Point", py::make_tuple(value.as<Point2d>().x, value.as<Point2d>().y));
+      return point(value.as<Point2d>());
     case Value::Kind::Layers:
       break;
   }

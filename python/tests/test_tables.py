@@ -200,3 +200,15 @@ def test_figures_of_a_frame_are_numbers(office: veldra.Library) -> None:
     frame = office.to_pandas("materials", ["name", "density"])
     assert frame["density"].sum() == 1460
     assert frame["density"].dtype.kind == "f"
+
+
+def test_colours_and_points_of_each_object_are_its_own(office: veldra.Library) -> None:
+    red, blue = veldra.Color(1, 0, 0), veldra.Color(0, 0, 1)
+    for name, color, point in (("Brick", red, 1), ("Slate", blue, 2), ("Wool", red, 1)):
+        material = office.materials[name]
+        material.shading_color = color
+        material.surface_pattern_alignment = veldra.Point(point, 0)
+        material.save()
+    columns = office.materials.columns(["shading_color", "surface_pattern_alignment"])
+    assert columns["shading_color"] == [red, blue, red]
+    assert [point.x for point in columns["surface_pattern_alignment"]] == [1, 2, 1]
