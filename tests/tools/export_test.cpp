@@ -121,7 +121,7 @@ class ExportOfObjects : public Export {
   }
 
   /// The names of the objects of a kind in what is written.
-  static std::vector<std::string> names(const Json& written, const char* kind) {
+  static std::vector<std::string> names(const nlohmann::json& written, const char* kind) {
     std::vector<std::string> names;
     for (const auto& each : written.at(kind)) names.push_back(each.at("name"));
     return names;
@@ -137,7 +137,7 @@ TEST_F(ExportOfObjects, writes_them_and_what_they_refer_to) {
     const auto written = must(command).json();
     EXPECT_EQ(names(written, "compositions"), std::vector<std::string>{"Outer"});
     EXPECT_EQ(names(written, "materials"), std::vector<std::string>{"Brick"});
-    EXPECT_EQ(written.at("tags"), Json::array({"Outer"}));
+    EXPECT_EQ(written.at("tags"), nlohmann::json::array({"Outer"}));
   }
 }
 
