@@ -251,6 +251,156 @@ TEST_F(CopyWithAssets, loses_none_of_a_material_that_is_there_already) {
   must({"copy", "a.lib", "b.lib", "--all"});
 }
 
+/// A library of more objects than are told one by one.
+class CopyOfMany : public ProgramTest {
+ protected:
+  void SetUp() override {
+    const auto office = library("a.lib");
+    const auto tag = veldra::Tag::create("north");
+    for (int i = 0; i < 25; ++i) {
+      const auto material = veldra::Material::create(("Board " + std::to_string(i)).c_str());
+      material->code(("B" + std::to_string(i)).c_str());
+      material->addTag(tag);
+      const auto floor = veldra::Composition::create(("Floor " + std::to_string(i)).c_str());
+      floor->appendLayer({material, veldra::Material::Function::None, 20.0 + i});
+      office->save(floor);
+    }
+    office->save(veldra::Layer::create("unused"));
+  }
+
+  Outcome copy(const std::string& destination, const std::vector<std::string>& more = {}) {
+    std::vector<std::string> arguments{"copy", "a.lib", destination, "--all"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return veldra(arguments);
+  }
+
+  void change_file(const std::string& statements) {
+    PlainDatabase(path("a.lib")).execute(statements);
+  }
+
+  /// All ways of copying it tell the same of it, and make no library.
+  void expect_refusal(const std::string& sentence) {
+    must({"create", "b.lib"});
+    const auto before = read("b.lib");
+    for (const auto& more : std::vector<std::vector<std::string>>{{}, {"--verbose"}, {"--json"}}) {
+      for (const char* destination : {"b.lib", "new.lib"}) {
+        const auto run = copy(destination, more);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.err, "veldra: 'a.lib': " + sentence + "\n");
+      }
+    }
+    EXPECT_EQ(read("b.lib"), before);
+    EXPECT_FALSE(exists("new.lib"));
+  }
+};
+
+constexpr const char* counts_of_many =
+    "materials      25 added\ncompositions   25 added\nlayers         1 added\n"
+    "tags           1 added\n";
+
+TEST_F(CopyOfMany, into_an_empty_library_is_what_a_plan_of_it_does) {
+  const auto at_once = copy("at_once.lib");
+  EXPECT_EQ(at_once.status, 0) << at_once.err;
+  EXPECT_EQ(at_once.out, counts_of_many);
+  for (const auto& entry : copy("planned.lib", {"--json"}).json()) {
+    const bool was_there = entry["kind"] == "type";
+    EXPECT_EQ(entry["outcome"], was_there ? "equal" : "added") << entry;
+  }
+  EXPECT_EQ(exported("at_once.lib"), exported("planned.lib"));
+  EXPECT_EQ(exported("at_once.lib"), exported("a.lib"));
+}
+
+TEST_F(CopyOfMany, into_an_empty_library_of_the_other_unit) {
+  must({"create", "in.lib", "--unit", "in"});
+  must({"create", "other.lib", "--unit", "in"});
+  EXPECT_EQ(copy("in.lib").out, counts_of_many);
+  EXPECT_EQ(copy("other.lib", {"--verbose"}).status, 0);
+  EXPECT_EQ(exported("in.lib"), exported("other.lib"));
+}
+
+TEST_F(CopyOfMany, takes_what_an_empty_library_has_of_tags_as_it_is) {
+  library("b.lib")->save(veldra::Tag::create("north"));
+  EXPECT_THAT(copy("b.lib").out, Not(HasSubstr("tags")));
+  EXPECT_EQ(count("b.lib", "tags"), 1U);
+  EXPECT_EQ(count("b.lib", "compositions"), 25U);
+}
+
+TEST_F(CopyOfMany, in_a_dry_run_writes_nothing) {
+  must({"create", "b.lib"});
+  const auto before = read("b.lib");
+  for (const char* destination : {"b.lib", "new.lib"}) {
+    EXPECT_EQ(copy(destination, {"--dry-run"}).out,
+              std::string(counts_of_many) + "Nothing was written, because this was a dry run.\n");
+  }
+  EXPECT_EQ(read("b.lib"), before);
+  EXPECT_FALSE(exists("new.lib"));
+}
+
+TEST_F(CopyOfMany, tells_of_policies_for_objects_that_are_not_there) {
+  const auto run = copy("new.lib", {"--on-conflict", "material:Gold=use"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, HasSubstr("there is no material 'Gold'"));
+}
+
+TEST_F(CopyOfMany, tells_how_many_assets_stay_behind) {
+  change_file(R"sql(
+      INSERT INTO Asset (id, typeid, name, description) VALUES (1, 'veldra::ThermalAsset', '', '');
+      INSERT INTO ThermalAsset (id, subclass, source) VALUES (1, '', '');
+      UPDATE Material SET thermal_id = 1 WHERE id < 4)sql");
+  for (const char* how : {"--dry-run", "--unit=mm"}) {
+    const auto run = copy("new.lib", {how});
+    EXPECT_EQ(run.status, 3) << how;
+    EXPECT_THAT(run.err, HasSubstr("3 assets of the materials are left behind")) << how;
+  }
+  EXPECT_EQ(copy("new.lib").status, 0);
+}
+
+TEST_F(CopyOfMany, leaves_out_what_cannot_be_read_whole) {
+  change_file("PRAGMA foreign_keys = OFF; DELETE FROM Material WHERE id = 3");
+  for (const char* destination : {"at_once.lib", "planned.lib"}) {
+    const bool plans = destination == std::string("planned.lib");
+    const auto more = plans ? std::vector<std::string>{"--verbose"} : std::vector<std::string>{};
+    const auto run = copy(destination, more);
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(count(destination, "materials"), 24U);
+    EXPECT_EQ(count(destination, "compositions"), 24U);
+  }
+  EXPECT_EQ(exported("at_once.lib"), exported("planned.lib"));
+}
+
+TEST_F(CopyOfMany, tells_of_a_text_that_is_none_as_one_of_the_source) {
+  change_file("UPDATE Material SET description = CAST(x'ff' AS TEXT) WHERE id = 3");
+  expect_refusal("the library has a text that is not UTF-8");
+}
+
+TEST_F(CopyOfMany, tells_of_names_that_are_there_twice_as_ones_of_the_source) {
+  change_file("DROP INDEX Material_name_i; UPDATE Material SET name = 'Board 1' WHERE id > 20");
+  expect_refusal("an object has a name that another one has already");
+}
+
+TEST_F(CopyOfMany, tells_of_codes_that_are_there_twice_as_ones_of_the_source) {
+  change_file("DROP INDEX Material_code_i; UPDATE Material SET code = 'B1' WHERE id > 20");
+  expect_refusal("a material has a code that another material has already");
+}
+
+TEST_F(CopyOfMany, needs_no_pages_like_those_of_a_new_library) {
+  change_file("PRAGMA page_size = 1024; VACUUM");
+  EXPECT_EQ(copy("new.lib").out, counts_of_many);
+  EXPECT_EQ(exported("new.lib"), exported("a.lib"));
+}
+
+TEST_F(CopyOfMany, needs_no_sound_pages_where_objects_can_be_read) {
+  change_file("PRAGMA writable_schema = ON; DROP TABLE Asset_tags");
+  EXPECT_EQ(copy("new.lib").out, counts_of_many);
+}
+
+TEST_F(CopyOfMany, a_second_copy_takes_everything_as_it_is) {
+  copy("new.lib");
+  const auto before = dump(path("new.lib"));
+  EXPECT_EQ(copy("new.lib").out, "materials      25 equal\ncompositions   25 equal\n");
+  EXPECT_EQ(dump(path("new.lib")), before);
+}
+
 TEST_F(Copy, a_library_is_not_copied_into_itself) {
   EXPECT_EQ(veldra({"copy", "a.lib", "./a.lib", "--all"}).status, 1);
 }

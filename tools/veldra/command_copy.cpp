@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "arguments.hpp"
+#include "copying/everything.hpp"
+#include "copying/staging.hpp"
 #include "failure.hpp"
 #include "files/destination.hpp"
 #include "host.hpp"
 #include "kinds.hpp"
-#include "lookup.hpp"
 #include "object_arguments.hpp"
 #include "opening.hpp"
 #include "plan_output.hpp"
@@ -27,49 +28,11 @@ struct Arguments {
   PlanArguments plan;
 };
 
-/// How many assets the materials of a library have, by their names.
-using AssetCounts = std::map<std::string, unsigned>;
-
-AssetCounts assets_in(const veldra::Library& library) {
-  AssetCounts counts;
-  library.for_each<veldra::Material>([&](const std::shared_ptr<veldra::Material>& material) {
-    const unsigned count =
-        (material->structuralAsset() ? 1U : 0U) + (material->thermalAsset() ? 1U : 0U);
-    if (count > 0) counts[material->name().utf8()] = count;
-    return true;
-  });
-  return counts;
-}
-
-/// What is to be copied, in a library in memory, so that nobody waits for the source.
-struct Staged {
-  std::shared_ptr<veldra::Library> library;
-  AssetCounts assets;  ///< which stay behind, of all materials of the source
-  veldra::String locale;
-  veldra::String region;
-};
-
-Staged staged(const Arguments& arguments, const std::vector<NamedObject>& wanted) {
-  Staged result;
-  reading_one_state(arguments.source, [&](const veldra::Library& source) {
-    result.library = create_staging_library(source.unit());
-    if (arguments.all) {
-      result.library->copyAll(source.shared_from_this());
-    } else {
-      result.library->copy(source.shared_from_this(), keys_of(source, wanted));
-    }
-    result.assets = assets_in(source);
-    result.locale = source.locale();
-    result.region = source.region();
-  });
-  return result;
-}
-
 /// An empty library takes over the language of what comes into it, as by an import.
-void adopt_settings(veldra::Library& library, const Staged& staging) {
-  if (library.count<veldra::Material>() + library.count<veldra::Composition>() != 0) return;
-  if (library.locale().empty() && staging.locale) library.locale(staging.locale);
-  if (library.region().empty() && staging.region) library.region(staging.region);
+void adopt_settings(veldra::Library& library, const veldra::Library& source) {
+  if (!has_no_names(library)) return;
+  if (library.locale().empty() && source.locale()) library.locale(source.locale());
+  if (library.region().empty() && source.region()) library.region(source.region());
 }
 
 bool is_written(const kit::PlanEntry& entry) {
@@ -79,6 +42,7 @@ bool is_written(const kit::PlanEntry& entry) {
 
 /// A material that is taken as it is in the destination loses nothing.
 unsigned lost_assets(const kit::Plan& plan, const AssetCounts& assets) {
+  if (assets.empty()) return 0;
   unsigned lost = 0;
   for (const auto& entry : plan.entries()) {
     const auto found = assets.find(entry.name);
@@ -96,6 +60,33 @@ void tell_lost_assets(unsigned lost, Host& host) {
                   lost == 1 ? "1 asset" : fmt::format("{} assets", lost), lost == 1 ? "is" : "are");
 }
 
+/// Whether the report has no names, so that none need be known.
+bool is_counted(const Arguments& arguments, const veldra::Library& source) {
+  const auto& plan = arguments.plan;
+  if (!arguments.all || plan.verbose || plan.json || !plan.plan_file.empty()) return false;
+  return source.count<veldra::Material>() + source.count<veldra::Composition>() > few_objects;
+}
+
+/// Copies without a plan. Gives whether there is anything to keep.
+bool copy_at_once(const Arguments& arguments, const Staging& staging, veldra::Library& destination,
+                  Host& host) {
+  host.output.write(counted_text(copy_everything(staging.library(), destination)));
+  if (arguments.plan.only_tells()) tell_nothing_written(arguments.plan, host);
+  unsigned lost = 0;
+  for (const auto& material : staging.assets()) lost += material.second;
+  tell_lost_assets(lost, host);
+  return !arguments.plan.only_tells();
+}
+
+bool copy_by_plan(const Arguments& arguments, const Staging& staging, veldra::Library& destination,
+                  const kit::PlanRules& rules, PlanOutput& output, Host& host) {
+  PlannedChange change(arguments.plan, host, "copying");
+  output.take_from(change, destination);
+  return change.carry_out(staging.library(), destination, rules, [&](const kit::Plan& plan) {
+    tell_lost_assets(lost_assets(plan, staging.assets()), host);
+  });
+}
+
 void copy(const Arguments& arguments, Host& host) {
   if (arguments.all != arguments.objects.empty()) {
     throw CLI::ValidationError("OBJECT", "say which objects to copy, or --all");
@@ -106,18 +97,21 @@ void copy(const Arguments& arguments, Host& host) {
   }
   tell_as_they_were(arguments.source, arguments.destination);
   PlanOutput output(arguments.plan, arguments.destination, {arguments.source}, host);
-  const auto staging = staged(arguments, wanted);
-  const auto unit = arguments.unit_given ? arguments.unit : staging.library->unit();
+  const auto staging = arguments.all ? Staging::of_everything(arguments.source)
+                                     : Staging::of(arguments.source, wanted);
+  const auto& source = *staging.library();
+  const auto unit = arguments.unit_given ? arguments.unit : source.unit();
   working_on(arguments.destination, [&] {
-    const auto rules = rules_of(arguments.on_conflict, *staging.library);
-    PlannedChange change(arguments.plan, host, "copying");
+    const auto rules = rules_of(arguments.on_conflict, source);
     Destination place(arguments.destination, arguments.plan.only_tells(), host);
     if (arguments.unit_given) place.demand(arguments.unit);
     place.take(unit, true, [&](const std::shared_ptr<veldra::Library>& destination) {
-      adopt_settings(*destination, staging);
-      output.take_from(change, *destination);
-      return change.carry_out(staging.library, *destination, rules, [&](const kit::Plan& plan) {
-        tell_lost_assets(lost_assets(plan, staging.assets), host);
+      const bool is_free = has_no_names(*destination);
+      adopt_settings(*destination, source);
+      return staging.reading([&] {
+        return is_free && is_counted(arguments, source)
+                   ? copy_at_once(arguments, staging, *destination, host)
+                   : copy_by_plan(arguments, staging, *destination, rules, output, host);
       });
     });
   });

@@ -76,7 +76,8 @@ std::string full_text(const PlanEntries& entries) {
   return text;
 }
 
-/// How many of each kind became what.
+constexpr const char* nothing_to_do = "There was nothing to do.\n";
+
 std::string counted_text(const PlanEntries& entries) {
   std::map<veldra::ObjectType, std::map<Decision, std::size_t>> counts;
   for (const auto* entry : entries) ++counts[entry->source.type][entry->decision];
@@ -105,6 +106,13 @@ PlanEntries noteworthy(const PlanEntries& entries) {
     if (is_built(*entry) || entry->decision != Decision::Equal) result.push_back(entry);
   }
   return result;
+}
+
+PlanEntries pointers_to(const std::vector<PlanEntry>& entries) {
+  PlanEntries pointers;
+  pointers.reserve(entries.size());
+  for (const auto& entry : entries) pointers.push_back(&entry);
+  return pointers;
 }
 
 /// In the order of kinds in which people look for them.
@@ -190,16 +198,17 @@ const std::vector<kit::Decision>& all_decisions() {
   return decisions;
 }
 
-PlanEntries entries_of(const kit::Plan& plan) {
-  PlanEntries entries;
-  for (const auto& entry : plan.entries()) entries.push_back(&entry);
-  return entries;
-}
+PlanEntries entries_of(const kit::Plan& plan) { return pointers_to(plan.entries()); }
 
 std::string text_of(const PlanEntries& entries, bool verbose) {
   const auto shown = verbose ? entries : noteworthy(entries);
-  if (shown.empty()) return "There was nothing to do.\n";
+  if (shown.empty()) return nothing_to_do;
   return verbose || shown.size() <= few_objects ? full_text(in_order(shown)) : counted_text(shown);
+}
+
+std::string counted_text(const std::vector<PlanEntry>& entries) {
+  const auto shown = noteworthy(pointers_to(entries));
+  return shown.empty() ? nothing_to_do : counted_text(shown);
 }
 
 Json json_of(const PlanEntries& entries, const veldra::IdMapping& mapping,

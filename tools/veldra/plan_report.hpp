@@ -27,6 +27,9 @@ PlanEntries entries_of(const kit::Plan& plan);
 /// are counted unless `verbose`.
 std::string text_of(const PlanEntries& entries, bool verbose);
 
+/// How many of each kind became what.
+std::string counted_text(const std::vector<kit::PlanEntry>& entries);
+
 /// The same for programs. The ids are those of the destination, as far as objects are there.
 Json json_of(const PlanEntries& entries, const veldra::IdMapping& mapping,
              const veldra::Library& source);
