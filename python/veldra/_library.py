@@ -496,9 +496,10 @@ class Library(_Block, _veldra._Library):
         """Writes the library in a format (`formats`), by default that of the ending of the name.
 
         `select` are the objects to be written, with those to which they refer; None stands for
-        all. Ids and GlobalIds are those of this library then, too; assets are left out and told. Of CSV `table` says which one: "materials", "compositions" or "layers" (of
-        compositions), and the signs may be others. `progress` is called now and then; what it
-        raises ends the work, and no file is written.
+        all. Ids and GlobalIds are those of this library then, too; assets are left out and told.
+        Of CSV `table` says which one: "materials", "compositions" or "layers" (of compositions),
+        and the signs may be others. `progress` is called now and then; what it raises ends the
+        work, and no file is written.
 
         Raises `InvalidValue` for a format that cannot be written, `SameFile`, and `OSError`.
         """

@@ -251,7 +251,7 @@ class _Library(metaclass=_Meta):
     def _write(
         self,
         format: str,
-        keys: Any,
+        keys: Optional[list[tuple[int, int]]],
         table: str,
         separator: str,
         decimal: str,
