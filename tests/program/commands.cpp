@@ -25,6 +25,7 @@ const std::vector<Command> readers = {
     {"purge, tried", {"purge", "office.lib", "materials", "tags", "--dry-run"}},
     {"apply, tried", {"apply", "plan.json", "office.lib", "--dry-run"}},
     {"import, tried", {"import", "office.lib", "walls.json", "--dry-run"}},
+    {"edit, tried", {"edit", "office.lib", "material:Kork", "composition:Lehmwand", "--dry-run"}},
 };
 
 const std::vector<Command> writers = {
@@ -62,6 +63,12 @@ const std::vector<Command> writers = {
      0,
      "kept.lib"},
     {"set", {"set", "office.lib", "material:Kork", "manufacturer=Eiche"}, "office.lib"},
+    {"edit", {"edit", "office.lib", "material:Kork", "composition:Lehmwand"}, "office.lib"},
+    {"edit with a backup",
+     {"edit", "office.lib", "material:Kork", "composition:Lehmwand", "--backup", "kept.lib"},
+     "office.lib",
+     0,
+     "kept.lib"},
     {"rename", {"rename", "office.lib", "composition:Ziegelwand", "Wand"}, "office.lib"},
     {"layers", {"layers", "office.lib", "Ziegelwand", "add", "Kork", "40"}, "office.lib"},
     {"remove", {"remove", "office.lib", "materials", "Kork"}, "office.lib"},

@@ -37,9 +37,14 @@ enum class State { Before, After, Unchanging, Neither };
 void PrintTo(State state, std::ostream* stream);
 
 /// Expects that every file in a scene is as before or as after the command, and that no other ones
-/// are there than allowed; `excused` is one more. Gives the state of the files that it changes.
+/// are there than allowed; `excused` is one more, by its whole name or the last part. Gives the
+/// state of the files that it changes.
 State expect_whole_files(const Reference& reference, const Scene& scene, Leftovers leftovers,
                          const std::string& excused);
+
+/// The file with what was edited that a run says it has kept, of which this expects that it is
+/// there; empty if it says nothing of one.
+std::string kept_text(const Ending& run, const Scene& scene);
 
 /// Expects that the exit status is one of those that the program has, that what it says of the
 /// state is true, and that what was printed goes with it.

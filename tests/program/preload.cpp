@@ -35,6 +35,8 @@ FaultPlan* map_plan(const char* file) {
 int main_with_faults(int count, char** values, char** environment) {
   if (const char* file = std::getenv(FaultPlan::variable)) {
     FaultPlan* const read = map_plan(file);
+    const bool edits = count > 1 && std::strcmp(values[1], "edit") == 0;
+    if (edits && !prepare_editor()) give_up("no process can be made for the editor\n");
     if (read->trouble != Trouble::NoMemory && !divert_file_calls()) {
       give_up("the system does not let calls be diverted\n");
     }

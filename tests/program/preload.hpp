@@ -19,6 +19,9 @@ bool is_due(FaultPlan& plan);
 /// Of the calls into the file system, from now on.
 bool divert_file_calls();
 
+/// Sees to it that the editor that the program starts works as usual. Before calls are diverted.
+bool prepare_editor();
+
 }  // namespace veldra_tests
 
 #endif

@@ -50,6 +50,13 @@ constexpr const char* walls = R"({"format": "veldra", "version": 1,
      "layers": [{"material": "Estrich", "thickness": 60},
                 {"material": "Holzfaser", "thickness": 40}]}]})";
 
+/// What the editor makes of two objects of the office.
+constexpr const char* edited = R"({"format": "veldra", "version": 1, "library": {"unit": "mm"},
+  "materials": [{"name": "Presskork", "type": "Wood", "description": "Liegt auf Lager"}],
+  "compositions": [
+    {"name": "Lehmwand", "type": "wall", "layers": [{"material": "Lehm", "thickness": 120},
+                                                    {"material": "Ziegel", "thickness": 380}]}]})";
+
 constexpr const char* glass = R"(Version, 9.4;
 Material, Floatglas, Smooth, 0.006, 1.0, 2500, 750, 0.9, 0.5, 0.5;
 Material, Gipsplatte, Smooth, 0.0125, 0.25, 850, 1000, 0.9, 0.5, 0.5;
@@ -108,6 +115,7 @@ const TemporaryFolder& original() {
     write(*made, "site.gbxml", gbxml);
     for (const char* other : {"site.ifc", "site.xlsx"})
       must_run(*made, {"export", "site.lib", "-o", other});
+    write(*made, "edited.json", edited);
     must_run(*made, {"import", "office.lib", "walls.json", "--plan", "plan.json"});
     write(*made, "old.json", "what was exported last year\n");
     write(*made, "old.svg", "what was drawn last year\n");
@@ -180,7 +188,8 @@ Scene::Scene(const Arguments& arguments) : folder_((original(), TemporaryFolder(
 }
 
 std::unique_ptr<Process> Scene::start(const Arguments& arguments, const SharedPlan* plan) const {
-  std::vector<std::string> environment{"TMPDIR=" + folder_ / "temporary", "LC_ALL=C.UTF-8"};
+  std::vector<std::string> environment{"TMPDIR=" + folder_ / "temporary", "LC_ALL=C.UTF-8",
+                                       "VISUAL=", "EDITOR=cp edited.json"};
   if (plan != nullptr) {
     for (const auto& entry : plan->environment()) environment.push_back(entry);
   }

@@ -60,8 +60,9 @@ class SignalledCommand {
   /// Before the program has begun, the system ends it.
   void expect_true(const Ending& run, const Scene& scene, int signal, bool has_begun) {
     const bool kills = signal == SIGKILL;
-    const State state = expect_whole_files(reference_, scene,
-                                           kills ? Leftovers::TemporaryFile : Leftovers::None, "");
+    const State state =
+        expect_whole_files(reference_, scene, kills ? Leftovers::TemporaryFile : Leftovers::None,
+                           kept_text(run, scene));
     if (run.signal == signal && (kills || !has_begun)) {
       EXPECT_TRUE(kills || state != State::After);
     } else {

@@ -62,7 +62,8 @@ class CommandSweep {
     const SharedPlan plan(fault_, scene.path());
     const Ending run = scene.run(reference_.command.arguments, &plan);
     SCOPED_TRACE(reference_.command.name + ", " + fault_.text() + ", " + plan.text());
-    const State state = expect_whole_files(reference_, scene, leftovers(plan), excused(plan));
+    const State state =
+        expect_whole_files(reference_, scene, leftovers(plan), excused(plan, run, scene));
     if (fault_.trouble == Trouble::Kill && plan->fired) {
       EXPECT_EQ(run.signal, SIGKILL);
     } else {
@@ -94,8 +95,10 @@ class CommandSweep {
     }
   }
 
-  /// The file that was not removed, because its removal was what failed.
-  std::string excused(const SharedPlan& plan) const {
+  /// The file that was not removed, because its removal was what failed, or on purpose.
+  std::string excused(const SharedPlan& plan, const Ending& run, const Scene& scene) const {
+    const std::string kept = kept_text(run, scene);
+    if (!kept.empty()) return kept;
     const bool removal = plan->number == SYS_unlink || plan->number == SYS_unlinkat;
     if (!removal || fault_.trouble != Trouble::Error) return "";
     const std::string path = plan->path;

@@ -72,7 +72,7 @@ void keep_if_changed(PrivateFile& file, const std::string& before, Host& host) {
   try {
     if (content_of(file.path()) == before) return;
   } catch (const Failure&) {
-    return;
+    if (!file_exists(file.path())) return;
   } catch (const Stopped&) {
     // It may be what was asked to be stopped.
   }

@@ -38,7 +38,10 @@ PrivateFile::PrivateFile(const std::string& name, const std::string& text) {
 }
 
 PrivateFile::~PrivateFile() {
-  if (!is_kept_) remove_all(folder_);
+  if (is_kept_) return;
+  // Before all else, as the folder may not let itself be read.
+  ::unlink(path_.c_str());
+  remove_all(folder_);
 }
 
 /// Such a folder has the rights 0700.
