@@ -119,7 +119,8 @@ py::tuple read_table(LibraryHandle& self, const Text& name, const Text& content,
 
 /// The text of a value of a field in a table.
 std::string cell_of(const kit::FieldDescription& field, const py::handle& given) {
-  const auto text = kit::value_text(value_for(field, given));
+  const auto value = value_for(field, given);
+  const auto text = field.is_position ? kit::field_text(field, value) : kit::value_text(value);
   const bool guarded = !text.empty() && text[0] == '\'';
   return guarded ? "'" + text : text;
 }

@@ -241,13 +241,13 @@ TEST_F(KitFields, of_indices_refuse_what_the_library_would_move) {
   };
   EXPECT_EQ(
       refused("last_core_layer", 4),
-      "'4' is no value for 'last_core_layer': it must be one of the 4 layers, counted from 0");
+      "'5' is no value for 'last_core_layer': it must be one of the 4 layers, counted from 1");
   EXPECT_EQ(
       refused("structural_layer", 0),
-      "'0' is no value for 'structural_layer': it must be a layer of the core, 1 to 3, counted "
-      "from 0");
+      "'1' is no value for 'structural_layer': it must be a layer of the core, 2 to 4, counted "
+      "from 1");
   EXPECT_EQ(refused("first_core_layer", -1),
-            "'-1' is no value for 'first_core_layer': it must be a position, counted from 0");
+            "'0' is no value for 'first_core_layer': it must be a position, counted from 1");
   fields.at("first_core_layer").set(*wall, 3);
   EXPECT_EQ(wall->structural_layer(), 3U);
 }
@@ -295,7 +295,7 @@ TEST_F(KitFields, refuse_values_that_they_cannot_have) {
   EXPECT_EQ(error_of([&] { fields<Composition>().at("type").set(*composition, "cheese"); }),
             "'cheese' is no value for 'type': it must be one of wall, floor, roof, other");
   EXPECT_EQ(error_of([&] { fields<Tag>().at("name").set(*Tag::create("a"), "b"); }),
-            "'b' is no value for 'name': it can only be read");
+            "'b' is no value for 'name': it is given once and for all");
 }
 
 TEST_F(KitFields, say_which_are_unique_and_can_be_written) {

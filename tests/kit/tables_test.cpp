@@ -302,6 +302,15 @@ TEST_F(Tables, replace_the_layers_of_compositions) {
   EXPECT_EQ(layers[1].function(), Material::Function::Structure);
 }
 
+TEST_F(Tables, count_layers_from_1) {
+  library_->save(full_composition("Wall"));
+  const unsigned before = library_->get<Composition>(text("Wall"))->structural_layer();
+  take({"kind,name,structural_layer\ncomposition,Wall," + std::to_string(before + 1) + "\n"});
+  EXPECT_FALSE(changes_);
+  EXPECT_THAT(take({"kind,name,structural_layer\ncomposition,Wall,0\n"}),
+              ElementsAre(testing::HasSubstr("counted from 1")));
+}
+
 TEST_F(Tables, leave_layers_alone_of_which_they_say_nothing_that_can_be) {
   library_->save(full_composition("Wall"));
   const auto before = fields_of(*library_);

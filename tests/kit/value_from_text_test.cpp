@@ -30,6 +30,30 @@ std::string refused(const std::string& field, const std::string& text) {
   return error_of([&] { read(field, text); });
 }
 
+TEST(ValueFromText, of_a_position_counts_from_1_and_back) {
+  for (const char* field :
+       {"first_core_layer", "last_core_layer", "structural_layer", "variable_layer"}) {
+    EXPECT_EQ(read_for_composition(field, "3"), Value(2)) << field;
+    EXPECT_EQ(kit::field_text(compositions().at(field), Value(2)), "3") << field;
+    EXPECT_EQ(kit::field_text(ObjectType::Composition, field, Value(2)), "3") << field;
+    EXPECT_EQ(
+        error_of([&] { read_for_composition(field, "0"); }),
+        std::string("'0' is no value for '") + field + "': it must be a position, counted from 1");
+  }
+  EXPECT_EQ(kit::field_text(compositions().at("variable_layer"), Value()), "");
+  EXPECT_EQ(kit::field_text(ObjectType::Composition, "custom_values.a", Value("b")), "b");
+}
+
+TEST(FieldText, has_words_for_functions_that_are_read_back) {
+  EXPECT_EQ(kit::field_text(materials().at("function"), Value(1)), "structure");
+  EXPECT_EQ(kit::field_text(materials().at("function"), Value(7)), "7");
+  EXPECT_EQ(kit::field_text(materials().at("function"), Value()), "");
+  const Value layers = Value::Layers{{"a; b", 1.5, 0}, {"c", 2, 1}, {"d", 3, -4}};
+  const auto& field = compositions().at("layers");
+  EXPECT_EQ(kit::field_text(field, layers), "\"a; b\" | 1.5 | none; c | 2 | structure; d | 3 | -4");
+  EXPECT_EQ(read_for_composition("layers", kit::field_text(field, layers)), layers);
+}
+
 TEST(ValueFromText, is_of_the_kind_of_the_field) {
   EXPECT_EQ(read("manufacturer", " Ziegelwerk "), Value(" Ziegelwerk "));
   EXPECT_EQ(read("allow_custom_thickness", "No"), Value(false));

@@ -69,10 +69,8 @@ class Setter {
  private:
   const kit::Field<T>& field_named(const std::string& name) const {
     if (is_built<T> && fields_.find(name) == nullptr) {
-      const kit::UnknownField error(name, plural_of(veldra::ObjectTraits<T>::type),
-                                    fields_.names());
       throw LibraryFailure(fmt::format("{}; --property makes a custom property of that name",
-                                       printable(error.what())));
+                                       printable(fields_.unknown(name).what())));
     }
     return fields_.at(name);
   }
@@ -96,7 +94,7 @@ class Setter {
   void require_positions(const T& object) const {
     for (const auto& [field, value] : values_) {
       if (value.kind() != kit::Value::Kind::WholeNumber || field->get(object) == value) continue;
-      throw kit::FieldError(field->name(), kit::value_text(value),
+      throw kit::FieldError(field->name(), kit::field_text(*field, value),
                             "it does not go with the other values that are given");
     }
   }

@@ -19,8 +19,10 @@ using kit::Clash;
 using kit::Decision;
 using kit::PlanEntry;
 
-std::string text_of(const kit::Value& value) {
-  return value.is_empty() ? "nothing" : printable(kit::value_text(value));
+/// A value that a field of an object has, or is to have.
+std::string text_of(const PlanEntry& entry, const std::string& field, const kit::Value& value) {
+  if (value.is_empty()) return "nothing";
+  return printable(kit::field_text(entry.source.type, field, value));
 }
 
 /// How people know an object: one that gets another name by that which it has.
@@ -52,8 +54,9 @@ std::string changes_text(const PlanEntry& entry) {
   std::string text;
   for (const auto& change : entry.changes) {
     const bool stays = entry.decision == Decision::Keep || entry.decision == Decision::Undecided;
-    text += fmt::format("    {}: {}{}{}\n", printable(change.field), text_of(change.before),
-                        stays ? ", and not " : " -> ", text_of(change.after));
+    text += fmt::format("    {}: {}{}{}\n", printable(change.field),
+                        text_of(entry, change.field, change.before), stays ? ", and not " : " -> ",
+                        text_of(entry, change.field, change.after));
   }
   return text;
 }
@@ -165,7 +168,8 @@ std::string differences_text(const PlanEntry& entry) {
   std::string text;
   for (const auto& change : entry.changes) {
     text += fmt::format("{}{}: {} there, {} here", text.empty() ? "" : "; ",
-                        printable(change.field), text_of(change.before), text_of(change.after));
+                        printable(change.field), text_of(entry, change.field, change.before),
+                        text_of(entry, change.field, change.after));
   }
   return text;
 }

@@ -69,7 +69,11 @@ struct VELDRA_KIT_EXPORT FieldDescription {
   bool required = false;  ///< an object cannot be without it
   std::vector<std::string> choices;                ///< all texts that it can be; empty for any
   std::vector<std::pair<std::string, int>> words;  ///< texts that stand for whole numbers
-  int decimals = -1;  ///< how many are shown to people; -1 for as many as there are
+  bool is_position = false;  ///< which layer: values count from 0, and texts for people from 1
+  int decimals = -1;         ///< how many are shown to people; -1 for as many as there are
+
+  /// Why it can only be read, as the end of a sentence; empty for figures.
+  std::string fixed_because;
 
   /// The names of all objects to which it can refer; empty for a field that refers to none, and in
   /// fields without a library. Reads from the library.
@@ -109,12 +113,14 @@ class VELDRA_KIT_EXPORT FieldError : public Error {
   std::string allowed_;
 };
 
-/// A name of which there is no field. `what()` suggests the nearest, and lists what there is.
+/// A name of which there is no field. `what()` suggests the nearest, and lists what there is, each
+/// field with other names of it in parentheses.
 class VELDRA_KIT_EXPORT UnknownField : public Error {
  public:
-  /// Makes the error of a name that none of the fields of a kind, in plural, has.
+  /// Makes the error of a name that none of the fields of a kind, in plural, has. Each field has
+  /// all its names, first the one that it is listed by.
   UnknownField(const std::string& name, const std::string& kind,
-               const std::vector<std::string>& names);
+               const std::vector<std::vector<std::string>>& fields);
 
   /// Copies the error.
   UnknownField(const UnknownField& other) = default;
@@ -247,6 +253,11 @@ class VELDRA_KIT_EXPORT Fields {
   /// Throws: `std::bad_alloc`.
   std::vector<std::string> names() const;
 
+  /// The error of a name that no field has.
+  ///
+  /// Throws: `std::bad_alloc`.
+  UnknownField unknown(const std::string& name) const;
+
  private:
   std::vector<Field<T>> fields_;
   std::ptrdiff_t custom_begin_ = 0;
@@ -272,6 +283,7 @@ VELDRA_KIT_EXPORT std::vector<const Field<Material>*> plain_material_fields(Valu
 /// The value for a field that a text says, as somebody types it. An empty text is nothing.
 ///
 /// - Numbers are decimal with a point, and may have a unit behind them: "100 mm", "4 in".
+/// - Positions of layers count from 1, as people count them.
 /// - "yes", "no", "true" and "false"; a choice in whatever case; else what `value_text` gives.
 ///
 /// Numbers that measure something must be 0 or greater, and all numbers finite: what `value_text`
@@ -282,6 +294,18 @@ VELDRA_KIT_EXPORT std::vector<const Field<Material>*> plain_material_fields(Valu
 /// - `std::bad_alloc`.
 VELDRA_KIT_EXPORT Value value_from_text(const FieldDescription& field, const std::string& text,
                                         Unit library);
+
+/// The value of a field as people read and type it, which `value_from_text` reads: `value_text`,
+/// but positions of layers count from 1, and functions have their words.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::string field_text(const FieldDescription& field, const Value& value);
+
+/// The same of a field of the objects of a kind, by its name as in `FieldChange`.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::string field_text(ObjectType kind, const std::string& field,
+                                         const Value& value);
 
 /// A text as one of the library's.
 ///

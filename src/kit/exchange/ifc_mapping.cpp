@@ -95,12 +95,23 @@ class OwnValues {
                                   library_text(text));
     }
     if (set_reference(object_, name, library_text(text), shared_)) return;
-    const auto value = value_from_text(*field, text, unit_);
+    const auto value = value_in_model(*field, text);
     if (name != "tags") return field->set(object_, in_unit(*field, value, length_, unit_));
     if (value.is_nothing()) return;
     for (const auto& tag : value.template as<Value::Texts>()) {
       object_.addTag(shared_.tag(library_text(tag)));
     }
+  }
+
+  /// Positions count from 0 in the model.
+  Value value_in_model(const FieldDescription& field, const std::string& text) const {
+    if (!field.is_position) return value_from_text(field, text, unit_);
+    const auto number = number_in(text);
+    const bool is_whole = number && *number == std::floor(*number);
+    if (is_whole && *number >= 0 && *number <= std::numeric_limits<int>::max()) {
+      return static_cast<long long>(*number);
+    }
+    throw FieldError(field.name(), text, "it must be a position, counted from 0");
   }
 
   T& object_;

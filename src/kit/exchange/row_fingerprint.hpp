@@ -3,6 +3,7 @@
 #define VELDRA_KIT_EXCHANGE_ROW_FINGERPRINT_HPP
 
 #include "kit/exchange/table_columns.hpp"
+#include "kit/fields/field.hpp"
 
 #include <veldra/composition.hpp>
 
@@ -31,7 +32,7 @@ NamedCells cells_of(const T& object, const std::vector<TableColumn<T>>& columns)
   NamedCells cells;
   for (const auto& column : columns) {
     if (column.field->origin == Origin::Derived) continue;
-    cells[column.heading] = value_text(column.field->get(object));
+    cells[column.heading] = counted_text(*column.field, column.field->get(object));
   }
   return cells;
 }

@@ -83,14 +83,14 @@ std::vector<FieldChange> differences_between(const T& first, const T& incoming) 
   return differences(first, *other);
 }
 
-std::string differences_text(const std::vector<FieldChange>& changes) {
-  const auto text_of = [](const Value& value) {
-    return value.is_empty() ? std::string("nothing") : value_text(value);
+std::string differences_text(ObjectType kind, const std::vector<FieldChange>& changes) {
+  const auto text_of = [kind](const std::string& field, const Value& value) {
+    return value.is_empty() ? std::string("nothing") : field_text(kind, field, value);
   };
   std::string text;
   for (const auto& change : changes) {
     text += fmt::format("{}{}: {} there, {} here", text.empty() ? "" : "; ", change.field,
-                        text_of(change.before), text_of(change.after));
+                        text_of(change.field, change.before), text_of(change.field, change.after));
   }
   return text;
 }
@@ -191,10 +191,10 @@ void SourceSet::settle(IncomingObjects<T>& objects, const Incoming<T>& first,
   }
   switch (rules_.on_clash) {
     case OnClash::Fail:
-      return add_clash(
-          report, origin,
-          fmt::format("another {} stands in {} already, which differs ({})",
-                      called(*incoming.object), file_of(first), differences_text(changes)));
+      return add_clash(report, origin,
+                       fmt::format("another {} stands in {} already, which differs ({})",
+                                   called(*incoming.object), file_of(first),
+                                   differences_text(ObjectTraits<T>::type, changes)));
     case OnClash::Use:
       return add_repeated(Repetition::Used, objects, first, incoming, report);
     case OnClash::Overwrite:

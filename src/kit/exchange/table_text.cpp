@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/exchange/table_text.hpp"
 
+#include "kit/fields/field.hpp"
+
 #include <veldra/kit/text.hpp>
 
 #include <algorithm>
@@ -105,7 +107,7 @@ std::string cell_of_text(const std::string& text, const TableStyle& style) {
 }
 
 std::string cell_of(const FieldDescription& field, const Value& value, const TableStyle& style) {
-  const auto text = value_text(value);
+  const auto text = counted_text(field, value);
   return is_numeric(field.kind) ? replaced(text, '.', style.decimal) : cell_of_text(text, style);
 }
 

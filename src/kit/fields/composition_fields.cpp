@@ -137,18 +137,20 @@ void set_index(Composition& composition, const Value& value, const FieldDescript
   } catch (const std::out_of_range&) {
   }
   const auto layers = composition.layers().size();
-  const std::string core = fmt::format("it must be a layer of the core, {} to {}, counted from 0",
-                                       before->first_core_layer(), before->last_core_layer());
+  const std::string core =
+      fmt::format("it must be a layer of the core, {} to {}, counted from 1",
+                  before->first_core_layer() + 1ULL, before->last_core_layer() + 1ULL);
   composition = *before;
-  throw FieldError(field.name(), value_text(value),
+  throw FieldError(field.name(), counted_text(field, value),
                    field.key == "structural_layer"
                        ? core
-                       : fmt::format("it must be one of the {} layers, counted from 0", layers));
+                       : fmt::format("it must be one of the {} layers, counted from 1", layers));
 }
 
 void add_index(Table<Composition>& table, const char* key, GetIndex get, SetIndex set) {
   auto description = described(key, Value::Kind::WholeNumber);
   description.required = true;
+  description.is_position = true;
   table.add(
       description, [get](const Composition& composition) { return Value((composition.*get)()); },
       [description, get, set](Composition& composition, const Value& value) {
@@ -157,7 +159,8 @@ void add_index(Table<Composition>& table, const char* key, GetIndex get, SetInde
 }
 
 void add_variable_layer(Table<Composition>& table) {
-  const auto description = described("variable_layer", Value::Kind::WholeNumber);
+  auto description = described("variable_layer", Value::Kind::WholeNumber);
+  description.is_position = true;
   table.add(
       description,
       [](const Composition& composition) {

@@ -15,6 +15,12 @@ namespace veldra::kit {
 std::string absence_of(const std::string& what, const std::string& name,
                        const std::vector<std::string>& names);
 
+/// What is said of a position that no layer can have.
+constexpr const char* positions_allowed = "it must be a position, counted from 1";
+
+/// `value_text` of a value of a field, but positions of layers count from 1.
+std::string counted_text(const FieldDescription& field, const Value& value);
+
 }  // namespace veldra::kit
 
 #endif

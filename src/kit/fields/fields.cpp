@@ -68,7 +68,20 @@ const Field<T>* Fields<T>::find(const std::string& name) const {
 template <class T>
 const Field<T>& Fields<T>::at(const std::string& name) const {
   if (const auto* field = find(name)) return *field;
-  throw UnknownField(name, plural_of(ObjectTraits<T>::type), names());
+  throw unknown(name);
+}
+
+template <class T>
+UnknownField Fields<T>::unknown(const std::string& name) const {
+  std::vector<std::vector<std::string>> all;
+  for (const auto& field : fields_) {
+    all.push_back({short_name(field)});
+    for (const auto& alias : field.aliases) {
+      const bool is_meant = alias != field.key && find(alias) == &field;
+      if (is_meant) all.back().push_back(alias);
+    }
+  }
+  return {name, plural_of(ObjectTraits<T>::type), all};
 }
 
 template <class T>

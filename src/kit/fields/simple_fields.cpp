@@ -49,6 +49,7 @@ Table<CustomProperty> table_of<CustomProperty>(const Context&) {
   auto description = described("object_type", Value::Kind::Text);
   description.label = "for";
   description.required = true;
+  description.fixed_because = "it is given once and for all";
   table.add(description, owner_kind);
   return table;
 }

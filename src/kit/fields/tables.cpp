@@ -68,7 +68,7 @@ int int_of(const FieldDescription& field, const Value& value) {
 unsigned index_of(const FieldDescription& field, const Value& value) {
   const long long number = value.as<long long>();
   if (number < 0 || number > std::numeric_limits<unsigned>::max()) {
-    throw FieldError(field.name(), value_text(value), "it must be a position, counted from 0");
+    throw FieldError(field.name(), counted_text(field, value), positions_allowed);
   }
   return static_cast<unsigned>(number);
 }

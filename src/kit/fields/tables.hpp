@@ -107,7 +107,9 @@ FieldDescription described_name();
 /// Of objects that keep the name with which they were made.
 template <class T>
 void add_fixed_name(Table<T>& table) {
-  table.add(described_name(), [](const T& object) { return Value(object.name().utf8()); });
+  auto description = described_name();
+  description.fixed_because = "it is given once and for all";
+  table.add(description, [](const T& object) { return Value(object.name().utf8()); });
 }
 
 template <class T>

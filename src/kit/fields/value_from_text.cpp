@@ -94,7 +94,14 @@ class Reader {
     if (number < Limits::min() || number > std::numeric_limits<unsigned>::max()) {
       refuse("the number is out of range");
     }
-    return number;
+    return counted(number);
+  }
+
+  /// People count positions from 1.
+  template <class Number>
+  Number counted(Number number) const {
+    if (field_.is_position && number < 1) refuse(positions_allowed);
+    return field_.is_position ? number - 1 : number;
   }
 
   /// As such numbers are written, which `number_in` does not read.
@@ -125,7 +132,7 @@ class Reader {
       result *= *factor;
     }
     if (field_.measure != Measure::None && result < 0) refuse("it must be 0 or greater");
-    return result;
+    return counted(result);
   }
 
   static bool is_digit(char character) { return character >= '0' && character <= '9'; }
