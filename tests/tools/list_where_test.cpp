@@ -123,6 +123,12 @@ TEST_F(ListWhere, what_is_wrong_is_told_with_what_there_is) {
   EXPECT_EQ(error({"tags", "--columns", "nam"}),
             "veldra: 'a.lib': tags have no field 'nam'; did you mean 'name'? there are id, name\n");
   EXPECT_THAT(error({"tags", "--sort", "-size"}), HasSubstr("tags have no field 'size'"));
+  EXPECT_THAT(
+      error({"compositions", "--columns", "name,W"}),
+      AllOf(HasSubstr("total_thickness (thickness), total_resistance (R), transmittance (U)"),
+            HasSubstr("sd (vapour_thickness)")));
+  EXPECT_THAT(error({"compositions", "--columns", "thicknes"}),
+              HasSubstr("compositions have no field 'thicknes'; did you mean 'thickness'"));
   EXPECT_EQ(error({"materials", "--columns", "name,"}),
             "veldra: 'a.lib': the name of a field is missing\n");
   EXPECT_EQ(error({"materials", "--where", "tag = Ausenwand"}),

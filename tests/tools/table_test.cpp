@@ -30,7 +30,8 @@ std::size_t widest(const std::vector<std::string>& lines) {
 }
 
 Table example() {
-  Table table({{"id", Align::Right}, {"name"}, {"total [mm]", Align::Right}, {"tags"}});
+  Table table(
+      {{"id", Align::Right}, {"name", Align::Left, true}, {"total [mm]", Align::Right}, {"tags"}});
   table.add({"1", "Außenwand aus Hochlochziegeln mit Kerndämmung", "485", "massiv, zweischalig"});
   table.add({"22", "Dach", "120.5", "Dach"});
   return table;
@@ -39,8 +40,15 @@ Table example() {
 TEST(FittedTable, shortens_the_widest_texts_and_no_number) {
   const auto lines = lines_of(example().text(50));
   EXPECT_EQ(widest(lines), 50U);
-  EXPECT_THAT(lines[2], AllOf(HasSubstr("Außenwand aus"), HasSubstr("…"), HasSubstr("485")));
+  EXPECT_THAT(lines[2], AllOf(HasSubstr("Außenwand a"), HasSubstr("…"), HasSubstr("485")));
   EXPECT_THAT(lines[3], AllOf(HasSubstr("Dach"), HasSubstr("120.5")));
+}
+
+TEST(FittedTable, shortens_names_last) {
+  const auto lines = lines_of(example().text(75));
+  EXPECT_EQ(widest(lines), 75U);
+  EXPECT_THAT(lines[2], AllOf(HasSubstr("Außenwand aus Hochlochziegeln mit Kerndämmung "),
+                              HasSubstr("massiv,"), HasSubstr("…")));
 }
 
 TEST(FittedTable, is_as_it_is_where_there_is_room) {

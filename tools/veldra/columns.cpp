@@ -47,7 +47,7 @@ Table::Column column_of(const kit::FieldDescription& field, veldra::Unit unit) {
   const bool has_unit = is_number || field.kind == kit::Value::Kind::Numbers;
   return {
       has_unit && !unit_text.empty() ? fmt::format("{} [{}]", field.label, unit_text) : field.label,
-      is_number ? Align::Right : Align::Left};
+      is_number ? Align::Right : Align::Left, field.key == "name"};
 }
 
 std::string cell_of(const kit::FieldDescription& field, const kit::Value& value,
@@ -63,7 +63,7 @@ std::string cell_of(const kit::FieldDescription& field, const kit::Value& value,
     case kit::Value::Kind::Texts:
       return list_text(value.as<kit::Value::Texts>(), [](const std::string& text) { return text; });
     default:
-      return kit::value_text(value);
+      return kit::field_text(field, value);
   }
 }
 

@@ -42,7 +42,7 @@ std::string function_text(veldra::Material::Function function) {
 std::string layers_text(const veldra::Composition& composition,
                         const kit::Transmission& transmission, veldra::Unit unit) {
   Table table({{"layer", Align::Right},
-               {"material"},
+               {"material", Align::Left, true},
                {fmt::format("thickness [{}]", name_of(unit)), Align::Right},
                {"R [m²K/W]", Align::Right},
                {"function"},

@@ -59,20 +59,29 @@ std::vector<std::size_t> Table::natural_widths() const {
   return widths;
 }
 
+/// The widest column that can be narrower, of names or of other texts; as many as there are columns
+/// if none can.
+std::size_t Table::widest_text(const std::vector<std::size_t>& widths, bool names) const {
+  std::size_t widest = widths.size();
+  for (std::size_t i = 0; i < widths.size(); ++i) {
+    const auto& column = columns_[i];
+    if (column.align != Align::Left || column.is_name != names) continue;
+    if (widths[i] <= std::max(least_width, display_width(column.title))) continue;
+    if (widest == widths.size() || widths[i] > widths[widest]) widest = i;
+  }
+  return widest;
+}
+
 void Table::fit(std::vector<std::size_t>& widths, std::size_t width) const {
   const auto total = [&] {
     return std::accumulate(widths.begin(), widths.end(), gap.size() * (widths.size() - 1));
   };
-  while (total() > width) {
-    auto widest = widths.end();
-    for (auto each = widths.begin(); each != widths.end(); ++each) {
-      const auto& column = columns_[static_cast<std::size_t>(each - widths.begin())];
-      const bool can_go =
-          column.align == Align::Left && *each > std::max(least_width, display_width(column.title));
-      if (can_go && (widest == widths.end() || *each > *widest)) widest = each;
+  for (const bool names : {false, true}) {
+    while (total() > width) {
+      const auto widest = widest_text(widths, names);
+      if (widest == widths.size()) break;
+      --widths[widest];
     }
-    if (widest == widths.end()) return;
-    --*widest;
   }
 }
 
@@ -92,7 +101,7 @@ std::string Table::text(std::size_t width) const {
 }
 
 Table object_table(const std::string& title) {
-  return Table({{"kind"}, {"id", Align::Right}, {"name"}, {title}});
+  return Table({{"kind"}, {"id", Align::Right}, {"name", Align::Left, true}, {title}});
 }
 
 void print_table(Spool& output, const Table& table, const std::string& when_empty) {

@@ -17,6 +17,7 @@ class Table {
   struct Column {
     std::string title;
     Align align = Align::Left;
+    bool is_name = false;  ///< what tells rows apart, and is shortened when nothing else can be
   };
 
   explicit Table(std::vector<Column> columns);
@@ -30,12 +31,13 @@ class Table {
   std::string text() const { return text(0); }
 
   /// The same in no more than so many columns of a terminal, as far as shortening the widest of the
-  /// texts allows; 0 for as many as it takes.
+  /// texts allows, names last; 0 for as many as it takes.
   std::string text(std::size_t width) const;
 
  private:
   std::vector<std::size_t> natural_widths() const;
   void fit(std::vector<std::size_t>& widths, std::size_t width) const;
+  std::size_t widest_text(const std::vector<std::size_t>& widths, bool names) const;
 
   std::vector<Column> columns_;
   std::vector<std::vector<std::string>> rows_;
