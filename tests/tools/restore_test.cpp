@@ -43,6 +43,34 @@ TEST_F(Restore, json_tells_what_info_tells_afterwards) {
   EXPECT_EQ(restored, must({"info", "a.lib", "--json"}).json());
 }
 
+TEST_F(Restore, tried_tells_what_it_would_do_and_does_nothing) {
+  const auto bytes = read("a.lib");
+  EXPECT_EQ(must({"restore", "a.lib", "b.lib", "--dry-run"}).out,
+            "'a.lib' would have the contents of 'b.lib': 14 objects (13 types, 1 tag)\n"
+            "Nothing was written, because this was a dry run.\n");
+  const auto facts = must({"restore", "a.lib", "b.lib", "--dry-run", "--json"}).json();
+  EXPECT_EQ(facts["counts"]["tags"], 1);
+  EXPECT_EQ(must({"restore", "a.lib", "other.lib", "--force", "--dry-run", "--json"}).json(),
+            must({"info", "other.lib", "--json"}).json());
+  EXPECT_TRUE(read("a.lib") == bytes);
+}
+
+TEST_F(Restore, tried_refuses_what_would_be_refused) {
+  expect_refusal({"restore", "a.lib", "other.lib", "--dry-run"},
+                 "'other.lib': this is a backup of another library than 'a.lib'");
+  expect_refusal({"restore", "a.lib", "missing", "--dry-run"}, "'missing': there is no such file");
+  ::unlink(path("b.lib").c_str());
+  make_old_file(path("b.lib"), 150201);
+  fill_old_file(path("b.lib"), 150201);
+  expect_refusal({"restore", "a.lib", "b.lib", "--dry-run"}, "this is a backup of another library");
+  EXPECT_THAT(must({"restore", "a.lib", "b.lib", "--dry-run", "--force"}).out, HasSubstr("2 tags"));
+  std::string bytes = read("other.lib");
+  bytes.replace(bytes.size() - 20000, 20000, std::string(20000, 'x'));
+  write("other.lib", bytes);
+  expect_refusal({"restore", "a.lib", "other.lib", "--force", "--dry-run"},
+                 "'other.lib': the library is damaged");
+}
+
 TEST_F(Restore, from_another_library_needs_force) {
   expect_refusal({"restore", "a.lib", "other.lib"},
                  "'other.lib': this is a backup of another library than 'a.lib'; --force takes its "

@@ -20,6 +20,7 @@ struct Arguments {
   std::string file;
   std::string backup;
   bool force = false;
+  bool dry_run = false;
   bool json = false;
 };
 
@@ -75,8 +76,28 @@ void print(const Arguments& arguments, const veldra::Library& library, Spool& ou
     facts["read_only"] = false;
     return print_json(output, facts);
   }
-  output.print("{} has the contents of {} now: {}\n", in_quotes(arguments.file),
-               in_quotes(arguments.backup), text_of(counts_in(library)));
+  const auto counts = text_of(counts_in(library));
+  if (!arguments.dry_run) {
+    return output.print("{} has the contents of {} now: {}\n", in_quotes(arguments.file),
+                        in_quotes(arguments.backup), counts);
+  }
+  output.print("{} would have the contents of {}: {}\n", in_quotes(arguments.file),
+               in_quotes(arguments.backup), counts);
+  output.print("Nothing was written, because this was a dry run.\n");
+}
+
+/// Does it with a library in memory, so that all is found that would keep it from being done.
+void restore_tentatively(const Arguments& arguments, Host& host) {
+  working_on(arguments.file, [&] {
+    const auto library = open_library(arguments.file, Access::Read);
+    require_backup(arguments, *library);
+    const auto tentative = create_staging_library(library->unit());
+    Arguments of_any = arguments;
+    of_any.force = true;
+    replace_contents(*tentative, of_any);
+    if (!arguments.force && tentative->guid() != library->guid()) refuse_other_library(arguments);
+    print(arguments, *tentative, host.output);
+  });
 }
 
 void restore(const Arguments& arguments, Host& host) {
@@ -84,6 +105,7 @@ void restore(const Arguments& arguments, Host& host) {
     throw Failure("the library and the backup are the same file");
   }
   tell_as_it_was(arguments.file);
+  if (arguments.dry_run) return restore_tentatively(arguments, host);
   working_on(arguments.file, [&] {
     const auto library = open_to_change(host, arguments.file);
     require_backup(arguments, *library);
@@ -109,6 +131,9 @@ void add_restore(Host& host) {
       ->type_name("");
   command.add_flag("--force", arguments->force,
                    "Also from another library, whose GUID, unit, locale and region it then has");
+  command.add_flag(
+      "--dry-run", arguments->dry_run,
+      "Look through the backup and tell what the library would have, and write nothing");
   add_backup(command, host);
   add_json(command, arguments->json);
   add_example(command, "veldra restore office.lib before-import.lib --backup before-restore.lib");
