@@ -3,6 +3,8 @@
 
 #include "support/database.hpp"
 
+#include <algorithm>
+
 namespace veldra_tests {
 namespace {
 
@@ -110,6 +112,48 @@ TEST_F(Report, tells_of_each_field_once_and_of_each_value_if_asked) {
             "'slat_width', '0.05' is left out\n"
             "veldra: 'a.idf', line 2: Material:AirGap 'Gap': a library has no place for 'field 3', "
             "'7' is left out\n");
+}
+
+TEST_F(Report, tells_types_tags_layers_and_properties_that_it_made) {
+  write("a.json", R"({"format": "veldra", "tags": ["new"], "materials": [
+    {"name": "Oak", "type": "Timber", "tags": ["new", "old"], "cut_layer": "Hatch"},
+    {"name": "Ash", "type": "Wood"}]})");
+  must({"create", "a.lib"});
+  library("a.lib")->save(veldra::Tag::create("old"));
+  const auto made = reported({"a.lib", "a.json", "--dry-run"})[0]["made"];
+  std::vector<std::string> found;
+  for (const auto& each : made) {
+    EXPECT_EQ(each["outcome"], "added");
+    found.push_back(each["kind"].get<std::string>() + " " + each["name"].get<std::string>());
+  }
+  EXPECT_THAT(found, testing::UnorderedElementsAre("type Timber", "tag new", "layer Hatch"));
+  EXPECT_THAT(
+      must({"import", "a.lib", "a.json"}).out,
+      HasSubstr("made in the library\n  types         Timber\n  tags          new\n  layers "
+                "       Hatch\n"));
+  EXPECT_THAT(must({"import", "a.lib", "a.json"}).out, Not(HasSubstr("made in the library")));
+}
+
+TEST_F(Report, of_an_error_counts_the_fields_that_would_hide_it) {
+  write("a.idf",
+        "WindowMaterial:Blind, A, HORIZONTAL, 0.025, 0.02, 0.001, 45, 1;"
+        "Material:AirGap, Gap, 0.1;");
+  must({"create", "a.lib"});
+  const auto lines = [](const std::string& text) {
+    return std::count(text.begin(), text.end(), '\n');
+  };
+  ASSERT_GT(lines(veldra({"import", "b.lib", "a.idf"}).err), 3);
+  library("a.lib")->save(veldra::Material::create("Gap"));
+  const auto run = veldra({"import", "a.lib", "a.idf"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(lines(run.err), 2) << run.err;
+  EXPECT_THAT(run.err,
+              StartsWith("veldra: 'a.idf': a library has no place for 6 fields, 6 values "
+                         "would be left out\nveldra: 'a.lib': the library has a material "));
+  const auto tried = veldra({"import", "a.lib", "a.idf", "--dry-run"});
+  EXPECT_EQ(lines(tried.err), 3) << tried.err;
+  EXPECT_GT(lines(veldra({"import", "a.lib", "a.idf", "--verbose"}).err), 3);
+  EXPECT_GT(lines(veldra({"import", "a.lib", "a.idf", "--strict"}).err), 3);
 }
 
 TEST_F(Report, has_no_such_fields_where_they_are_kept) {

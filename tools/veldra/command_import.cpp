@@ -95,6 +95,9 @@ void adopt_settings(veldra::Library& library, const kit::Sources& sources) {
   if (sources.types) remove_other_types(library, *sources.types);
 }
 
+/// More fields than these are counted where they would hide an error.
+constexpr std::size_t few_left_out = 3;
+
 /// A line for each field of which a library has no place for the values.
 std::vector<std::string> fields_left_out(const kit::SourceReport& source) {
   std::vector<std::string> lines;
@@ -119,15 +122,31 @@ std::vector<std::string> values_left_out(const kit::SourceReport& source) {
   return lines;
 }
 
+/// A line for all of them.
+std::vector<std::string> counted_left_out(const kit::SourceReport& source) {
+  const auto fields = kit::fields_not_kept(source).size();
+  if (fields <= few_left_out) return fields_left_out(source);
+  return {fmt::format("{}: a library has no place for {} fields, {} values would be left out",
+                      in_quotes(source.file), fields, source.not_kept.size())};
+}
+
+using LinesLeftOut = std::vector<std::string> (*)(const kit::SourceReport&);
+
 /// All that did not go as one might expect, a line each.
-std::vector<std::string> findings_in(const kit::Sources& sources, bool verbose) {
+std::vector<std::string> findings_in(const kit::Sources& sources, LinesLeftOut left_out) {
   std::vector<std::string> findings;
   for (const auto& source : sources.reports) {
     for (const auto& problem : source.problems) findings.push_back(printable(problem.text()));
-    const auto more = verbose ? values_left_out(source) : fields_left_out(source);
+    const auto more = left_out(source);
     findings.insert(findings.end(), more.begin(), more.end());
   }
   return findings;
+}
+
+std::string notes_of(const std::vector<std::string>& findings) {
+  std::string notes;
+  for (const auto& finding : findings) notes += fmt::format("veldra: {}\n", finding);
+  return notes;
 }
 
 /// One import of all sources. It may be tried with one library after another.
@@ -147,10 +166,16 @@ class Import {
     Destination destination(arguments_.file, arguments_.plan.only_tells(), host_);
     if (arguments_.unit_given) destination.demand(arguments_.unit);
     if (!tables_) destination.prepare_by([this](veldra::Unit unit) { read_all(unit); });
-    destination.take(unit_for(files_, arguments_), any_objects(), [this](const auto& library) {
-      if (tables_) read_tables(library);
-      return into(*library);
-    });
+    try {
+      destination.take(unit_for(files_, arguments_), any_objects(), [this](const auto& library) {
+        if (tables_) read_tables(library);
+        return into(*library);
+      });
+    } catch (...) {
+      fold_notes();
+      throw;
+    }
+    if (host_.status == Status::Failed) fold_notes();
     output_.write();
   }
 
@@ -229,15 +254,26 @@ class Import {
   }
 
   void tell_findings(const kit::Sources& sources) {
-    const auto findings = findings_in(sources, arguments_.plan.verbose);
-    host_.notes.clear();
-    for (const auto& finding : findings) host_.notes += fmt::format("veldra: {}\n", finding);
+    const auto findings =
+        findings_in(sources, arguments_.plan.verbose ? values_left_out : fields_left_out);
+    host_.notes = notes_of(findings);
+    told_ = host_.notes;
     host_.status = findings.empty() ? Status::Done : Status::Findings;
     if (findings.empty()) return;
     if (!arguments_.strict) return;
+    told_.clear();
     const auto count = findings.size();
     throw Failure(fmt::format("nothing is imported, because there {}",
                               count == 1 ? "is a problem" : fmt::format("are {} problems", count)));
+  }
+
+  /// An error is found among few lines only, and what did not come in is not what has been left
+  /// out.
+  void fold_notes() {
+    if (told_.empty() || host_.done || arguments_.plan.verbose) return;
+    const auto folded = notes_of(findings_in(sources_, counted_left_out));
+    host_.notes.replace(0, told_.size(), folded);
+    told_.clear();
   }
 
   const Arguments& arguments_;
@@ -246,6 +282,7 @@ class Import {
   std::vector<kit::Source> files_;
   bool tables_ = false;
   kit::Sources sources_;
+  std::string told_;  ///< the beginning of the notes, which can be told shorter
 };
 
 }  // namespace

@@ -7,6 +7,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstddef>
+
 namespace veldra_tool {
 
 namespace {
@@ -114,7 +117,10 @@ void ImportReport::count_repeated() {
 /// One that was renamed because of another source comes in under a name that only the source lacks.
 void ImportReport::count(const kit::PlanEntry& entry) {
   const auto origin = sources_.origins.find(entry.source);
-  if (origin == sources_.origins.end()) return;
+  if (origin == sources_.origins.end()) {
+    if (entry.decision == kit::Decision::Add) made_.push_back(&entry);
+    return;
+  }
   auto& source = of_sources_[origin->second.source];
   const bool renamed = entry.decision == kit::Decision::Add && origin->second.renamed;
   ++counts_of(entry.source.type, source)[renamed ? kit::Decision::Rename : entry.decision];
@@ -124,6 +130,8 @@ void ImportReport::count(const kit::PlanEntry& entry) {
 Json ImportReport::json(const veldra::IdMapping& mapping) const {
   Json list = Json::array();
   for (const auto& source : of_sources_) list.push_back(json_of_source(source, mapping));
+  // Several sources may share them, which are made once.
+  list.front()["made"] = json_of(made_, mapping, *plan_.source());
   return list;
 }
 
@@ -155,8 +163,26 @@ std::string ImportReport::text(bool verbose) const {
     text += text_of_source(source);
     entries.insert(entries.end(), source.entries.begin(), source.entries.end());
   }
+  text += text_of_made(verbose);
   const bool told = verbose || entries.size() <= few_objects;
   return told && !entries.empty() ? text + text_of(entries, true) : text;
+}
+
+std::string ImportReport::text_of_made(bool verbose) const {
+  std::string text;
+  for (const auto kind : all_kinds()) {
+    std::vector<std::string> names;
+    for (const auto* entry : made_) {
+      if (entry->source.type == kind) names.push_back(printable(entry->name));
+    }
+    if (names.empty()) continue;
+    const auto told = verbose ? names.size() : std::min(names.size(), few_objects);
+    text += fmt::format(
+        "  {:<13} {}{}\n", plural_of(kind),
+        fmt::join(names.begin(), names.begin() + static_cast<std::ptrdiff_t>(told), ", "),
+        told == names.size() ? "" : fmt::format(" and {} more", names.size() - told));
+  }
+  return text.empty() ? "" : "made in the library\n" + text;
 }
 
 std::string ImportReport::text_of_source(const OfSource& source) {

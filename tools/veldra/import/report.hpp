@@ -38,10 +38,12 @@ class ImportReport {
   void count(const kit::PlanEntry& entry);
   Json json_of_source(const OfSource& source, const veldra::IdMapping& mapping) const;
   static std::string text_of_source(const OfSource& source);
+  std::string text_of_made(bool verbose) const;
 
   const kit::Sources& sources_;
   const kit::Plan& plan_;
   std::vector<OfSource> of_sources_;
+  PlanEntries made_;  ///< tags, types, drawing layers and properties that the library lacked
 };
 
 }  // namespace veldra_tool
