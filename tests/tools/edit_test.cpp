@@ -146,8 +146,8 @@ TEST_F(EditSet, of_a_value_that_nobody_can_compute_with_is_refused_under_every_n
 }
 
 TEST_F(EditSet, of_several_objects_names_the_one_that_cannot_have_the_value) {
-  expect_refusal({"set", "a.lib", "composition:Wall", "composition:Roof", "structural_layer=1"},
-                 "'a.lib': composition 'Roof': '1' is no value for 'structural_layer': ");
+  expect_refusal({"set", "a.lib", "composition:Wall", "composition:Roof", "structural_layer=2"},
+                 "'a.lib': composition 'Roof': '2' is no value for 'structural_layer': ");
 }
 
 TEST_F(EditSet, of_a_field_that_is_not_there_names_the_nearest) {
@@ -188,14 +188,43 @@ TEST_F(EditSet, of_a_name_or_code_that_another_one_has_is_refused) {
                  "'Brick' has the code '7', which 'Wool' of the library has already");
 }
 
+TEST_F(EditSet, counts_layers_from_1_as_all_else_does) {
+  const auto run = must({"set", "a.lib", "composition:Wall", "structural_layer=2"});
+  EXPECT_EQ(run.out, "composition  Wall  changed\n    structural_layer: 1 -> 2\n");
+  EXPECT_EQ(shown("composition", "Wall")["structural_layer"], 1);  // as in the JSON format
+  EXPECT_THAT(must({"show", "a.lib", "composition:Wall"}).out,
+              HasSubstr("structural layer      2"));
+  EXPECT_EQ(must({"list", "a.lib", "compositions", "--columns", "structural_layer", "--where",
+                  "structural_layer > 1"})
+                .out,
+            "structural layer\n────────────────\n               2\n");
+  expect_refusal({"set", "a.lib", "composition:Wall", "structural_layer=0"},
+                 "'0' is no value for 'structural_layer': it must be a position, counted from 1");
+  expect_refusal({"set", "a.lib", "composition:Wall", "structural_layer=3"},
+                 "'3' is no value for 'structural_layer': it must be a layer of the core, 1 to 2, "
+                 "counted from 1");
+  expect_refusal({"set", "a.lib", "composition:Wall", "last_core_layer=3"},
+                 "'3' is no value for 'last_core_layer': it must be one of the 2 layers, counted "
+                 "from 1");
+}
+
+TEST_F(EditSet, says_functions_in_words) {
+  EXPECT_EQ(must({"set", "a.lib", "material:Brick", "function=structure"}).out,
+            "material  Brick  changed\n    function: none -> structure\n");
+  EXPECT_EQ(must({"layers", "a.lib", "Wall", "set", "1", "--function", "7", "--dry-run"})
+                .out.substr(0, 132),
+            "composition  Wall  changed\n    layers: Brick | 115 | structure; Wool | 100 | none -> "
+            "Brick | 115 | 7; Wool | 100 | none\n");
+}
+
 TEST_F(EditSet, of_positions_takes_them_in_any_order_if_they_go_together) {
-  must({"set", "a.lib", "composition:Wall", "structural_layer=1", "first_core_layer=1",
-        "last_core_layer=1"});
+  must({"set", "a.lib", "composition:Wall", "structural_layer=2", "first_core_layer=2",
+        "last_core_layer=2"});
   const auto wall = shown("composition", "Wall");
   EXPECT_EQ(wall["structural_layer"], 1);
   EXPECT_EQ(wall["first_core_layer"], 1);
-  expect_refusal({"set", "a.lib", "composition:Wall", "first_core_layer=1", "last_core_layer=0"},
-                 "'0' is no value for 'last_core_layer': it does not go with the other values");
+  expect_refusal({"set", "a.lib", "composition:Wall", "first_core_layer=2", "last_core_layer=1"},
+                 "'1' is no value for 'last_core_layer': it does not go with the other values");
 }
 
 TEST_F(EditSet, of_layers_takes_materials_of_the_library) {
@@ -250,6 +279,17 @@ TEST_F(EditSet, of_a_property_for_what_has_none_is_refused) {
 
 class EditRename : public Edit {};
 
+/// What the sentence says that is to be done in place of it.
+TEST_F(EditRename, of_a_tag_is_done_by_other_commands) {
+  must({"tag", "a.lib", "materials", "--where", "tag = draft", "--tag", "final"});
+  must({"tag", "a.lib", "compositions", "--where", "tag = draft", "--tag", "final"});
+  must({"untag", "a.lib", "materials", "--where", "tag = draft", "--tag", "draft"});
+  must({"untag", "a.lib", "compositions", "--where", "tag = draft", "--tag", "draft"});
+  must({"remove", "a.lib", "tag:draft"});
+  EXPECT_EQ(shown("material", "Brick")["tags"], nlohmann::json::array({"final"}));
+  EXPECT_EQ(count("a.lib", "tags"), 1U);
+}
+
 TEST_F(EditRename, gives_any_kind_but_tags_another_name) {
   must({"rename", "a.lib", "material:Brick", "Stone"});
   EXPECT_EQ(shown("composition", "Wall")["layers"][0]["material"], "Stone");
@@ -260,8 +300,13 @@ TEST_F(EditRename, gives_any_kind_but_tags_another_name) {
             "type  " + type.get<std::string>() +
                 "  changed, as 'Sort'\n    name: " + type.get<std::string>() + " -> Sort\n");
   shown("type", "Sort");
-  expect_refusal({"rename", "a.lib", "tag:draft", "final"},
-                 "'final' is no value for 'name': it can only be read");
+  expect_refusal(
+      {"rename", "a.lib", "tag:draft", "final"},
+      "'a.lib': a tag keeps its name; 'veldra tag' gives 'final' to the objects that have "
+      "'draft'");
+  expect_refusal({"rename", "a.lib", "tag:drafts", "final"}, "there is no tag 'drafts'");
+  expect_refusal({"set", "a.lib", "tag:draft", "name=final"},
+                 "'final' is no value for 'name': it is given once and for all");
 }
 
 TEST_F(EditRename, to_a_name_that_is_taken_or_empty_is_refused) {
@@ -412,7 +457,7 @@ class EditLayers : public Edit {
     Edit::SetUp();
     must({"new", "a.lib", "material", "Cork"});
     must({"set", "a.lib", "composition:Wall", "layers=Brick | 115; Wool | 100; Cork | 20",
-          "first_core_layer=0", "last_core_layer=1", "structural_layer=0"});
+          "first_core_layer=1", "last_core_layer=2", "structural_layer=1"});
   }
 
   /// The layers of the wall, and behind them its core and its structural layer, counted from 1.

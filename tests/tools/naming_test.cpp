@@ -130,6 +130,64 @@ TEST_F(Naming, is_told_in_the_help_of_every_command_that_takes_objects) {
   }
 }
 
+TEST_F(Naming, by_kind_may_have_a_colon_or_not_in_every_command) {
+  const auto office = library("a.lib");
+  office->save(veldra::Composition::create("Wall"));
+  for (const std::string command : {"show", "where-used"}) {
+    EXPECT_EQ(must({command, "a.lib", "material:Brick"}).out,
+              must({command, "a.lib", "material", "Brick"}).out);
+  }
+  EXPECT_EQ(id_of("material:Brick"), 2);
+  EXPECT_EQ(must({"draw", "a.lib", "composition:Wall"}).out, must({"draw", "a.lib", "Wall"}).out);
+  EXPECT_EQ(must({"calc", "a.lib", "composition:id:1", "--json"}).out.empty(), false);
+  must({"set", "a.lib", "materials", "Brick", "id:3", "manufacturer=Smith"});
+  must({"set", "a.lib", "material", "Brick", "composition", "Wall", "comments=x"});
+  must({"tag", "a.lib", "material", "Brick", "composition:Wall", "--tag", "t"});
+  must({"layers", "a.lib", "composition:Wall", "add", "material:Brick", "115"});
+  must({"duplicate", "a.lib", "composition", "Wall", "Wall 2"});
+  must({"rename", "a.lib", "material", "Brick", "Stone"});
+  must({"rename", "a.lib", "material:Stone", "Clinker"});
+  must({"new", "a.lib", "material:Cork", "density=120"});
+  must({"new", "a.lib", "Material", "Wool", "density=20"});
+  const auto brick = must({"show", "a.lib", "material:Clinker", "--json"}).json();
+  EXPECT_EQ(brick["manufacturer"], "Smith");
+  EXPECT_EQ(brick["comments"], "x");
+  EXPECT_EQ(brick["tags"], nlohmann::json::array({"t"}));
+  EXPECT_EQ(must({"show", "a.lib", "composition:Wall", "--json"}).json()["comments"], "x");
+  must({"copy", "a.lib", "b.lib", "materials", "Cork", "Wool", "composition:Wall 2"});
+  EXPECT_EQ(count("b.lib", "compositions"), 1U);
+  must({"remove", "a.lib", "composition:Wall 2", "material:Cork", "materials", "Wool"});
+  EXPECT_EQ(count("a.lib", "compositions"), 1U);
+  EXPECT_EQ(count("a.lib", "materials"), 5U);
+}
+
+TEST_F(Naming, a_name_that_begins_with_its_kind_is_that_name) {
+  const auto office = library("a.lib");
+  office->save(veldra::Material::create("material:Brick"));
+  EXPECT_EQ(id_of("material:Brick"), 2);
+  EXPECT_EQ(must({"show", "a.lib", "material", "material:Brick", "--json"}).json()["id"], 6);
+}
+
+TEST_F(Naming, with_too_little_or_too_much_is_wrong_use) {
+  const auto expect = [&](const std::vector<std::string>& arguments, const std::string& sentence) {
+    const auto run = veldra(arguments);
+    EXPECT_EQ(run.status, 2) << run.out;
+    EXPECT_THAT(run.err, HasSubstr(sentence));
+  };
+  expect({"show", "a.lib", "material"}, "OBJECT is required");
+  expect({"show", "a.lib", "Brick"}, "KIND: 'Brick' is none of materials, ");
+  expect({"show", "a.lib", "brick:x"}, "KIND: 'brick' is none of materials, ");
+  expect({"show", "a.lib", "material:Brick", "material:3"},
+         "'material:3' is one argument too many");
+  expect({"show", "a.lib", "material", "Brick", "3"}, "'3' is one argument too many");
+  expect({"new", "a.lib", "material"}, "NAME is required");
+  expect({"rename", "a.lib", "material:Brick"}, "NAME is required");
+  expect({"rename", "a.lib", "material", "Brick"}, "OBJECT is required");
+  expect({"rename", "a.lib", "material", "Brick", "3", "x"}, "'3' is one argument too many");
+  expect({"set", "a.lib", "material", "comments=x"}, "'material' is not KIND:OBJECT");
+  expect({"copy", "a.lib", "b.lib", "Brick"}, "'Brick' is not KIND:OBJECT");
+}
+
 TEST_F(Naming, of_what_is_not_there_names_the_library) {
   for (const std::vector<std::string>& arguments :
        {std::vector<std::string>{"show", "a.lib", "material", "x"},

@@ -47,6 +47,10 @@ std::string sentence_of(const CLI::App& program, const CLI::ParseError& error) {
     return extra.front() == '-' ? fmt::format("there is no option {}", in_quotes(extra))
                                 : fmt::format("{} is one argument too many", in_quotes(extra));
   }
+  if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
+    const auto end = text.find(" excludes ");
+    return fmt::format("{} and {} do not go together", text.substr(0, end), text.substr(end + 10));
+  }
   if (says("A subcommand is required")) return "a command is missing";
   if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
     const std::string pair = text.substr(text.find(": ") + 2);
@@ -98,12 +102,6 @@ void add_kind(CLI::App& command, veldra::ObjectType& kind) {
   command.add_option("KIND", kind, "The kind of objects: " + kind_choices())
       ->required()
       ->transform(named_value(kinds_by_name(), kind_choices()))
-      ->type_name("");
-}
-
-void add_object(CLI::App& command, std::string& object) {
-  command.add_option("OBJECT", object, fmt::format("The object: {}", naming_help))
-      ->required()
       ->type_name("");
 }
 

@@ -131,11 +131,9 @@ void add_copy(Host& host) {
       ->required()
       ->type_name("");
   command
-      .add_option(
-          "OBJECT", arguments->objects,
-          fmt::format("What to copy, as KIND:OBJECT, which is {}; the kinds are {}, also in "
-                      "the singular",
-                      naming_help, kind_choices()))
+      .add_option("OBJECT", arguments->objects,
+                  fmt::format("What to copy, {}; the kinds are {}, also in the singular",
+                              objects_help(), kind_choices()))
       ->type_name("");
   command.add_flag("--all", arguments->all, "Copy everything");
   add_on_conflict(command, arguments->on_conflict);

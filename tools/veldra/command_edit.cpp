@@ -114,9 +114,7 @@ void add_edit(Host& host) {
   add_file(command, arguments->file);
   command
       .add_option("OBJECT", arguments->texts,
-                  fmt::format("What to edit, each as KIND:OBJECT, which is {}, or KIND with "
-                              "--where",
-                              naming_help))
+                  fmt::format("What to edit, {}; or KIND with --where", objects_help()))
       ->required()
       ->type_name("");
   const auto* where = add_selection(command, arguments->selection);

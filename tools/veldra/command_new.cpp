@@ -4,10 +4,12 @@
 #include "edit_commands.hpp"
 #include "editing.hpp"
 #include "host.hpp"
+#include "object_arguments.hpp"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <optional>
 
 namespace veldra_tool {
 
@@ -15,8 +17,8 @@ namespace {
 
 struct Arguments {
   std::string file;
-  veldra::ObjectType kind{};
-  std::string name;
+  std::string kind;  ///< or KIND:NAME
+  std::optional<std::string> name;
   std::vector<std::string> texts;
   std::vector<std::string> properties;
   PlanArguments plan;
@@ -49,13 +51,24 @@ std::shared_ptr<T> made(const std::string& name, Assigned& assigned) {
   }
 }
 
-void make(const Arguments& arguments, Host& host) {
+/// What is to be made. Where the kind says the name too, what stands in its place is a value.
+NamedObject wanted_object(Arguments& arguments) {
+  if (!names_object(arguments.kind)) {
+    if (!arguments.name) throw CLI::RequiredError("NAME");
+    return {named_object(kit::lower_case(arguments.kind) + ":").kind, *arguments.name};
+  }
+  if (arguments.name) arguments.texts.insert(arguments.texts.begin(), *arguments.name);
+  return named_object(arguments.kind);
+}
+
+void make(Arguments& arguments, Host& host) {
+  const auto wanted = wanted_object(arguments);
   Assigned assigned{assignments_in(arguments.texts, "FIELD=VALUE"),
                     assignments_in(arguments.properties, "--property")};
   edit_library(arguments.file, arguments.plan, host, [&](Editing& editing) {
-    with_class_of(arguments.kind, [&](auto of) {
+    with_class_of(wanted.kind, [&](auto of) {
       using T = typename decltype(of)::type;
-      const auto object = made<T>(arguments.name, assigned);
+      const auto object = made<T>(wanted.object, assigned);
       Setter<T>(editing.library(), assigned, 1)(*object);
       editing.add(object);
     });
@@ -69,9 +82,10 @@ void add_new(Host& host) {
   auto& command = *host.arguments.add_subcommand("new", "Make an object");
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
-  add_kind(command, arguments->kind);
-  command.add_option("NAME", arguments->name, "Its name, which no other object of the kind has")
-      ->required()
+  add_kind_of_object(command, arguments->kind);
+  command
+      .add_option("NAME", arguments->name,
+                  "Its name, which no other object of the kind has; left out where KIND says it")
       ->type_name("");
   command
       .add_option("FIELD=VALUE", arguments->texts,

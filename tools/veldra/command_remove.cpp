@@ -4,6 +4,7 @@
 #include "host.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
+#include "object_arguments.hpp"
 #include "opening.hpp"
 #include "process/confirmation.hpp"
 #include "progress.hpp"
@@ -22,8 +23,8 @@ constexpr std::size_t most_without_asking = 20;  ///< objects that are named
 
 struct RemoveArguments {
   std::string file;
-  veldra::ObjectType kind{};
-  std::vector<std::string> objects;
+  ObjectsOfKind texts;
+  std::vector<NamedObject> objects;
   bool dry_run = false;
   bool yes = false;
   bool json = false;
@@ -41,15 +42,14 @@ struct PurgeArguments {
 std::vector<Candidate> named_candidates(const veldra::Library& library,
                                         const RemoveArguments& arguments) {
   std::vector<Candidate> result;
-  std::set<unsigned> ids;
-  with_class_of(arguments.kind, [&](auto of) {
-    using T = typename decltype(of)::type;
-    for (const auto& text : arguments.objects) {
-      const auto object = find_object<T>(library, text);
-      if (!ids.insert(object->id()).second) continue;
-      result.push_back({veldra::ObjectKey(arguments.kind, object->id()), object->name().utf8()});
-    }
-  });
+  std::set<veldra::ObjectKey> keys;
+  for (const auto& named : arguments.objects) {
+    with_class_of(named.kind, [&](auto of) {
+      const auto object = find_object<typename decltype(of)::type>(library, named.object);
+      const veldra::ObjectKey key(named.kind, object->id());
+      if (keys.insert(key).second) result.push_back({key, object->name().utf8()});
+    });
+  }
   return result;
 }
 
@@ -220,11 +220,7 @@ void add_remove(Host& host) {
       "remove", "Remove objects of a kind; those that others refer to stay");
   const auto arguments = std::make_shared<RemoveArguments>();
   add_file(command, arguments->file);
-  add_kind(command, arguments->kind);
-  command
-      .add_option("OBJECT", arguments->objects, fmt::format("The objects, each {}", naming_help))
-      ->required()
-      ->type_name("");
+  add_objects_of_kind(command, arguments->texts, "The objects, each");
   command.add_flag("--dry-run", arguments->dry_run, "Tell what would go, and remove nothing");
   add_yes(command, arguments->yes,
           fmt::format("Do not ask; without it, or an answer on a terminal, no more than {} are "
@@ -234,7 +230,10 @@ void add_remove(Host& host) {
   add_json(command, arguments->json);
   add_example(command, "veldra remove office.lib materials 'Solid brick' 17",
               "some of the objects stay because they are in use, and 1 when all do");
-  command.callback([arguments, &host] { remove(*arguments, host); });
+  command.callback([arguments, &host] {
+    arguments->objects = arguments->texts.named();
+    remove(*arguments, host);
+  });
 }
 
 void add_purge(Host& host) {

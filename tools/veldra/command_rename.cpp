@@ -14,7 +14,8 @@ namespace {
 
 struct Arguments {
   std::string file;
-  std::string object;
+  ObjectsOfKind object;
+  std::vector<std::string> names;  ///< what stands behind the kind, the new name at the end
   std::string name;
   PlanArguments plan;
 };
@@ -53,11 +54,21 @@ void duplicate(Editing& editing, const Arguments& arguments, const std::string& 
   }
 }
 
+/// A tag is its name.
+[[noreturn]] void refuse_tag(const std::string& tag, const std::string& name) {
+  throw LibraryFailure(fmt::format(
+      "a tag keeps its name; 'veldra tag' gives {} to the objects that have {}, by --where \"tag = "
+      "...\", 'veldra untag' takes the old one from them, and 'veldra remove' removes it",
+      in_quotes(name), in_quotes(tag)));
+}
+
 void rename(const Arguments& arguments, Host& host) {
-  const auto wanted = named_object(arguments.object);
+  const auto wanted = arguments.object.single();
   const Assigned assigned{{{"name", arguments.name}}, {}};
   edit_library(arguments.file, arguments.plan, host, [&](Editing& editing) {
-    editing.change_each(keys_of(editing.library(), {wanted}), [&](auto of) {
+    const auto keys = keys_of(editing.library(), {wanted});
+    if (wanted.kind == veldra::ObjectType::Tag) refuse_tag(wanted.object, arguments.name);
+    editing.change_each(keys, [&](auto of) {
       return Setter<typename decltype(of)::type>(editing.library(), assigned, 1);
     });
     return editing.carry_out();
@@ -65,7 +76,7 @@ void rename(const Arguments& arguments, Host& host) {
 }
 
 void duplicate(const Arguments& arguments, Host& host) {
-  const auto wanted = named_object(arguments.object);
+  const auto wanted = arguments.object.single();
   edit_library(arguments.file, arguments.plan, host, [&](Editing& editing) {
     with_class_of(wanted.kind, [&](auto of) {
       duplicate<typename decltype(of)::type>(editing, arguments, wanted.object);
@@ -79,29 +90,35 @@ using Run = void (*)(const Arguments&, Host&);
 void add_arguments(CLI::App& command, const std::string& name_help, Run run, Host& host) {
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
+  add_kind_of_object(command, arguments->object.kind);
   command
-      .add_option("OBJECT", arguments->object,
-                  fmt::format("The object as KIND:OBJECT, which is {}", naming_help))
+      .add_option("NAME", arguments->names,
+                  fmt::format("The object where KIND does not say it, {}; and behind it {}",
+                              naming_help, name_help))
       ->required()
       ->type_name("");
-  command.add_option("NAME", arguments->name, name_help)->required()->type_name("");
   add_backup(command, host);
   add_plan_arguments(command, arguments->plan);
-  command.callback([arguments, run, &host] { run(*arguments, host); });
+  command.callback([arguments, run, &host] {
+    arguments->name = arguments->names.back();
+    arguments->names.pop_back();
+    arguments->object.objects = arguments->names;
+    run(*arguments, host);
+  });
 }
 
 }  // namespace
 
 void add_rename(Host& host) {
   auto& command = *host.arguments.add_subcommand("rename", "Give an object another name");
-  add_arguments(command, "The new name, which no other object of the kind has", rename, host);
+  add_arguments(command, "the new name, which no other object of the kind has", rename, host);
   add_example(command, "veldra rename office.lib material:Brick 'Facing brick'");
 }
 
 void add_duplicate(Host& host) {
   auto& command = *host.arguments.add_subcommand(
       "duplicate", "Make another material or composition with the same values, but for the code");
-  add_arguments(command, "The name of the new one, which no other has", duplicate, host);
+  add_arguments(command, "the name of the new one, which no other has", duplicate, host);
   add_example(command, "veldra duplicate office.lib 'composition:Cavity wall' 'Cavity wall 2'");
 }
 

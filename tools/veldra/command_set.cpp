@@ -44,12 +44,13 @@ void add_set(Host& host) {
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
   command
-      .add_option("ARGUMENT", arguments->texts,
-                  fmt::format("What to change, each as KIND:OBJECT, which is {}, or KIND with "
-                              "--where; and behind it what to set, each as FIELD=VALUE. An empty "
-                              "value clears the field; back-quotes delimit a name with \"=\" in "
-                              "it. What begins with a kind and a colon is an object",
-                              naming_help))
+      .add_option(
+          "ARGUMENT", arguments->texts,
+          fmt::format("What to change, {}; or KIND with --where; and behind it what to set, "
+                      "each as FIELD=VALUE. An empty value clears the field; back-quotes "
+                      "delimit a name with \"=\" in it. What begins with a kind and a "
+                      "colon is an object",
+                      objects_help()))
       ->required()
       ->type_name("");
   const auto* where = add_selection(command, arguments->selection);

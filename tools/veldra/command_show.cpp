@@ -6,6 +6,7 @@
 #include "kinds.hpp"
 #include "layer_table.hpp"
 #include "lookup.hpp"
+#include "object_arguments.hpp"
 #include "opening.hpp"
 #include "physics_text.hpp"
 #include "process/writing.hpp"
@@ -24,8 +25,7 @@ namespace {
 
 struct Arguments {
   std::string file;
-  veldra::ObjectType kind{};
-  std::string object;
+  ObjectsOfKind object;
   bool json = false;
 };
 
@@ -234,9 +234,10 @@ template <class T>
 void add_thermal(Json&, const T&, veldra::Unit) {}
 
 template <class T>
-void show_object(Spool& output, const veldra::Library& library, const Arguments& arguments) {
-  const auto object = find_object<T>(library, arguments.object);
-  if (arguments.json) {
+void show_object(Spool& output, const veldra::Library& library, const std::string& text,
+                 bool as_json) {
+  const auto object = find_object<T>(library, text);
+  if (as_json) {
     Json json = summary_of(*object);
     add_thermal(json, *object, library.unit());
     return print_json(output, json);
@@ -246,9 +247,10 @@ void show_object(Spool& output, const veldra::Library& library, const Arguments&
 }
 
 void show(const Arguments& arguments, Host& host) {
+  const auto wanted = arguments.object.single();
   reading(arguments.file, [&](const veldra::Library& library) {
-    with_class_of(arguments.kind, [&](auto of) {
-      show_object<typename decltype(of)::type>(host.output, library, arguments);
+    with_class_of(wanted.kind, [&](auto of) {
+      show_object<typename decltype(of)::type>(host.output, library, wanted.object, arguments.json);
     });
   });
 }
@@ -259,8 +261,7 @@ void add_show(Host& host) {
   auto& command = *host.arguments.add_subcommand("show", "Show everything about one object");
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
-  add_kind(command, arguments->kind);
-  add_object(command, arguments->object);
+  add_objects_of_kind(command, arguments->object, "The object");
   add_json(command, arguments->json);
   add_example(command, "veldra show office.lib composition 'Cavity wall'");
   command.callback([arguments, &host] { show(*arguments, host); });

@@ -84,10 +84,9 @@ void add_arguments(CLI::App& command, const std::string& tag_help, NewTags new_t
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
   command
-      .add_option("ARGUMENT", arguments->texts,
-                  fmt::format("The materials and compositions, each as KIND:OBJECT, which is {}; "
-                              "or KIND with --where",
-                              naming_help))
+      .add_option(
+          "ARGUMENT", arguments->texts,
+          fmt::format("The materials and compositions, {}; or KIND with --where", objects_help()))
       ->required()
       ->type_name("");
   add_tags(command, arguments->tags, tag_help);

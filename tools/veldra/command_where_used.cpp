@@ -5,6 +5,7 @@
 #include "json.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
+#include "object_arguments.hpp"
 #include "opening.hpp"
 #include "references.hpp"
 #include "table.hpp"
@@ -17,8 +18,7 @@ namespace {
 
 struct Arguments {
   std::string file;
-  veldra::ObjectType kind{};
-  std::string object;
+  ObjectsOfKind object;
   bool json = false;
 };
 
@@ -39,12 +39,10 @@ void print(Spool& output, const std::vector<Reference>& references, bool json) {
 }
 
 void where_used(const Arguments& arguments, Host& host) {
+  const auto wanted = arguments.object.single();
   reading(arguments.file, [&](const veldra::Library& library) {
-    const unsigned id = with_class_of(arguments.kind, [&](auto of) {
-      return find_object<typename decltype(of)::type>(library, arguments.object)->id();
-    });
-    print(host.output, references_to(library, veldra::ObjectKey(arguments.kind, id)),
-          arguments.json);
+    const auto key = object_key(library, wanted.kind, wanted.object);
+    print(host.output, references_to(library, key), arguments.json);
   });
 }
 
@@ -55,8 +53,7 @@ void add_where_used(Host& host) {
       *host.arguments.add_subcommand("where-used", "List the objects that refer to one");
   const auto arguments = std::make_shared<Arguments>();
   add_file(command, arguments->file);
-  add_kind(command, arguments->kind);
-  add_object(command, arguments->object);
+  add_objects_of_kind(command, arguments->object, "The object");
   add_json(command, arguments->json);
   add_example(command, "veldra where-used office.lib material 'Solid brick'");
   command.callback([arguments, &host] { where_used(*arguments, host); });

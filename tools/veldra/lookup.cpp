@@ -22,6 +22,13 @@ unsigned id_in(const std::string& text) {
   return result.ec == std::errc() && result.ptr == end ? id : 0;
 }
 
+std::string behind_kind(const std::string& text, veldra::ObjectType kind) {
+  const auto colon = text.find(':');
+  if (colon == std::string::npos) return {};
+  const auto named = kinds_by_name().find(text.substr(0, colon));
+  return named != kinds_by_name().end() && named->second == kind ? text.substr(colon + 1) : "";
+}
+
 bool is_unreadable_object() {
   const auto kind = veldra::error_kind();
   return kind == veldra::ErrorKind::MalformedText || kind == veldra::ErrorKind::Damaged;

@@ -30,6 +30,9 @@ Naming naming_of(const std::string& text);
 /// The id that a text of digits stands for; 0 for any other text.
 unsigned id_in(const std::string& text);
 
+/// What stands behind a kind and a colon; empty for a text that does not begin with this kind.
+std::string behind_kind(const std::string& text, veldra::ObjectType kind);
+
 template <class T>
 std::vector<std::shared_ptr<T>> objects_named(const veldra::Library& library,
                                               const std::string& name) {
@@ -85,11 +88,15 @@ std::string alternatives(const veldra::Library& library, const std::string& name
   return is_small ? choice_of_names<T>(library, name) : suggested_names<T>(library, name);
 }
 
-/// The object that a text names (`naming_of`). Throws `LibraryFailure` when there is none, and when
-/// there are several.
+/// The object that a text names (`naming_of`), also behind its kind and a colon. Throws
+/// `LibraryFailure` when there is none, and when there are several.
 template <class T>
 std::shared_ptr<T> find_object(const veldra::Library& library, const std::string& text) {
   const std::string kind = singular_of(veldra::ObjectTraits<T>::type);
+  const auto behind = behind_kind(text, veldra::ObjectTraits<T>::type);
+  if (!behind.empty() && objects_named<T>(library, text).empty()) {
+    return find_object<T>(library, behind);
+  }
   const Naming naming = naming_of(text);
   std::vector<std::shared_ptr<T>> named;
   std::shared_ptr<T> numbered;

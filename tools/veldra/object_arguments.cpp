@@ -9,9 +9,49 @@
 
 #include <fmt/format.h>
 
+#include <iterator>
+#include <map>
+
 namespace veldra_tool {
 
 namespace {
+
+using Kind = std::map<std::string, veldra::ObjectType>::const_iterator;
+
+/// In whatever case; the end where it is none.
+Kind kind_in(const std::string& text) { return kinds_by_name().find(kit::lower_case(text)); }
+
+bool is_kind(const std::string& text) { return kind_in(text) != kinds_by_name().end(); }
+
+/// "FIELD=VALUE", unless it says that it is a name.
+bool is_assignment(const std::string& text) {
+  return naming_of(text).may_be_id && text.find('=') != std::string::npos;
+}
+
+bool is_nothing_else(const std::string&) { return false; }
+
+/// Takes from texts the objects that they begin with: each as KIND:OBJECT, or behind its kind, as
+/// far as a text that `ends` them.
+std::vector<NamedObject> take_objects(std::vector<std::string>& texts,
+                                      bool (*ends)(const std::string&)) {
+  std::vector<NamedObject> objects;
+  auto text = texts.begin();
+  while (text != texts.end()) {
+    if (names_object(*text)) {
+      objects.push_back(named_object(*text++));
+      continue;
+    }
+    const auto next = std::next(text);
+    if (!is_kind(*text) || next == texts.end() || ends(*next)) break;
+    const auto kind = kind_in(*text)->second;
+    text = next;
+    do {
+      objects.push_back({kind, *text++});
+    } while (text != texts.end() && !ends(*text) && !is_kind(*text) && !names_object(*text));
+  }
+  texts.erase(texts.begin(), text);
+  return objects;
+}
 
 veldra::ObjectType kind_named(const std::string& name) {
   const auto kind = kinds_by_name().find(name);
@@ -57,10 +97,52 @@ NamedObject named_object(const std::string& text) {
 }
 
 std::vector<NamedObject> named_objects(const std::vector<std::string>& texts) {
-  std::vector<NamedObject> objects;
-  objects.reserve(texts.size());
-  for (const auto& text : texts) objects.push_back(named_object(text));
+  auto rest = texts;
+  auto objects = take_objects(rest, is_nothing_else);
+  if (!rest.empty()) named_object(rest.front());
   return objects;
+}
+
+std::string objects_help() {
+  return fmt::format("each as KIND:OBJECT, or KIND and the objects behind it; an object is {}",
+                     naming_help);
+}
+
+std::vector<NamedObject> ObjectsOfKind::named() const {
+  if (!names_object(kind) && objects.empty()) throw CLI::RequiredError("OBJECT");
+  std::vector<std::string> texts{kind};
+  texts.insert(texts.end(), objects.begin(), objects.end());
+  return named_objects(texts);
+}
+
+NamedObject ObjectsOfKind::single() const {
+  const auto all = named();
+  if (all.size() == 1) return all.front();
+  throw CLI::ValidationError("OBJECT",
+                             fmt::format("{} is one argument too many", in_quotes(objects.back())));
+}
+
+void add_kind_of_object(CLI::App& command, std::string& kind) {
+  const auto check = [](const std::string& text) {
+    if (is_kind(text) || names_object(text)) return std::string();
+    return fmt::format("{} is none of {}", in_quotes(text.substr(0, text.find(':'))),
+                       kind_choices());
+  };
+  command
+      .add_option("KIND", kind,
+                  fmt::format("The kind of objects: {}; or KIND:OBJECT, such as composition:Roof",
+                              kind_choices()))
+      ->required()
+      ->check(CLI::Validator(check, "", kind_choices()))
+      ->type_name("");
+}
+
+void add_objects_of_kind(CLI::App& command, ObjectsOfKind& objects, const std::string& what) {
+  add_kind_of_object(command, objects.kind);
+  command
+      .add_option("OBJECT", objects.objects,
+                  fmt::format("{}: {}; left out where KIND says it", what, naming_help))
+      ->type_name("");
 }
 
 std::set<veldra::ObjectKey> keys_of(const veldra::Library& library,
@@ -85,17 +167,13 @@ void take_selection(std::vector<std::string>& texts, Selection& selection) {
     texts.erase(texts.begin());
     return;
   }
-  auto text = texts.begin();
-  for (; text != texts.end() && names_object(*text); ++text) {
-    selection.objects.push_back(named_object(*text));
-  }
+  selection.objects = take_objects(texts, is_assignment);
   if (selection.objects.empty()) {
     if (!texts.empty() && texts.front().find('=') == std::string::npos) {
       named_object(texts.front());
     }
     throw CLI::ValidationError("OBJECT", "say which objects, as KIND:OBJECT or by --where");
   }
-  texts.erase(texts.begin(), text);
 }
 
 std::set<veldra::ObjectKey> keys_of(const veldra::Library& library, const Selection& selection) {

@@ -21,9 +21,31 @@ struct NamedObject {
 /// Whether a text begins as "KIND:OBJECT" does.
 bool names_object(const std::string& text);
 
-/// What such texts say. Throws a `CLI::ParseError` for any other one.
+/// What such texts say, or a kind and the objects behind it: "KIND OBJECT...", as far as the next
+/// kind. Throws a `CLI::ParseError` for any other one.
 NamedObject named_object(const std::string& text);
 std::vector<NamedObject> named_objects(const std::vector<std::string>& texts);
+
+/// How several objects are named, for the help of commands.
+std::string objects_help();
+
+/// A kind and objects of it, or objects as KIND:OBJECT, of commands that have an argument for each.
+struct ObjectsOfKind {
+  std::string kind;                  ///< or the first KIND:OBJECT
+  std::vector<std::string> objects;  ///< what stands behind it
+
+  /// Throws a `CLI::ParseError`.
+  std::vector<NamedObject> named() const;
+
+  /// The same of one alone.
+  NamedObject single() const;
+};
+
+/// Adds the argument for the kind, in place of which KIND:OBJECT may stand.
+void add_kind_of_object(CLI::App& command, std::string& kind);
+
+/// Adds both arguments; `what` says what the objects are.
+void add_objects_of_kind(CLI::App& command, ObjectsOfKind& objects, const std::string& what);
 
 /// The keys of such objects. Throws `LibraryFailure` as `find_object`.
 std::set<veldra::ObjectKey> keys_of(const veldra::Library& library,
