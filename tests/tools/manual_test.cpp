@@ -11,13 +11,29 @@
 namespace veldra_tests {
 namespace {
 
-class Help : public ProgramTest {};
+class Help : public ProgramTest {
+ protected:
+  const veldra_tool::Host host;
+};
 
 TEST_F(Help, of_a_command_is_what_the_command_says_itself) {
   for (const char* command : {"create", "import", "where-used", "help"}) {
     EXPECT_EQ(must({"help", command}).out, must({command, "--help"}).out) << command;
   }
   EXPECT_EQ(must({"help"}).out, must({"--help"}).out);
+}
+
+TEST_F(Help, says_in_words_what_does_not_go_together) {
+  const auto help = must({"help", "import"}).out;
+  EXPECT_THAT(help, AllOf(HasSubstr("--plan FILE (not with --dry-run)"),
+                          HasSubstr("--force (with --plan)")));
+  for (const auto* command : host.arguments.get_subcommands({})) {
+    EXPECT_THAT(must({"help", command->get_name()}).out,
+                Not(testing::AnyOf(HasSubstr("Excludes:"), HasSubstr("Needs:"))));
+  }
+  const auto run = veldra({"import", "a.lib", "a.json", "--plan", "p", "--dry-run"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_THAT(run.err, HasSubstr("veldra: --plan and --dry-run do not go together\n"));
 }
 
 TEST_F(Help, of_no_command_is_wrong_use) {

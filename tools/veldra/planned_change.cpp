@@ -109,9 +109,12 @@ void add_plan_file(CLI::App& command, PlanArguments& arguments) {
                                "as they shall be")
                    ->check(some_value() & no_standard_output())
                    ->type_name("FILE")
-                   ->excludes("--dry-run");
+                   ->excludes("--dry-run")
+                   ->option_text("FILE (not with --dry-run)");
+  command.get_option("--dry-run")->option_text("(not with --plan)");
   command.add_flag("--force", arguments.replaces, "Replace the file of the plan if it is there")
-      ->needs(plan);
+      ->needs(plan)
+      ->option_text("(with --plan)");
 }
 
 void add_on_conflict(CLI::App& command, std::vector<std::string>& policies) {
