@@ -33,7 +33,7 @@ TEST_F(Help, says_in_words_what_does_not_go_together) {
   }
   const auto run = veldra({"import", "a.lib", "a.json", "--plan", "p", "--dry-run"});
   EXPECT_EQ(run.status, 2);
-  EXPECT_THAT(run.err, HasSubstr("veldra: --plan and --dry-run do not go together\n"));
+  EXPECT_THAT(run.err, HasSubstr("veldra: --dry-run and --plan do not go together\n"));
 }
 
 TEST_F(Help, of_no_command_is_wrong_use) {
@@ -95,7 +95,7 @@ TEST_F(Manual, knows_the_words_that_an_argument_may_be) {
 }
 
 TEST_F(Manual, the_synopsis_tells_what_is_required_and_what_is_repeated) {
-  EXPECT_EQ(synopsis(program, command("show")), "veldra show [OPTIONS] FILE KIND OBJECT");
+  EXPECT_EQ(synopsis(program, command("show")), "veldra show [OPTIONS] FILE KIND [OBJECT...]");
   EXPECT_EQ(synopsis(program, command("import")), "veldra import [OPTIONS] FILE SOURCE...");
   EXPECT_EQ(synopsis(program, command("purge")), "veldra purge [OPTIONS] FILE [KIND...]");
 }
