@@ -3,10 +3,10 @@
 // What new objects cost. A program of its own, because it counts every allocation.
 
 #include "support/names.hpp"
+#include "support/valgrind.hpp"
 
 #include <cstddef>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <new>
 #include <utility>
@@ -37,12 +37,6 @@ VELDRA_NOT_INLINED void operator delete[](void* memory, std::size_t) noexcept { 
 
 namespace veldra_tests {
 namespace {
-
-/// Valgrind puts its own allocation in the place of ours, whatever we define.
-bool runs_under_valgrind() {
-  const char* const preloaded = std::getenv("LD_PRELOAD");
-  return preloaded != nullptr && std::strstr(preloaded, "vgpreload") != nullptr;
-}
 
 class AllocationsTest : public testing::Test {
  protected:
