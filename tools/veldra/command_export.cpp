@@ -167,7 +167,7 @@ void require_sense(const Arguments& arguments, const kit::Format& format) {
                                  : "what is written is no such JSON; give a file for it with -o");
 }
 
-void export_library(const Arguments& arguments, Host& host) {
+void write_library(const Arguments& arguments, Host& host) {
   const OutputFile output(arguments.output, arguments.file, arguments.force);
   const auto& format = format_for(arguments.format, arguments.output);
   require_sense(arguments, format);
@@ -182,6 +182,16 @@ void export_library(const Arguments& arguments, Host& host) {
     }
   });
   if (!to_standard_output) output.write(host, kept);
+}
+
+/// What a file has no place for is of no interest where none was written.
+void export_library(const Arguments& arguments, Host& host) {
+  try {
+    write_library(arguments, host);
+  } catch (...) {
+    if (!host.done) host.notes.clear();
+    throw;
+  }
 }
 
 /// Takes what is to be written from the arguments; nothing stands for the whole library.
