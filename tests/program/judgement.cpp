@@ -46,6 +46,13 @@ const std::regex& kept_sentence() {
   return sentence;
 }
 
+/// What the program itself says of why it has failed. The library that writes workbooks prints
+/// lines of its own when it cannot read what it has laid aside, and nothing turns them off.
+std::string reason_told(const std::string& errors) {
+  static const std::regex line_of_library("\\[ERROR\\][^\n]*\n");
+  return std::regex_replace(std::regex_replace(errors, kept_sentence(), ""), line_of_library, "");
+}
+
 std::string last_name(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
 std::string text_of(const Contents& contents, const std::string& name) {
@@ -163,7 +170,7 @@ void expect_true_status(const Reference& reference, const Ending& run, State sta
   const bool as_usual = run.status == reference.run.status;
   if (run.status == 1) {
     EXPECT_THAT(state, AnyOf(State::Before, State::Unchanging)) << "status 1, but done: " << whole;
-    EXPECT_TRUE(is_one_sentence(std::regex_replace(run.err, kept_sentence(), ""))) << whole;
+    EXPECT_TRUE(is_one_sentence(reason_told(run.err))) << whole;
     // What could not be read is what was told then.
     if (reference.command.arguments.front() == "check") return;
     EXPECT_THAT(without_access(reference.run.out), StartsWith(without_access(run.out)))
