@@ -83,7 +83,7 @@ TYPED_TEST(FieldWalk, each_value_has_a_text_that_reads_back) {
   for (const auto& field : kit::Fields<T>(*library)) {
     const Value value = field.get(*source);
     if (value.is_nothing() || value.kind() != field.kind) continue;
-    EXPECT_EQ(kit::value_from_text(field, kit::value_text(value), library->unit()), value)
+    EXPECT_EQ(kit::value_from_text(field, kit::field_text(field, value), library->unit()), value)
         << field.name();
   }
 }
