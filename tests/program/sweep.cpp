@@ -90,10 +90,15 @@ class CommandSweep {
       case Trouble::Error:
         // Removing is among what fails.
         return fault_.lasting ? Leftovers::TemporaryFile : Leftovers::Journal;
+      case Trouble::NoMemory:
+        // To take its JSON down needs memory, and without any the program ends at once.
+        return fault_.lasting && edits() ? Leftovers::TemporaryFile : Leftovers::None;
       default:
         return Leftovers::None;
     }
   }
+
+  bool edits() const { return reference_.command.arguments.front() == "edit"; }
 
   /// The file that was not removed, because its removal was what failed, or on purpose.
   std::string excused(const SharedPlan& plan, const Ending& run, const Scene& scene) const {

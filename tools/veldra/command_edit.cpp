@@ -68,29 +68,32 @@ void apply(const Arguments& arguments, Host& host, const EditedObjects& objects,
 }
 
 /// What somebody has written is not lost because it does not do.
-void keep_if_changed(PrivateFile& file, const std::string& before, Host& host) {
+void keep_if_changed(PrivateFile& file, const std::string& before, const std::string& note,
+                     Host& host) {
   try {
     if (content_of(file.path()) == before) return;
   } catch (const Failure&) {
     if (!file_exists(file.path())) return;
-  } catch (const Stopped&) {
-    // It may be what was asked to be stopped.
+  } catch (...) {
+    // It may be what was asked to be stopped, or what there is no memory for.
   }
+  host.notes += note;
   file.keep();
-  host.notes += fmt::format("veldra: what was edited is kept in {}\n", in_quotes(file.path()));
 }
 
 void edit(const Arguments& arguments, Host& host, const EditedObjects& objects) {
   forbid_sudden_end();
   PrivateFile file("veldra.json", objects.text());
+  const auto note = fmt::format("veldra: what was edited is kept in {}\n", in_quotes(file.path()));
+  host.notes.reserve(note.size());
   try {
     edit_file(file.path());
     const auto text = content_of(file.path());
     if (text == objects.text()) return tell_nothing_changed(arguments, host);
     apply(arguments, host, objects, file.path(), text);
-    if (host.status == Status::Failed) keep_if_changed(file, objects.text(), host);
+    if (host.status == Status::Failed) keep_if_changed(file, objects.text(), note, host);
   } catch (...) {
-    keep_if_changed(file, objects.text(), host);
+    keep_if_changed(file, objects.text(), note, host);
     throw;
   }
 }

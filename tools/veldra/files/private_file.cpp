@@ -14,14 +14,22 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <new>
 
 namespace veldra_tool {
 
 namespace {
 
-void remove_all(const std::string& folder) noexcept {
-  std::error_code ignored;
-  std::filesystem::remove_all(folder, ignored);
+/// The file goes without memory, and where its folder cannot be read; what an editor has put beside
+/// it may need both.
+void remove_with_folder(const std::string& path, const std::string& folder) noexcept {
+  ::unlink(path.c_str());
+  if (::rmdir(folder.c_str()) == 0) return;
+  try {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+  } catch (const std::bad_alloc&) {
+  }
 }
 
 }  // namespace
@@ -32,16 +40,13 @@ PrivateFile::PrivateFile(const std::string& name, const std::string& text) {
   try {
     fill(text);
   } catch (...) {
-    remove_all(folder_);
+    remove_with_folder(path_, folder_);
     throw;
   }
 }
 
 PrivateFile::~PrivateFile() {
-  if (is_kept_) return;
-  // Before all else, as the folder may not let itself be read.
-  ::unlink(path_.c_str());
-  remove_all(folder_);
+  if (!is_kept_) remove_with_folder(path_, folder_);
 }
 
 /// Such a folder has the rights 0700.
