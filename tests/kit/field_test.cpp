@@ -58,7 +58,7 @@ TEST_F(KitFields, that_are_not_there_are_told_with_the_nearest_and_all) {
     FAIL() << "found";
   } catch (const kit::UnknownField& error) {
     EXPECT_EQ(error.name(), "thicknes");
-    EXPECT_THAT(error.what(), HasSubstr("did you mean 'thickness', 'thicknesses' or"));
+    EXPECT_THAT(error.what(), HasSubstr("did you mean 'thickness', 'thicknesses' or "));
   }
 }
 

@@ -87,8 +87,8 @@ TEST_F(Apply, does_what_somebody_has_decided_in_the_plan_of_an_import) {
             "    custom_values.Thermal conductivity [W/(m K)]: 1 -> 0.8\n"
             "material     Wool   added\n"
             "composition  Wall   changed\n"
-            "    layers: Brick | 240 | 1 -> Brick | 240 | 1; Wool | 100 | 0\n"
-            "    last_core_layer: 0 -> 1\n");
+            "    layers: Brick | 240 | structure -> Brick | 240 | structure; Wool | 100 | none\n"
+            "    last_core_layer: 1 -> 2\n");
   EXPECT_EQ(conductivity("a.lib", "Brick"), "0.8");
 }
 
