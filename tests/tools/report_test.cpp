@@ -129,8 +129,8 @@ TEST_F(Report, tells_types_tags_layers_and_properties_that_it_made) {
   EXPECT_THAT(found, testing::UnorderedElementsAre("type Timber", "tag new", "layer Hatch"));
   EXPECT_THAT(
       must({"import", "a.lib", "a.json"}).out,
-      HasSubstr("made in the library\n  types         Timber\n  tags          new\n  layers "
-                "       Hatch\n"));
+      HasSubstr("made in the library\n  types         Timber\n  layers        Hatch\n  tags    "
+                "      new\n"));
   EXPECT_THAT(must({"import", "a.lib", "a.json"}).out, Not(HasSubstr("made in the library")));
 }
 
