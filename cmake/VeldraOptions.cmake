@@ -6,6 +6,7 @@ option(VELDRA_BUILD_BENCHMARKS "Build the benchmarks" OFF)
 option(VELDRA_WARNINGS_AS_ERRORS "Stop at warnings" ${PROJECT_IS_TOP_LEVEL})
 set(VELDRA_TEST_FOLDERS foundation guide install objects reliability store kit tools program fuzz
     CACHE STRING "Which tests to build")
+option(VELDRA_TEST_WHOLE_PROGRAMS "Run the tests of a program in one process" OFF)
 set(VELDRA_SANITIZERS "" CACHE STRING "Sanitizers to build with, such as address,undefined")
 option(VELDRA_COVERAGE "Measure which lines are run" OFF)
 
