@@ -70,8 +70,16 @@ Query counting_all(const Rows& rows) {
                id + ">4294967295)");
 }
 
-/// Those that meet a condition, for which each is looked at.
+/// The same of those that meet a condition.
 Query counting(const Rows& rows, const Query& condition) {
+  const std::string count = "SELECT count(*) FROM " + rows.from + " WHERE ";
+  const std::string id = rows.column("id");
+  return Query("SELECT (" + count) + condition + (")-(" + count + id + "<1 AND (") + condition +
+         ("))-(" + count + id + ">4294967295 AND (") + condition + "))";
+}
+
+/// The same where the condition finds the objects by their ids, and should be evaluated once only.
+Query counting_once(const Rows& rows, const Query& condition) {
   const Query possible(rows.column("id") + " BETWEEN 1 AND 4294967295");
   return select("count(*)", rows, possible && condition);
 }
@@ -421,7 +429,7 @@ unsigned long long count_selected(Database& database,
   if (!names.empty()) {
     const std::vector<long long> tags = tag_ids(database, names);
     if (tags.empty()) return 0;
-    return number(database, counting(rows, condition && has_tag<T>(rows, tags)));
+    return number(database, counting_once(rows, condition && has_tag<T>(rows, tags)));
   }
   return condition.const_true() ? count_all<T>(database)
                                 : number(database, counting(rows, condition));
