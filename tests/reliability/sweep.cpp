@@ -8,6 +8,7 @@
 #include "support/names.hpp"
 #include "support/processes.hpp"
 #include "support/recording_reactor.hpp"
+#include "support/valgrind.hpp"
 
 #include <sys/time.h>
 #include <unistd.h>
@@ -88,9 +89,9 @@ std::vector<std::string> documented_exceptions(Kind kind) {
 // The time of the processor finds what never ends, also on a busy machine; the other one finds what
 // waits for ever.
 Deadline::Deadline() {
-  const itimerval ten_seconds = {{0, 0}, {10, 0}};
+  const itimerval ten_seconds = {{0, 0}, {seconds_with_valgrind(10), 0}};
   ::setitimer(ITIMER_PROF, &ten_seconds, nullptr);
-  ::alarm(120);
+  ::alarm(seconds_with_valgrind(120));
 }
 
 Deadline::~Deadline() {

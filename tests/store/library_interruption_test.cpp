@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "support/catalogues.hpp"
+#include "support/effort.hpp"
 #include "support/library_test.hpp"
 #include "support/processes.hpp"
-#include "support/valgrind.hpp"
 
 #include <signal.h>
 #include <sys/time.h>
@@ -70,10 +70,9 @@ class LibraryInterruption : public LibraryTest {
   void expect_interrupted(const std::function<void()>& call,
                           Milliseconds patience = Milliseconds(0)) {
     const Impatience impatience(*library, patience);
-    const auto start = std::chrono::steady_clock::now();
+    const Effort effort;
     EXPECT_EQ(thrown_by(call), interrupted);
-    EXPECT_LT(std::chrono::steady_clock::now() - start,
-              std::chrono::seconds(runs_under_valgrind() ? 60 : 1));
+    EXPECT_TRUE(effort.is_below(1));
   }
 
   unsigned told = 0;

@@ -13,6 +13,11 @@ inline bool runs_under_valgrind() {
   return preloaded != nullptr && std::strstr(preloaded, "vgpreload") != nullptr;
 }
 
+/// So many seconds, or as many as valgrind may take for the same.
+inline int seconds_with_valgrind(int seconds) {
+  return seconds * (runs_under_valgrind() ? 60 : 1);
+}
+
 }  // namespace veldra_tests
 
 #endif
