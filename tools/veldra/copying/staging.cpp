@@ -10,14 +10,29 @@ namespace veldra_tool {
 
 namespace {
 
-AssetCounts assets_in(const veldra::Library& library) {
-  AssetCounts counts;
-  library.for_each<veldra::Material>([&](const std::shared_ptr<veldra::Material>& material) {
+void add_assets(const veldra::Library& library, const std::set<unsigned>& ids,
+                AssetCounts& counts) {
+  std::vector<std::shared_ptr<veldra::Material>> materials;
+  library.get(materials, ids);
+  for (const auto& material : materials) {
     const unsigned count =
         (material->structuralAsset() ? 1U : 0U) + (material->thermalAsset() ? 1U : 0U);
     if (count > 0) counts[material->name().utf8()] = count;
-    return true;
-  });
+  }
+}
+
+/// In the order of the file, which takes half of the time of the order of the names.
+AssetCounts assets_in(const veldra::Library& library) {
+  constexpr std::size_t at_once = 500;
+  AssetCounts counts;
+  std::set<unsigned> part;
+  for (const unsigned id : library.ids<veldra::Material>()) {
+    part.insert(part.end(), id);
+    if (part.size() < at_once) continue;
+    add_assets(library, part, counts);
+    part.clear();
+  }
+  add_assets(library, part, counts);
   return counts;
 }
 
