@@ -11,10 +11,17 @@
 #include <algorithm>
 #include <limits>
 #include <set>
+#include <tuple>
 
 namespace veldra_tool {
 
 namespace {
+
+struct FindingOfObject {
+  veldra::String name;
+  unsigned id;
+  Finding finding;
+};
 
 class Examination {
  public:
@@ -65,24 +72,43 @@ class Examination {
     }
   }
 
+  /// In parts, as a large library does not fit into memory. What is found is in the order of names.
   template <class T>
   void examine_kind() {
-    std::vector<std::shared_ptr<T>> objects;
+    constexpr std::size_t size_of_a_part = 500;
     failed_ = 0;
-    bool all_at_once = true;
-    try {
-      library_.get(objects);
-    } catch (const std::exception&) {
-      if (!lies_in_the_file()) throw;
-      all_at_once = false;
-      objects = readable_objects<T>();
+    parts_failed_ = false;
+    of_objects_.clear();
+    std::size_t read = 0;
+    std::set<unsigned> part;
+    for (const unsigned id : library_.ids<T>()) {
+      part.insert(part.end(), id);
+      if (part.size() != size_of_a_part) continue;
+      read += examine_part<T>(part);
+      part.clear();
     }
-    add_missing(veldra::ObjectTraits<T>::type, library_.count<T>(), objects.size(), all_at_once);
-    sort_by_name(objects);
+    read += examine_part<T>(part);
+    add_missing(veldra::ObjectTraits<T>::type, library_.count<T>(), read, !parts_failed_);
+    add_findings_of_objects();
+  }
+
+  template <class T>
+  std::size_t examine_part(const std::set<unsigned>& ids) {
+    const auto objects = readable_objects<T>(ids);
     for (const auto& object : objects) {
       examine(*object);
       progress_.step();
     }
+    return objects.size();
+  }
+
+  void add_findings_of_objects() {
+    std::stable_sort(of_objects_.begin(), of_objects_.end(),
+                     [](const FindingOfObject& left, const FindingOfObject& right) {
+                       return std::tie(left.name, left.id) < std::tie(right.name, right.id);
+                     });
+    for (auto& found : of_objects_) findings_.push_back(std::move(found.finding));
+    of_objects_.clear();
   }
 
   /// Tells of objects that are in the file and were not read.
@@ -106,33 +132,21 @@ class Examination {
     return kind == veldra::ObjectType::Material || kind == veldra::ObjectType::Composition;
   }
 
-  /// One object cannot be read: so they are read in parts, and where one fails each alone, to find
-  /// out which.
+  /// Where one cannot be read, each is read alone, to find out which.
   template <class T>
-  std::vector<std::shared_ptr<T>> readable_objects() {
-    constexpr std::size_t size_of_a_part = 500;
+  std::vector<std::shared_ptr<T>> readable_objects(const std::set<unsigned>& ids) {
     std::vector<std::shared_ptr<T>> objects;
-    std::set<unsigned> part;
-    for (const unsigned id : library_.ids<T>()) {
-      part.insert(part.end(), id);
-      if (part.size() != size_of_a_part) continue;
-      read_part(part, objects);
-      part.clear();
-    }
-    read_part(part, objects);
-    return objects;
-  }
-
-  template <class T>
-  void read_part(const std::set<unsigned>& ids, std::vector<std::shared_ptr<T>>& objects) {
     try {
       library_.get(objects, ids);
     } catch (const std::exception&) {
       if (!lies_in_the_file()) throw;
+      parts_failed_ = true;
+      objects.clear();
       for (const unsigned id : ids) {
         if (const auto object = read<T>(id)) objects.push_back(object);
       }
     }
+    return objects;
   }
 
   template <class T>
@@ -255,7 +269,8 @@ class Examination {
   }
   template <class T>
   void add(const T& object, const std::string& sentence) {
-    add(subject(veldra::ObjectTraits<T>::type, object.id(), object.name()), sentence);
+    const auto told = subject(veldra::ObjectTraits<T>::type, object.id(), object.name());
+    of_objects_.push_back({object.name(), object.id(), {told, sentence}});
   }
   void add(const char* object, const std::string& sentence) { add(std::string(object), sentence); }
   void add(const std::string& object, const std::string& sentence) {
@@ -265,8 +280,10 @@ class Examination {
   const veldra::Library& library_;
   Progress progress_{"examining"};
   std::vector<Finding> findings_;
+  std::vector<FindingOfObject> of_objects_;  ///< of the kind that is looked at
   std::set<veldra::ObjectType> unreadable_;  ///< kinds that must not be read
   std::size_t failed_ = 0;                   ///< objects of the kind that gave an error
+  bool parts_failed_ = false;                ///< whether some of them were read one by one
 };
 
 }  // namespace
