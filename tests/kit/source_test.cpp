@@ -42,6 +42,15 @@ TEST(Source, is_of_the_format_that_the_beginning_of_a_long_one_tells) {
   EXPECT_NE(Source("a.csv", "a,b\n" + repeated("1,2\n", 2000)).format().name, "IDF");
 }
 
+TEST(Source, is_a_step_file_by_its_first_statement_only) {
+  EXPECT_EQ(Source("a", "! of ISO-10303-21; from an IFC model\nVersion, 9.4;").format().name, "IDF");
+  EXPECT_EQ(Source("a", "/* a */\n ISO-10303-21;HEADER;FILE_SCHEMA(('IFC4'));ENDSEC;DATA;ENDSEC;"
+                        "END-ISO-10303-21;")
+                .format()
+                .name,
+            "IFC");
+}
+
 TEST(Source, may_begin_with_a_byte_order_mark) {
   EXPECT_EQ(Source("a",
                    "\xEF\xBB\xBF"

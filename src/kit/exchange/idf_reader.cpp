@@ -231,7 +231,10 @@ SourceModel read_idf(const std::string& text, const std::string& file) {
 FormatModule idf_module() {
   return {"IDF",
           {"idf"},
-          [](const FileContent& content) { return !content.document && is_idf(content.text); },
+          [](const FileContent& content) {
+            // A STEP file has semicolons, too, and takes long to be found out by its objects.
+            return !content.document && !is_step(content.text) && is_idf(content.text);
+          },
           [](FileContent content) -> std::shared_ptr<const SourceContent> {
             return std::make_shared<ModelContent>(read_idf(content.text, content.file));
           },

@@ -4,6 +4,7 @@
 #include <veldra/kit/text.hpp>
 
 #include "kit/exchange/problem.hpp"
+#include "kit/exchange/step_scan.hpp"
 #include "kit/text/characters.hpp"
 
 #include <fmt/format.h>
@@ -217,7 +218,10 @@ bool starts_as_json(std::string_view text) {
 
 }  // namespace
 
-bool is_step(std::string_view text) { return contains(text.substr(0, 1024), "ISO-10303-21;"); }
+bool is_step(std::string_view text) {
+  const auto begin = step_scan::behind_margin(text, 0);
+  return begin != std::string_view::npos && begins_with(text.substr(begin), "ISO-10303-21;");
+}
 
 FileContent content_from(const std::string& file, std::string bytes) {
   if (is_workbook(bytes)) return {file, std::move(bytes), std::nullopt, Encoding::Binary};
