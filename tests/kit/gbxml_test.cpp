@@ -517,6 +517,12 @@ TEST(GbxmlSource, that_is_nested_a_million_times_is_read) {
   EXPECT_THAT(report.not_kept, IsEmpty());
 }
 
+TEST(GbxmlSource, may_have_more_elements_the_larger_it_is) {
+  const auto padding = "<!--" + std::string(85'000'000, 'x') + "-->";
+  const auto elements = repeated("<a/>", 5'000'001);
+  EXPECT_EQ(read(document(padding + elements + one_material)).library->count<Material>(), 1U);
+}
+
 TEST(GbxmlSource, that_takes_too_much_gives_a_sentence) {
   const auto refused = [](const std::string& content) {
     return error_of([&] { read(document(content)); });

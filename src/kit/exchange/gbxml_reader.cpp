@@ -406,7 +406,8 @@ FormatModule gbxml_module() {
           [](const FileContent& content) { return !content.document && is_gbxml(content.text); },
           [](FileContent content) -> std::shared_ptr<const SourceContent> {
             require_encoding(content);
-            const XmlDocument document(content.text, content.file);
+            const XmlDocument document(content.text, content.file,
+                                       XmlDocument::most_parts_of(content.text.size()));
             return std::make_shared<ModelContent>(GbxmlReader(document, content.file).read());
           },
           write_gbxml};

@@ -17,9 +17,6 @@ namespace {
 constexpr std::size_t step = 1 << 10;
 constexpr std::size_t longest_text = 1 << 20;
 
-/// Each element, attribute and text takes memory, however short it is.
-constexpr std::size_t most_parts = 5'000'000;
-
 /// At least as many parts as the parser makes of a text.
 std::size_t parts_in(const std::string& text) {
   std::size_t parts = 0;
@@ -58,7 +55,12 @@ unsigned Lines::at(std::size_t place) const {
   return counts_[part] + static_cast<unsigned>(std::count(begin, end, '\n')) + 1;
 }
 
-XmlDocument::XmlDocument(const std::string& text, const std::string& file)
+std::size_t XmlDocument::most_parts_of(std::size_t bytes_of_source) {
+  constexpr std::size_t fewest_bytes_of_part = 16;
+  return std::max(most_parts_of_small, bytes_of_source / fewest_bytes_of_part);
+}
+
+XmlDocument::XmlDocument(const std::string& text, const std::string& file, std::size_t most_parts)
     : file_(file), lines_(text) {
   if (parts_in(text) > most_parts) {
     fail_at(file, 0,

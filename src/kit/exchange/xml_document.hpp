@@ -27,9 +27,16 @@ class Lines {
 /// refused, so that a text is as long as what it stands for.
 class XmlDocument {
  public:
+  /// Each element, attribute and text takes up to 64 bytes of memory, however short it is.
+  static constexpr std::size_t most_parts_of_small = 5'000'000;
+
+  /// A large source may have more of them, as long as they take no more than four times its size.
+  static std::size_t most_parts_of(std::size_t bytes_of_source);
+
   /// Parses a text in UTF-8, which must outlive the document. Throws `SourceError`: it is
-  /// malformed, has a document type, or would take too much memory.
-  XmlDocument(const std::string& text, const std::string& file);
+  /// malformed, has a document type, or has more parts than that.
+  XmlDocument(const std::string& text, const std::string& file,
+              std::size_t most_parts = most_parts_of_small);
 
   pugi::xml_node root() const { return document_.document_element(); }
 
