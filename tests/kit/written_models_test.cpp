@@ -338,5 +338,14 @@ TEST(WrittenEpjson, is_as_people_know_it) {
 )");
 }
 
+TEST(WrittenModels, of_a_library_without_objects_are_of_their_format) {
+  const auto library = Library::create(":memory:", Unit::Millimetres, "");
+  for (const auto& format : kit::formats()) {
+    if (!format.writable) continue;
+    const auto written = written_as(format.name, *library).text;
+    EXPECT_EQ(kit::Source("a", written).format().name, format.name) << written;
+  }
+}
+
 }  // namespace
 }  // namespace veldra_tests

@@ -98,7 +98,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Foreign{R"({"materials": [{"name": "Oak"}]})", "JSON of another kind"},
                     Foreign{R"({"name": "program", "version": "1.0"})", "JSON of another kind"},
                     Foreign{R"({"material": "steel", "length": 5})", "JSON of another kind"},
-                    Foreign{"[]", "JSON of another kind"}));
+                    Foreign{"[[]]", "JSON of another kind"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Text, ForeignSource,

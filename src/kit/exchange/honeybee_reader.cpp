@@ -27,9 +27,11 @@ bool is_object(const JsonNode& node) {
   return has_text(node, "type") && has_text(node, "identifier");
 }
 
-/// Several objects stand in a list or under names.
+/// Several objects stand in a list or under names. An empty list is what is written of a library
+/// without objects; no other format has a list.
 bool is_honeybee(const JsonNode& document) {
   if (is_object(document)) return true;
+  if (document.kind == JsonNode::Kind::Array && document.elements.empty()) return true;
   if (!document.elements.empty()) return is_object(document.elements.front());
   return !document.members.empty() && is_object(document.members.front().second);
 }
