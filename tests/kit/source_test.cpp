@@ -43,9 +43,11 @@ TEST(Source, is_of_the_format_that_the_beginning_of_a_long_one_tells) {
 }
 
 TEST(Source, is_a_step_file_by_its_first_statement_only) {
-  EXPECT_EQ(Source("a", "! of ISO-10303-21; from an IFC model\nVersion, 9.4;").format().name, "IDF");
-  EXPECT_EQ(Source("a", "/* a */\n ISO-10303-21;HEADER;FILE_SCHEMA(('IFC4'));ENDSEC;DATA;ENDSEC;"
-                        "END-ISO-10303-21;")
+  EXPECT_EQ(Source("a", "! of ISO-10303-21; from an IFC model\nVersion, 9.4;").format().name,
+            "IDF");
+  EXPECT_EQ(Source("a",
+                   "/* a */\n ISO-10303-21;HEADER;FILE_SCHEMA(('IFC4'));ENDSEC;DATA;ENDSEC;"
+                   "END-ISO-10303-21;")
                 .format()
                 .name,
             "IFC");
@@ -115,6 +117,20 @@ TEST(SourceProblem, tells_of_objects_that_are_made_to_fill_the_memory) {
   for (int i = 0; i < 2000; ++i) members += ",\"" + std::to_string(i) + "\": 1";
   EXPECT_EQ(problem_of("{\"Material\": {\"Brick\": {\"a\": 1" + members + "}}}").sentence,
             "'Brick' has more than 1000 fields");
+}
+
+TEST(SourceProblem, tells_of_documents_that_are_made_to_fill_the_memory) {
+  EXPECT_EQ(problem_of("[" + repeated("1,", 2'000'000) + "1]").sentence,
+            "this has more than 2000000 values");
+  EXPECT_EQ(problem_of("[" + repeated("[],", 2'000'000) + "1]").sentence,
+            "this has more than 2000000 values");
+}
+
+TEST(Source, may_have_more_values_the_larger_it_is) {
+  const auto list = "[" + repeated("1,", 2'000'000) + "1]";
+  const Source source(
+      "a.json", R"({"Version": {"a": {"list": )" + list + std::string(34'000'000, ' ') + "}}}");
+  EXPECT_EQ(source.format().name, "epJSON");
 }
 
 TEST(SourceProblem, tells_the_line_of_what_is_no_json) {

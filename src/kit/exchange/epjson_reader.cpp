@@ -120,10 +120,11 @@ bool is_epjson(const JsonNode& document) {
   });
 }
 
-SourceModel read_epjson(const JsonNode& document, const std::string& file) {
+/// Objects that are read are not kept beside what they were made of, which takes more memory.
+SourceModel read_epjson(JsonNode document, const std::string& file) {
   SourceModel model;
   require_object(document, "the document", file);
-  for (const auto& [name, objects] : document.members) {
+  for (auto& [name, objects] : document.members) {
     const auto* material = material_class(name);
     const auto* construction = construction_class(name);
     require_object(objects, quoted(name), file);
@@ -131,7 +132,7 @@ SourceModel read_epjson(const JsonNode& document, const std::string& file) {
       model.skipped[name] += static_cast<unsigned>(objects.members.size());
       continue;
     }
-    for (const auto& [object, node] : objects.members) {
+    for (auto& [object, node] : objects.members) {
       require_object(node, quoted(object), file);
       require_few_members(node, object, file);
       if (material) {
@@ -139,6 +140,7 @@ SourceModel read_epjson(const JsonNode& document, const std::string& file) {
       } else {
         model.constructions.push_back(construction_from(object, node, *construction, file));
       }
+      node = JsonNode();
     }
   }
   return model;
@@ -152,7 +154,8 @@ FormatModule epjson_module() {
       {"epjson", "json"},
       [](const FileContent& content) { return content.document && is_epjson(*content.document); },
       [](FileContent content) -> std::shared_ptr<const SourceContent> {
-        return std::make_shared<ModelContent>(read_epjson(*content.document, content.file));
+        return std::make_shared<ModelContent>(
+            read_epjson(std::move(*content.document), content.file));
       },
       write_epjson};
 }

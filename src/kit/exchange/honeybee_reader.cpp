@@ -46,12 +46,12 @@ class HoneybeeReader {
  public:
   explicit HoneybeeReader(const std::string& file) : file_(file) { model_.ignores_case = false; }
 
-  SourceModel read(const JsonNode& document) {
+  SourceModel read(JsonNode document) {
     if (is_object(document)) {
       read_object(document);
     } else {
-      for (const auto& element : document.elements) read_object(element);
-      for (const auto& member : document.members) read_object(member.second);
+      for (auto& element : document.elements) use_up(element);
+      for (auto& member : document.members) use_up(member.second);
     }
     for (auto& construction : model_.constructions) {
       for (auto& layer : construction.layers) layer = name_of(layer);
@@ -60,6 +60,12 @@ class HoneybeeReader {
   }
 
  private:
+  /// What is read needs not be kept beside what it was made of, which takes more memory.
+  void use_up(JsonNode& node) {
+    read_object(node);
+    node = JsonNode();
+  }
+
   void read_object(const JsonNode& node) {
     if (!is_object(node)) {
       fail_at(file_, node.line, "an object with 'type' and 'identifier' is expected");
@@ -189,7 +195,8 @@ FormatModule honeybee_module() {
       {"hbjson", "json"},
       [](const FileContent& content) { return content.document && is_honeybee(*content.document); },
       [](FileContent content) -> std::shared_ptr<const SourceContent> {
-        return std::make_shared<ModelContent>(HoneybeeReader(content.file).read(*content.document));
+        return std::make_shared<ModelContent>(
+            HoneybeeReader(content.file).read(std::move(*content.document)));
       },
       write_honeybee};
 }

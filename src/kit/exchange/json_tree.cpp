@@ -5,8 +5,10 @@
 
 #include <veldra/kit/text.hpp>
 
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <iterator>
 
 namespace veldra::kit {
@@ -43,10 +45,18 @@ class CountingIterator {
   unsigned* line_;
 };
 
+/// Each value takes memory, however short it is: 128 bytes as a member. A large document may have
+/// more of them, as long as they take no more than eight times its size.
+constexpr std::size_t most_values_of_small = 2'000'000;
+constexpr std::size_t fewest_bytes_of_value = 16;
+
 /// Builds the tree from what the parser meets.
 class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
  public:
-  TreeBuilder(const std::string& file, const unsigned& line) : file_(file), line_(line) {}
+  TreeBuilder(const std::string& file, const std::string& text, const unsigned& line)
+      : file_(file),
+        line_(line),
+        most_values_(std::max(most_values_of_small, text.size() / fewest_bytes_of_value)) {}
 
   JsonNode root;
 
@@ -123,6 +133,8 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
 
   bool close() {
     JsonNode node = std::move(open_.back());
+    node.elements.shrink_to_fit();
+    node.members.shrink_to_fit();
     open_.pop_back();
     names_.pop_back();
     lines_.pop_back();
@@ -135,19 +147,24 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
   }
 
   bool place_node(JsonNode node) {
+    if (++values_ > most_values_) {
+      fail_at(file_, 0, fmt::format("this has more than {} values", most_values_));
+    }
     if (open_.empty()) {
       root = std::move(node);
     } else if (open_.back().kind == JsonNode::Kind::Array) {
       open_.back().elements.push_back(std::move(node));
     } else {
       node.line = lines_.back();
-      open_.back().members.emplace_back(names_.back(), std::move(node));
+      open_.back().members.emplace_back(std::move(names_.back()), std::move(node));
     }
     return true;
   }
 
   const std::string& file_;
   const unsigned& line_;
+  std::size_t most_values_;
+  std::size_t values_ = 0;
   std::vector<JsonNode> open_;
   std::vector<std::string> names_;  ///< of the members that are being read, one a level
   std::vector<unsigned> lines_;     ///< of those names
@@ -209,7 +226,7 @@ const JsonNode* JsonNode::member(const std::string& name) const {
 
 JsonNode parse_json(const std::string& text, const std::string& file) {
   unsigned line = 1;
-  TreeBuilder builder(file, line);
+  TreeBuilder builder(file, text, line);
   const char* begin = text.data();
   nlohmann::json::sax_parse(CountingIterator(begin, &line),
                             CountingIterator(begin + text.size(), &line), &builder);

@@ -11,11 +11,11 @@ namespace veldra::kit {
 /// A value of a JSON document that knows its line. Members stay in their order, also those of the
 /// same name.
 struct JsonNode {
-  enum class Kind { Null, Boolean, Number, Text, Array, Object };
+  enum class Kind : unsigned char { Null, Boolean, Number, Text, Array, Object };
 
   Kind kind = Kind::Null;
-  unsigned line = 0;
   bool boolean = false;
+  unsigned line = 0;
   double number = 0;
   std::string text;
   std::vector<JsonNode> elements;
