@@ -40,16 +40,18 @@ int open_for_reading(const std::string& file) {
                              : fmt::format("it is larger than {} bytes", most));
 }
 
-/// What need not be read to be known.
-bool is_larger(int descriptor, std::size_t most) {
+/// What need not be read to be known; 0 for what is no file, such as a pipe.
+std::size_t size_of(int descriptor) {
   struct stat status {};
-  return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
-         static_cast<std::size_t>(status.st_size) > most;
+  const bool is_file = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+  return is_file ? static_cast<std::size_t>(status.st_size) : 0;
 }
 
 std::string content_behind(int descriptor, const std::string& file, std::size_t most) {
-  if (is_larger(descriptor, most)) fail_for_size(file, most);
+  const auto known = size_of(descriptor);
+  if (known > most) fail_for_size(file, most);
   std::string content;
+  content.reserve(known);
   std::vector<char> block(1 << 16);
   for (;;) {
     const auto size = ::read(descriptor, block.data(), block.size());
