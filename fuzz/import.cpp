@@ -14,6 +14,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <iterator>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -64,10 +66,12 @@ Place& place() {
   return place;
 }
 
-void import_into_new() {
+void import_into_new(const std::vector<std::string>& options) {
   const std::string& library = place().made;
   std::string notes;
-  const std::string sentence = run({"import", library, place().source}, &notes);
+  std::vector<std::string> command = {"import", library, place().source};
+  command.insert(command.end(), options.begin(), options.end());
+  const std::string sentence = run(command, &notes);
   const bool nothing = notes.find("no materials and no constructions") != std::string::npos;
   expect((sentence.empty() && !nothing) == file_exists(library),
          "a library without an import, or none with one");
@@ -99,8 +103,9 @@ void import_into_stored(const char* on_conflict) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   write_file(place().source, std::string(reinterpret_cast<const char*>(data), size));
-  const std::size_t way = size % 5;
-  if (every_way || way == 4) import_into_new();
+  const std::size_t way = size % 6;
+  if (every_way || way == 4) import_into_new({});
+  if (every_way || way == 5) import_into_new({"--keep-unknown"});
   constexpr const char* decisions[] = {"fail", "use", "overwrite", "rename"};
   for (std::size_t n = 0; n != std::size(decisions); ++n) {
     if (every_way || way == n) import_into_stored(decisions[n]);

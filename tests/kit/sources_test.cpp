@@ -309,6 +309,19 @@ TEST(UnknownFields, become_custom_values_where_they_are_wanted) {
             "1");
 }
 
+TEST(UnknownFields, that_no_library_can_have_are_told_and_the_others_kept) {
+  kit::SourceRules rules;
+  rules.keep_unknown = true;
+  const auto sources = read({R"({"Material": {"Brick": {"thickness": 0.1,
+    "a\u0000b": 1, "value": "a\u0000b", "other": 2}}})"},
+                            rules);
+  std::vector<std::string> fields;
+  for (const auto& value : sources.reports[0].not_kept) fields.push_back(value.field);
+  EXPECT_THAT(fields, ElementsAre(std::string("a\0b", 3), "value"));
+  const auto brick = sources.library->get<Material>(text("Brick"));
+  EXPECT_EQ(brick->custom_value(text("Material.other")).get(), text("2"));
+}
+
 TEST(SourceReport, has_the_assets_that_were_not_kept) {
   const auto sources = read({own(R"("materials": [{"name": "Steel", "thermal_asset": {}}])")});
   ASSERT_EQ(sources.reports[0].not_kept.size(), 1U);

@@ -95,6 +95,9 @@ std::string differences_text(ObjectType kind, const std::vector<FieldChange>& ch
   return text;
 }
 
+/// No text of a library has the character 0.
+bool can_be_kept(const std::string& text) { return text.find('\0') == std::string::npos; }
+
 }  // namespace
 
 template <class T>
@@ -144,7 +147,7 @@ void SourceSet::take_unknown(const Incoming<T>& incoming, const std::string& cla
                              const FieldsNotKept& fields, SourceReport& report) {
   const auto& origin = incoming.origin;
   for (const auto& [field, value] : fields) {
-    if (!rules_.keep_unknown) {
+    if (!rules_.keep_unknown || !can_be_kept(field) || !can_be_kept(value)) {
       report.not_kept.push_back({class_name, field, origin.name, origin.line, value});
       continue;
     }
