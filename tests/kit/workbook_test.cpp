@@ -528,6 +528,9 @@ TEST_F(Workbook, that_takes_too_much_gives_a_sentence) {
   auto files =
       files_of({{"materials", row_of({"name"}) + shared_row}}, "<si><t>" + noise + "</t></si>");
   EXPECT_EQ(refusal(archive_of(files)), "'x.xlsx': the cells take more than 256 MiB");
+  files = files_of({{"materials", repeated("<c/>", 5'000'001)}}, "<si><t>" + noise + "</t></si>");
+  EXPECT_EQ(refusal(archive_of(files)),
+            "'x.xlsx': the sheet 'materials' has more than 5000000 elements, attributes and texts");
   EXPECT_THAT(refusal(workbook_of(
                   {{"materials", row_of({"name"}) + "<row><c r='XFD2'><v>1</v></c></row>"}})),
               HasSubstr("materials!XFD2: the row has more than 10000 cells"));

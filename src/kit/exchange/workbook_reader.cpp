@@ -185,7 +185,8 @@ class WorkbookReader {
       return leave_out(name, "is no table");
     }
     const auto content = archive_.content_of(part->second.place);
-    const XmlDocument cells(content, file_);
+    const XmlDocument cells(content, file_, XmlDocument::most_parts_of_small,
+                            fmt::format("the sheet {}", quoted(name)));
     auto table = std::make_shared<WorkbookSheet>(file_, name);
     read_cells(cells, *table);
     if (table->content.empty()) return;

@@ -60,11 +60,12 @@ std::size_t XmlDocument::most_parts_of(std::size_t bytes_of_source) {
   return std::max(most_parts_of_small, bytes_of_source / fewest_bytes_of_part);
 }
 
-XmlDocument::XmlDocument(const std::string& text, const std::string& file, std::size_t most_parts)
+XmlDocument::XmlDocument(const std::string& text, const std::string& file, std::size_t most_parts,
+                         const std::string& what)
     : file_(file), lines_(text) {
   if (parts_in(text) > most_parts) {
     fail_at(file, 0,
-            fmt::format("this has more than {} elements, attributes and texts", most_parts));
+            fmt::format("{} has more than {} elements, attributes and texts", what, most_parts));
   }
   const auto result =
       document_.load_buffer(text.data(), text.size(),

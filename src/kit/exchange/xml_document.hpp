@@ -34,9 +34,9 @@ class XmlDocument {
   static std::size_t most_parts_of(std::size_t bytes_of_source);
 
   /// Parses a text in UTF-8, which must outlive the document. Throws `SourceError`: it is
-  /// malformed, has a document type, or has more parts than that.
+  /// malformed, has a document type, or has more parts than that, which is said of `what`.
   XmlDocument(const std::string& text, const std::string& file,
-              std::size_t most_parts = most_parts_of_small);
+              std::size_t most_parts = most_parts_of_small, const std::string& what = "this");
 
   pugi::xml_node root() const { return document_.document_element(); }
 
