@@ -126,6 +126,24 @@ TEST(SourceProblem, tells_of_documents_that_are_made_to_fill_the_memory) {
             "this has more than 2000000 values");
 }
 
+std::string numbered(const std::string& rest, unsigned count) {
+  std::string text;
+  for (unsigned i = 1; i <= count; ++i) text += "#" + std::to_string(i) + rest;
+  return text;
+}
+
+TEST(SourceProblem, tells_of_more_objects_than_the_memory_may_hold) {
+  const std::string sentence = "this has more than 300000 materials and constructions";
+  const auto too_many = [](const std::string& object) { return repeated(object, 300'001); };
+  EXPECT_EQ(problem_of(too_many("Material,A,,1;")).sentence, sentence);
+  EXPECT_EQ(problem_of(R"({"format": "veldra", "materials": [0)" + too_many(",0") + "]}").sentence,
+            sentence);
+  EXPECT_EQ(problem_of("ISO-10303-21;HEADER;FILE_SCHEMA(('IFC4'));ENDSEC;DATA;" +
+                       numbered("=IFCMATERIAL('A');", 300'001) + "ENDSEC;END-ISO-10303-21;")
+                .sentence,
+            sentence);
+}
+
 TEST(Source, may_have_more_values_the_larger_it_is) {
   const auto list = "[" + repeated("1,", 2'000'000) + "1]";
   const Source source(

@@ -330,6 +330,10 @@ class CatalogueContent : public SourceContent {
 
   bool has_objects() const override { return has_catalogue_objects(*content_.document); }
 
+  std::size_t made_together() const override {
+    return number_in("materials") + number_in("compositions");
+  }
+
   std::optional<Unit> unit() const override {
     return catalogue_unit(*content_.document, content_.file);
   }
@@ -339,6 +343,11 @@ class CatalogueContent : public SourceContent {
   }
 
  private:
+  std::size_t number_in(const char* list) const {
+    const JsonNode* objects = content_.document->member(list);
+    return objects != nullptr ? objects->elements.size() : 0;
+  }
+
   FileContent content_;
 };
 

@@ -25,6 +25,10 @@ class SourceContent {
   virtual ~SourceContent() = default;
 
   virtual bool has_objects() const = 0;
+
+  /// How many materials and compositions are made of it before any is in a library; 0 for tables,
+  /// of which each is there at once.
+  virtual std::size_t made_together() const { return 0; }
   virtual std::optional<Unit> unit() const { return std::nullopt; }
   virtual bool is_table() const { return false; }
   virtual void add_to(SourceSet& set, SourceReport& report) const = 0;
@@ -87,6 +91,7 @@ class ModelContent : public SourceContent {
   explicit ModelContent(SourceModel model);
 
   bool has_objects() const override;
+  std::size_t made_together() const override;
   void add_to(SourceSet& set, SourceReport& report) const override;
 
  private:

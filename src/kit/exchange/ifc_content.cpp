@@ -79,6 +79,10 @@ class IfcContent : public SourceContent {
 
   bool has_objects() const override { return !model_.materials.empty() || !model_.sets.empty(); }
 
+  std::size_t made_together() const override {
+    return model_.materials.size() + model_.sets.size();
+  }
+
   void add_to(SourceSet& set, SourceReport& report) const override {
     report.format += ", " + model_.schema;
     report.problems.insert(report.problems.end(), model_.problems.begin(), model_.problems.end());

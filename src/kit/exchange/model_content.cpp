@@ -10,6 +10,10 @@ bool ModelContent::has_objects() const {
   return !model_.materials.empty() || !model_.constructions.empty();
 }
 
+std::size_t ModelContent::made_together() const {
+  return model_.materials.size() + model_.constructions.size();
+}
+
 void ModelContent::add_to(SourceSet& set, SourceReport& report) const {
   if (!model_.note.empty()) report.format += ", " + model_.note;
   report.problems.insert(report.problems.end(), model_.problems.begin(), model_.problems.end());

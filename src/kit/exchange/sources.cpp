@@ -28,6 +28,15 @@ SourceProblem nothing_in(const NamedContent& source) {
           fmt::format("this {} source has no materials and no constructions", source.format.name)};
 }
 
+/// Each takes up to 3 kB until it is in a library, however short it is in its source.
+void require_few_objects(std::size_t objects, std::size_t bytes, const std::string& file) {
+  constexpr std::size_t most_of_small = 300'000;
+  constexpr std::size_t fewest_bytes_of_object = 200;
+  const auto most = std::max(most_of_small, bytes / fewest_bytes_of_object);
+  if (objects <= most) return;
+  fail_at(file, 0, fmt::format("this has more than {} materials and constructions", most));
+}
+
 template <class T>
 void save_all(const IncomingObjects<T>& objects, const SourceRules& rules, Sources& sources) {
   for (const auto& incoming : objects.all()) {
@@ -70,10 +79,12 @@ std::vector<FieldNotKept> fields_not_kept(const SourceReport& report) {
 }
 
 Source::Source(std::string file, std::string content) : file_(std::move(file)) {
+  const auto bytes = content.size();
   FileContent read = content_from(file_, std::move(content));
   const FormatModule& module = module_of(read);
   format_ = &module.format;
   content_ = module.read(std::move(read));
+  require_few_objects(content_->made_together(), bytes, file_);
 }
 
 bool Source::has_objects() const { return content_->has_objects(); }
