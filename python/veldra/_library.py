@@ -223,8 +223,14 @@ class Collection(Generic[T]):
         return self._library._columns(self._kind.value, names)
 
     def to_pandas(self, fields: Optional[Sequence[str]] = None) -> Any:
-        """The same as a `pandas.DataFrame`. Raises `ImportError` where there is no pandas."""
-        return import_module("pandas").DataFrame(self.columns(fields))
+        """The same as a `pandas.DataFrame`. Raises `ImportError` where there is no pandas.
+
+        Numbers are float64, with NaN for what is missing; whole numbers are int64, and yes and no
+        are bool, where every object has one. All else are objects, with None for what is missing.
+        """
+        names = None if fields is None else list(fields)
+        pandas = import_module("pandas")
+        return pandas.DataFrame(self._library._arrays(self._kind.value, names))
 
     def __repr__(self) -> str:
         return f"<{self._kind.words} objects of {self._library!r}>"
