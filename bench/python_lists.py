@@ -4,12 +4,13 @@
 
     PYTHONPATH=build/release/python/package bench/python_lists.py [<materials> [<veldra_list_file>]]
 
-All of them read one file. Without the program (`ninja -C build/release veldra_list_file`) there is
-no line of C++; without pandas there are none of data frames. Figures are processor times, which
-hold also on a machine with other work, and the least of several rounds; each ratio is to the line
-that it names.
+All of them read one file and take turns. Without the program (`ninja -C build/release
+veldra_list_file`) there is no line of C++; without pandas there are none of data frames. Figures are
+processor times, which hold also on a machine with other work, and the least of several rounds; each
+ratio is to the line that it names.
 """
 
+import gc
 import importlib
 import importlib.util
 import sqlite3
@@ -24,6 +25,13 @@ from typing import Any
 import veldra
 
 ROUNDS = 5
+SQLITE = "sqlite3, one table"
+CPLUSPLUS = "C++, whole objects"
+NO_ATTRIBUTE = "objects, no attribute"
+THREE_ATTRIBUTES = "objects, three attributes"
+FRAME = "data frame of all fields"
+PANDAS = "pandas alone, the same arrays"
+SIDES = {SQLITE: "sqlite3", CPLUSPLUS: "C++"}  # by what they are called in ratios
 BY_HAND = """
     SELECT Material.id, Material.name, Material.description, Material.manufacturer FROM Material
 """
@@ -50,13 +58,22 @@ def sample(file: Path, count: int) -> None:
             )
 
 
-def best(work: Callable[[], Any]) -> float:
-    times = []
-    for _ in range(ROUNDS):
-        start = time.process_time()
-        work()
-        times.append(time.process_time() - start)
-    return min(times) * 1000
+def milliseconds(work: Callable[[], Any]) -> float:
+    start = time.process_time()
+    kept = work()
+    taken = time.process_time() - start
+    del kept
+    return taken * 1000
+
+
+def best(work: Callable[[], float]) -> float:
+    return min(work() for _ in range(ROUNDS))
+
+
+def in_turns(works: dict[str, Callable[[], float]]) -> dict[str, float]:
+    """The least figure of each work; they take turns, so that none has a quieter machine."""
+    rounds = [{name: work() for name, work in works.items()} for _ in range(ROUNDS)]
+    return {name: min(each[name] for each in rounds) for name in works}
 
 
 def by_objects(file: Path) -> list[tuple[str, str, str]]:
@@ -94,27 +111,31 @@ def frame(file: Path) -> Any:
         return library.to_pandas("materials")
 
 
-def frame_figures(file: Path) -> dict[str, float]:
+def frame_works(file: Path) -> dict[str, Callable[[], float]]:
     """A data frame of all fields, and what pandas alone takes for its columns."""
     if importlib.util.find_spec("pandas") is None:
         return {}
     pandas = importlib.import_module("pandas")
-    columns = all_columns(file)
+    of_arrays = frame(file)
+    arrays = {name: of_arrays[name].to_numpy() for name in of_arrays}
+    lists = all_columns(file)
+    gc.collect()
+    gc.freeze()  # while the other works make objects, nobody is to go through these
     return {
-        "data frame of all fields": best(lambda: frame(file)),
-        "pandas alone, its columns": best(lambda: pandas.DataFrame(columns)),
+        FRAME: lambda: milliseconds(lambda: frame(file)),
+        PANDAS: lambda: milliseconds(lambda: pandas.DataFrame(arrays)),
+        "pandas alone, from lists": lambda: milliseconds(lambda: pandas.DataFrame(lists)),
     }
 
 
 def of_cplusplus(program: str, file: Path) -> float:
-    command = [program, str(file), str(ROUNDS)]
+    command = [program, str(file), "1"]
     return float(subprocess.run(command, capture_output=True, text=True, check=True).stdout)
 
 
 def import_time() -> float:
     command = [sys.executable, "-c", IMPORT]
-    printed = [subprocess.run(command, capture_output=True, check=True).stdout for _ in range(ROUNDS)]
-    return min(map(float, printed)) * 1000
+    return float(subprocess.run(command, capture_output=True, check=True).stdout) * 1000
 
 
 def tell(work: str, figure: float, beside: dict[str, float]) -> None:
@@ -124,31 +145,33 @@ def tell(work: str, figure: float, beside: dict[str, float]) -> None:
 
 def main() -> None:
     count = int(sys.argv[1]) if len(sys.argv) > 1 else 10_000
-    beside: dict[str, float] = {}
     with tempfile.TemporaryDirectory() as folder:
         file = Path(folder) / "bench.lib"
         sample(file, count)
         if not sorted(by_objects(file)) == sorted(by_columns(file)) == sorted(by_hand(file)):
             sys.exit("the three lists differ")
-        beside["sqlite3"] = best(lambda: by_hand(file))
+        works: dict[str, Callable[[], float]] = {SQLITE: lambda: milliseconds(lambda: by_hand(file))}
         if len(sys.argv) > 2:
-            beside["C++"] = of_cplusplus(sys.argv[2], file)
-        figures = {
-            "objects, no attribute": best(lambda: without_attributes(file)),
-            "objects, three attributes": best(lambda: by_objects(file)),
-            "columns of three attributes": best(lambda: by_columns(file)),
-            "columns of all fields": best(lambda: all_columns(file)),
+            works[CPLUSPLUS] = lambda: of_cplusplus(sys.argv[2], file)
+        works |= {
+            NO_ATTRIBUTE: lambda: milliseconds(lambda: without_attributes(file)),
+            THREE_ATTRIBUTES: lambda: milliseconds(lambda: by_objects(file)),
+            "columns of three attributes": lambda: milliseconds(lambda: by_columns(file)),
+            "columns of all fields": lambda: milliseconds(lambda: all_columns(file)),
         }
-        figures |= frame_figures(file)
+        figures = in_turns(works | frame_works(file))
     print(f"{count} materials")
-    tell("sqlite3, one table", beside["sqlite3"], {})
-    if "C++" in beside:
-        tell("C++, whole objects", beside["C++"], {"sqlite3": beside["sqlite3"]})
+    beside: dict[str, float] = {}
     for work, figure in figures.items():
         tell(work, figure, beside)
-    attributes = figures["objects, three attributes"] - figures["objects, no attribute"]
+        if work in SIDES:
+            beside[SIDES[work]] = figure
+    if PANDAS in figures and CPLUSPLUS in figures:
+        own = figures[FRAME] - figures[PANDAS]
+        print(f"a data frame takes {own / figures[CPLUSPLUS]:.2f} x C++, and what pandas takes")
+    attributes = figures[THREE_ATTRIBUTES] - figures[NO_ATTRIBUTE]
     print(f"an attribute takes {attributes / count / 3 * 1000:.2f} us")
-    print(f"import takes {import_time():.1f} ms")
+    print(f"import takes {best(import_time):.1f} ms")
 
 
 main()

@@ -224,6 +224,7 @@ void bind_library(py::module_& module) {
       "and TransactionError within a transaction or a snapshot.");
   bind_transactions(library);
   bind_queries(library);
+  bind_columns(library);
   bind_changes(library);
   bind_exchange(module, library);
 }

@@ -247,6 +247,10 @@ void bind_layers(ClassOfObject<Composition>& composition) {
   composition.def("_remove_layer", [](Composition& self, std::size_t index) {
     require_writable(self);
     self.removeLayer(index);
+    if (!self.layers().empty()) return;
+    // The library would have gone on below 0; now it is as a new one.
+    self.structural_layer(0);
+    self.last_core_layer(0);
   });
   composition.def("_move_layer", [](Composition& self, std::size_t from, std::size_t to) {
     require_writable(self);

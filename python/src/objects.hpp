@@ -57,6 +57,14 @@ auto with_object(const py::handle& object, Work work) {
                        std::string(py::repr(object)));
 }
 
+/// Calls `work(class)` for a kind, on a library in use, without the interpreter's lock.
+template <class Work>
+auto of_kind(LibraryHandle& self, int kind, Work work) {
+  const Use use({&self});
+  return run(use, {self.file, {}},
+             [&] { return kit::with_class_of(static_cast<ObjectType>(kind), work); });
+}
+
 /// An object whose handle is only lent to those who read. It was made without `const`, as all are.
 template <class T>
 std::shared_ptr<T> lent(const std::shared_ptr<const T>& object) {
@@ -84,6 +92,7 @@ void bind_objects(py::module_& module);
 void bind_fields(py::module_& module);
 void bind_library(py::module_& module);
 void bind_queries(py::class_<LibraryHandle, std::shared_ptr<LibraryHandle>>& library);
+void bind_columns(py::class_<LibraryHandle, std::shared_ptr<LibraryHandle>>& library);
 void bind_changes(py::class_<LibraryHandle, std::shared_ptr<LibraryHandle>>& library);
 void bind_exchange(py::module_& module,
                    py::class_<LibraryHandle, std::shared_ptr<LibraryHandle>>& library);

@@ -9,7 +9,6 @@
 #include <pybind11/stl.h>
 
 #include <algorithm>
-#include <optional>
 
 namespace veldra::python {
 
@@ -17,15 +16,7 @@ namespace {
 
 using Ids = std::vector<unsigned>;
 
-/// Calls `work(class)` for a kind, on a library in use, without the interpreter's lock.
-template <class Work>
-auto of_kind(LibraryHandle& self, int kind, Work work) {
-  const Use use({&self});
-  return run(use, {self.file, {}},
-             [&] { return kit::with_class_of(static_cast<ObjectType>(kind), work); });
-}
-
-/// The same for work that makes an object, or nothing.
+/// Calls `find(class)` in the same way as `of_kind`, for work that makes an object, or nothing.
 template <class Find>
 py::object found(LibraryHandle& self, int kind, Find find) {
   return kit::with_class_of(static_cast<ObjectType>(kind), [&](auto of) -> py::object {
@@ -131,42 +122,6 @@ std::vector<std::string> nearest(LibraryHandle& self, int kind, const Text& name
   });
 }
 
-/// Columns of values, one for each field.
-struct Columns {
-  std::vector<std::string> names;
-  std::vector<std::vector<kit::Value>> values;
-};
-
-template <class T>
-Columns read_columns(const Library& library,
-                     const std::optional<std::vector<std::string>>& wanted) {
-  const kit::Fields<T> fields(library);
-  Columns result;
-  result.names = wanted ? *wanted : fields.names();
-  std::vector<const kit::Field<T>*> each;
-  for (const auto& name : result.names) each.push_back(&fields.at(name));
-  result.values.resize(each.size());
-  library.for_each<T>([&](const std::shared_ptr<T>& object) {
-    for (std::size_t i = 0; i < each.size(); ++i) result.values[i].push_back(each[i]->get(*object));
-    return true;
-  });
-  return result;
-}
-
-py::dict columns(LibraryHandle& self, int kind,
-                 const std::optional<std::vector<std::string>>& names) {
-  const Columns read = of_kind(self, kind, [&](auto of) {
-    return read_columns<typename decltype(of)::type>(*self.library, names);
-  });
-  py::dict result;
-  for (std::size_t i = 0; i < read.names.size(); ++i) {
-    py::list column;
-    for (const auto& value : read.values[i]) column.append(as_python(value));
-    result[as_python(read.names[i])] = column;
-  }
-  return result;
-}
-
 bool has_field(LibraryHandle& self, int kind, const Text& name) {
   return of_kind(self, kind, [&](auto of) {
     return kit::Fields<typename decltype(of)::type>(*self.library).find(name.utf8) != nullptr;
@@ -196,7 +151,6 @@ void bind_queries(py::class_<LibraryHandle, std::shared_ptr<LibraryHandle>>& lib
   library.def("_unreferenced", &unreferenced);
   library.def("_count", &count);
   library.def("_nearest", &nearest);
-  library.def("_columns", &columns);
   library.def("_has_field", &has_field);
   library.def("_referrers", &referrers);
 }

@@ -40,8 +40,8 @@ template <>
 struct type_caster<veldra::python::Text> {
   PYBIND11_TYPE_CASTER(veldra::python::Text, const_name("str"));
 
+  /// No function has another meaning for what is no text, so that it is told at once.
   bool load(handle source, bool) {
-    if (!PyUnicode_Check(source.ptr())) return false;
     value = veldra::python::text_of(source);
     return true;
   }

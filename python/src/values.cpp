@@ -103,10 +103,20 @@ double number_of(const FieldDescription& field, const py::handle& given) {
 }
 
 long long whole_number_of(const FieldDescription& field, const py::handle& given) {
-  if (PyBool_Check(given.ptr()) || !PyLong_Check(given.ptr())) refuse(field, given);
-  const long long number = PyLong_AsLongLong(given.ptr());
+  // Whole numbers of numpy are numbers as well.
+  if (PyBool_Check(given.ptr()) || !PyIndex_Check(given.ptr())) refuse(field, given);
+  const auto whole = py::reinterpret_steal<py::object>(PyNumber_Index(given.ptr()));
+  if (!whole) throw py::error_already_set();
+  const long long number = PyLong_AsLongLong(whole.ptr());
   if (number == -1 && PyErr_Occurred() != nullptr) throw py::error_already_set();
   return number;
+}
+
+/// Of Python, or of numpy.
+bool yes_or_no_of(const FieldDescription& field, const py::handle& given) {
+  py::detail::make_caster<bool> yes;
+  if (!yes.load(given, false)) refuse(field, given);
+  return static_cast<bool>(yes);
 }
 
 bool is_list(const py::handle& given) {
@@ -194,8 +204,7 @@ Value value_for(const FieldDescription& field, const py::handle& given) {
   if (given.is_none()) return {};
   switch (field.kind) {
     case Value::Kind::YesNo:
-      if (!PyBool_Check(given.ptr())) refuse(field, given);
-      return given.cast<bool>();
+      return yes_or_no_of(field, given);
     case Value::Kind::WholeNumber:
       return whole_number_of(field, given);
     case Value::Kind::Number:

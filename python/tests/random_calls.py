@@ -7,6 +7,7 @@ Anything that is raised is fine; a crash is not, and nor is what a person cannot
 how many calls there were.
 """
 
+import os
 import random
 import sys
 import time
@@ -17,6 +18,7 @@ import veldra
 
 chance = random.Random(int(sys.argv[1]))
 folder = Path(sys.argv[3])
+os.chdir(folder)  # some texts become files
 
 
 class Moody(veldra.Reactor):
@@ -53,8 +55,9 @@ MAKERS: list[Callable[[], Any]] = [
     lambda: veldra.CompositionLayer(veldra.Material("Wool"), 2),
 ]
 
-# What makes objects without a value, as everywhere in Python.
+# What makes objects without a value, as everywhere in Python, or tuples that fill the memory.
 LEFT_OUT = {"__class__", "__init__", "__new__", "__setattr__", "__setstate__", "__init_subclass__"}
+LEFT_OUT |= {"__mul__", "__rmul__"}
 
 
 def step(used: Any, others: list[Any]) -> list[Any]:

@@ -148,3 +148,13 @@ def test_a_link_stays_a_link(wall: veldra.Composition, tmp_path: Path) -> None:
     wall.section().save(tmp_path / "link.svg")
     assert (tmp_path / "link.svg").is_symlink()
     assert (tmp_path / "drawn.svg").read_text(encoding="utf-8") == wall.section().svg
+
+
+def test_a_folder_that_is_missing_is_told_with_the_name_that_was_given(tmp_path: Path) -> None:
+    (tmp_path / "file").write_text("")
+    for folder, error in (("missing", FileNotFoundError), ("file", NotADirectoryError)):
+        file = tmp_path / folder / "wall.svg"
+        with pytest.raises(error) as told:
+            veldra.Composition("Wall").section().save(file)
+        assert told.value.filename == str(file) and told.value.filename2 is None
+    assert [each.name for each in tmp_path.iterdir()] == ["file"]

@@ -157,3 +157,13 @@ def test_a_closed_library_cannot_be_written(office: veldra.Library, tmp_path: Pa
     office.close()
     with pytest.raises(veldra.Closed):
         office.write(tmp_path / "a.json")
+
+
+def test_a_file_that_is_not_there_is_missing(library: veldra.Library, tmp_path: Path) -> None:
+    missing = tmp_path / "missing.json"
+    for read in (veldra.read, library.read_tables):
+        with pytest.raises(FileNotFoundError, match="there is no such file") as told:
+            read(missing)
+        assert isinstance(told.value, veldra.SourceMissing) and told.value.file == str(missing)
+    with pytest.raises(veldra.SourceError):
+        veldra.read(tmp_path)

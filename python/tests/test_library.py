@@ -3,8 +3,10 @@
 
 import gc
 import pickle
+import sqlite3
 import sys
 import types
+from contextlib import closing
 from pathlib import Path
 from typing import Any, Callable
 
@@ -181,13 +183,17 @@ def test_columns_have_the_fields_that_are_asked_for(library: veldra.Library) -> 
 def test_a_data_frame_is_made_of_the_columns(
     library: veldra.Library, monkeypatch: pytest.MonkeyPatch
 ) -> None:
+    pytest.importorskip("numpy")
     library.save(veldra.Material("Brick", custom_values={"Fire class": "A1"}))
     pandas = types.ModuleType("pandas")
     setattr(pandas, "DataFrame", lambda columns: ("frame", columns))
     monkeypatch.setitem(sys.modules, "pandas", pandas)
     kind, columns = library.to_pandas("materials", ["name", "Fire class"])
     assert kind == "frame"
-    assert columns == {"name": ["Brick"], "Fire class": ["A1"]}
+    assert {name: list(values) for name, values in columns.items()} == {
+        "name": ["Brick"],
+        "Fire class": ["A1"],
+    }
 
 
 def test_pandas_is_not_loaded_with_the_package() -> None:
@@ -319,7 +325,10 @@ def test_a_sound_file_has_no_findings(library: veldra.Library) -> None:
 
 def test_findings_name_the_object(library: veldra.Library) -> None:
     library.save(veldra.Material("Brick", thicknesses=[10.0]))
-    library.save(veldra.Composition("Wall", layers=[(library.materials["Brick"], -1.0)]))
+    library.save(veldra.Composition("Wall", layers=[(library.materials["Brick"], 1.0)]))
+    with closing(sqlite3.connect(library.file)) as database:  # the module takes no such thickness
+        database.execute("UPDATE Composition_layers SET value_thickness = -1.0")
+        database.commit()
     (finding,) = library.check()
     assert finding.object == veldra.Key(veldra.Kind.COMPOSITION, 1)
     assert finding.name == "Wall"
@@ -399,3 +408,53 @@ def test_an_object_knows_its_library_by_identity(library: veldra.Library) -> Non
     brick = library.save(veldra.Material("Brick"))
     assert brick.library is library
     assert library.materials["Brick"].library is library
+
+
+def test_an_object_is_in_its_own_collection(
+    library: veldra.Library, supplier: veldra.Library
+) -> None:
+    brick = library.save(veldra.Material("Brick"))
+    assert brick in library.materials and library.materials["Brick"] in library.materials
+    assert brick not in supplier.materials and brick not in library.compositions
+    assert veldra.Material("Brick") not in library.materials
+    library.remove(brick)
+    assert brick not in library.materials
+
+
+def test_one_name_is_no_list_of_fields(library: veldra.Library) -> None:
+    for ask in (library.materials.columns, library.materials.to_pandas):
+        with pytest.raises(TypeError, match="fields are a list of names, not 'name'"):
+            ask("name")
+
+
+def test_a_library_that_is_closed_is_not_entered_again(file: Path) -> None:
+    library = veldra.create(file)
+    library.close()
+    with pytest.raises(veldra.Closed) as told:
+        with library:
+            pytest.fail("entered")
+    assert told.value.file == str(file)
+
+
+def test_a_path_is_no_source(library: veldra.Library, file: Path) -> None:
+    for work in (library.plan, library.copy):
+        with pytest.raises(TypeError, match="veldra.open opens a library"):
+            work(str(file))  # type: ignore[operator]
+
+
+def test_what_is_no_text_is_told_so(library: veldra.Library) -> None:
+    calls: list[Callable[[Any], Any]] = [
+        library.materials.where,
+        library.materials.search,
+        veldra.Tag,
+        lambda wrong: setattr(library, "locale", wrong),
+        lambda wrong: veldra.Composition("Wall").u_value(boundary=wrong),
+    ]
+    for call in calls:
+        with pytest.raises(TypeError, match="^a str is needed, not int$"):
+            call(5)
+
+
+def test_one_kind_is_no_list_of_kinds(library: veldra.Library) -> None:
+    with pytest.raises(TypeError, match="kinds are a list of kinds, not 'tags'"):
+        library.purge("tags")

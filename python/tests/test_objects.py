@@ -428,3 +428,76 @@ def test_classes_of_a_host_are_saved_as_what_they_are(library: veldra.Library) -
     brick = library.save(Brick())
     assert brick.price == 3
     assert library.materials["Brick"] == brick
+
+
+WRONG_LAYERS: list[tuple[Any, type[Exception], str]] = [
+    ({"thickness": -1}, veldra.FieldError, "'-1' is no value for 'thickness'"),
+    ({"thickness": math.nan}, veldra.FieldError, "0 or greater"),
+    ({"thickness": math.inf}, veldra.FieldError, "0 or greater"),
+    ({"thickness": "5"}, TypeError, "thickness takes a float, not '5'"),
+    ({"thickness": True}, TypeError, "thickness takes a float, not True"),
+    ({"function": "structure"}, TypeError, "function takes an int, .* not 'structure'"),
+    ({"function": 1.5}, TypeError, "function takes an int"),
+    ({"function": 2**40}, veldra.FieldError, "out of range"),
+]
+
+
+@pytest.mark.parametrize(("wrong", "error", "sentence"), WRONG_LAYERS)
+def test_a_layer_takes_no_value_that_a_field_would_not(
+    wrong: dict[str, Any], error: type[Exception], sentence: str
+) -> None:
+    brick = veldra.Material("Brick")
+    wall = veldra.Composition("Wall", layers=[(brick, 240, 1)])
+    arguments: dict[str, Any] = {"material": brick, "thickness": 1, **wrong}
+    with pytest.raises(error, match=sentence):
+        veldra.CompositionLayer(**arguments)
+    ((name, value),) = wrong.items()
+    with pytest.raises(error, match=sentence):
+        setattr(wall.layers[0], name, value)
+    assert (wall.layers[0].thickness, wall.layers[0].function) == (240, 1)
+
+
+@pytest.mark.parametrize("wrong", [veldra.Material("Brick"), "Brick", 5, (), (1, 2, 3, 4), None])
+def test_what_is_no_layer_is_told_so(wrong: Any) -> None:
+    wall = veldra.Composition("Wall")
+    with pytest.raises(TypeError, match="a layer is a veldra.CompositionLayer, or a tuple"):
+        wall.layers.append(wrong)
+    assert len(wall.layers) == 0
+
+
+def test_a_composition_whose_layers_are_gone_is_as_a_new_one() -> None:
+    brick = veldra.Material("Brick")
+    wall = veldra.Composition("Wall", layers=[(brick, 1), (brick, 2)])
+    wall.last_core_layer = 1
+    wall.structural_layer = 1
+    wall.layers.clear()
+    indices = ("first_core_layer", "last_core_layer", "structural_layer")
+    assert [getattr(wall, each) for each in indices] == [0, 0, 0]
+    wall.layers = [(brick, 1), (brick, 2)]
+    assert [getattr(wall, each) for each in indices] == [0, 0, 0]
+
+
+@pytest.mark.parametrize(("name", "value"), [("Year", 1990), (5, "x"), ("Year", None)])
+def test_a_custom_value_is_a_text(name: Any, value: Any) -> None:
+    brick = veldra.Material("Brick")
+    with pytest.raises(TypeError, match="a custom property and its value are a str each"):
+        brick.custom_values[name] = value
+    assert not brick.custom_values
+
+
+def test_numbers_of_numpy_are_numbers() -> None:
+    numpy = pytest.importorskip("numpy")
+    brick = veldra.Material("Brick")
+    brick.function = numpy.int64(1)
+    brick.density = numpy.float32(1400)
+    brick.allow_custom_thickness = numpy.bool_(False)
+    brick.thicknesses = numpy.array([115, 240])
+    assert (brick.function, brick.density, brick.allow_custom_thickness) == (1, 1400, False)
+    wall = veldra.Composition("Wall", layers=[(brick, numpy.float64(115), numpy.int32(1))])
+    assert (wall.layers[0].thickness, wall.layers[0].function) == (115, 1)
+
+
+@pytest.mark.parametrize("kind", [veldra.Material, veldra.Composition, veldra.CustomProperty])
+def test_an_object_without_a_name_is_told_by_its_class(kind: Any) -> None:
+    with pytest.raises(TypeError, match=rf"^{kind.__name__}\.__init__\(\) missing 1 .*'name'"):
+        kind()

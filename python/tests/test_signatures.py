@@ -116,29 +116,29 @@ class Scene:
         """Arguments that follow neither from types nor from names."""
         self.count += 1
         layer = (self.brick, 10.0, 0)
-        known: dict[str, list[Any]] = {
-            "_read": [[str(self.folder / "source.json")], "mm", "fail", None],
-            "_Library._read_tables": [[str(self.folder / "table.csv")], "", "", None],
-            "_Library._table_column": [veldra.Kind.MATERIAL.value, "density", [1400.0, None]],
-            "_Library.__init__": [_veldra._create(":memory:", "mm", "")],
-            "_Library.backup": [str(self.folder / f"{id(self)} {self.count}.lib")],
-            "_Library._copy": [self.source, None, None],
-            "_Library._remove_all": [[(veldra.Kind.MATERIAL.value, self.source_id())]],
-            "_Library._remove": [self.library.save(veldra.Tag(f"tag {self.count}"))],
-            "_Library._remove_id": [
+        known: dict[str, Callable[[], list[Any]]] = {
+            "_read": lambda: [[str(self.folder / "source.json")], "mm", "fail", None],
+            "_Library._read_tables": lambda: [[str(self.folder / "table.csv")], "", "", None],
+            "_Library._table_column": lambda: [veldra.Kind.MATERIAL.value, "density", [1400.0, None]],
+            "_Library.__init__": lambda: [_veldra._create(":memory:", "mm", "")],
+            "_Library.backup": lambda: [str(self.folder / f"{id(self)} {self.count}.lib")],
+            "_Library._copy": lambda: [self.source, None, None],
+            "_Library._remove_all": lambda: [[(veldra.Kind.MATERIAL.value, self.source_id())]],
+            "_Library._remove": lambda: [self.library.save(veldra.Tag(f"tag {self.count}"))],
+            "_Library._remove_id": lambda: [
                 veldra.Kind.TAG.value,
                 self.library.save(veldra.Tag(f"tag {self.count} by id")).id,
             ],
-            "_Library._purge": [[veldra.Kind.TAG.value]],
-            "_page": ["<svg></svg>", "Wall", "de"],
-            "Material._set_custom_value": ["Fire class", "A1"],
-            "Composition._set_custom_value": ["Fire class", "A1"],
-            "Composition._set_layer": [0, layer],
-            "Composition._insert_layer": [0, layer],
+            "_Library._purge": lambda: [[veldra.Kind.TAG.value]],
+            "_page": lambda: ["<svg></svg>", "Wall", "de"],
+            "Material._set_custom_value": lambda: ["Fire class", "A1"],
+            "Composition._set_custom_value": lambda: ["Fire class", "A1"],
+            "Composition._set_layer": lambda: [0, layer],
+            "Composition._insert_layer": lambda: [0, layer],
         }
         if name == "_Library.restore_from":
             return [self.backup(), False]
-        return known.get(name)
+        return known[name]() if name in known else None
 
     def backup(self) -> str:
         path = self.folder / f"backup {id(self)} {self.count}.lib"

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """Tables, columns and data frames: the way back into a library goes through a plan."""
 
+import gc
 from pathlib import Path
 from typing import Any
 
@@ -212,3 +213,78 @@ def test_colours_and_points_of_each_object_are_its_own(office: veldra.Library) -
     columns = office.materials.columns(["shading_color", "surface_pattern_alignment"])
     assert columns["shading_color"] == [red, blue, red]
     assert [point.x for point in columns["surface_pattern_alignment"]] == [1, 2, 1]
+
+
+def everything(office: veldra.Library) -> None:
+    wall = veldra.Composition("Wall", layers=[(office.materials["Brick"], 240)], type="wall")
+    wall.custom_values["Code"] = "W1"
+    office.save(wall)
+    brick = office.materials["Brick"]
+    brick.cut_layer = "Walls"
+    brick.save()
+
+
+@pytest.mark.parametrize("kind", [kind for kind in veldra.Kind if kind is not veldra.Kind.ASSET])
+def test_a_frame_says_what_the_columns_do(office: veldra.Library, kind: veldra.Kind) -> None:
+    pandas = pytest.importorskip("pandas")
+    everything(office)
+    columns = office.collection(kind).columns()
+    frame = office.to_pandas(kind)
+    assert list(frame.columns) == list(columns) and len(frame) == len(columns["name"]) > 0
+    for name, values in columns.items():
+        for value, shown in zip(values, frame[name]):
+            if value is None:
+                assert shown is None or shown != shown, name
+            else:
+                assert shown == value, name
+        assert frame[name].dtype == pandas.Series(values).dtype or values == [None] * len(values), name
+
+
+def test_figures_that_no_object_has_are_numbers_as_well(office: veldra.Library) -> None:
+    pytest.importorskip("pandas")
+    frame = office.to_pandas("materials", ["conductivity", "allow_custom_thickness", "id", "code"])
+    assert frame["conductivity"].isna().all()
+    assert [dtype.kind for dtype in frame.dtypes] == ["f", "b", "i", "O"]
+    assert (frame["conductivity"] > 0).sum() == 0
+
+
+def test_an_empty_frame_has_the_types_of_a_full_one(office: veldra.Library) -> None:
+    pytest.importorskip("pandas")
+    fields = ["name", "density", "function", "allow_custom_thickness", "tags"]
+    full = office.to_pandas("materials", fields)
+    with veldra.create(":memory:") as other:
+        empty = other.to_pandas("materials", fields)
+    assert len(empty) == 0
+    assert list(empty.dtypes) == list(full.dtypes)
+
+
+def test_a_frame_can_be_changed(office: veldra.Library) -> None:
+    pytest.importorskip("pandas")
+    frame = office.to_pandas("materials")
+    frame.loc[0, "density"] = 5.0
+    frame.loc[1, "name"] = "Schist"
+    frame["tags"][2].append("new")
+    assert (frame["density"][0], frame["name"][1], frame["tags"][2][-1]) == (5.0, "Schist", "new")
+
+
+def test_lists_of_objects_that_have_the_same_are_their_own(office: veldra.Library) -> None:
+    pytest.importorskip("pandas")
+    for tags in (office.materials.columns(["tags"])["tags"], office.to_pandas("materials")["tags"]):
+        tags[0].append("only here")
+        assert [len(each) for each in tags] == [3, 2, 2]
+
+
+def test_reading_columns_leaves_the_search_for_garbage_as_it_was(office: veldra.Library) -> None:
+    for enabled in (False, True):
+        (gc.enable if enabled else gc.disable)()
+        office.materials.columns()
+        assert gc.isenabled() is enabled
+
+
+def test_equal_texts_of_columns_take_memory_once(library: veldra.Library) -> None:
+    with library.transaction():
+        for number in range(10):
+            library.save(veldra.Material(f"M{number}", manufacturer="maker and sons"))
+    columns = library.materials.columns(["name", "manufacturer"])
+    assert len(set(columns["name"])) == 10
+    assert len({id(text) for text in columns["manufacturer"]}) == 1

@@ -42,6 +42,7 @@ from veldra._errors import (
     ReadOnly as ReadOnly,
     SameFile as SameFile,
     SourceError as SourceError,
+    SourceMissing as SourceMissing,
     ThreadError as ThreadError,
     TransactionError as TransactionError,
     UnknownField as UnknownField,

@@ -128,5 +128,11 @@ class SourceError(InvalidValue):
     line: int = 0
 
 
+class SourceMissing(SourceError, FileMissing):
+    """A file to be read is not there."""
+
+    __str__ = Exception.__str__
+
+
 class PlanError(InvalidValue):
     """A plan cannot be applied: something is undecided, or has changed since it was made."""

@@ -5,6 +5,7 @@ from __future__ import annotations
 
 import os
 import pathlib
+from contextlib import suppress
 from typing import Union
 
 Path = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
@@ -25,5 +26,11 @@ def write_whole(path: Path, content: bytes) -> None:
     try:
         part.write_bytes(content)
         part.replace(file)
+    except OSError as error:
+        if error.filename is None:
+            raise
+        # It names the part, of which nobody knows.
+        raise OSError(error.errno, error.strerror, os.fsdecode(path)) from None
     finally:
-        part.unlink(missing_ok=True)
+        with suppress(OSError):
+            part.unlink()

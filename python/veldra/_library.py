@@ -5,13 +5,14 @@ from __future__ import annotations
 
 import os
 from collections.abc import Iterable, Iterator, Mapping, Sequence
+from contextlib import contextmanager
 from importlib import import_module
 from types import TracebackType
 from typing import Any, Callable, Generic, NamedTuple, Optional, TypeVar, Union, overload
 
 from veldra import _veldra
 from veldra._enums import FileKind, Key, Kind, KindLike, Unit, kind_of
-from veldra._errors import CannotOpen, NotFound, SameFile, SourceError
+from veldra._errors import CannotOpen, Closed, NotFound, SameFile, SourceError, SourceMissing
 from veldra._files import Path as Path, ending_of, write_whole
 from veldra._objects import CLASSES
 from veldra._plan import Copied as Copied, Plan, Source, copied
@@ -159,6 +160,9 @@ class Collection(Generic[T]):
         hint = f"; did you mean {' or '.join(repr(each) for each in near)}?" if near else ""
         raise self._missing(name, f"{self._kind.words} {name!r}{hint}")
 
+    def _has_id(self, id: int) -> bool:
+        return self._library._by_id(self._kind.value, id) is not None
+
     @overload
     def get(self, name: str, default: None = None) -> Optional[T]: ...
     @overload
@@ -171,6 +175,10 @@ class Collection(Generic[T]):
         return default if found is None else found
 
     def __contains__(self, name: object) -> bool:
+        """Whether there is an object of this name, or this object is one of these."""
+        if isinstance(name, CLASSES[self._kind]):
+            own: Any = name
+            return own.library is self._library and self._has_id(own.id)
         return isinstance(name, str) and self.get(name) is not None
 
     def by_id(self, id: int) -> T:
@@ -219,12 +227,16 @@ class Collection(Generic[T]):
 
         Raises `UnknownField`.
         """
-        names = None if fields is None else list(fields)
-        return self._library._columns(self._kind.value, names)
+        return self._library._columns(self._kind.value, _names(fields))
 
     def to_pandas(self, fields: Optional[Sequence[str]] = None) -> Any:
-        """The same as a `pandas.DataFrame`. Raises `ImportError` where there is no pandas."""
-        return import_module("pandas").DataFrame(self.columns(fields))
+        """The same as a `pandas.DataFrame`. Raises `ImportError` where there is no pandas.
+
+        Numbers are float64, with NaN for what is missing; whole numbers are int64, and yes and no
+        are bool, where every object has one. All else are objects, with None for what is missing.
+        """
+        arrays = self._library._arrays(self._kind.value, _names(fields))
+        return import_module("pandas").DataFrame(arrays)
 
     def __repr__(self) -> str:
         return f"<{self._kind.words} objects of {self._library!r}>"
@@ -296,6 +308,12 @@ class Library(_Block, _veldra._Library):
 
     def __init__(self, opened: _veldra._Library) -> None:
         super().__init__(opened)
+
+    def _begin(self) -> None:
+        if self.closed:
+            error = Closed(f"'{self.file}': the library is closed")
+            error.file = self.file
+            raise error
 
     def _end(self, *, failed: bool) -> None:
         self.close()
@@ -403,6 +421,8 @@ class Library(_Block, _veldra._Library):
         """
         if kinds is None:
             kinds = [kind for kind in Kind if kind not in (Kind.ASSET, Kind.COMPOSITION)]
+        if isinstance(kinds, str):
+            raise TypeError(f"kinds are a list of kinds, not {kinds!r}")
         return self._purge([kind_of(kind).value for kind in kinds])
 
     def copy(
@@ -436,9 +456,10 @@ class Library(_Block, _veldra._Library):
         The signs between cells and within numbers are found if they are not given. A row that
         cannot be read is left out, and is among the problems of the report.
 
-        Raises `SourceError`.
+        Raises `SourceMissing` and `SourceError`.
         """
-        return _source(self._read_tables(list(paths), separator, decimal, progress))
+        with _missing_told(paths):
+            return _source(self._read_tables(list(paths), separator, decimal, progress))
 
     def plan_columns(
         self,
@@ -540,7 +561,19 @@ def _plain_key(object: Thing) -> tuple[int, int]:
 
 
 def _library_of(source: Union[Source, Library]) -> Library:
-    return source.library if isinstance(source, Source) else source
+    library = source.library if isinstance(source, Source) else source
+    if not isinstance(library, Library):
+        raise TypeError(
+            f"a veldra.Library or a veldra.Source is needed, not {source!r}: "
+            "veldra.open opens a library, and veldra.read reads other files"
+        )
+    return library
+
+
+def _names(fields: Optional[Sequence[str]]) -> Optional[list[str]]:
+    if isinstance(fields, (str, bytes)):
+        raise TypeError(f"fields are a list of names, not {fields!r}")
+    return None if fields is None else list(fields)
 
 
 def open(path: Path, *, read_only: bool = False) -> Library:
@@ -579,14 +612,29 @@ def read(
     `on_clash` decides about objects of two files that differ under one name. `progress` is called
     now and then; what it raises ends the work.
 
-    Raises `SourceError`, also for tables (`Library.read_tables`).
+    Raises `SourceMissing`, and `SourceError`, also for tables (`Library.read_tables`).
     """
-    return _source(_veldra._read(list(paths), Unit(unit).value, on_clash, progress))
+    with _missing_told(paths):
+        return _source(_veldra._read(list(paths), Unit(unit).value, on_clash, progress))
 
 
 def formats() -> list[Format]:
     """The formats that `read` and `Library.write` know."""
     return [Format(*parts) for parts in _veldra._formats()]
+
+
+@contextmanager
+def _missing_told(paths: Iterable[Path]) -> Iterator[None]:
+    """Raises `SourceMissing` where a file could not be read as it is not there."""
+    try:
+        yield
+    except SourceError:
+        for path in paths:
+            if not os.path.lexists(path):
+                error = SourceMissing(f"'{os.fsdecode(path)}': there is no such file")
+                error.file = os.fsdecode(path)
+                raise error from None
+        raise
 
 
 def _source(read: tuple[_veldra._Library, list[dict[str, Any]], dict[tuple[int, int], int]]) -> Source:

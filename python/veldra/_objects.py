@@ -176,6 +176,7 @@ def _initialiser(made: Any) -> Callable[..., None]:
                 raise TypeError(f"a veldra.{made.__name__} has no field {field!r}")
             setattr(self, field, value)
 
+    __init__.__qualname__ = f"{made.__name__}.__init__"
     return __init__
 
 
@@ -190,6 +191,7 @@ def _property_initialiser(made: Any) -> Callable[..., None]:
             raise ValueError(f"{object_type!r} is none of 'material', 'composition' and None")
         plain(self, name, kinds[object_type])
 
+    __init__.__qualname__ = f"{made.__name__}.__init__"
     return __init__
 
 

@@ -5,11 +5,13 @@ from __future__ import annotations
 
 from _thread import allocate_lock
 from collections.abc import Iterable, Iterator, MutableMapping, MutableSequence, MutableSet
+from math import isfinite
 from typing import Any, Callable, Optional, Union, overload
 from weakref import WeakValueDictionary
 
 from veldra import _veldra
 from veldra._enums import Function, function_of
+from veldra._errors import FieldError
 
 Owner = Union["_veldra.Material", "_veldra.Composition"]
 _Parts = tuple["_veldra.Material", float, int]
@@ -148,6 +150,10 @@ class CustomValues(MutableMapping[str, str]):
         return self._owner._custom_values()[name]
 
     def __setitem__(self, name: str, value: str) -> None:
+        if not isinstance(name, str) or not isinstance(value, str):
+            raise TypeError(
+                f"a custom property and its value are a str each, not {name!r} and {value!r}"
+            )
         self._owner._set_custom_value(name, value)
 
     def __delitem__(self, name: str) -> None:
@@ -213,7 +219,7 @@ class CompositionLayer:
             raise TypeError(f"a layer needs a veldra.Material, not {material!r}")
         self._owner: Optional[_veldra.Composition] = None
         self._index = 0
-        self._parts = (material, float(thickness), int(function))
+        self._parts = (material, _thickness_of(thickness), _number_of_function(function))
 
     @classmethod
     def _at(cls, owner: _veldra.Composition, index: int) -> CompositionLayer:
@@ -259,7 +265,7 @@ class CompositionLayer:
     @thickness.setter
     def thickness(self, thickness: float) -> None:
         material, _, function = self._get()
-        self._set((material, float(thickness), function))
+        self._set((material, _thickness_of(thickness), function))
 
     @property
     def function(self) -> int:
@@ -268,11 +274,15 @@ class CompositionLayer:
 
     @function.setter
     def function(self, function: int) -> None:
-        self._set((*self._get()[:2], int(function)))
+        self._set((*self._get()[:2], _number_of_function(function)))
 
     def copy(self) -> CompositionLayer:
         """A layer with the same values that belongs to no composition."""
-        return CompositionLayer(*self._get())
+        result = CompositionLayer.__new__(CompositionLayer)
+        result._owner = None
+        result._index = 0
+        result._parts = self._get()
+        return result
 
     def __eq__(self, other: object) -> bool:
         if not isinstance(other, CompositionLayer):
@@ -390,5 +400,36 @@ class Layers(MutableSequence[CompositionLayer]):
 
 def _as_layer(value: Any) -> _Parts:
     """The parts of a layer that is given as such, or as a tuple."""
-    layer = value if isinstance(value, CompositionLayer) else CompositionLayer(*value)
-    return layer._get()
+    if isinstance(value, CompositionLayer):
+        return value._get()
+    if not isinstance(value, (tuple, list)) or len(value) not in (2, 3):
+        raise TypeError(
+            "a layer is a veldra.CompositionLayer, or a tuple of material, thickness and, if it has "
+            f"one, function, not {value!r}"
+        )
+    return CompositionLayer(*value)._get()
+
+
+def _thickness_of(value: Any) -> float:
+    """A thickness that somebody gives. The library has whatever stands in its file."""
+    if isinstance(value, (str, bytes, bool)) or not hasattr(value, "__float__"):
+        raise TypeError(f"thickness takes a float, not {value!r}")
+    number = float(value)
+    if not (number >= 0 and isfinite(number)):
+        raise _refusal("thickness", value, "it must be a number, 0 or greater")
+    return number
+
+
+def _number_of_function(value: Any) -> int:
+    if isinstance(value, bool) or not hasattr(value, "__index__"):
+        raise TypeError(f"function takes an int, such as veldra.Function.STRUCTURE, not {value!r}")
+    number: int = value.__index__()
+    if not -(2**31) <= number < 2**31:
+        raise _refusal("function", value, "the number is out of range")
+    return number
+
+
+def _refusal(field: str, value: Any, allowed: str) -> FieldError:
+    error = FieldError(f"'{value}' is no value for '{field}': {allowed}")
+    error.field = field
+    return error
