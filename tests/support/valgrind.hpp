@@ -14,9 +14,7 @@ inline bool runs_under_valgrind() {
 }
 
 /// So many seconds, or as many as valgrind may take for the same.
-inline int seconds_with_valgrind(int seconds) {
-  return seconds * (runs_under_valgrind() ? 60 : 1);
-}
+inline int seconds_with_valgrind(int seconds) { return seconds * (runs_under_valgrind() ? 60 : 1); }
 
 }  // namespace veldra_tests
 
