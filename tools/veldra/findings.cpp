@@ -4,6 +4,7 @@
 #include "failure.hpp"
 #include "kinds.hpp"
 #include "lookup.hpp"
+#include "parts.hpp"
 #include "progress.hpp"
 
 #include <fmt/format.h>
@@ -75,19 +76,11 @@ class Examination {
   /// In parts, as a large library does not fit into memory. What is found is in the order of names.
   template <class T>
   void examine_kind() {
-    constexpr std::size_t size_of_a_part = 500;
     failed_ = 0;
     parts_failed_ = false;
     of_objects_.clear();
     std::size_t read = 0;
-    std::set<unsigned> part;
-    for (const unsigned id : library_.ids<T>()) {
-      part.insert(part.end(), id);
-      if (part.size() != size_of_a_part) continue;
-      read += examine_part<T>(part);
-      part.clear();
-    }
-    read += examine_part<T>(part);
+    in_parts<T>(library_, [&](const std::set<unsigned>& ids) { read += examine_part<T>(ids); });
     add_missing(veldra::ObjectTraits<T>::type, library_.count<T>(), read, !parts_failed_);
     add_findings_of_objects();
   }
