@@ -4,6 +4,7 @@
 #include "support/database.hpp"
 #include "support/sanitized.hpp"
 
+#include <algorithm>
 #include <chrono>
 #include <sstream>
 
@@ -170,6 +171,17 @@ TEST_F(Check, what_it_finds_in_numbers_is_told_by_an_import) {
   EXPECT_EQ(run.status, 3);
   EXPECT_THAT(run.err + run.out, HasSubstr("its 'Density [kg/m3]'"));
   EXPECT_EQ(veldra({"check", "b.lib"}).status, 3);
+}
+
+/// They are looked at in parts, in the order of the file.
+TEST_F(Check, what_it_finds_of_many_objects_is_in_the_order_of_their_names) {
+  PlainDatabase(path("a.lib"))
+      .execute(
+          "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n LIMIT 1200)"
+          "INSERT INTO CustomProperty (name, object_type) SELECT 'p' || (9000 - i), 1 FROM n");
+  const auto lines = lines_of(findings());
+  ASSERT_EQ(lines.size(), 1200U);
+  EXPECT_TRUE(std::is_sorted(lines.begin(), lines.end()));
 }
 
 // The address sanitizer takes more addresses than could be left to the program.
