@@ -546,6 +546,22 @@ class VELDRA_EXPORT Library : public std::enable_shared_from_this<Library> {
   template <class T>
   std::set<unsigned> ids(const typename CriteriaOf<T>::type& criteria) const;
 
+  /// The names of all objects of the kind by their ids, also of those that cannot be read whole.
+  /// Reads no object, and so is the quickest way to a list to choose from, or to the ids of many
+  /// names.
+  ///
+  ///     for (const auto& each : library->names<veldra::Material>()) {
+  ///       menu.add(each.second, each.first);
+  ///     }
+  ///
+  /// - Custom properties for different kinds of object may share a name.
+  /// - A name that is not UTF-8 ends it with an exception, as it ends a list (`unreadable`).
+  /// - Memory: some 80 bytes for each object, and its name.
+  ///
+  /// Throws: a database error (`Library`).
+  template <class T>
+  std::map<unsigned, String> names() const;
+
   /// The ids of the objects of the kind that cannot be read, for one of these reasons:
   ///
   /// - an object to which it refers is missing,

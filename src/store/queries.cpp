@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "store/queries.hpp"
 
+#include "foundation/encoding.hpp"
 #include "store/kinds.hpp"
 #include "store/views-odb.hpp"
 
@@ -190,13 +191,16 @@ Query in_order(const Query& query) {
   return query + ("ORDER BY " + objects<T>().column(Kind<T>::listed_by));
 }
 
+/// Whether an object can have the id.
+bool is_possible(unsigned long long id) {
+  return id != 0 && id <= std::numeric_limits<unsigned>::max();
+}
+
 /// Appends those ids that an object can have.
 void append_ids(Database& database, const Query& query, std::vector<unsigned>& ids) {
   assert(database.is_current());
   for (const QueriedNumber& row : database.query<QueriedNumber>(odb::query<QueriedNumber>(query))) {
-    if (row.value != 0 && row.value <= std::numeric_limits<unsigned>::max()) {
-      ids.push_back(static_cast<unsigned>(row.value));
-    }
+    if (is_possible(row.value)) ids.push_back(static_cast<unsigned>(row.value));
   }
 }
 
@@ -319,6 +323,22 @@ std::vector<unsigned> existing_ids(Database& database, const std::set<unsigned>&
 }
 
 template <class T>
+std::map<unsigned, String> all_names(Database& database) {
+  assert(database.is_current());
+  const Rows rows = objects<T>();
+  const Query query = select(rows.column("id") + "," + rows.column("name"), rows, no_condition()) +
+                      ("ORDER BY " + rows.column("id"));
+  std::map<unsigned, String> names;
+  for (const QueriedName& row : database.query<QueriedName>(odb::query<QueriedName>(query))) {
+    if (!is_possible(row.id)) continue;
+    String name;
+    StringAccess::assign(name, row.name.data(), row.name.size());
+    names.emplace_hint(names.end(), static_cast<unsigned>(row.id), std::move(name));
+  }
+  return names;
+}
+
+template <class T>
 std::vector<unsigned> selected_ids(Database& database,
                                    const typename CriteriaOf<T>::type& criteria) {
   return ids_of<T>(database, criteria, {});
@@ -437,6 +457,7 @@ unsigned long long count_selected(Database& database,
 
 #define VELDRA_INSTANTIATE(T)                                                            \
   template std::vector<unsigned> all_ids<T>(Database&);                                  \
+  template std::map<unsigned, String> all_names<T>(Database&);                           \
   template std::vector<unsigned> existing_ids<T>(Database&, const std::set<unsigned>&);  \
   template std::vector<unsigned> selected_ids<T>(Database&, const CriteriaOf<T>::type&); \
   template std::vector<unsigned> matching_ids<T>(Database&, const String&,               \

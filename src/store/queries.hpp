@@ -7,6 +7,7 @@
 
 #include <veldra/criteria.hpp>
 
+#include <map>
 #include <set>
 #include <vector>
 
@@ -18,6 +19,10 @@ namespace veldra {
 
 template <class T>
 std::vector<unsigned> all_ids(Database& database);
+
+/// The names by the ids.
+template <class T>
+std::map<unsigned, String> all_names(Database& database);
 
 /// Those of the ids that are there.
 template <class T>

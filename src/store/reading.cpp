@@ -160,6 +160,11 @@ std::set<unsigned> Library::ids(const typename CriteriaOf<T>::type& criteria) co
 }
 
 template <class T>
+std::map<unsigned, String> Library::names() const {
+  return reading(*impl_->database, [&] { return all_names<T>(*impl_->database); });
+}
+
+template <class T>
 std::set<unsigned> Library::unreadable() const {
   return reading(*impl_->database, [&] {
     std::set<unsigned> found;
@@ -200,6 +205,7 @@ bool Library::for_each(const typename CriteriaOf<T>::type& criteria,
   template VELDRA_EXPORT unsigned long long Library::count<T>(const CriteriaOf<T>::type&) const;  \
   template VELDRA_EXPORT std::set<unsigned> Library::ids<T>() const;                              \
   template VELDRA_EXPORT std::set<unsigned> Library::ids<T>(const CriteriaOf<T>::type&) const;    \
+  template VELDRA_EXPORT std::map<unsigned, String> Library::names<T>() const;                    \
   template VELDRA_EXPORT std::set<unsigned> Library::unreadable<T>() const;                       \
   template VELDRA_EXPORT bool Library::for_each<T>(                                               \
       const std::function<bool(const std::shared_ptr<T>&)>&) const;                               \

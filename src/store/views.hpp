@@ -4,6 +4,8 @@
 
 #include <odb/core.hxx>
 
+#include <string>
+
 namespace veldra {
 
 /// What is asked of the tables besides whole objects: ids and counts, by a statement that is given
@@ -11,6 +13,13 @@ namespace veldra {
 #pragma db view query()
 struct QueriedNumber {
   unsigned long long value = 0;
+};
+
+/// What an object is called, asked for in the same way.
+#pragma db view query()
+struct QueriedName {
+  unsigned long long id = 0;
+  std::string name;
 };
 
 }  // namespace veldra

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "support/library_test.hpp"
 
+#include <map>
 #include <set>
 #include <string>
 
@@ -39,9 +40,34 @@ TYPED_TEST(IdsOfKind, leave_out_what_no_object_can_have) {
   EXPECT_EQ(this->library->template ids<TypeParam>(), before);
 }
 
+template <class T>
+class NamesOfKind : public LibraryTest {};
+TYPED_TEST_SUITE(NamesOfKind, AllKinds, KindNames);
+
+TYPED_TEST(NamesOfKind, are_those_of_a_list_by_their_ids) {
+  for (const char* name : {"one", "two", "Dämmung 🧱"})
+    this->library->save(full<TypeParam>(name));
+  std::map<unsigned, String> listed;
+  for (const auto& object : all_of<TypeParam>(*this->library)) {
+    listed.emplace(object->id(), object->name());
+  }
+  EXPECT_GE(listed.size(), 3U);
+  EXPECT_EQ(this->library->template names<TypeParam>(), listed);
+}
+
+TYPED_TEST(NamesOfKind, leave_out_what_no_object_can_have) {
+  const auto before = this->library->template names<TypeParam>();
+  PlainDatabase file(this->path);
+  for (const char* id : {"-1", "0", "4294967296"}) {
+    put_named<TypeParam>(file, id, "'Nobody " + std::string(id) + "'");
+  }
+  EXPECT_EQ(this->library->template names<TypeParam>(), before);
+}
+
 TEST(IdsOfNothing, are_none) {
   const auto library = Library::create(":memory:", Unit::Millimetres, "");
   EXPECT_THAT(library->ids<Material>(), IsEmpty());
+  EXPECT_THAT(library->names<Material>(), IsEmpty());
   EXPECT_THAT(library->unreadable<Material>(), IsEmpty());
 }
 
@@ -86,11 +112,13 @@ TEST_F(UnreadableObjects, refer_to_what_is_not_there) {
   EXPECT_FALSE(library->get<Material>(beech));
   EXPECT_EQ(library->unreadable<Material>(), Ids{beech});
   EXPECT_THAT(library->ids<Material>(), Contains(beech));
+  EXPECT_EQ(library->names<Material>().at(beech), "Beech");
 }
 
 TEST_F(UnreadableObjects, have_a_text_that_is_not_utf8) {
   break_material("Beech", "name = CAST(x'ff' AS TEXT)");
   EXPECT_EQ(thrown_by([&] { library->get<Material>(beech); }), "utf8::invalid_utf8");
+  EXPECT_EQ(thrown_by([&] { library->names<Material>(); }), "utf8::invalid_utf8");
   EXPECT_EQ(library->unreadable<Material>(), Ids{beech});
   EXPECT_EQ(library->get<Material>("Oak")->name(), String("Oak"));
 }
