@@ -6,6 +6,7 @@
 #include "store/views-odb.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 #include <iterator>
 #include <limits>
@@ -109,15 +110,21 @@ Query in_list(const std::string& column, const List& list) {
   return in_list(column, list.begin(), list.end());
 }
 
-/// The same as one comparison after another; the list is not empty.
-template <class List>
-Query equals_one_of(const std::string& column, const List& list) {
+/// The same as one comparison after another; the list is not empty. `parameter` says how a value
+/// becomes one of the query.
+template <class List, class Parameter>
+Query equals_one_of(const std::string& column, const List& list, Parameter parameter) {
   Query any;
   for (const auto& value : list) {
-    const Query equal = compare(column, "=", value);
+    const Query equal = Query(column + "=") + parameter(value);
     any = any.empty() ? equal : any || equal;
   }
   return any;
+}
+
+template <class List>
+Query equals_one_of(const std::string& column, const List& list) {
+  return equals_one_of(column, list, [](const auto& value) { return Query::_val(value); });
 }
 
 /// Calls `part` with the list cut into parts that a statement can take.
@@ -131,29 +138,39 @@ void in_parts(const List& list, Part part) {
   }
 }
 
-// What the criteria of each kind say: a condition on its rows, and the names of tags.
+// What the criteria of each kind say: the values that a column may have, and the names of tags.
 
-Query condition_of(const MaterialTypeCriteria&, const Rows&) { return no_condition(); }
-Query condition_of(const LayerCriteria&, const Rows&) { return no_condition(); }
-Query condition_of(const TagCriteria&, const Rows&) { return no_condition(); }
+/// No values leave the choice open.
+struct Choice {
+  const char* column = "";
+  std::vector<unsigned> values;
+};
 
-Query condition_of(const CustomPropertyCriteria& criteria, const Rows& rows) {
-  if (criteria.object_type == ObjectType{}) return no_condition();
-  return compare(rows.column("object_type"), "=", static_cast<int>(criteria.object_type));
+Choice choice_of(const MaterialTypeCriteria&) { return {}; }
+Choice choice_of(const LayerCriteria&) { return {}; }
+Choice choice_of(const TagCriteria&) { return {}; }
+
+Choice choice_of(const CustomPropertyCriteria& criteria) {
+  if (criteria.object_type == ObjectType{}) return {};
+  return {"object_type", {static_cast<unsigned>(criteria.object_type)}};
 }
 
-Query condition_of(const MaterialCriteria& criteria, const Rows& rows) {
-  if (criteria.type == nullptr) return no_condition();
-  return compare(rows.column("type"), "=", criteria.type->id());
+Choice choice_of(const MaterialCriteria& criteria) {
+  if (criteria.type == nullptr) return {};
+  return {"type", {criteria.type->id()}};
 }
 
-Query condition_of(const CompositionCriteria& criteria, const Rows& rows) {
-  if (criteria.types == 0) return no_condition();
-  std::vector<unsigned> types;
+Choice choice_of(const CompositionCriteria& criteria) {
+  Choice choice{"type", {}};
   for (unsigned bit = 1; bit != 0; bit <<= 1) {
-    if ((criteria.types & bit) != 0) types.push_back(bit);
+    if ((criteria.types & bit) != 0) choice.values.push_back(bit);
   }
-  return equals_one_of(rows.column("type"), types);
+  return choice;
+}
+
+Query condition_of(const Choice& choice, const Rows& rows) {
+  return choice.values.empty() ? no_condition()
+                               : equals_one_of(rows.column(choice.column), choice.values);
 }
 
 using TagNames = std::set<std::string>;
@@ -220,7 +237,7 @@ void sort_out(std::vector<unsigned>& ids) {
 template <class T>
 Query full_condition(const typename CriteriaOf<T>::type& criteria, const std::string& pattern,
                      const Rows& rows) {
-  const Query condition = condition_of(criteria, rows);
+  const Query condition = condition_of(choice_of(criteria), rows);
   return pattern.empty() ? condition : condition && compare(rows.column("name"), " LIKE ", pattern);
 }
 
@@ -272,6 +289,7 @@ std::vector<long long> tag_ids(Database& database, const TagNames& names) {
 struct Parameters {
   std::string name;
   int type = 0;
+  std::vector<unsigned> values;  ///< as many as when the query was prepared
 };
 
 /// The query of that name. It reads `parameters` when it is executed.
@@ -305,6 +323,22 @@ std::vector<unsigned> all_ids(Database& database) {
 }
 
 template <class T>
+std::map<unsigned, String> all_names(Database& database) {
+  assert(database.is_current());
+  const Rows rows = objects<T>();
+  const Query query = select(rows.column("id") + "," + rows.column("name"), rows, no_condition()) +
+                      ("ORDER BY " + rows.column("id"));
+  std::map<unsigned, String> names;
+  for (const QueriedName& row : database.query<QueriedName>(odb::query<QueriedName>(query))) {
+    if (!is_possible(row.id)) continue;
+    String name;
+    StringAccess::assign(name, row.name.data(), row.name.size());
+    names.emplace_hint(names.end(), static_cast<unsigned>(row.id), std::move(name));
+  }
+  return names;
+}
+
+template <class T>
 std::vector<unsigned> existing_ids(Database& database, const std::set<unsigned>& ids) {
   std::vector<unsigned> existing;
   // Every part would come in its order, but not the whole.
@@ -320,22 +354,6 @@ std::vector<unsigned> existing_ids(Database& database, const std::set<unsigned>&
                existing);
   });
   return existing;
-}
-
-template <class T>
-std::map<unsigned, String> all_names(Database& database) {
-  assert(database.is_current());
-  const Rows rows = objects<T>();
-  const Query query = select(rows.column("id") + "," + rows.column("name"), rows, no_condition()) +
-                      ("ORDER BY " + rows.column("id"));
-  std::map<unsigned, String> names;
-  for (const QueriedName& row : database.query<QueriedName>(odb::query<QueriedName>(query))) {
-    if (!is_possible(row.id)) continue;
-    String name;
-    StringAccess::assign(name, row.name.data(), row.name.size());
-    names.emplace_hint(names.end(), static_cast<unsigned>(row.id), std::move(name));
-  }
-  return names;
 }
 
 template <class T>
@@ -438,21 +456,50 @@ unsigned long long count_all(Database& database) {
   return query.execute_value().value;
 }
 
+/// The names of the queries that count objects by so many values of a column.
+template <class T>
+const std::string& name_of_count(std::size_t values) {
+  constexpr std::size_t most = std::numeric_limits<unsigned>::digits;
+  static const auto names = [] {
+    std::array<std::string, most + 1> all;
+    for (std::size_t i = 0; i != all.size(); ++i) {
+      all[i] = std::string("count by ") + std::to_string(i) + ": " + Kind<T>::table;
+    }
+    return all;
+  }();
+  return names[values];
+}
+
+template <class T>
+unsigned long long count_chosen(Database& database, const Choice& choice) {
+  Parameters* parameters = nullptr;
+  auto query = prepared(
+      database, name_of_count<T>(choice.values.size()), parameters, [&choice](Parameters& own) {
+        own.values = choice.values;
+        const Rows rows = objects<T>();
+        return counting(rows,
+                        equals_one_of(rows.column(choice.column), own.values,
+                                      [](const unsigned& value) { return Query::_ref(value); }));
+      });
+  std::copy(choice.values.begin(), choice.values.end(), parameters->values.begin());
+  return query.execute_value().value;
+}
+
 template <class T>
 unsigned long long count_selected(Database& database,
                                   const typename CriteriaOf<T>::type& criteria) {
   const TagNames names = tags_of(criteria);
   // In parts, an object could be counted with several of them.
   if (names.size() > list_limit) return selected_ids<T>(database, criteria).size();
-  const Rows rows = objects<T>();
-  const Query condition = condition_of(criteria, rows);
+  const Choice choice = choice_of(criteria);
   if (!names.empty()) {
     const std::vector<long long> tags = tag_ids(database, names);
     if (tags.empty()) return 0;
-    return number(database, counting_once(rows, condition && has_tag<T>(rows, tags)));
+    const Rows rows = objects<T>();
+    return number(database,
+                  counting_once(rows, condition_of(choice, rows) && has_tag<T>(rows, tags)));
   }
-  return condition.const_true() ? count_all<T>(database)
-                                : number(database, counting(rows, condition));
+  return choice.values.empty() ? count_all<T>(database) : count_chosen<T>(database, choice);
 }
 
 #define VELDRA_INSTANTIATE(T)                                                            \
