@@ -269,6 +269,20 @@ TEST_F(KitPlan, means_the_very_name_before_one_in_another_case) {
   EXPECT_EQ(library->get<Material>("BRICK")->manufacturer(), "Another");
 }
 
+TEST_F(KitPlan, takes_a_stored_object_that_cannot_be_read_as_not_there) {
+  library->save(brick("Old"));
+  execute("PRAGMA foreign_keys=OFF; UPDATE Material SET type = 999");
+  const auto shouted = brick("New");
+  shouted->name("BRICK");
+  source->save(shouted);
+  auto rules = rules_for(OnClash::Fail);
+  rules.ignores_case = [](const ObjectKey&) { return true; };
+  EXPECT_EQ(entry<Material>("BRICK", rules).decision, Decision::Add);
+  source->save(brick("New"));
+  EXPECT_EQ(entry<Material>("Brick").decision, Decision::Add);
+  EXPECT_EQ(entry<Material>("Brick", rules).decision, Decision::Add);
+}
+
 /// A material of another case that differs.
 class KitPlanOtherCase : public KitPlan {
  protected:

@@ -48,15 +48,14 @@ std::vector<std::shared_ptr<veldra::CustomProperty>> objects_named(const veldra:
 /// Whether reading has failed at an object of whose name nothing is known.
 bool is_unreadable_object();
 
-/// Calls `offer` with the name of each object of a kind, as far as they can be read.
+/// Calls `offer` with the name of each object of a kind, unless one of them cannot be read.
 template <class T, class Offer>
 void offer_names(const veldra::Library& library, Offer offer) {
   try {
-    library.for_each<T>([&](const std::shared_ptr<T>& object) {
+    for (const auto& [id, each] : library.names<T>()) {
       stop_if_asked();
-      offer(object->name().utf8());
-      return true;
-    });
+      offer(each.utf8());
+    }
   } catch (...) {
     if (!is_unreadable_object()) throw;
   }

@@ -42,17 +42,6 @@ std::string code_of(const Material& material) {
 
 std::string code_of(const Composition&) { return {}; }
 
-bool has_codes(const Library& source, ClassOf<Material>) {
-  bool found = false;
-  source.for_each<Material>([&](const std::shared_ptr<Material>& material) {
-    found = material->has_code();
-    return !found;
-  });
-  return found;
-}
-
-bool has_codes(const Library&, ClassOf<Composition>) { return false; }
-
 [[noreturn]] void fail_missing(const PlanEntry& entry) {
   throw PlanError(fmt::format("there is no {} with the id {} in the library any more",
                               singular_of(entry.source.type), entry.stored));
@@ -91,8 +80,8 @@ KindPlanning<T>::KindPlanning(const Library& source, const Library& destination,
       progress_(progress),
       materials_(materials),
       comparing_(source, destination),
-      stored_(destination, source.count<T>(), static_cast<bool>(rules.ignores_case),
-              [&source] { return has_codes(source, ClassOf<T>{}); }) {}
+      stored_(destination, source.count<T>(), static_cast<bool>(rules.ignores_case)),
+      stored_codes_(destination) {}
 
 template <class T>
 void KindPlanning<T>::plan(std::vector<PlanEntry>& entries) {
@@ -127,13 +116,21 @@ void KindPlanning<T>::plan_part(const std::set<unsigned>& ids, std::vector<PlanE
     auto& entry = entries[begin + i];
     if (progress_) progress_();
     note_code(*incoming[i]);
+    if (entry.stored != 0 && stored.count(entry.stored) == 0) forget_stored(entry);
     if (entry.stored == 0) {
       if (is_renamed(entry.source)) rename(entry, *incoming[i]);
       continue;
     }
-    if (stored.count(entry.stored) == 0) fail_missing(entry);
     decide(entry, *incoming[i], *stored[entry.stored]);
   }
+}
+
+/// One of the same name that cannot be read counts as not there, as it does in a list.
+template <class T>
+void KindPlanning<T>::forget_stored(PlanEntry& entry) const {
+  if (rules_.states_of.count(entry.source) != 0) fail_missing(entry);
+  entry.stored = 0;
+  entry.clashes.clear();
 }
 
 template <class T>
@@ -169,8 +166,9 @@ unsigned KindPlanning<T>::stored_for(const T& incoming, bool& other_case) const 
   if (exact != 0 || !rules_.ignores_case || !rules_.ignores_case(key_of(incoming))) return exact;
   const unsigned folded = stored_.with_folded_name(name);
   if (folded == 0) return 0;
+  const auto stored = destination_.get<T>(folded);
   // Another object of the source may have the very name, and then is the one that is meant.
-  other_case = !source_.get<T>(destination_.get<T>(folded)->name());
+  other_case = stored && !source_.get<T>(stored->name());
   return other_case ? folded : 0;
 }
 
@@ -277,7 +275,7 @@ OnClash KindPlanning<T>::policy_for(const ObjectKey& key) const {
 /// Codes, and the names of other states of stored objects, may be taken by objects that nothing of
 /// the source stands for. Unless these give them up, somebody has to decide.
 template <class T>
-void KindPlanning<T>::settle_taken(std::vector<PlanEntry>& entries, std::size_t begin) const {
+void KindPlanning<T>::settle_taken(std::vector<PlanEntry>& entries, std::size_t begin) {
   std::set<unsigned> give_code_up;
   std::set<unsigned> give_name_up;
   for (std::size_t i = begin; i < entries.size(); ++i) {
@@ -289,7 +287,7 @@ void KindPlanning<T>::settle_taken(std::vector<PlanEntry>& entries, std::size_t 
     if (!is_written(entry)) continue;
     const auto code = codes_.find(entry.source);
     if (code != codes_.end()) {
-      require_free(entry, stored_.with_code(code->second), give_code_up, code->second);
+      require_free(entry, stored_codes_.holder_of(code->second), give_code_up, code->second);
     }
     if (change_of(entry, "name")) {
       require_free(entry, stored_.with_name(entry.result), give_name_up, {});

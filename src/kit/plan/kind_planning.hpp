@@ -31,6 +31,7 @@ class KindPlanning {
   void plan_part(const std::set<unsigned>& ids, std::vector<PlanEntry>& entries);
   PlanEntry entry_of(const T& incoming) const;
   unsigned stored_for(const T& incoming, bool& other_case) const;
+  void forget_stored(PlanEntry& entry) const;
   void note_code(const T& incoming);
   void decide(PlanEntry& entry, const T& incoming, const T& stored);
   void decide_state(PlanEntry& entry, const T& incoming, const T& stored) const;
@@ -43,7 +44,7 @@ class KindPlanning {
   bool is_free(const std::string& name, const std::string& own) const;
   OnClash policy_for(const ObjectKey& key) const;
 
-  void settle_taken(std::vector<PlanEntry>& entries, std::size_t begin) const;
+  void settle_taken(std::vector<PlanEntry>& entries, std::size_t begin);
   void require_free(PlanEntry& entry, unsigned holder, const std::set<unsigned>& give_up,
                     const std::string& code) const;
 
@@ -54,6 +55,7 @@ class KindPlanning {
   const NewNames& materials_;
   Comparing<T> comparing_;
   StoredObjects<T> stored_;
+  StoredCodes stored_codes_;
   std::set<std::string> given_names_;
   std::map<ObjectKey, std::string> codes_;  ///< of incoming materials
 };

@@ -47,7 +47,7 @@ void Planning::note_new_names() {
 
 template <class T>
 void Planning::plan_named() {
-  const StoredObjects<T> stored(destination_, source_.count<T>(), false, [] { return false; });
+  const StoredObjects<T> stored(destination_, source_.count<T>(), false);
   source_.for_each<T>([&](const std::shared_ptr<T>& object) {
     entries_.push_back(
         named_entry(*object, [&](const T& each) { return stored.with_name(each.name().utf8()); }));

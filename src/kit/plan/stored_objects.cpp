@@ -4,14 +4,12 @@
 #include <veldra/kit/fields.hpp>
 #include <veldra/kit/text.hpp>
 
-#include <type_traits>
-
 namespace veldra::kit {
 
 namespace {
 
-/// Asking for one object costs as much as reading so many of a list.
-constexpr unsigned long long list_factor = 8;
+/// Asking for one object costs as much as so many names.
+constexpr unsigned long long names_factor = 32;
 
 unsigned id_in(const std::unordered_map<std::string, unsigned>& ids, const std::string& key) {
   const auto found = ids.find(key);
@@ -22,25 +20,18 @@ unsigned id_in(const std::unordered_map<std::string, unsigned>& ids, const std::
 
 template <class T>
 StoredObjects<T>::StoredObjects(const Library& destination, unsigned long long incoming,
-                                bool folds_names, const std::function<bool()>& has_codes)
+                                bool folds_names)
     : destination_(destination),
       folds_names_(folds_names),
-      all_(folds_names || incoming * list_factor >= destination.count<T>() || has_codes()) {
+      all_(folds_names || incoming * names_factor >= destination.count<T>()) {
   if (!all_) return;
-  destination.for_each<T>([this](const std::shared_ptr<T>& object) {
-    enter(*object);
-    return true;
-  });
+  for (const auto& [id, name] : destination.names<T>()) enter(name.utf8(), id);
 }
 
 template <class T>
-void StoredObjects<T>::enter(const T& object) {
-  const std::string name = object.name().utf8();
-  by_name_.emplace(name, object.id());
-  if (folds_names_) by_folded_name_.emplace(lower_case(name), object.id());
-  if constexpr (std::is_same_v<T, Material>) {
-    if (object.has_code()) by_code_.emplace(object.code().utf8(), object.id());
-  }
+void StoredObjects<T>::enter(const std::string& name, unsigned id) {
+  by_name_.emplace(name, id);
+  if (folds_names_) by_folded_name_.emplace(lower_case(name), id);
 }
 
 template <class T>
@@ -55,9 +46,17 @@ unsigned StoredObjects<T>::with_folded_name(const std::string& name) const {
   return id_in(by_folded_name_, lower_case(name));
 }
 
-template <class T>
-unsigned StoredObjects<T>::with_code(const std::string& code) const {
-  return id_in(by_code_, code);
+unsigned StoredCodes::holder_of(const std::string& code) {
+  if (!ids_) read();
+  return id_in(*ids_, code);
+}
+
+void StoredCodes::read() {
+  ids_.emplace();
+  destination_.for_each<Material>([this](const std::shared_ptr<Material>& material) {
+    if (material->has_code()) ids_->emplace(material->code().utf8(), material->id());
+    return true;
+  });
 }
 
 StoredProperties::StoredProperties(const Library& destination) {
