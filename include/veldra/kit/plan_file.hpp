@@ -54,7 +54,7 @@ class VELDRA_KIT_EXPORT PlanFile {
   /// - `SourceError`: this is no plan, or something in it is missing, not known, there twice, of
   ///   another kind than it must be, or makes no sense.
   /// - `std::bad_alloc`.
-  PlanFile(std::string file, const std::string& content);
+  PlanFile(std::string file, std::string content);
 
   /// Where the library of the plan was when that was written, in UTF-8.
   const std::string& path() const noexcept { return path_; }

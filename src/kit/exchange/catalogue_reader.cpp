@@ -38,11 +38,11 @@ double known_number(const JsonNode& node, const ObjectReader& reader, const char
 }
 
 Color color_of(const JsonNode& node, const ObjectReader& reader) {
-  if (node.kind != JsonNode::Kind::Array || node.elements.size() != 4) {
+  if (node.kind != JsonNode::Kind::Array || node.elements().size() != 4) {
     reader.fail(node, "a colour is a list of four numbers: red, green, blue, alpha");
   }
   const auto part = [&](std::size_t index) {
-    return known_number(node.elements[index], reader, "a colour");
+    return known_number(node.elements()[index], reader, "a colour");
   };
   return {part(0), part(1), part(2), part(3)};
 }
@@ -63,11 +63,11 @@ Pattern pattern_of(const JsonNode& node, const std::string& file) {
 }
 
 Point2d point_of(const JsonNode& node, const ObjectReader& reader) {
-  if (node.kind != JsonNode::Kind::Array || node.elements.size() != 2) {
+  if (node.kind != JsonNode::Kind::Array || node.elements().size() != 2) {
     reader.fail(node, "a point is a list of two numbers");
   }
-  return {known_number(node.elements[0], reader, "a point"),
-          known_number(node.elements[1], reader, "a point")};
+  return {known_number(node.elements()[0], reader, "a point"),
+          known_number(node.elements()[1], reader, "a point")};
 }
 
 /// Reads the objects of one file.
@@ -130,7 +130,7 @@ class CatalogueReader {
       return static_cast<ObjectType>(reader.integer("object_type", 0));
     }
     for (const auto kind : {ObjectType::Material, ObjectType::Composition}) {
-      if (node.text == singular_of(kind)) return kind;
+      if (node.text() == singular_of(kind)) return kind;
     }
     reader.fail(node, "'object_type' must be \"material\", \"composition\" or a number");
   }
@@ -145,10 +145,11 @@ class CatalogueReader {
     const JsonNode* node = reader.find(key);
     if (node == nullptr) return;
     const ObjectReader values(*node, fmt::format("'{}'", key), file_);
-    for (const auto& [name, value] : node->members) {
+    for (const auto& [name, value] : node->members()) {
       const bool number = value.kind == JsonNode::Kind::Number;
-      owner.custom_value(shared_.property(library_text(name), kind),
-                         number ? library_text(exact_number(value.number)) : values.text_of(value));
+      owner.custom_value(
+          shared_.property(library_text(name), kind),
+          number ? library_text(exact_number(value.number())) : values.text_of(value));
     }
   }
 
@@ -177,9 +178,9 @@ class CatalogueReader {
 
   /// The library never writes assets.
   static void add_asset(const std::string& asset, const JsonNode& node, FieldsNotKept& not_kept) {
-    if (node.members.empty()) not_kept.emplace_back(asset, text_of_any(node));
-    for (const auto& [name, value] : node.members) {
-      not_kept.emplace_back(asset + "." + name, text_of_any(value));
+    if (node.members().empty()) not_kept.emplace_back(asset, text_of_any(node));
+    for (const auto& [name, value] : node.members()) {
+      not_kept.emplace_back(asset + "." + name.text(), text_of_any(value));
     }
   }
 
@@ -300,12 +301,12 @@ bool has_core(const Composition& composition, const CatalogueComposition& wanted
 
 bool is_catalogue(const JsonNode& document) {
   const JsonNode* format = document.member("format");
-  return format != nullptr && format->text == format_name;
+  return format != nullptr && format->text() == format_name;
 }
 
 bool has_catalogue_objects(const JsonNode& document) {
-  return std::any_of(document.members.begin(), document.members.end(), [](const auto& member) {
-    return member.first != "format" && member.first != "version";
+  return std::any_of(document.members().begin(), document.members().end(), [](const auto& member) {
+    return member.name != "format" && member.name != "version";
   });
 }
 
@@ -345,7 +346,7 @@ class CatalogueContent : public SourceContent {
  private:
   std::size_t number_in(const char* list) const {
     const JsonNode* objects = content_.document->member(list);
-    return objects != nullptr ? objects->elements.size() : 0;
+    return objects != nullptr ? objects->elements().size() : 0;
   }
 
   FileContent content_;

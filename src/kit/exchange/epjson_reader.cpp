@@ -24,7 +24,7 @@ void require_object(const JsonNode& node, const std::string& what, const std::st
 /// More than any object has that is none to fill the memory.
 void require_few_members(const JsonNode& node, const std::string& name, const std::string& file) {
   constexpr std::size_t most = 1000;
-  if (node.members.size() <= most) return;
+  if (node.members().size() <= most) return;
   fail_at(file, node.line, fmt::format("{} has more than {} fields", quoted(name), most), name);
 }
 
@@ -32,7 +32,7 @@ void require_few_members(const JsonNode& node, const std::string& name, const st
 /// not that a value is missing.
 bool says_something(const std::string& key, const JsonNode& value) {
   if (key.compare(0, 4, "idf_") == 0 || value.kind == JsonNode::Kind::Null) return false;
-  return value.kind != JsonNode::Kind::Text || !trimmed(value.text).empty();
+  return value.kind != JsonNode::Kind::Text || !trimmed(value.text()).empty();
 }
 
 SourceMaterial material_from(const std::string& name, const JsonNode& node,
@@ -50,7 +50,7 @@ SourceMaterial material_from(const std::string& name, const JsonNode& node,
     std::string text = scalar_text(*value, file);
     if (!text.empty()) material.values[field.key] = std::move(text);
   }
-  for (const auto& [key, value] : node.members) {
+  for (const auto& [key, value] : node.members()) {
     if (known.count(key) == 0 && says_something(key, value)) {
       material.not_kept.emplace_back(key, text_of_any(value));
     }
@@ -77,7 +77,7 @@ SourceConstruction construction_from(const std::string& name, const JsonNode& no
   construction.line = node.line;
   if (described.kind == ConstructionKind::WithoutLayers) return construction;
   std::map<unsigned, std::string> layers;
-  for (const auto& [key, value] : node.members) {
+  for (const auto& [key, value] : node.members()) {
     const unsigned position = layer_position(key);
     if (position == 0 && says_something(key, value)) {
       construction.not_kept.emplace_back(key, text_of_any(value));
@@ -92,8 +92,8 @@ SourceConstruction construction_from(const std::string& name, const JsonNode& no
 
 bool has_objects_only(const JsonNode& node) {
   return node.kind == JsonNode::Kind::Object &&
-         std::all_of(node.members.begin(), node.members.end(), [](const auto& member) {
-           return member.second.kind == JsonNode::Kind::Object;
+         std::all_of(node.members().begin(), node.members().end(), [](const auto& member) {
+           return member.value.kind == JsonNode::Kind::Object;
          });
 }
 
@@ -109,14 +109,15 @@ bool is_evidence(const std::string& name, const JsonNode& objects) {
 /// constructions, or nothing but objects of objects under names that classes can have.
 bool is_epjson(const JsonNode& document) {
   if (document.kind != JsonNode::Kind::Object) return false;
-  const auto& members = document.members;
+  const auto& members = document.members();
   if (std::any_of(members.begin(), members.end(),
-                  [](const auto& member) { return is_evidence(member.first, member.second); })) {
+                  [](const auto& member) { return is_evidence(member.name, member.value); })) {
     return true;
   }
   return std::all_of(members.begin(), members.end(), [](const auto& member) {
     const auto& [name, objects] = member;
-    return can_be_class(name) && name[0] >= 'A' && name[0] <= 'Z' && has_objects_only(objects);
+    return can_be_class(name) && name.text()[0] >= 'A' && name.text()[0] <= 'Z' &&
+           has_objects_only(objects);
   });
 }
 
@@ -124,15 +125,15 @@ bool is_epjson(const JsonNode& document) {
 SourceModel read_epjson(JsonNode document, const std::string& file) {
   SourceModel model;
   require_object(document, "the document", file);
-  for (auto& [name, objects] : document.members) {
+  for (auto& [name, objects] : *document.own_members()) {
     const auto* material = material_class(name);
     const auto* construction = construction_class(name);
     require_object(objects, quoted(name), file);
     if (!material && !construction) {
-      model.skipped[name] += static_cast<unsigned>(objects.members.size());
+      model.skipped[name] += static_cast<unsigned>(objects.members().size());
       continue;
     }
-    for (auto& [object, node] : objects.members) {
+    for (auto& [object, node] : *objects.own_members()) {
       require_object(node, quoted(object), file);
       require_few_members(node, object, file);
       if (material) {

@@ -31,9 +31,9 @@ bool is_object(const JsonNode& node) {
 /// without objects; no other format has a list.
 bool is_honeybee(const JsonNode& document) {
   if (is_object(document)) return true;
-  if (document.kind == JsonNode::Kind::Array && document.elements.empty()) return true;
-  if (!document.elements.empty()) return is_object(document.elements.front());
-  return !document.members.empty() && is_object(document.members.front().second);
+  if (document.kind == JsonNode::Kind::Array && document.elements().empty()) return true;
+  if (!document.elements().empty()) return is_object(document.elements().front());
+  return !document.members().empty() && is_object(document.members().front().value);
 }
 
 /// Members that every object has, and those that are for other programs.
@@ -50,8 +50,12 @@ class HoneybeeReader {
     if (is_object(document)) {
       read_object(document);
     } else {
-      for (auto& element : document.elements) use_up(element);
-      for (auto& member : document.members) use_up(member.second);
+      if (auto* elements = document.own_elements()) {
+        for (auto& element : *elements) use_up(element);
+      }
+      if (auto* members = document.own_members()) {
+        for (auto& member : *members) use_up(member.value);
+      }
     }
     for (auto& construction : model_.constructions) {
       for (auto& layer : construction.layers) layer = name_of(layer);
@@ -70,7 +74,7 @@ class HoneybeeReader {
     if (!is_object(node)) {
       fail_at(file_, node.line, "an object with 'type' and 'identifier' is expected");
     }
-    const auto& type = node.member("type")->text;
+    const auto& type = node.member("type")->text();
     if (type == "Model") return read_model(node);
     if (const auto* described = honeybee_class(type)) return read_material(node, *described);
     if (const auto* described = honeybee_construction(type)) {
@@ -86,7 +90,7 @@ class HoneybeeReader {
     for (const char* list : {"materials", "constructions"}) {
       const JsonNode* objects = energy != nullptr ? energy->member(list) : nullptr;
       if (objects == nullptr) continue;
-      for (const auto& object : objects->elements) read_object(object);
+      for (const auto& object : objects->elements()) read_object(object);
     }
     ++model_.skipped["Model"];
   }
@@ -131,7 +135,7 @@ class HoneybeeReader {
       read_gases(node, material);
       known.insert({"gas_types", "gas_fractions"});
     }
-    for (const auto& [key, value] : node.members) {
+    for (const auto& [key, value] : node.members()) {
       if (known.count(key) > 0 || is_common(key) || value.kind == JsonNode::Kind::Null) continue;
       material.not_kept.emplace_back(key, text_of_any(value));
     }
@@ -143,7 +147,7 @@ class HoneybeeReader {
       const JsonNode* values = node.member(list);
       if (values == nullptr) return;
       int gas = 0;
-      for (const auto& value : values->elements) {
+      for (const auto& value : values->elements()) {
         if (++gas > most_gases) {
           fail_at(file_, node.line, fmt::format("a mixture has at most {} gases", most_gases),
                   material.name);
@@ -160,12 +164,12 @@ class HoneybeeReader {
     SourceConstruction construction;
     construction.described = &described;
     take_name(node, constructions_, construction);
-    for (const auto& [key, value] : node.members) {
+    for (const auto& [key, value] : node.members()) {
       if (key == "materials" || is_common(key) || value.kind == JsonNode::Kind::Null) continue;
       construction.not_kept.emplace_back(key, text_of_any(value));
     }
     if (const JsonNode* materials = node.member("materials")) {
-      for (const auto& layer : materials->elements) {
+      for (const auto& layer : materials->elements()) {
         construction.layers.push_back(read_layer(layer));
       }
     }

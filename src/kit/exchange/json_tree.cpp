@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <unordered_map>
 
 namespace veldra::kit {
 
@@ -45,7 +46,7 @@ class CountingIterator {
   unsigned* line_;
 };
 
-/// Each value takes memory, however short it is: 128 bytes as a member. A large document may have
+/// Each value takes memory, however short it is: 64 bytes as a member. A large document may have
 /// more of them, as long as they take no more than eight times its size.
 constexpr std::size_t most_values_of_small = 2'000'000;
 constexpr std::size_t fewest_bytes_of_value = 16;
@@ -61,38 +62,35 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
   JsonNode root;
 
   bool null() override { return add(JsonNode()); }
-
-  bool boolean(bool value) override {
-    JsonNode node;
-    node.kind = JsonNode::Kind::Boolean;
-    node.boolean = value;
-    return add(std::move(node));
-  }
+  bool boolean(bool value) override { return add(JsonNode(value)); }
 
   bool number_integer(number_integer_t value) override {
-    return add_number(static_cast<double>(value));
+    return add(JsonNode(static_cast<double>(value)));
   }
   bool number_unsigned(number_unsigned_t value) override {
-    return add_number(static_cast<double>(value));
+    return add(JsonNode(static_cast<double>(value)));
   }
-  bool number_float(number_float_t value, const string_t&) override { return add_number(value); }
+  bool number_float(number_float_t value, const string_t&) override { return add(JsonNode(value)); }
 
   bool string(string_t& value) override {
-    JsonNode node;
-    node.kind = JsonNode::Kind::Text;
-    node.text = std::move(value);
-    return add(std::move(node));
+    return add(JsonNode(std::string(value)));  // the parser's own has room for longer ones
   }
 
   bool binary(binary_t&) override { return false; }
 
-  bool start_object(std::size_t) override { return open(JsonNode::Kind::Object); }
-  bool start_array(std::size_t) override { return open(JsonNode::Kind::Array); }
-  bool end_object() override { return close(); }
-  bool end_array() override { return close(); }
+  bool start_object(std::size_t) override { return open(JsonNode(JsonNode::Members())); }
+  bool start_array(std::size_t) override { return open(JsonNode(JsonNode::Elements())); }
+  bool end_object() override {
+    open_.back().own_members()->shrink_to_fit();
+    return close();
+  }
+  bool end_array() override {
+    open_.back().own_elements()->shrink_to_fit();
+    return close();
+  }
 
   bool key(string_t& name) override {
-    names_.back() = std::move(name);
+    names_.back() = shared(name);
     lines_.back() = line_;
     return true;
   }
@@ -111,19 +109,20 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
     return start == std::string::npos ? "" : " (" + in_utf8(message.substr(start + 2)) + ")";
   }
 
-  bool add_number(double value) {
-    JsonNode node;
-    node.kind = JsonNode::Kind::Number;
-    node.number = value;
-    return add(std::move(node));
+  /// Names that are met when there are many already are those of objects, and have no likes.
+  JsonName shared(const std::string& name) {
+    constexpr std::size_t most = 10'000;
+    const auto found = known_names_.find(name);
+    if (found != known_names_.end()) return found->second;
+    JsonName own(name);
+    if (known_names_.size() < most) known_names_.emplace(name, own);
+    return own;
   }
 
-  bool open(JsonNode::Kind kind) {
+  bool open(JsonNode node) {
     if (open_.size() == deepest) {
       fail_at(file_, line_, "the values are nested too deep");
     }
-    JsonNode node;
-    node.kind = kind;
     node.line = line_;
     open_.push_back(std::move(node));
     names_.emplace_back();
@@ -133,8 +132,6 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
 
   bool close() {
     JsonNode node = std::move(open_.back());
-    node.elements.shrink_to_fit();
-    node.members.shrink_to_fit();
     open_.pop_back();
     names_.pop_back();
     lines_.pop_back();
@@ -152,11 +149,11 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
     }
     if (open_.empty()) {
       root = std::move(node);
-    } else if (open_.back().kind == JsonNode::Kind::Array) {
-      open_.back().elements.push_back(std::move(node));
+    } else if (auto* elements = open_.back().own_elements()) {
+      elements->push_back(std::move(node));
     } else {
       node.line = lines_.back();
-      open_.back().members.emplace_back(std::move(names_.back()), std::move(node));
+      open_.back().own_members()->push_back({std::move(names_.back()), std::move(node)});
     }
     return true;
   }
@@ -166,9 +163,17 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
   std::size_t most_values_;
   std::size_t values_ = 0;
   std::vector<JsonNode> open_;
-  std::vector<std::string> names_;  ///< of the members that are being read, one a level
-  std::vector<unsigned> lines_;     ///< of those names
+  std::vector<JsonName> names_;  ///< of the members that are being read, one a level
+  std::vector<unsigned> lines_;  ///< of those names
+  std::unordered_map<std::string, JsonName> known_names_;
 };
+
+template <class T, class Content>
+const T& content_or_nothing(const Content& content) {
+  static const T nothing;
+  const auto* found = std::get_if<T>(&content);
+  return found != nullptr ? *found : nothing;
+}
 
 nlohmann::ordered_json json_of(const JsonNode& node) {
   switch (node.kind) {
@@ -177,17 +182,17 @@ nlohmann::ordered_json json_of(const JsonNode& node) {
     case JsonNode::Kind::Boolean:
       return node.boolean;
     case JsonNode::Kind::Number:
-      return node.number;
+      return node.number();
     case JsonNode::Kind::Text:
-      return node.text;
+      return node.text();
     case JsonNode::Kind::Array: {
       auto list = nlohmann::ordered_json::array();
-      for (const auto& element : node.elements) list.push_back(json_of(element));
+      for (const auto& element : node.elements()) list.push_back(json_of(element));
       return list;
     }
     case JsonNode::Kind::Object: {
       auto object = nlohmann::ordered_json::object();
-      for (const auto& [name, value] : node.members) object[name] = json_of(value);
+      for (const auto& [name, value] : node.members()) object[name.text()] = json_of(value);
       return object;
     }
   }
@@ -197,8 +202,8 @@ nlohmann::ordered_json json_of(const JsonNode& node) {
 }  // namespace
 
 std::string text_of_any(const JsonNode& node) {
-  if (node.kind == JsonNode::Kind::Text) return node.text;
-  if (node.kind == JsonNode::Kind::Number) return exact_number(node.number);
+  if (node.kind == JsonNode::Kind::Text) return node.text();
+  if (node.kind == JsonNode::Kind::Number) return exact_number(node.number());
   return json_of(node).dump();
 }
 
@@ -207,9 +212,9 @@ std::string scalar_text(const JsonNode& node, const std::string& file) {
     case JsonNode::Kind::Null:
       return "";
     case JsonNode::Kind::Number:
-      return exact_number(node.number);
+      return exact_number(node.number());
     case JsonNode::Kind::Text:
-      return trimmed(node.text);
+      return trimmed(node.text());
     case JsonNode::Kind::Boolean:
       return node.boolean ? "Yes" : "No";
     default:
@@ -217,9 +222,22 @@ std::string scalar_text(const JsonNode& node, const std::string& file) {
   }
 }
 
+double JsonNode::number() const {
+  const auto* number = std::get_if<double>(&content_);
+  return number != nullptr ? *number : 0;
+}
+
+const std::string& JsonNode::text() const { return content_or_nothing<std::string>(content_); }
+
+const JsonNode::Elements& JsonNode::elements() const {
+  return content_or_nothing<Elements>(content_);
+}
+
+const JsonNode::Members& JsonNode::members() const { return content_or_nothing<Members>(content_); }
+
 const JsonNode* JsonNode::member(const std::string& name) const {
-  for (const auto& [key, value] : members) {
-    if (key == name) return &value;
+  for (const auto& [key, value] : members()) {
+    if (key.text() == name) return &value;
   }
   return nullptr;
 }

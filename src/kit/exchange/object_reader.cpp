@@ -8,8 +8,11 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <set>
+#include <string_view>
 
 namespace veldra::kit {
 
@@ -23,10 +26,23 @@ ObjectReader ObjectReader::of_kind(const JsonNode& node, const std::string& kind
 
 ObjectReader::ObjectReader(const JsonNode& node, const std::string& what, bool by_name,
                            const std::string& file)
-    : node_(node), what_(what), by_name_(by_name), file_(file) {
+    : node_(node),
+      what_(what),
+      by_name_(by_name),
+      file_(file),
+      is_known_(node.members().size(), false) {
   if (node.kind != JsonNode::Kind::Object) fail(node, "it must be a JSON object");
+  require_own_names();
+}
+
+void ObjectReader::require_own_names() const {
+  std::vector<std::string_view> names;
+  names.reserve(node_.members().size());
+  for (const auto& member : node_.members()) names.emplace_back(member.name.text());
+  std::sort(names.begin(), names.end());
+  if (std::adjacent_find(names.begin(), names.end()) == names.end()) return;
   std::set<std::string> seen;
-  for (const auto& [key, value] : node.members) {
+  for (const auto& [key, value] : node_.members()) {
     if (!seen.insert(key).second) fail(value, fmt::format("{} is there twice", quoted(key)));
   }
 }
@@ -45,11 +61,15 @@ bool ObjectReader::is_named() const {
   return by_name_ && name != nullptr && name->kind == JsonNode::Kind::Text;
 }
 
-std::string ObjectReader::name() const { return is_named() ? node_.member("name")->text : ""; }
+std::string ObjectReader::name() const { return is_named() ? node_.member("name")->text() : ""; }
 
 const JsonNode* ObjectReader::find(const std::string& key) {
-  known_.insert(key);
-  return node_.member(key);
+  const auto& members = node_.members();
+  const auto found = std::find_if(members.begin(), members.end(),
+                                  [&](const auto& member) { return member.name.text() == key; });
+  if (found == members.end()) return nullptr;
+  is_known_[static_cast<std::size_t>(found - members.begin())] = true;
+  return &found->value;
 }
 
 const JsonNode& ObjectReader::required(const std::string& key) {
@@ -100,30 +120,32 @@ const std::vector<JsonNode>& ObjectReader::list(const std::string& key) {
   if (node->kind != JsonNode::Kind::Array) {
     fail(*node, fmt::format("{} must be a list", quoted(key)));
   }
-  return node->elements;
+  return node->elements();
 }
 
 void ObjectReader::finish() const {
-  for (const auto& [key, value] : node_.members) {
-    if (known_.count(key) == 0) fail(value, fmt::format("{} is not known", quoted(key)));
-  }
+  const auto unknown = std::find(is_known_.begin(), is_known_.end(), false) - is_known_.begin();
+  const auto& members = node_.members();
+  if (unknown == static_cast<std::ptrdiff_t>(members.size())) return;
+  const auto& [key, value] = members[static_cast<std::size_t>(unknown)];
+  fail(value, fmt::format("{} is not known", quoted(key)));
 }
 
 String ObjectReader::text_of(const JsonNode& node) const {
   if (node.kind != JsonNode::Kind::Text) fail(node, "a text is expected");
   try {
-    return library_text(node.text);
+    return library_text(node.text());
   } catch (const Error& error) {
     fail(node, error.what());
   }
 }
 
 double ObjectReader::number_of(const JsonNode& node) const {
-  if (node.kind == JsonNode::Kind::Number) return node.number;
+  if (node.kind == JsonNode::Kind::Number) return node.number();
   if (node.kind == JsonNode::Kind::Null) return std::numeric_limits<double>::quiet_NaN();
   constexpr double infinity = std::numeric_limits<double>::infinity();
-  if (node.kind == JsonNode::Kind::Text && node.text == "Infinity") return infinity;
-  if (node.kind == JsonNode::Kind::Text && node.text == "-Infinity") return -infinity;
+  if (node.kind == JsonNode::Kind::Text && node.text() == "Infinity") return infinity;
+  if (node.kind == JsonNode::Kind::Text && node.text() == "-Infinity") return -infinity;
   fail(node, "a number is expected");
 }
 
@@ -133,7 +155,7 @@ unsigned ObjectReader::index_of(const JsonNode& node) const {
 
 long long ObjectReader::integer_of(const JsonNode& node, long long least,
                                    long long greatest) const {
-  const double number = node.kind == JsonNode::Kind::Number ? node.number : 0.5;
+  const double number = node.kind == JsonNode::Kind::Number ? node.number() : 0.5;
   if (number != std::floor(number)) fail(node, "a whole number is expected");
   if (number < static_cast<double>(least) || number > static_cast<double>(greatest)) {
     fail(node, "the number is out of range");

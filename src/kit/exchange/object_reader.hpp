@@ -6,8 +6,8 @@
 
 #include <veldra/library.hpp>
 
-#include <set>
 #include <string>
+#include <vector>
 
 namespace veldra::kit {
 
@@ -48,6 +48,7 @@ class ObjectReader {
   ObjectReader(const JsonNode& node, const std::string& what, bool by_name,
                const std::string& file);
 
+  void require_own_names() const;
   bool is_named() const;
   std::string name() const;
   std::string what() const;
@@ -58,7 +59,7 @@ class ObjectReader {
   std::string what_;
   bool by_name_;
   const std::string& file_;
-  std::set<std::string> known_;
+  std::vector<bool> is_known_;  ///< whether somebody asked for the member at that place
 };
 
 }  // namespace veldra::kit

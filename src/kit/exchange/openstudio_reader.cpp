@@ -92,8 +92,8 @@ const MaterialClass& class_of(const std::string& name, bool has_thickness) {
 }
 
 const JsonNode* first_value(const JsonNode& node) {
-  if (!node.elements.empty()) return &node.elements.front();
-  return node.members.empty() ? nullptr : &node.members.front().second;
+  if (!node.elements().empty()) return &node.elements().front();
+  return node.members().empty() ? nullptr : &node.members().front().value;
 }
 
 constexpr int deepest = 3;
@@ -110,8 +110,8 @@ bool is_openstudio_standards(const JsonNode& node, int depth = 0) {
     }
   }
   if (depth == deepest) return false;
-  return std::any_of(node.members.begin(), node.members.end(), [&](const auto& member) {
-    return is_openstudio_standards(member.second, depth + 1);
+  return std::any_of(node.members().begin(), node.members().end(), [&](const auto& member) {
+    return is_openstudio_standards(member.value, depth + 1);
   });
 }
 
@@ -141,7 +141,7 @@ class StandardsReader {
 
  private:
   void read_lists(const JsonNode& node, int depth) {
-    for (const auto& [key, value] : node.members) {
+    for (const auto& [key, value] : node.members()) {
       if (key == "materials") {
         for_each_object(value, [this](const JsonNode& object) { read_material(object); });
       } else if (key == "constructions") {
@@ -149,7 +149,7 @@ class StandardsReader {
       } else if (depth < deepest && value.kind == JsonNode::Kind::Object) {
         read_lists(value, depth + 1);
       } else if (value.kind == JsonNode::Kind::Array) {
-        model_.skipped[key] += static_cast<unsigned>(value.elements.size());
+        model_.skipped[key] += static_cast<unsigned>(value.elements().size());
       }
     }
   }
@@ -160,8 +160,8 @@ class StandardsReader {
       if (node.kind != JsonNode::Kind::Object) fail_at(file_, node.line, "an object is expected");
       work(node);
     };
-    for (const auto& element : list.elements) take(element);
-    for (const auto& member : list.members) take(member.second);
+    for (const auto& element : list.elements()) take(element);
+    for (const auto& member : list.members()) take(member.value);
   }
 
   std::string text_of(const JsonNode& node, const char* key) const {
@@ -188,7 +188,7 @@ class StandardsReader {
       const auto text = text_of(node, field.key);
       if (!text.empty()) material.values[field.key] = converted(text, field);
     }
-    for (const auto& [key, value] : node.members) {
+    for (const auto& [key, value] : node.members()) {
       if (known.count(key) == 0) add_not_kept(key, value, material.not_kept);
     }
     model_.materials.push_back(std::move(material));
@@ -204,7 +204,7 @@ class StandardsReader {
 
   static void add_not_kept(const std::string& key, const JsonNode& value, FieldsNotKept& fields) {
     const bool empty = value.kind == JsonNode::Kind::Null ||
-                       (value.kind == JsonNode::Kind::Text && trimmed(value.text).empty());
+                       (value.kind == JsonNode::Kind::Text && trimmed(value.text()).empty());
     if (!empty) fields.emplace_back(key, text_of_any(value));
   }
 
@@ -220,13 +220,13 @@ class StandardsReader {
     construction.name = text_of(node, "name");
     construction.line = node.line;
     construction.type = type_for(text_of(node, "intended_surface_type"));
-    for (const auto& [key, value] : node.members) {
+    for (const auto& [key, value] : node.members()) {
       const auto property = properties.find(key);
       if (property != properties.end()) {
         const auto text = scalar_text(value, file_);
         if (!text.empty()) construction.properties.emplace_back(property->second, text);
       } else if (key == "materials") {
-        for (const auto& layer : value.elements) {
+        for (const auto& layer : value.elements()) {
           construction.layers.push_back(scalar_text(layer, file_));
         }
       } else if (key != "name") {

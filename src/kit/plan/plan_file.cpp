@@ -114,8 +114,8 @@ std::vector<const PlanEntry*> entries_in(const Plan& plan) {
 
 }  // namespace
 
-PlanFile::PlanFile(std::string file, const std::string& content) : file_(std::move(file)) {
-  PlanReading reading(file_, content);
+PlanFile::PlanFile(std::string file, std::string content) : file_(std::move(file)) {
+  PlanReading reading(file_, std::move(content));
   reading.read();
   path_ = std::move(reading.path);
   guid_ = reading.guid;

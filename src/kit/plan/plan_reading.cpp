@@ -12,6 +12,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace veldra::kit {
 
@@ -29,7 +30,7 @@ std::string called(const JsonNode& node) {
   const JsonNode* kind = node.member("kind");
   if (kind != nullptr && kind->kind == JsonNode::Kind::Text) {
     for (const auto each : {ObjectType::Material, ObjectType::Composition}) {
-      if (kind->text == singular_of(each)) return singular_of(each);
+      if (kind->text() == singular_of(each)) return singular_of(each);
     }
   }
   return "entry";
@@ -60,10 +61,11 @@ void read_remarks(ObjectReader& reader) {
 
 }  // namespace
 
-PlanReading::PlanReading(const std::string& file, const std::string& content)
-    : file_(file), document_(parsed(content)) {}
+PlanReading::PlanReading(const std::string& file, std::string content)
+    : file_(file), document_(parsed(std::move(content))) {}
 
-JsonNode PlanReading::parsed(const std::string& content) const {
+/// The content goes, as what is made of it takes memory enough.
+JsonNode PlanReading::parsed(std::string content) const {
   const auto first = content.find_first_not_of(" \t\r\n\xEF\xBB\xBF");
   if (first == std::string::npos) fail_at(file_, 0, "this is empty");
   if (content[first] != '{') fail_at(file_, 0, "this is no plan");
@@ -72,27 +74,28 @@ JsonNode PlanReading::parsed(const std::string& content) const {
 
 void PlanReading::read() {
   const JsonNode* form = document_.member("format");
-  if (form == nullptr || form->text != plan_form::name) fail_at(file_, 0, "this is no plan");
+  if (form == nullptr || form->text() != plan_form::name) fail_at(file_, 0, "this is no plan");
   ObjectReader reader(document_, "the plan", file_);
   reader.find("format");
   if (reader.integer("version", 0) != plan_form::version) {
     reader.fail(document_, "its version is not known here");
   }
   read_library(reader);
-  JsonNode* objects = member("objects");
   if (reader.find("objects") == nullptr) reader.fail(document_, "'objects' is missing");
   if (reader.find("entries") == nullptr) reader.fail(document_, "'entries' is missing");
   reader.finish();
   for (const auto& node : reader.list("entries")) read_entry(node);
-  read_objects(std::move(*objects));
+  taken("entries");
+  read_objects(taken("objects"));
   find_objects();
 }
 
-JsonNode* PlanReading::member(const std::string& name) {
-  for (auto& [key, value] : document_.members) {
-    if (key == name) return &value;
-  }
-  return nullptr;
+/// A member that is not kept beside what is made of it, which takes more memory.
+JsonNode PlanReading::taken(const std::string& name) {
+  auto& members = *document_.own_members();
+  const auto found = std::find_if(members.begin(), members.end(),
+                                  [&](const auto& member) { return member.name.text() == name; });
+  return std::exchange(found->value, JsonNode());
 }
 
 void PlanReading::read_library(ObjectReader& reader) {
@@ -210,14 +213,11 @@ bool PlanReading::is_before(const PlanFileEntry& left, const PlanFileEntry& righ
 
 PlanReading::Keys PlanReading::object_keys() const {
   Keys keys;
-  const auto add = [&](ObjectType kind) {
-    return [&keys, kind](const auto& object) {
-      keys.emplace(std::make_pair(kind, object->name().utf8()), object->id());
-      return true;
-    };
+  const auto add = [&](ObjectType kind, const std::map<unsigned, String>& names) {
+    for (const auto& [id, name] : names) keys.emplace(std::make_pair(kind, name.utf8()), id);
   };
-  source()->for_each<Material>(add(ObjectType::Material));
-  source()->for_each<Composition>(add(ObjectType::Composition));
+  add(ObjectType::Material, source()->names<Material>());
+  add(ObjectType::Composition, source()->names<Composition>());
   return keys;
 }
 

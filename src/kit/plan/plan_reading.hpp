@@ -19,7 +19,7 @@ namespace veldra::kit {
 /// Reads a plan file, which may say anything.
 class PlanReading {
  public:
-  PlanReading(const std::string& file, const std::string& content);
+  PlanReading(const std::string& file, std::string content);
 
   /// Throws `SourceError`.
   void read();
@@ -32,8 +32,8 @@ class PlanReading {
  private:
   using Keys = std::map<std::pair<ObjectType, std::string>, unsigned>;  ///< ids by kinds and names
 
-  JsonNode parsed(const std::string& content) const;
-  JsonNode* member(const std::string& name);
+  JsonNode parsed(std::string content) const;
+  JsonNode taken(const std::string& name);
   void read_library(ObjectReader& reader);
   void read_entry(const JsonNode& node);
   static void require_sense(const PlanFileEntry& entry, const ObjectReader& reader,
