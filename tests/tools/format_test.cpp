@@ -177,11 +177,13 @@ TEST_F(SourceFormat, of_a_device_without_content_is_none) {
   EXPECT_FALSE(exists("new.lib"));
 }
 
-TEST_F(SourceFormat, of_a_library_is_told_with_the_command_for_it) {
+TEST_F(SourceFormat, of_a_library_is_told_with_what_to_do_instead) {
   must({"create", "a.lib"});
   const auto run = veldra({"import", "new.lib", "a.lib"});
   EXPECT_EQ(run.status, 1);
-  EXPECT_THAT(run.err, AllOf(HasSubstr("this is a library"), HasSubstr("veldra copy")));
+  EXPECT_THAT(
+      run.err,
+      HasSubstr("this is a library, which is not read as a source; copy objects from it instead"));
 }
 
 TEST_F(SourceFormat, of_a_part_of_a_library_is_not_that_of_another_database) {

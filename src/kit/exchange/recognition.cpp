@@ -143,7 +143,7 @@ void refuse_database(std::string_view content, const std::string& file) {
   }
   if (!contains(content, "Composition_layers"))
     refuse_format(file, "the database of another program");
-  refuse(file, "this is a library; 'veldra copy' takes objects from libraries");
+  refuse(file, "this is a library, which is not read as a source; copy objects from it instead");
 }
 
 void require_readable_xml(std::string_view text, const std::string& file) {
