@@ -7,6 +7,7 @@
 #include <pybind11/stl.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -26,8 +27,15 @@ struct Run {
   std::size_t count = 1;
 };
 
+/// Whether two values are the same to the last bit: 0 and -0 are equal, but not the same.
+bool are_the_same(const Value& left, const Value& right) {
+  if (!(left == right)) return false;
+  return left.kind() != Value::Kind::Number ||
+         std::signbit(left.as<double>()) == std::signbit(right.as<double>());
+}
+
 /// The values of a field. Most fields of most catalogues are empty or the same for many objects:
-/// what is equal to the value before is only counted, which saves most of the memory and time.
+/// what is the same as the value before is only counted, which saves most of the memory and time.
 class Column {
  public:
   explicit Column(Value::Kind kind) : kind_(kind) {}
@@ -35,7 +43,7 @@ class Column {
   void add(Value value) {
     ++size_;
     if (value.is_nothing()) ++missing_;
-    if (!runs_.empty() && runs_.back().value == value) {
+    if (!runs_.empty() && are_the_same(runs_.back().value, value)) {
       ++runs_.back().count;
     } else {
       runs_.emplace_back(std::move(value));

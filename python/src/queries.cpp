@@ -92,6 +92,14 @@ Ids search(LibraryHandle& self, int kind, const Text& pattern) {
   });
 }
 
+py::dict names(LibraryHandle& self, int kind) {
+  const auto all = of_kind(
+      self, kind, [&](auto of) { return self.library->names<typename decltype(of)::type>(); });
+  py::dict result;
+  for (const auto& [id, name] : all) result[py::int_(id)] = name.utf8();
+  return result;
+}
+
 Ids unreadable(LibraryHandle& self, int kind) {
   return of_kind(self, kind, [&](auto of) {
     return listed(self.library->unreadable<typename decltype(of)::type>());
@@ -114,10 +122,7 @@ std::vector<std::string> nearest(LibraryHandle& self, int kind, const Text& name
   return of_kind(self, kind, [&](auto of) {
     using T = typename decltype(of)::type;
     kit::Nearest names(name.utf8);
-    self.library->for_each<T>([&](const std::shared_ptr<T>& object) {
-      names.offer(object->name().utf8());
-      return true;
-    });
+    for (const auto& each : self.library->names<T>()) names.offer(each.second.utf8());
     return names.names();
   });
 }
@@ -147,6 +152,7 @@ void bind_queries(py::class_<LibraryHandle, std::shared_ptr<LibraryHandle>>& lib
   library.def("_ids", &ids);
   library.def("_where", &where);
   library.def("_search", &search);
+  library.def("_names", &names);
   library.def("_unreadable", &unreadable);
   library.def("_unreferenced", &unreferenced);
   library.def("_count", &count);

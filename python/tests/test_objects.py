@@ -185,6 +185,24 @@ def test_any_other_text_comes_back(library: veldra.Library, text: str) -> None:
     assert library.materials[text].comments == text
 
 
+def test_tags_are_sorted_and_mark_dirty(library: veldra.Library) -> None:
+    brick = library.save(veldra.Material("Brick", tags=["b", "C", "a"]))
+    brick.tags.sort()
+    assert brick.tags == ["C", "a", "b"] and brick.dirty
+    brick.tags.sort(key=str.lower, reverse=True)
+    assert brick.tags == ["C", "b", "a"]
+
+
+def test_custom_values_are_joined_as_dictionaries_are() -> None:
+    brick = veldra.Material("Brick", custom_values={"Fire class": "A1", "Source": "old"})
+    assert brick.custom_values | {"Source": "new"} == {"Fire class": "A1", "Source": "new"}
+    assert {"Source": "new"} | brick.custom_values == {"Source": "old", "Fire class": "A1"}
+    brick.custom_values |= {"Source": "new"}
+    assert dict(brick.custom_values) == {"Fire class": "A1", "Source": "new"}
+    with pytest.raises(TypeError):
+        brick.custom_values | ["Source"]  # type: ignore[operator]
+
+
 def test_tags_write_through_and_mark_dirty(library: veldra.Library) -> None:
     brick = library.save(veldra.Material("Brick", tags=["a"]))
     assert not brick.dirty

@@ -288,3 +288,10 @@ def test_equal_texts_of_columns_take_memory_once(library: veldra.Library) -> Non
     columns = library.materials.columns(["name", "manufacturer"])
     assert len(set(columns["name"])) == 10
     assert len({id(text) for text in columns["manufacturer"]}) == 1
+
+
+def test_a_zero_below_zero_stays_one(library: veldra.Library) -> None:
+    for name, density in (("A", 0.0), ("B", -0.0)):
+        library.save(veldra.Material(name, density=density))
+    read = library.materials.columns(["density"])["density"]
+    assert [str(each) for each in read] == ["0.0", "-0.0"]

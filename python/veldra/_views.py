@@ -4,7 +4,7 @@
 from __future__ import annotations
 
 from _thread import allocate_lock
-from collections.abc import Iterable, Iterator, MutableMapping, MutableSequence, MutableSet
+from collections.abc import Iterable, Iterator, Mapping, MutableMapping, MutableSequence, MutableSet
 from math import isfinite
 from typing import Any, Callable, Optional, Union, overload
 from weakref import WeakValueDictionary
@@ -67,6 +67,12 @@ class Tags(MutableSequence[str]):
         entries = self._all()
         entries.insert(index, value)
         self._write(self._owner, entries)
+
+    def sort(
+        self, *, key: Optional[Callable[[str], Any]] = None, reverse: bool = False
+    ) -> None:
+        """Brings the tags into the order of their names, or of what `key` makes of these."""
+        self._write(self._owner, sorted(self._all(), key=key or str, reverse=reverse))
 
     def __eq__(self, other: object) -> bool:
         if not isinstance(other, (Tags, list, tuple)):
@@ -166,6 +172,18 @@ class CustomValues(MutableMapping[str, str]):
 
     def __len__(self) -> int:
         return len(self._owner._custom_values())
+
+    def __or__(self, other: Mapping[str, str]) -> dict[str, str]:
+        """A dictionary of these values and of others, which count where both have one."""
+        return {**self, **other} if isinstance(other, Mapping) else NotImplemented
+
+    def __ror__(self, other: Mapping[str, str]) -> dict[str, str]:
+        return {**other, **self} if isinstance(other, Mapping) else NotImplemented
+
+    def __ior__(self, other: Mapping[str, str]) -> CustomValues:
+        """Sets others beside these values."""
+        self.update(other)
+        return self
 
     def __repr__(self) -> str:
         return repr(self._owner._custom_values())
