@@ -9,6 +9,8 @@ set(VELDRA_TEST_FOLDERS foundation guide install objects reliability store kit t
 option(VELDRA_TEST_WHOLE_PROGRAMS "Run the tests of a program in one process" OFF)
 set(VELDRA_SANITIZERS "" CACHE STRING "Sanitizers to build with, such as address,undefined")
 option(VELDRA_COVERAGE "Measure which lines are run" OFF)
+option(VELDRA_BRIEF_DEBUG_INFO
+       "Debug information of lines only for all but the libraries, which is built faster" OFF)
 
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "Kind of build" FORCE)

@@ -10,6 +10,8 @@
 #include "host.hpp"
 #include "text.hpp"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>

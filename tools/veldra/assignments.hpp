@@ -17,6 +17,10 @@
 #include <utility>
 #include <vector>
 
+namespace CLI {
+class App;
+}
+
 namespace veldra_tool {
 
 /// What "FIELD=VALUE" says.

@@ -10,6 +10,7 @@
 #include <veldra/version.hpp>
 
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 
@@ -24,7 +25,9 @@ std::string versions() {
 
 }  // namespace
 
-Host::Host() : arguments("Catalogues of building materials and build-ups in library files") {
+Host::Host()
+    : app_(new CLI::App("Catalogues of building materials and build-ups in library files")),
+      arguments(*app_) {
   arguments.name("veldra");
   arguments.set_version_flag("--version", versions(), "Print the release of the program and exit");
   arguments.add_flag("--no-config", without_configuration_, "Ignore the configuration file");
@@ -62,6 +65,8 @@ Host::Host() : arguments("Catalogues of building materials and build-ups in libr
     forbid_values_of_flags(*command);
   }
 }
+
+Host::~Host() = default;
 
 bool Host::has_command(const std::string& name) const {
   const auto commands = arguments.get_subcommands({});

@@ -6,19 +6,31 @@
 #include "process/spool.hpp"
 #include "process/status.hpp"
 
-#include <CLI/CLI.hpp>
-
+#include <memory>
 #include <string>
+
+namespace CLI {
+class App;
+}
 
 namespace veldra_tool {
 
 /// The program: its arguments, and what the command that they name leaves behind.
 struct Host {
   Host();
+  Host(const Host&) = delete;
+  Host& operator=(const Host&) = delete;
+  ~Host();
 
   bool has_command(const std::string& name) const;
 
-  CLI::App arguments;
+ private:
+  // What reads the arguments takes the compiler more time than most of what is done with them, so
+  // only those see it who name them.
+  std::unique_ptr<CLI::App> app_;
+
+ public:
+  CLI::App& arguments;
   Status status = Status::Done;
   Spool output;       ///< for standard output
   std::string notes;  ///< for standard error, whole lines
