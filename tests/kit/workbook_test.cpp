@@ -263,6 +263,26 @@ class EditedWorkbook : public Workbook {
     return sheet;
   }
 
+  /// The rows of a sheet, the headings first.
+  static std::vector<std::string> rows_in(const std::string& sheet) {
+    std::vector<std::string> rows;
+    for (auto at = sheet.find("<row "); at != std::string::npos; at = sheet.find("<row ", at + 1)) {
+      const std::string end = "</row>";
+      rows.push_back(sheet.substr(at, sheet.find(end, at) + end.size() - at));
+    }
+    return rows;
+  }
+
+  /// Rows of a sheet in that order, whatever their places were.
+  static std::string in_order(const std::vector<std::string>& rows) {
+    static const std::regex place(" r=\"([A-Z]*)[0-9]+\"");
+    std::string sheet;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      sheet += std::regex_replace(rows[i], place, " r=\"$01" + std::to_string(i + 1) + "\"");
+    }
+    return sheet;
+  }
+
   /// The fingerprint that an export has for what a row of a sheet begins with.
   std::string fingerprint_of(const std::string& name, unsigned sheet_number = 1) const {
     const auto sheet = sheet_in(written(*library_), sheet_number);
@@ -399,6 +419,22 @@ TEST_F(EditedWorkbook, leaves_alone_what_only_another_person_has_changed) {
   EXPECT_THAT(take(bytes), IsEmpty());
   EXPECT_FALSE(changes_);
   EXPECT_EQ(material("Brick")->mark(), text("theirs"));
+}
+
+TEST_F(EditedWorkbook, does_not_take_a_changed_copy_of_a_row_for_the_row) {
+  const auto rows = rows_in(sheet_in(written(*library_), 1));
+  ASSERT_EQ(rows.size(), 3U);
+  auto copy = rows[1];
+  copy.replace(copy.find("Brick"), 5, "Other");
+  for (const auto& order : {std::vector<std::string>{rows[0], copy, rows[1], rows[2]},
+                            std::vector<std::string>{rows[0], rows[1], rows[2], copy}}) {
+    EXPECT_THAT(take(workbook_of({{"materials", in_order(order)}})),
+                ElementsAre(HasSubstr("material 'Other': another row is about the same object; a "
+                                      "new one has neither id nor fingerprint")));
+    EXPECT_FALSE(changes_);
+    EXPECT_NE(material("Brick"), nullptr);
+    EXPECT_EQ(material("Other"), nullptr);
+  }
 }
 
 TEST_F(EditedWorkbook, does_not_bring_back_what_was_removed) {

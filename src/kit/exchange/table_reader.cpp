@@ -266,6 +266,7 @@ class TableSet {
     }
 
     void read() {
+      if (fingerprint_) find_untouched();
       for_each_part(table_, [this](const std::vector<Row>& rows) { read_part(rows); });
     }
 
@@ -384,6 +385,19 @@ class TableSet {
       }
     }
 
+    /// Rows that nobody changed are about their objects before all others are, so that a changed
+    /// copy of one, which has the same id, is not taken for it wherever it stands.
+    void find_untouched() {
+      for_each_part(table_, [this](const std::vector<Row>& rows) {
+        for (const Row& row : rows) {
+          if (!is_untouched(row)) continue;
+          untouched_.insert(row.line);
+          const unsigned id = set_.stored<T>().by_id(text_at(row, id_));
+          if (id != 0) set_.rows_.insert({ObjectTraits<T>::type, id});
+        }
+      });
+    }
+
     void read_part(const std::vector<Row>& rows) {
       std::vector<unsigned> ids;
       ids.reserve(rows.size());
@@ -430,7 +444,7 @@ class TableSet {
     void read_row(const Row& row, std::shared_ptr<T> object) {
       ++table_.report->read[kind_];
       at_.reset();
-      if (is_untouched(row)) return;
+      if (untouched_.count(row.line) > 0) return;
       const auto name = called(row, object);
       const unsigned id = object ? object->id() : 0;
       bool changes = !object;
@@ -439,7 +453,7 @@ class TableSet {
         require_there(row, object);
         const bool clashes = object && has_changed_since(row, *object);
         if (id != 0 && !set_.rows_.insert({ObjectTraits<T>::type, id}).second) {
-          throw Error("another row is about the same object");
+          throw Error(another_row());
         }
         if (!object && name.empty()) throw Error("the name is missing");
         if (!object) object = T::create(library_text(name));
@@ -456,6 +470,12 @@ class TableSet {
       } catch (const ObjectNotUnique& taken) {
         return tell(row, name, taken.text().empty() ? "its name is taken" : "its code is taken");
       }
+    }
+
+    /// Copies have what stands in hidden columns, too.
+    std::string another_row() const {
+      const std::string sentence = "another row is about the same object";
+      return fingerprint_ ? sentence + "; a new one has neither id nor fingerprint" : sentence;
     }
 
     std::string fingerprint_in(const Row& row) const { return text_at(row, fingerprint_); }
@@ -558,6 +578,7 @@ class TableSet {
     std::vector<TableColumn<T>> known_;
     std::optional<std::size_t> id_;
     std::optional<std::size_t> fingerprint_;
+    std::set<unsigned> untouched_;   ///< the lines of rows that nobody changed
     std::optional<std::size_t> at_;  ///< the column of the cell that is being read
     std::optional<std::size_t> code_;
     std::optional<std::size_t> name_;
