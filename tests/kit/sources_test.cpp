@@ -245,6 +245,27 @@ TEST(SourceReport, has_the_problems_of_single_objects) {
   EXPECT_EQ(sources.library->count<Material>(), 0U);
 }
 
+TEST(SourceReport, has_what_a_format_demands_and_an_object_lacks) {
+  const auto expect_told = [](const std::string& content, const std::string& sentence) {
+    const auto sources = read({content});
+    ASSERT_THAT(problems_in(sources.reports[0]), ElementsAre("'folder/a', line 1: " + sentence));
+    EXPECT_TRUE(sources.reports[0].problems[0].doubt);
+    EXPECT_EQ(sources.library->count<Material>(), 1U);
+  };
+  expect_told("Material, A, Rough, 0.1, , 1000, 900;", "Material 'A': 'conductivity' is missing");
+  expect_told("Material, A, Rough, 0.1, 1;",
+              "Material 'A': 'density', 'specific_heat' are missing");
+  expect_told("Material:NoMass, A, Rough;", "Material:NoMass 'A': 'thermal_resistance' is missing");
+  expect_told(R"({"Material:AirGap": {"A": {}}})",
+              "Material:AirGap 'A': 'thermal_resistance' is missing");
+  expect_told(R"({"type": "EnergyMaterialNoMass", "identifier": "A"})",
+              "EnergyMaterialNoMass 'A': 'r_value' is missing");
+  expect_told(R"({"type": "EnergyWindowFrame", "identifier": "A", "width": 0.1})",
+              "EnergyWindowFrame 'A': 'conductance' is missing");
+  expect_told(R"({"materials": [{"name": "A", "material_type": "SimpleGlazing"}]})",
+              "SimpleGlazing 'A': 'u_factor' is missing");
+}
+
 TEST(SourceReport, says_that_a_source_has_nothing) {
   EXPECT_THAT(problems_in(read({"Version, 9.4;"}).reports[0]),
               ElementsAre("'folder/a': this IDF source has no materials and no constructions"));

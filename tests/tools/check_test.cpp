@@ -63,7 +63,7 @@ TEST_F(Check, materials_without_thickness_have_layers_of_none) {
   write("thin.idf",
         "Material:NoMass, R13, Rough, 2.29; Material:AirGap, Gap, 0.15;"
         "Material:InfraredTransparent, IR; WindowMaterial:SimpleGlazingSystem, Window, 1.1, 0.5;"
-        "WindowMaterial:Blind, Blind;"
+        "WindowMaterial:Blind:EquivalentLayer, Blind;"
         "Construction, Thin, R13, Gap, IR; Construction, Glass, Window, Blind;");
   must({"import", "thin.lib", "thin.idf"});
   EXPECT_EQ(must({"check", "thin.lib", "--json"}).json(), nlohmann::json::array());

@@ -98,18 +98,18 @@ TEST_F(Report, tells_of_the_fields_that_no_library_has_a_place_for) {
 
 TEST_F(Report, tells_of_each_field_once_and_of_each_value_if_asked) {
   write("a.idf",
-        "WindowMaterial:Blind, A, , 0.025;\nWindowMaterial:Blind, B, , 0.05;"
+        "Material:RoofVegetation, A, 0.3;\nMaterial:RoofVegetation, B, 0.5;"
         "Material:AirGap, Gap, 0.1, 7;");
   EXPECT_EQ(veldra({"import", "a.lib", "a.idf"}).err,
             "veldra: 'a.idf': Material:AirGap: a library has no place for 'field 3', 1 value is "
             "left out\n"
-            "veldra: 'a.idf': WindowMaterial:Blind: a library has no place for 'slat_width', 2 "
-            "values are left out\n");
+            "veldra: 'a.idf': Material:RoofVegetation: a library has no place for "
+            "'height_of_plants', 2 values are left out\n");
   EXPECT_EQ(veldra({"import", "a.lib", "a.idf", "--verbose"}).err,
-            "veldra: 'a.idf', line 1: WindowMaterial:Blind 'A': a library has no place for "
-            "'slat_width', '0.025' is left out\n"
-            "veldra: 'a.idf', line 2: WindowMaterial:Blind 'B': a library has no place for "
-            "'slat_width', '0.05' is left out\n"
+            "veldra: 'a.idf', line 1: Material:RoofVegetation 'A': a library has no place for "
+            "'height_of_plants', '0.3' is left out\n"
+            "veldra: 'a.idf', line 2: Material:RoofVegetation 'B': a library has no place for "
+            "'height_of_plants', '0.5' is left out\n"
             "veldra: 'a.idf', line 2: Material:AirGap 'Gap': a library has no place for 'field 3', "
             "'7' is left out\n");
 }
@@ -136,7 +136,8 @@ TEST_F(Report, tells_types_tags_layers_and_properties_that_it_made) {
 
 TEST_F(Report, of_an_error_counts_the_fields_that_would_hide_it) {
   write("a.idf",
-        "WindowMaterial:Blind, A, HORIZONTAL, 0.025, 0.02, 0.001, 45, 1;"
+        "Material:RoofVegetation, A, 0.3, 2, 0.2, 0.9, 180, Soil, Rough, 0.1, 0.4, 1000, 1100, 0.9,"
+        "0.7, 0.75, 0.4;"
         "Material:AirGap, Gap, 0.1;");
   must({"create", "a.lib"});
   const auto lines = [](const std::string& text) {
@@ -157,10 +158,10 @@ TEST_F(Report, of_an_error_counts_the_fields_that_would_hide_it) {
 }
 
 TEST_F(Report, has_no_such_fields_where_they_are_kept) {
-  write("a.idf", "WindowMaterial:Blind, Blind, , 0.025;");
+  write("a.idf", "Material:RoofVegetation, Green, 0.3;");
   must({"import", "a.lib", "a.idf", "--keep-unknown", "--strict"});
-  const auto blind = veldra({"show", "a.lib", "material", "Blind", "--json"}).json();
-  EXPECT_EQ(blind["custom_values"]["WindowMaterial:Blind.slat_width"], "0.025");
+  const auto green = veldra({"show", "a.lib", "material", "Green", "--json"}).json();
+  EXPECT_EQ(green["custom_values"]["Material:RoofVegetation.height_of_plants"], "0.3");
 }
 
 TEST_F(Report, tells_of_assets_that_stay_behind) {

@@ -318,8 +318,8 @@ void add_import(Host& host) {
   add_example(command, "veldra import office.lib walls.idf glass.epJSON --on-conflict use",
               "anything of the sources has not come in: an object with a problem, a field or asset "
               "that no library has a place for, or all of a source that has no objects; or when "
-              "'check' finds fault with a number that has. With --strict that is 1, and nothing is "
-              "imported");
+              "'check' finds fault with a number that has, or an object lacks what its format "
+              "demands. With --strict that is 1, and nothing is imported");
   command.callback([arguments, &command, &host] {
     arguments->unit_given = command.count("--unit") > 0;
     working_on(arguments->file, [&] { Import(*arguments, host).run(); });

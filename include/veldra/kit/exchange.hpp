@@ -28,7 +28,8 @@ struct VELDRA_KIT_EXPORT SourceProblem {
   unsigned line = 0;     ///< counted from 1; 0 for the source as a whole
   std::string object;    ///< the name that the object has in the source; empty if it is about none
   std::string sentence;  ///< what is wrong; it calls the object by its class and name
-  bool doubt = false;    ///< the object has come in all the same: only a number is doubtful
+  bool doubt = false;  ///< the object has come in all the same: a number is doubtful, or something
+                       ///< is missing that the format demands
 
   /// Place and sentence: "'walls.idf', line 12: Material 'Brick': the thickness is missing". In
   /// UTF-8, and quotes names as they are.

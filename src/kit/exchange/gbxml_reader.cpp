@@ -73,6 +73,7 @@ class GbxmlReader {
   GbxmlReader(const XmlDocument& document, const std::string& file)
       : document_(document), file_(file) {
     model_.ignores_case = false;
+    model_.tells_missing = true;
   }
 
   SourceModel read() {

@@ -178,10 +178,7 @@ class ModelWriter {
     auto source = source_of(material, part);
     if (first_parts_.at(part.id) == index) tell_lost(material, source);
     for (const auto& key : part.described->required) {
-      const bool stands_there = source.values.count(key) > 0 ||
-                                std::any_of(source.not_kept.begin(), source.not_kept.end(),
-                                            [&](const auto& field) { return field.first == key; });
-      if (!stands_there) missing_.add(part.described->name, key);
+      if (!has_field(source, key)) missing_.add(part.described->name, key);
     }
     ++report_.written[part.described->name];
     sink_.material(source);

@@ -239,6 +239,12 @@ bool can_be_class(const std::string& name) {
   return before != ':';
 }
 
+bool has_field(const SourceMaterial& material, const std::string& key) {
+  return material.values.count(key) > 0 ||
+         std::any_of(material.not_kept.begin(), material.not_kept.end(),
+                     [&](const auto& field) { return field.first == key; });
+}
+
 bool may_lack_thickness(const std::string& type) {
   const auto& classes = material_classes();
   return std::any_of(classes.begin(), classes.end(), [&](const MaterialClass& described) {

@@ -77,6 +77,9 @@ struct SourceMaterial {
   std::string fault;  ///< why it cannot be taken; empty for most
 };
 
+/// Whether a material says something for a field, be it that a library has no place for it.
+bool has_field(const SourceMaterial& material, const std::string& key);
+
 struct SourceConstruction {
   const ConstructionClass* described = nullptr;
   std::string name;
@@ -99,6 +102,8 @@ struct SourceModel {
   bool ignores_case = true;                 ///< how names of the format compare
   std::vector<SourceProblem> problems;      ///< what is doubtful about objects that are read
   std::string note;                         ///< what the report says beside the format
+  bool tells_missing = false;  ///< the reader has told which fields that the format demands are not
+                               ///< there
 };
 
 }  // namespace veldra::kit

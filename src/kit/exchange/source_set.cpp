@@ -8,6 +8,7 @@
 
 #include "kit/exchange/mapping.hpp"
 #include "kit/exchange/problem.hpp"
+#include "kit/text/list.hpp"
 #include "kit/text/quoted.hpp"
 
 #include <fmt/format.h>
@@ -93,6 +94,19 @@ std::string differences_text(ObjectType kind, const std::vector<FieldChange>& ch
                         text_of(change.field, change.before), text_of(change.field, change.after));
   }
   return text;
+}
+
+/// Tells of an object that it lacks what its format demands, and has come in all the same.
+void tell_missing(const SourceMaterial& material, SourceReport& report) {
+  std::vector<std::string> missing;
+  for (const auto& key : material.described->required) {
+    if (!has_field(material, key)) missing.push_back(quoted(key));
+  }
+  if (missing.empty()) return;
+  add_problem(report, material.line, material.name,
+              fmt::format("{}: {} {} missing", called(material.described->name, material.name),
+                          list_of(missing), missing.size() == 1 ? "is" : "are"));
+  report.problems.back().doubt = true;
 }
 
 /// No text of a library has the character 0.
@@ -243,8 +257,8 @@ void SourceSet::require_free_code(const Incoming<Material>& incoming, const Sour
                         quoted(material.code().utf8()), quoted(holder->second.utf8())));
 }
 
-void SourceSet::add_material(const SourceMaterial& material, std::size_t source, bool ignores_case,
-                             SourceReport& report) {
+void SourceSet::add_material(const SourceMaterial& material, std::size_t source,
+                             const SourceModel& model, SourceReport& report) {
   ++report.read[material.described->name];
   std::shared_ptr<Material> object;
   try {
@@ -254,8 +268,9 @@ void SourceSet::add_material(const SourceMaterial& material, std::size_t source,
         report, material.line, material.name,
         fmt::format("{}: {}", called(material.described->name, material.name), error.what()));
   }
-  const Incoming<Material> incoming{object,
-                                    {source, material.line, material.name, ignores_case, false}};
+  if (!model.tells_missing) tell_missing(material, report);
+  const Incoming<Material> incoming{
+      object, {source, material.line, material.name, model.ignores_case, false}};
   take_unknown(incoming, material.described->name, material.not_kept, report);
   enter(materials_, incoming, report);
 }
@@ -265,7 +280,7 @@ void SourceSet::add(const SourceModel& model, SourceReport& report) {
   files_.push_back(report.file);
   choose_tags(true, report);
   for (const auto& material : model.materials) {
-    add_material(material, source, model.ignores_case, report);
+    add_material(material, source, model, report);
   }
   for (const auto& [name, count] : model.skipped) report.skipped[name] += count;
   constructions_.push_back({&model.constructions, &report, source, model.ignores_case});
