@@ -50,6 +50,21 @@ TEST(DoubtfulNumber, is_a_known_property_that_cannot_be_used) {
   EXPECT_THAT(kit::doubtful_numbers(*wall), ElementsAre(HasSubstr("'beyond'")));
 }
 
+TEST(DoubtfulNumber, is_a_part_of_radiation_that_is_more_than_all_or_less_than_nothing) {
+  const auto pane = Material::create(text("Pane"));
+  pane->custom_value("Solar transmittance [-]", "1.8");
+  pane->custom_value("Front visible reflectance [-]", "-0.1");
+  pane->custom_value("Solar heat gain coefficient [-]", "much");
+  pane->custom_value("Thermal absorptance [-]", "1");
+  pane->custom_value("Solar absorptance [-]", "0");
+  pane->custom_value("Visible absorptance [-]", " ");
+  EXPECT_THAT(kit::doubtful_numbers(*pane),
+              UnorderedElementsAre(
+                  "its 'Solar transmittance [-]' is greater than 1: '1.8'",
+                  "its 'Front visible reflectance [-]' is less than 0: '-0.1'",
+                  "its 'Solar heat gain coefficient [-]' is no number that can be used: 'much'"));
+}
+
 TEST(DoubtfulNumber, is_no_layer_of_a_material_that_never_has_a_thickness) {
   const auto gap = Material::create(text("Gap"));
   gap->type(MaterialType::create(text("Air gap")));

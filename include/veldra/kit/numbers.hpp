@@ -14,7 +14,8 @@ namespace veldra::kit {
 // quote texts as they are.
 
 /// What is doubtful though a library takes it and finds no fault with it (`Library::check`): a
-/// known property with a value that cannot be used (`KnownValues`), a thickness of 0.
+/// known property with a value that cannot be used (`KnownValues`), an absorptance, transmittance
+/// or reflectance that is not from 0 to 1, a thickness of 0.
 ///
 /// Throws: `std::bad_alloc`.
 VELDRA_KIT_EXPORT std::vector<std::string> doubtful_numbers(const Material& material);

@@ -3,12 +3,14 @@
 #include <veldra/kit/physics.hpp>
 #include <veldra/kit/text.hpp>
 
+#include "kit/exchange/source_fields.hpp"
 #include "kit/exchange/source_model.hpp"
 #include "kit/text/quoted.hpp"
 
 #include <fmt/format.h>
 
 #include <cmath>
+#include <set>
 
 namespace veldra::kit {
 
@@ -34,6 +36,43 @@ void add_conductivity(const Material& material, Sentences& sentences) {
   sentences.push_back(fmt::format("its thermal conductivity is {}: {}",
                                   number ? "not greater than 0" : "no number that can be used",
                                   quoted(text)));
+}
+
+/// The properties that are parts of what falls on a surface, but for those that physics knows.
+const std::set<String>& shares_of_radiation() {
+  static const std::set<String> names{String("Thermal absorptance [-]"),
+                                      String("Solar absorptance [-]"),
+                                      String("Visible absorptance [-]"),
+                                      String(source_property::solar_transmittance),
+                                      String(source_property::front_solar_reflectance),
+                                      String(source_property::back_solar_reflectance),
+                                      String(source_property::visible_transmittance),
+                                      String(source_property::front_visible_reflectance),
+                                      String(source_property::back_visible_reflectance),
+                                      String(source_property::solar_reflectance),
+                                      String(source_property::visible_reflectance),
+                                      String(source_property::leaf_reflectance),
+                                      String(source_property::heat_gain)};
+  return names;
+}
+
+/// What is wrong with a text that is to be a part of a whole; null for nothing.
+const char* fault_of_share(const std::string& text) {
+  const auto number = number_in(text);
+  if (!number) return "no number that can be used";
+  if (*number < 0) return "less than 0";
+  return *number > 1 ? "greater than 1" : nullptr;
+}
+
+void add_shares(const Material& material, Sentences& sentences) {
+  for (const auto& [property, value] : material.custom_values()) {
+    if (shares_of_radiation().count(property->name()) == 0) continue;
+    const std::string text = trimmed(value.utf8());
+    const char* fault = text.empty() ? nullptr : fault_of_share(text);
+    if (fault == nullptr) continue;
+    sentences.push_back(
+        fmt::format("its {} is {}: {}", quoted(property->name().utf8()), fault, quoted(text)));
+  }
 }
 
 /// A conductivity that the material states has been told of already.
@@ -87,6 +126,7 @@ std::vector<std::string> doubtful_numbers(const Material& material) {
   Sentences sentences;
   add_conductivity(material, sentences);
   add_physics(material, sentences);
+  add_shares(material, sentences);
   if (material.thicknesses().count(0) != 0) {
     sentences.push_back("the thickness 0 is not greater than 0");
   }
