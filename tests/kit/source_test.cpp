@@ -126,6 +126,24 @@ TEST(SourceProblem, tells_of_documents_that_are_made_to_fill_the_memory) {
             "this has more than 2000000 values");
 }
 
+TEST(SourceProblem, tells_of_a_value_that_is_made_to_fill_the_memory) {
+  const std::string filling(33 << 20, '1');
+  for (const auto& begin : {R"({"Material": {"A \", )", R"({"Material": {"A": {"thickness": )"}) {
+    const auto problem = problem_of("\n" + (begin + filling));
+    EXPECT_EQ(problem.sentence, "a value is longer than 32 MiB");
+    EXPECT_EQ(problem.line, 2U);
+  }
+}
+
+TEST(SourceProblem, quotes_no_more_than_a_person_reads) {
+  for (const char* letter : {"a", "\xC3\xA9"}) {
+    const auto sentence = problem_of("{\"Material\": {\"" + repeated(letter, 1'000'000)).sentence;
+    EXPECT_LT(sentence.size(), 300U);
+    EXPECT_THAT(sentence, HasSubstr("this is no proper JSON (invalid string"));
+    EXPECT_TRUE(kit::is_utf8(sentence));
+  }
+}
+
 std::string numbered(const std::string& rest, unsigned count) {
   std::string text;
   for (unsigned i = 1; i <= count; ++i) text += "#" + std::to_string(i) + rest;

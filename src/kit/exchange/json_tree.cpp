@@ -10,11 +10,46 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
 #include <unordered_map>
 
 namespace veldra::kit {
 
 namespace {
+
+/// Longer than the texts that people write; the parser keeps several copies of each.
+constexpr std::size_t longest_value = 32 << 20;
+
+/// Where the parser is in a text.
+class Reached {
+ public:
+  explicit Reached(const std::string& file) : file_(file) {}
+
+  const std::string& file() const { return file_; }
+  unsigned line() const { return line_; }
+
+  void pass(char character) {
+    if (character == '\n') ++line_;
+    if (!within_text_ && stands_between_values(character)) {
+      left_ = longest_value;
+    } else if (--left_ == 0) {
+      fail_at(file_, line_, "a value is longer than 32 MiB");
+    }
+    if (character == '"' && !escaped_) within_text_ = !within_text_;
+    escaped_ = within_text_ && character == '\\' && !escaped_;
+  }
+
+ private:
+  static bool stands_between_values(char character) {
+    return std::string_view(" \t\r\n,:[]{}").find(character) != std::string_view::npos;
+  }
+
+  const std::string& file_;
+  unsigned line_ = 1;
+  std::size_t left_ = longest_value;  ///< so far the value at hand may go on
+  bool within_text_ = false;
+  bool escaped_ = false;  ///< the next character is
+};
 
 /// Goes through a text and counts its lines, for the parser tells no places but those of errors.
 class CountingIterator {
@@ -25,11 +60,12 @@ class CountingIterator {
   using pointer = const char*;
   using reference = const char&;
 
-  CountingIterator(const char* position, unsigned* line) : position_(position), line_(line) {}
+  CountingIterator(const char* position, Reached* reached)
+      : position_(position), reached_(reached) {}
 
   reference operator*() const { return *position_; }
   CountingIterator& operator++() {
-    if (*position_ == '\n') ++*line_;
+    reached_->pass(*position_);
     ++position_;
     return *this;
   }
@@ -43,7 +79,7 @@ class CountingIterator {
 
  private:
   const char* position_;
-  unsigned* line_;
+  Reached* reached_;
 };
 
 /// Each value takes memory, however short it is: 64 bytes as a member. A large document may have
@@ -54,9 +90,8 @@ constexpr std::size_t fewest_bytes_of_value = 16;
 /// Builds the tree from what the parser meets.
 class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
  public:
-  TreeBuilder(const std::string& file, const std::string& text, const unsigned& line)
-      : file_(file),
-        line_(line),
+  TreeBuilder(const std::string& text, const Reached& reached)
+      : reached_(reached),
         most_values_(std::max(most_values_of_small, text.size() / fewest_bytes_of_value)) {}
 
   JsonNode root;
@@ -91,22 +126,38 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
 
   bool key(string_t& name) override {
     names_.back() = shared(name);
-    lines_.back() = line_;
+    lines_.back() = reached_.line();
     return true;
   }
 
   bool parse_error(std::size_t, const std::string&,
                    const nlohmann::detail::exception& error) override {
-    fail_at(file_, line_, "this is no proper JSON" + reason_in(error.what()));
+    fail_here("this is no proper JSON" + reason_in(error.what()));
   }
 
  private:
   static constexpr std::size_t deepest = 64;
 
-  /// What the parser says, without the name and number of its exception and without the place.
+  [[noreturn]] void fail_here(const std::string& sentence) const {
+    fail_at(reached_.file(), reached_.line(), sentence);
+  }
+
+  /// What the parser says, without the name and number of its exception and without the place. It
+  /// quotes what it has read, however long that is.
   static std::string reason_in(const std::string& message) {
+    constexpr std::size_t longest = 200;
     const auto start = message.find("- ");
-    return start == std::string::npos ? "" : " (" + in_utf8(message.substr(start + 2)) + ")";
+    if (start == std::string::npos) return "";
+    const auto reason = message.substr(start + 2);
+    if (reason.size() <= longest) return " (" + in_utf8(reason) + ")";
+    auto end = longest;
+    while (end > 0 && is_within_character(reason[end])) --end;
+    return " (" + in_utf8(reason.substr(0, end)) + "...)";
+  }
+
+  /// Whether a byte of UTF-8 is none that begins a character.
+  static bool is_within_character(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
   }
 
   /// Names that are met when there are many already are those of objects, and have no likes.
@@ -121,12 +172,12 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
 
   bool open(JsonNode node) {
     if (open_.size() == deepest) {
-      fail_at(file_, line_, "the values are nested too deep");
+      fail_here("the values are nested too deep");
     }
-    node.line = line_;
+    node.line = reached_.line();
     open_.push_back(std::move(node));
     names_.emplace_back();
-    lines_.push_back(line_);
+    lines_.push_back(reached_.line());
     return true;
   }
 
@@ -139,13 +190,13 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
   }
 
   bool add(JsonNode node) {
-    node.line = line_;
+    node.line = reached_.line();
     return place_node(std::move(node));
   }
 
   bool place_node(JsonNode node) {
     if (++values_ > most_values_) {
-      fail_at(file_, 0, fmt::format("this has more than {} values", most_values_));
+      fail_at(reached_.file(), 0, fmt::format("this has more than {} values", most_values_));
     }
     if (open_.empty()) {
       root = std::move(node);
@@ -158,8 +209,7 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
     return true;
   }
 
-  const std::string& file_;
-  const unsigned& line_;
+  const Reached& reached_;
   std::size_t most_values_;
   std::size_t values_ = 0;
   std::vector<JsonNode> open_;
@@ -243,11 +293,11 @@ const JsonNode* JsonNode::member(const std::string& name) const {
 }
 
 JsonNode parse_json(const std::string& text, const std::string& file) {
-  unsigned line = 1;
-  TreeBuilder builder(file, text, line);
+  Reached reached(file);
+  TreeBuilder builder(text, reached);
   const char* begin = text.data();
-  nlohmann::json::sax_parse(CountingIterator(begin, &line),
-                            CountingIterator(begin + text.size(), &line), &builder);
+  nlohmann::json::sax_parse(CountingIterator(begin, &reached),
+                            CountingIterator(begin + text.size(), &reached), &builder);
   return std::move(builder.root);
 }
 
