@@ -146,15 +146,35 @@ TEST(HoneybeeSource, tells_what_it_cannot_take) {
   EXPECT_EQ(report.not_kept[0].field, "user_data");
 }
 
-TEST(HoneybeeSource, that_is_broken_gives_a_sentence) {
-  const std::string head = R"({"type": "OpaqueConstruction", "identifier": "W", "materials": )";
-  for (const auto& content :
-       {std::string(R"([{"type": "EnergyMaterial", "identifier": "A"}, 5])"), head + "[{}]}",
-        head + "[[]]}",
-        std::string(R"([{"type": "EnergyMaterial", "identifier": "A", "thickness": []}])"),
-        std::string(R"([{"type": "EnergyWindowMaterialGasMixture", "identifier": "A",
-                         "gas_types": ["a", "b", "c", "d", "e"]}])")}) {
-    EXPECT_THAT(error_of([&] { read(content); }), StartsWith("'a.json', line 1: ")) << content;
+/// Reads an object, and a good one behind it, which comes in whatever the first one is.
+kit::SourceReport report_beside_a_good_one(const std::string& object) {
+  const auto sources = read(R"([{"type": "EnergyMaterialNoMass", "identifier": "B", "r_value": 1},)"
+                            "\n" +
+                            object + R"(,
+    {"type": "EnergyMaterialNoMass", "identifier": "Good", "r_value": 1}])");
+  EXPECT_NE(sources.library->get<Material>(text("Good")), nullptr) << object;
+  return sources.reports[0];
+}
+
+TEST(HoneybeeSource, that_is_broken_in_one_object_is_read_without_it) {
+  const std::string construction =
+      R"({"type": "OpaqueConstruction", "identifier": "W", "materials": )";
+  const std::pair<std::string, std::string> broken[] = {
+      {"5", "an object with 'type' and 'identifier' is expected"},
+      {R"({"type": "EnergyMaterial"})", "an object with 'type' and 'identifier' is expected"},
+      {construction + "[{}]}", "OpaqueConstruction 'W': a layer has no type or no identifier"},
+      {construction + "[[]]}",
+       "OpaqueConstruction 'W': 'materials' is neither a number nor a text"},
+      {R"({"type": "EnergyMaterial", "identifier": "A", "thickness": []})",
+       "EnergyMaterial 'A': 'thickness' is neither a number nor a text"},
+      {R"({"type": "EnergyWindowMaterialGasMixture", "identifier": "A",
+          "gas_types": ["a", "b", "c", "d", "e"]})",
+       "EnergyWindowMaterialGasMixture 'A': a mixture has at most 4 gases"}};
+  for (const auto& [object, sentence] : broken) {
+    const auto report = report_beside_a_good_one(object);
+    ASSERT_EQ(report.problems.size(), 1U) << object;
+    EXPECT_EQ(report.problems[0].text(), "'a.json', line 2: " + sentence);
+    EXPECT_FALSE(report.problems[0].doubt);
   }
 }
 
@@ -238,6 +258,21 @@ TEST(OpenstudioStandards, tell_of_units_and_of_types_that_are_not_known) {
   EXPECT_THAT(report.skipped, UnorderedElementsAre(Pair("schedules", 1U)));
   ASSERT_EQ(report.not_kept.size(), 1U);
   EXPECT_EQ(report.not_kept[0].field, "colour");
+}
+
+TEST(OpenstudioStandards, that_are_broken_in_one_object_are_read_without_it) {
+  const auto sources = read(R"({"materials": [
+    {"name": "A", "material_type": "AirGap", "resistance": [1]},
+    {"name": "B", "material_type": "AirGap", "resistance": 1},
+    5], "constructions": [{"name": "W", "materials": [{}]}]})");
+  EXPECT_EQ(sources.library->count<Material>(), 1U);
+  const auto& problems = sources.reports[0].problems;
+  ASSERT_EQ(problems.size(), 3U);
+  EXPECT_EQ(problems[0].text(), "'a.json', line 4: an object is expected");
+  EXPECT_EQ(problems[1].text(),
+            "'a.json', line 2: AirGap 'A': 'resistance' is neither a number nor a text");
+  EXPECT_EQ(problems[2].text(),
+            "'a.json', line 4: Construction 'W': 'materials' is neither a number nor a text");
 }
 
 TEST(OpenstudioStandards, can_only_be_read) {

@@ -266,6 +266,18 @@ TEST(SourceReport, has_what_a_format_demands_and_an_object_lacks) {
               "SimpleGlazing 'A': 'u_factor' is missing");
 }
 
+TEST(SourceReport, has_values_of_objects_that_are_neither_numbers_nor_texts) {
+  const auto sources = read({R"({"Material:AirGap": {"A": {"thermal_resistance": [1]},
+    "B": {"thermal_resistance": 1}}, "Construction": {"W": {"outside_layer": {}}}})"});
+  EXPECT_THAT(
+      problems_in(sources.reports[0]),
+      ElementsAre("'folder/a', line 1: Material:AirGap 'A': 'thermal_resistance' is neither a "
+                  "number nor a text",
+                  "'folder/a', line 2: Construction 'W': 'outside_layer' is neither a number nor a "
+                  "text"));
+  EXPECT_EQ(sources.library->count<Material>(), 1U);
+}
+
 TEST(SourceReport, says_that_a_source_has_nothing) {
   EXPECT_THAT(problems_in(read({"Version, 9.4;"}).reports[0]),
               ElementsAre("'folder/a': this IDF source has no materials and no constructions"));

@@ -36,7 +36,7 @@ bool says_something(const std::string& key, const JsonNode& value) {
 }
 
 SourceMaterial material_from(const std::string& name, const JsonNode& node,
-                             const MaterialClass& described, const std::string& file) {
+                             const MaterialClass& described) {
   SourceMaterial material;
   material.described = &described;
   material.name = name;
@@ -47,7 +47,7 @@ SourceMaterial material_from(const std::string& name, const JsonNode& node,
     known.insert(field.key);
     const JsonNode* value = node.member(field.key);
     if (value == nullptr || field.kind == FieldKind::Implied) continue;
-    std::string text = scalar_text(*value, file);
+    std::string text = scalar_text(*value, field.key, material.fault);
     if (!text.empty()) material.values[field.key] = std::move(text);
   }
   for (const auto& [key, value] : node.members()) {
@@ -70,7 +70,7 @@ unsigned layer_position(const std::string& key) {
 }
 
 SourceConstruction construction_from(const std::string& name, const JsonNode& node,
-                                     const ConstructionClass& described, const std::string& file) {
+                                     const ConstructionClass& described) {
   SourceConstruction construction;
   construction.described = &described;
   construction.name = name;
@@ -83,7 +83,7 @@ SourceConstruction construction_from(const std::string& name, const JsonNode& no
       construction.not_kept.emplace_back(key, text_of_any(value));
     }
     if (position == 0) continue;
-    std::string text = scalar_text(value, file);
+    std::string text = scalar_text(value, key, construction.fault);
     if (!text.empty()) layers[position] = std::move(text);
   }
   for (auto& layer : layers) construction.layers.push_back(std::move(layer.second));
@@ -137,9 +137,9 @@ SourceModel read_epjson(JsonNode document, const std::string& file) {
       require_object(node, quoted(object), file);
       require_few_members(node, object, file);
       if (material) {
-        model.materials.push_back(material_from(object, node, *material, file));
+        model.materials.push_back(material_from(object, node, *material));
       } else {
-        model.constructions.push_back(construction_from(object, node, *construction, file));
+        model.constructions.push_back(construction_from(object, node, *construction));
       }
       node = JsonNode();
     }

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/exchange/format_modules.hpp"
 #include "kit/exchange/honeybee_model.hpp"
-#include "kit/exchange/problem.hpp"
 #include "kit/exchange/writers.hpp"
-#include "kit/text/quoted.hpp"
 
 #include <veldra/kit/text.hpp>
 
@@ -71,9 +69,7 @@ class HoneybeeReader {
   }
 
   void read_object(const JsonNode& node) {
-    if (!is_object(node)) {
-      fail_at(file_, node.line, "an object with 'type' and 'identifier' is expected");
-    }
+    if (!is_object(node)) return tell_no_object(node);
     const auto& type = node.member("type")->text();
     if (type == "Model") return read_model(node);
     if (const auto* described = honeybee_class(type)) return read_material(node, *described);
@@ -81,6 +77,11 @@ class HoneybeeReader {
       return read_construction(node, *described);
     }
     ++model_.skipped[type];
+  }
+
+  void tell_no_object(const JsonNode& node) {
+    model_.problems.push_back(
+        {file_, node.line, "", "an object with 'type' and 'identifier' is expected"});
   }
 
   /// A building has its materials and constructions among its properties of energy.
@@ -101,9 +102,15 @@ class HoneybeeReader {
     return found != names_.end() ? found->second : identifier;
   }
 
-  std::string text_of(const JsonNode& node, const char* key) const {
+  template <class Object>
+  static std::string text_of(const JsonNode& node, const char* key, Object& object) {
     const JsonNode* value = node.member(key);
-    return value != nullptr ? scalar_text(*value, file_) : std::string();
+    return value != nullptr ? scalar_text(*value, key, object.fault) : std::string();
+  }
+
+  /// What is an object has one.
+  static std::string identifier_of(const JsonNode& node) {
+    return trimmed(node.member("identifier")->text());
   }
 
   /// The name that people see, and the identifier beside it. Materials of one name have their
@@ -111,8 +118,8 @@ class HoneybeeReader {
   template <class Object>
   void take_name(const JsonNode& node, std::map<std::string, std::string>& identifiers,
                  Object& object) const {
-    const auto identifier = text_of(node, "identifier");
-    const auto shown = text_of(node, "display_name");
+    const auto identifier = identifier_of(node);
+    const auto shown = text_of(node, "display_name", object);
     const auto taken = identifiers.emplace(shown.empty() ? identifier : shown, identifier);
     const bool is_free = taken.first->second == identifier;
     object.name = shown.empty() || !is_free ? identifier : shown;
@@ -124,11 +131,11 @@ class HoneybeeReader {
     SourceMaterial material;
     material.described = &described;
     take_name(node, materials_, material);
-    names_.emplace(text_of(node, "identifier"), material.name);
+    names_.emplace(identifier_of(node), material.name);
     std::set<std::string> known;
     for (const auto& field : described.fields) {
       known.insert(field.key);
-      const auto value = text_of(node, field.key);
+      const auto value = text_of(node, field.key, material);
       if (!value.empty()) material.values[field.key] = value;
     }
     if (std::string(described.name) == "EnergyWindowMaterialGasMixture") {
@@ -142,17 +149,17 @@ class HoneybeeReader {
     model_.materials.push_back(std::move(material));
   }
 
-  void read_gases(const JsonNode& node, SourceMaterial& material) const {
+  static void read_gases(const JsonNode& node, SourceMaterial& material) {
     const auto read_list = [&](const char* list, std::string (*key_of)(int)) {
       const JsonNode* values = node.member(list);
       if (values == nullptr) return;
       int gas = 0;
       for (const auto& value : values->elements()) {
         if (++gas > most_gases) {
-          fail_at(file_, node.line, fmt::format("a mixture has at most {} gases", most_gases),
-                  material.name);
+          material.fault = fmt::format("a mixture has at most {} gases", most_gases);
+          return;
         }
-        material.values[key_of(gas)] = scalar_text(value, file_);
+        material.values[key_of(gas)] = scalar_text(value, list, material.fault);
       }
     };
     read_list("gas_types", gas_type_key);
@@ -170,16 +177,21 @@ class HoneybeeReader {
     }
     if (const JsonNode* materials = node.member("materials")) {
       for (const auto& layer : materials->elements()) {
-        construction.layers.push_back(read_layer(layer));
+        construction.layers.push_back(read_layer(layer, construction));
       }
     }
     model_.constructions.push_back(std::move(construction));
   }
 
-  std::string read_layer(const JsonNode& node) {
-    if (node.kind != JsonNode::Kind::Object) return scalar_text(node, file_);
-    if (!is_object(node)) fail_at(file_, node.line, "a layer has neither type nor identifier");
-    const auto identifier = text_of(node, "identifier");
+  std::string read_layer(const JsonNode& node, SourceConstruction& construction) {
+    if (node.kind != JsonNode::Kind::Object) {
+      return scalar_text(node, "materials", construction.fault);
+    }
+    if (!is_object(node)) {
+      construction.fault = "a layer has no type or no identifier";
+      return {};
+    }
+    const auto identifier = identifier_of(node);
     if (names_.count(identifier) == 0) read_object(node);
     return identifier;
   }

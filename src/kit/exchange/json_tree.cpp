@@ -2,6 +2,7 @@
 #include "kit/exchange/json_tree.hpp"
 
 #include "kit/exchange/problem.hpp"
+#include "kit/text/quoted.hpp"
 
 #include <veldra/kit/text.hpp>
 
@@ -257,7 +258,7 @@ std::string text_of_any(const JsonNode& node) {
   return json_of(node).dump();
 }
 
-std::string scalar_text(const JsonNode& node, const std::string& file) {
+std::string scalar_text(const JsonNode& node, const std::string& key, std::string& fault) {
   switch (node.kind) {
     case JsonNode::Kind::Null:
       return "";
@@ -268,7 +269,8 @@ std::string scalar_text(const JsonNode& node, const std::string& file) {
     case JsonNode::Kind::Boolean:
       return node.boolean ? "Yes" : "No";
     default:
-      fail_at(file, node.line, "a number or a text is expected");
+      if (fault.empty()) fault = fmt::format("{} is neither a number nor a text", quoted(key));
+      return "";
   }
 }
 

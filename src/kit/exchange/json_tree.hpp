@@ -77,9 +77,9 @@ inline JsonNode::JsonNode(Members value) : kind(Kind::Object), content_(std::mov
 /// A value as a text: a text as it is, all else as JSON without blanks.
 std::string text_of_any(const JsonNode& node);
 
-/// A number, a text, or yes or no, as a text without blanks around it; empty for null. Throws
-/// `SourceError` for all else.
-std::string scalar_text(const JsonNode& node, const std::string& file);
+/// A number, a text, or yes or no, as a text without blanks around it; empty for null. All else is
+/// a `fault` of the object, which is told unless it has another one, and empty.
+std::string scalar_text(const JsonNode& node, const std::string& key, std::string& fault);
 
 /// Reads a JSON text; `file` is for messages. Throws `SourceError`.
 JsonNode parse_json(const std::string& text, const std::string& file);

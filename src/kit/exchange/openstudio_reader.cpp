@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/exchange/format_modules.hpp"
 #include "kit/exchange/inch_pound.hpp"
-#include "kit/exchange/problem.hpp"
 #include "kit/exchange/source_fields.hpp"
 #include "kit/text/quoted.hpp"
 
@@ -155,18 +154,19 @@ class StandardsReader {
   }
 
   template <class Work>
-  void for_each_object(const JsonNode& list, Work work) const {
+  void for_each_object(const JsonNode& list, Work work) {
     const auto take = [&](const JsonNode& node) {
-      if (node.kind != JsonNode::Kind::Object) fail_at(file_, node.line, "an object is expected");
-      work(node);
+      if (node.kind == JsonNode::Kind::Object) return work(node);
+      model_.problems.push_back({file_, node.line, "", "an object is expected"});
     };
     for (const auto& element : list.elements()) take(element);
     for (const auto& member : list.members()) take(member.value);
   }
 
-  std::string text_of(const JsonNode& node, const char* key) const {
+  template <class Object>
+  static std::string text_of(const JsonNode& node, const char* key, Object& object) {
     const JsonNode* value = node.member(key);
-    return value != nullptr ? scalar_text(*value, file_) : std::string();
+    return value != nullptr ? scalar_text(*value, key, object.fault) : std::string();
   }
 
   static std::string converted(const std::string& text, const SourceField& field) {
@@ -177,15 +177,15 @@ class StandardsReader {
 
   void read_material(const JsonNode& node) {
     SourceMaterial material;
-    const auto type = text_of(node, "material_type");
-    material.described = &class_of(type, !text_of(node, "thickness").empty());
-    material.name = text_of(node, "name");
+    const auto type = text_of(node, "material_type", material);
+    material.described = &class_of(type, !text_of(node, "thickness", material).empty());
+    material.name = text_of(node, "name", material);
     material.line = node.line;
     if (material.described->name != type) tell_generic(material, type);
     std::set<std::string> known{"name", "material_type"};
     for (const auto& field : material.described->fields) {
       known.insert(field.key);
-      const auto text = text_of(node, field.key);
+      const auto text = text_of(node, field.key, material);
       if (!text.empty()) material.values[field.key] = converted(text, field);
     }
     for (const auto& [key, value] : node.members()) {
@@ -217,17 +217,17 @@ class StandardsReader {
     static const auto* described = construction_class("Construction");
     SourceConstruction construction;
     construction.described = described;
-    construction.name = text_of(node, "name");
+    construction.name = text_of(node, "name", construction);
     construction.line = node.line;
-    construction.type = type_for(text_of(node, "intended_surface_type"));
+    construction.type = type_for(text_of(node, "intended_surface_type", construction));
     for (const auto& [key, value] : node.members()) {
       const auto property = properties.find(key);
       if (property != properties.end()) {
-        const auto text = scalar_text(value, file_);
+        const auto text = scalar_text(value, key, construction.fault);
         if (!text.empty()) construction.properties.emplace_back(property->second, text);
       } else if (key == "materials") {
         for (const auto& layer : value.elements()) {
-          construction.layers.push_back(scalar_text(layer, file_));
+          construction.layers.push_back(scalar_text(layer, key, construction.fault));
         }
       } else if (key != "name") {
         add_not_kept(key, value, construction.not_kept);
