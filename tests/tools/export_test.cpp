@@ -376,6 +376,9 @@ TEST_F(ExportedFormat, is_read_up_to_a_size_that_can_be_given) {
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.err, "veldra: 'a.idf': it is larger than 20 bytes\n");
   must({"import", "b.lib", "a.idf", "--max-source", "1KB"});
+  const auto negative = veldra({"import", "c.lib", "a.idf", "--max-source", "-5"});
+  EXPECT_EQ(negative.status, 2);
+  EXPECT_THAT(negative.err, HasSubstr("--max-source: '-5' is less than 0"));
 }
 
 }  // namespace

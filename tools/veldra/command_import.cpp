@@ -285,6 +285,12 @@ class Import {
   std::string told_;  ///< the beginning of the notes, which can be told shorter
 };
 
+/// A number below zero would be taken for a very large one.
+std::string not_below_zero(const std::string& size) {
+  if (kit::trimmed(size).compare(0, 1, "-") != 0) return "";
+  return fmt::format("{} is less than 0", in_quotes(size));
+}
+
 }  // namespace
 
 void add_import(Host& host) {
@@ -313,6 +319,7 @@ void add_import(Host& host) {
       .add_option("--max-source", arguments->max_source,
                   "The most that is read of each file, such as 200MB; 1 GiB by default")
       ->transform(CLI::AsSizeValue(false))
+      ->transform(CLI::Validator(not_below_zero, ""))  // is asked first
       ->type_name("SIZE");
   add_backup(command, host);
   add_example(command, "veldra import office.lib walls.idf glass.epJSON --on-conflict use",
