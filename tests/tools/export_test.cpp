@@ -356,6 +356,16 @@ TEST_F(ExportedFormat, comes_back_as_a_table_that_a_person_changed) {
   EXPECT_EQ(again["format"], "CSV");
 }
 
+TEST_F(ExportedFormat, has_tabs_between_cells_where_the_ending_says_so) {
+  must({"export", "a.lib", "-o", "a.tsv"});
+  EXPECT_THAT(read("a.tsv"), HasSubstr("kind\tid ["));
+  must({"export", "a.lib", "-o", "german.tsv", "--locale", "de"});
+  EXPECT_THAT(read("german.tsv"), HasSubstr("kind\tid ["));
+  for (const char* table : {"a.tsv", "german.tsv"}) {
+    EXPECT_EQ(must({"import", "a.lib", table, "--json"}).json()[0]["materials"]["equal"], 1U);
+  }
+}
+
 TEST_F(ExportedFormat, of_tables_is_imported_by_itself_and_strictly_if_wanted) {
   write("t.csv", "name;function\nBrick;1\nStone;x\n");
   auto run = veldra({"import", "a.lib", "t.csv", "a.idf"});

@@ -2,6 +2,7 @@
 #include "arguments.hpp"
 #include "failure.hpp"
 #include "files/output_file.hpp"
+#include "files/path.hpp"
 #include "formats.hpp"
 #include "host.hpp"
 #include "json.hpp"
@@ -75,7 +76,7 @@ class Export {
       : arguments_(arguments), format_(format), host_(host) {
     rules_.table = arguments.table.empty() ? "materials" : arguments.table;
     const auto signs = table_signs(arguments.locale);
-    rules_.separator = signs.separator;
+    rules_.separator = ending_of(arguments.output) == "tsv" ? '\t' : signs.separator;
     rules_.decimal = signs.decimal;
   }
 
