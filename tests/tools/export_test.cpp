@@ -356,6 +356,14 @@ TEST_F(ExportedFormat, comes_back_as_a_table_that_a_person_changed) {
   EXPECT_EQ(again["format"], "CSV");
 }
 
+TEST_F(ExportedFormat, is_marked_as_utf8_for_spreadsheets_of_a_region) {
+  const std::string mark = "\xEF\xBB\xBFkind";
+  must({"export", "a.lib", "-o", "german.csv", "--locale", "de"});
+  EXPECT_EQ(read("german.csv").substr(0, mark.size()), mark);
+  must({"export", "a.lib", "-o", "plain.csv"});
+  EXPECT_EQ(read("plain.csv").substr(0, 4), "kind");
+}
+
 TEST_F(ExportedFormat, has_tabs_between_cells_where_the_ending_says_so) {
   must({"export", "a.lib", "-o", "a.tsv"});
   EXPECT_THAT(read("a.tsv"), HasSubstr("kind\tid ["));

@@ -46,6 +46,8 @@ bool goes_to_terminal(const std::string& output) {
   return terminal;
 }
 
+constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
+
 bool is_json(const kit::Format& format) { return word_of(format) == "json"; }
 
 bool is_binary(const kit::Format& format) { return word_of(format) == "xlsx"; }
@@ -91,6 +93,7 @@ class Export {
       if (!to_terminal) return text.write(part);
       text.write(is_table() ? printable_row(part) : printable_lines(part));
     };
+    if (is_for_spreadsheet() && !to_terminal) keep(byte_order_mark);
     tell(write_wanted(library, keep));
     if (is_table() && arguments_.table.empty()) tell_other_tables(library);
     return size;
@@ -98,6 +101,9 @@ class Export {
 
  private:
   bool is_table() const { return word_of(format_) == "csv"; }
+
+  /// Spreadsheets take the letters of a table that is not marked for those of their region.
+  bool is_for_spreadsheet() const { return is_table() && !arguments_.locale.empty(); }
 
   kit::WriteReport write_wanted(const veldra::Library& library, const kit::TextSink& sink) const {
     if (arguments_.selection.is_empty()) return kit::write(library, format_, sink, rules_);
