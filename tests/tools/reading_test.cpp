@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "files/reading.hpp"
+#include "support/sanitized.hpp"
 #include "tools/program.hpp"
 
 #include "failure.hpp"
@@ -54,6 +55,14 @@ TEST_F(Reading, of_what_has_no_end_ends_at_the_same_size) {
   EXPECT_EQ(failure_of_reading("/dev/zero", 1 << 20),
             "'/dev/zero': it is larger than 1048576 bytes");
 }
+
+// The address sanitizer takes more addresses than could be left to the program.
+#ifndef VELDRA_KEEPS_FREED_MEMORY
+TEST_F(Reading, of_what_has_no_end_takes_no_memory_for_what_is_beyond_it) {
+  const auto run = shell("ulimit -v 190000; veldra import a.lib - --max-source 64MB < /dev/zero");
+  EXPECT_EQ(run.err, "veldra: 'standard input': it is larger than 67108864 bytes\n");
+}
+#endif
 
 TEST_F(Reading, of_what_says_no_size_is_of_all_of_it) {
   EXPECT_THAT(veldra_tool::content_of("/proc/self/status"), HasSubstr("Name:"));

@@ -12,6 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <vector>
 
@@ -56,9 +57,10 @@ std::string content_behind(int descriptor, const std::string& file, std::size_t 
   for (;;) {
     const auto size = ::read(descriptor, block.data(), block.size());
     if (size == 0) return content;
-    if (size > 0) content.append(block.data(), static_cast<std::size_t>(size));
-    if (content.size() > most) fail_for_size(file, most);
     if (size < 0 && errno != EINTR) fail(file, errno);
+    const auto taken = static_cast<std::size_t>(std::max<ssize_t>(size, 0));
+    if (taken > most - content.size()) fail_for_size(file, most);
+    content.append(block.data(), taken);
     stop_if_asked();
   }
 }
