@@ -554,6 +554,19 @@ TEST_F(Workbook, that_is_damaged_anywhere_gives_a_sentence_or_is_read) {
   }
 }
 
+TEST_F(Workbook, that_has_a_large_sheet_gives_a_sentence) {
+  auto files = files_of({{"materials", row_of({"name"}) + row_of({"A"}), "",
+                          "<!--" + std::string(std::size_t{257} << 20, ' ') + "-->"}});
+  std::mt19937 random(7);
+  std::string noise(3 << 20, ' ');  // without which the whole would be too small for its content
+  for (char& byte : noise) byte = static_cast<char>(random());
+  files.emplace_back("noise", noise);
+  EXPECT_EQ(
+      refusal(archive_of(files)),
+      "'x.xlsx': the file 'xl/sheets/1.xml' of the archive is larger than 256 MiB, and is not "
+      "read");
+}
+
 TEST_F(Workbook, that_takes_too_much_gives_a_sentence) {
   std::string shared_row = "<row>";
   for (int i = 0; i < 9000; ++i) shared_row += "<c t='s'><v>0</v></c>";

@@ -20,6 +20,9 @@ constexpr std::size_t most_bytes = std::size_t{1} << 30;
 constexpr std::size_t most_times = 100;
 constexpr std::size_t most_files = 20000;
 
+/// What is read of an archive is in memory twice: as a text and taken apart.
+constexpr std::size_t most_bytes_of_file = std::size_t{256} << 20;
+
 /// The bytes of an archive as the library reads a file.
 struct Bytes {
   const std::string* bytes;
@@ -135,6 +138,10 @@ void ZipArchive::take_entry(std::size_t& total) {
 std::string ZipArchive::content_of(const std::string& name) const {
   const auto size = sizes_.find(name);
   if (size == sizes_.end()) refuse(fmt::format("the archive lacks the file {}", quoted(name)));
+  if (size->second > most_bytes_of_file) {
+    refuse(fmt::format("the file {} of the archive is larger than 256 MiB, and is not read",
+                       quoted(name)));
+  }
   const auto broken = fmt::format("the file {} of the archive is broken", quoted(name));
   if (unzLocateFile(archive_, name.c_str(), 1) != UNZ_OK) refuse(broken);
   if (unzOpenCurrentFile(archive_) != UNZ_OK) refuse(broken);
