@@ -105,7 +105,7 @@ py::object as_list(const Column& column) {
   for_each_object(column, [&](std::size_t index, const py::object& object) {
     PyList_SET_ITEM(result.ptr(), static_cast<Py_ssize_t>(index), object.inc_ref().ptr());
   });
-  return std::move(result);
+  return result;
 }
 
 /// An array of numpy, of the type that numpy calls so. Its memory is reached as any buffer

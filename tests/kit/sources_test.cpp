@@ -76,6 +76,22 @@ TEST(SourcesTogether, may_refer_to_each_other) {
   EXPECT_EQ(sources.reports[0].references_not_found, 0U);
 }
 
+TEST(SourcesTogether, have_no_build_up_that_lacks_a_layer_between_others) {
+  for (
+      const std::string gap :
+      {"Construction, Wall, Brick, , Brick;",
+       R"({"Construction": {"Wall": {"outside_layer": "Brick", "layer_3": "Brick"}}})",
+       R"({"Construction": {"Wall": {"layer_3": "Brick", "layer_2": "", "outside_layer": "Brick"}}})"}) {
+    SCOPED_TRACE(gap);
+    const auto sources = read({brick, gap});
+    EXPECT_FALSE(sources.library->get<Composition>(text("Wall")));
+    EXPECT_THAT(problems_in(sources.reports[1]),
+                ElementsAre(EndsWith("Construction 'Wall': layer 2 is missing")));
+  }
+  const auto sources = read({brick, "Construction, Wall, Brick, Brick, , ;"});
+  EXPECT_EQ(sources.library->get<Composition>(text("Wall"))->layers().size(), 2U);
+}
+
 TEST(SourcesTogether, know_where_each_object_comes_from) {
   const auto sources = read(
       {"Version, 9.4;\n" + std::string(brick), own("\n\"materials\": [\n{\"name\": \"Wool\"}]")});

@@ -66,6 +66,13 @@ TEST_F(Import, the_heaviest_layer_carries_and_all_layers_are_the_core) {
   EXPECT_EQ(wall["structural_layer"], 0);
 }
 
+TEST_F(Import, standard_input_is_a_source_only_once) {
+  const auto run = veldra({"import", "a.lib", "-", "-"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_THAT(run.err, HasSubstr("standard input can be read once only"));
+  EXPECT_FALSE(exists("a.lib"));
+}
+
 TEST_F(Import, line_ends_and_a_byte_order_mark_do_not_matter) {
   write("cr.idf", "\xEF\xBB\xBFMaterial:AirGap,A,0.1;! one\rMaterial:AirGap,B,0.2;\r\n");
   EXPECT_EQ(imported({"cr.idf"})[0]["read"]["Material:AirGap"], 2);

@@ -36,6 +36,17 @@ TEST_F(Help, says_in_words_what_does_not_go_together) {
   EXPECT_THAT(run.err, HasSubstr("veldra: --dry-run and --plan do not go together\n"));
 }
 
+/// Later releases of the library that reads them refuse other names, all of the program with them.
+TEST_F(Help, calls_arguments_by_one_word) {
+  for (const auto* command : host.arguments.get_subcommands({})) {
+    for (const auto* argument : command->get_options()) {
+      const auto name = argument->get_name(true);
+      EXPECT_EQ(name.find_first_of("=:{ "), std::string::npos)
+          << command->get_name() << " " << name;
+    }
+  }
+}
+
 TEST_F(Help, of_no_command_is_wrong_use) {
   const auto run = veldra({"help", "destroy"});
   EXPECT_EQ(run.status, 2);

@@ -37,7 +37,15 @@ struct Arguments {
   PlanArguments plan;
 };
 
+/// Whoever has read standard input finds nothing in it the second time.
+void require_own_sources(const Arguments& arguments) {
+  if (std::count(arguments.sources.begin(), arguments.sources.end(), "-") > 1) {
+    throw CLI::ValidationError("SOURCE", "standard input can be read once only");
+  }
+}
+
 std::vector<kit::Source> read_sources(const Arguments& arguments) {
+  require_own_sources(arguments);
   std::vector<kit::Source> sources;
   for (const auto& file : arguments.sources) {
     const bool is_file = file != "-";

@@ -88,10 +88,11 @@ void add_new(Host& host) {
                   "Its name, which no other object of the kind has; left out where KIND says it")
       ->type_name("");
   command
-      .add_option("FIELD=VALUE", arguments->texts,
-                  "Its values, such as conductivity=0.04; of a composition also "
-                  "layers=\"Brick | 115; Wool | 100\", from outside to inside; a property needs "
-                  "for=material or for=composition")
+      .add_option(
+          "ASSIGNMENT", arguments->texts,
+          "Its values, each as FIELD=VALUE, such as conductivity=0.04; of a composition also "
+          "layers=\"Brick | 115; Wool | 100\", from outside to inside; a property needs "
+          "for=material or for=composition")
       ->type_name("");
   add_properties(command, arguments->properties);
   add_backup(command, host);

@@ -86,7 +86,7 @@ SourceConstruction construction_from(const std::string& name, const JsonNode& no
     std::string text = scalar_text(value, key, construction.fault);
     if (!text.empty()) layers[position] = std::move(text);
   }
-  for (auto& layer : layers) construction.layers.push_back(std::move(layer.second));
+  for (const auto& [place, material] : layers) add_layer(construction, place, material);
   return construction;
 }
 

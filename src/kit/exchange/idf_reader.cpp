@@ -126,7 +126,7 @@ SourceConstruction construction_from(const IdfObject& object, const Construction
     if (i < first) {
       construction.not_kept.emplace_back(fields_of_heat_source[i - 2], object.fields[i]);
     } else {
-      construction.layers.push_back(object.fields[i]);
+      add_layer(construction, i - first + 1, object.fields[i]);
     }
   }
   return construction;

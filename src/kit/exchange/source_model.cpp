@@ -6,6 +6,8 @@
 #include <veldra/kit/physics.hpp>
 #include <veldra/kit/text.hpp>
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 namespace veldra::kit {
@@ -243,6 +245,14 @@ bool has_field(const SourceMaterial& material, const std::string& key) {
   return material.values.count(key) > 0 ||
          std::any_of(material.not_kept.begin(), material.not_kept.end(),
                      [&](const auto& field) { return field.first == key; });
+}
+
+void add_layer(SourceConstruction& construction, std::size_t place, const std::string& material) {
+  const auto expected = construction.layers.size() + 1;
+  if (place != expected && construction.fault.empty()) {
+    construction.fault = fmt::format("layer {} is missing", expected);
+  }
+  construction.layers.push_back(material);
 }
 
 bool may_lack_thickness(const std::string& type) {

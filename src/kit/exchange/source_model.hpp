@@ -94,6 +94,10 @@ struct SourceConstruction {
   FieldsNotKept not_kept;
 };
 
+/// Adds the layer at a place, counted from 1 from outside. What lacks one before it is no build-up:
+/// nobody knows what is between.
+void add_layer(SourceConstruction& construction, std::size_t place, const std::string& material);
+
 /// What a file of the simulation formats holds.
 struct SourceModel {
   std::vector<SourceMaterial> materials;
