@@ -45,7 +45,6 @@ void require_own_sources(const Arguments& arguments) {
 }
 
 std::vector<kit::Source> read_sources(const Arguments& arguments) {
-  require_own_sources(arguments);
   std::vector<kit::Source> sources;
   for (const auto& file : arguments.sources) {
     const bool is_file = file != "-";
@@ -337,6 +336,7 @@ void add_import(Host& host) {
               "demands. With --strict that is 1, and nothing is imported");
   command.callback([arguments, &command, &host] {
     arguments->unit_given = command.count("--unit") > 0;
+    require_own_sources(*arguments);
     working_on(arguments->file, [&] { Import(*arguments, host).run(); });
   });
 }
