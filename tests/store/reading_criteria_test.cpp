@@ -196,6 +196,34 @@ TEST_F(ReadingCriteria, compositions_are_selected_by_a_mask_of_types) {
   EXPECT_EQ(library->count<Composition>(criteria), 4u);
 }
 
+/// The statement of a count is kept, and asked for other types the next time.
+TEST_F(ReadingCriteria, counts_by_type_one_after_another_are_of_their_own_types) {
+  put_build_up("Wall", "1");
+  put_build_up("Floor", "2");
+  put_build_up("Second floor", "2");
+  put("Oak", "13", {});
+  put("Brick", "7", {});
+  put("Block", "7", {});
+  const auto build_ups = [this](unsigned types) {
+    CompositionCriteria criteria;
+    criteria.types = types;
+    return library->count<Composition>(criteria);
+  };
+  const auto materials = [this](unsigned type) {
+    MaterialCriteria criteria;
+    criteria.type = library->get<MaterialType>(type);
+    return library->count<Material>(criteria);
+  };
+  EXPECT_EQ(build_ups(1), 1u);
+  EXPECT_EQ(materials(13), 1u);
+  EXPECT_EQ(build_ups(2), 2u);
+  EXPECT_EQ(materials(7), 2u);
+  EXPECT_EQ(build_ups(1 | 4), 1u);
+  EXPECT_EQ(build_ups(2 | 4), 2u);
+  EXPECT_EQ(build_ups(1), 1u);
+  EXPECT_EQ(materials(13), 1u);
+}
+
 TEST_F(ReadingCriteria, a_type_must_equal_one_of_the_bits) {
   put_build_up("Wall", "1");
   put_build_up("Both", "3");

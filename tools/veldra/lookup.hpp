@@ -48,7 +48,7 @@ std::vector<std::shared_ptr<veldra::CustomProperty>> objects_named(const veldra:
 /// Whether reading has failed at an object of whose name nothing is known.
 bool is_unreadable_object();
 
-/// Calls `offer` with the name of each object of a kind, unless one of them cannot be read.
+/// Calls `offer` with the name of each object of a kind; with none where one is not UTF-8.
 template <class T, class Offer>
 void offer_names(const veldra::Library& library, Offer offer) {
   try {
