@@ -218,6 +218,35 @@ TEST_F(DrawSheet, a_bridge_is_drawn_and_listed) {
   EXPECT_THAT(svg, HasSubstr("<rect width=\"100\" height=\"6\""));
 }
 
+TEST_F(DrawSheet, a_bridge_that_crosses_the_others_runs_along_the_section) {
+  const auto wool = [this](const char* name, const char* share, const char* group) {
+    return material(name, {{"Thermal conductivity [W/(m K)]", "0.04"},
+                           {"Bridge share [-]", share},
+                           {"Bridge group", group},
+                           {"Bridge conductivity [W/(m K)]", "0.13"}});
+  };
+  const auto rectangles = [](const std::string& svg, const std::string& size) {
+    std::size_t count = 0;
+    for (auto at = svg.find(size); at != std::string::npos; at = svg.find(size, at + 1)) ++count;
+    return count;
+  };
+  add(wool("Battens", "0.1", "battens"), 20);
+  add(wool("Studs", "0.1", "studs"), 80);
+  const auto crossing = sheet();
+  // At 1:1 a section is 78 long: three studs of 10 % of 26, and a batten in its last third.
+  EXPECT_EQ(rectangles(crossing, "<rect width=\"80\" height=\"2.6\""), 3U);
+  EXPECT_EQ(rectangles(crossing, "<rect width=\"20\" height=\"26\""), 1U);
+  EXPECT_THAT(crossing, HasSubstr(">Bridges with lines along them cross those with diagonals.<"));
+
+  wall_ = veldra::Composition::create("Aligned");
+  add(wool("Battens in line", "0.1", "studs"), 20);
+  add(wool("Studs in line", "0.1", "studs"), 80);
+  library("a.lib")->save(wall_);
+  const auto aligned = drawn("Aligned");
+  EXPECT_EQ(rectangles(aligned, "<rect width=\"20\" height=\"2.6\""), 3U);
+  EXPECT_THAT(aligned, Not(HasSubstr("cross those")));
+}
+
 TEST_F(DrawSheet, twenty_layers_have_all_their_thicknesses) {
   for (int i = 0; i < 20; ++i) {
     add(material(("M" + std::to_string(i)).c_str(), {}), i % 4 == 0 ? 60 : 1.25 + i);

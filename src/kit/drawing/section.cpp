@@ -19,6 +19,7 @@ constexpr double lying_length = 92;       ///< of a layer that lies
 constexpr double deepest_standing = 100;  ///< of all layers together
 constexpr double deepest_lying = 74;
 constexpr double thinnest = 1.1;  ///< that a layer is drawn
+constexpr double same_width = 1e-6;
 constexpr double number_radius = 2.3;
 constexpr double number_spacing = 5.4;
 constexpr double number_distance = 9;
@@ -55,6 +56,15 @@ std::vector<double> spread(std::vector<double> places) {
 std::string crossed_lines(double width, double height, const std::string& color) {
   return fmt::format(R"(<path d="M0 0L{0} {1}M{0} 0L0 {1}" stroke="{2}" stroke-width="0.15"/>)",
                      paper(width), paper(height), color);
+}
+
+/// Lines along the grain, by which timber is shown that runs with the section.
+std::string lengthwise_lines(double width, double height, const std::string& color) {
+  std::string path;
+  for (const double part : {0.25, 0.5, 0.75}) {
+    path += fmt::format("M{0} 0V{1}", paper(width * part), paper(height));
+  }
+  return fmt::format(R"(<path d="{}" stroke="{}" stroke-width="0.15"/>)", path, color);
 }
 
 double mean(const std::vector<double>& values) {
@@ -170,28 +180,55 @@ bool Section::draw_layers(Svg& svg) const {
   return hatched;
 }
 
-/// What interrupts a layer, in the frame of its hatch: as wide as its share of the distance between
-/// two, and from the inner side as deep as it is.
+/// Whether a layer has a bridge that runs with the section: one that crosses those of the thickest
+/// layer with bridges, through which the section is cut.
+bool Section::has_crossing_bridge(std::size_t index) const {
+  const auto& layers = heat_.layers;
+  if (index >= layers.size() || !layers[index].bridge) return false;
+  std::size_t cut = index;
+  for (std::size_t i = 0; i < layers.size(); ++i) {
+    if (!layers[i].bridge) continue;
+    if (edges_[i + 1] - edges_[i] > edges_[cut + 1] - edges_[cut] + same_width) cut = i;
+  }
+  return layers[cut].bridge->group != layers[index].bridge->group;
+}
+
+bool Section::has_crossing_bridges() const {
+  for (std::size_t i = 0; i < heat_.layers.size(); ++i) {
+    if (has_crossing_bridge(i)) return true;
+  }
+  return false;
+}
+
+/// What interrupts a layer, in the frame of its hatch, from the inner side as deep as it is. Those
+/// that are cut across are as wide as their share of the distance between two; one that runs with
+/// the section is seen in its last third, and goes on beyond it.
 std::string Section::bridge_elements(std::size_t index, double layer_width,
                                      double layer_length) const {
   if (index >= heat_.layers.size() || !heat_.layers[index].bridge) return "";
   const auto& heat = heat_.layers[index];
   const KnownValues values(*composition_.layers()[index].material());
-  const double apart = values.number(Known::BridgeSpacing).value_or(0) / scale_;
-  const double spacing = apart > 0 ? std::clamp(apart, 6.0, layer_length) : layer_length / 3;
-  const double across = spacing * heat.bridge->share;
   const double thickness = composition_.layers()[index].thickness();
   const double deep =
       converted_length(values.number(Known::BridgeDepth).value_or(0), Unit::Millimetres, unit_);
   const double depth = deep > 0 && deep < thickness ? layer_width * deep / thickness : layer_width;
   const auto style = bridge_style(heat.bridge_conductivity);
-  std::string result;
-  for (double middle = spacing / 2; middle < layer_length; middle += spacing) {
-    result += fmt::format(
+  const auto element = [&](double from, double across, const std::string& lines) {
+    return fmt::format(
         R"svg(<g transform="translate({} {})"><rect width="{}" height="{}" fill="{}" )svg"
         R"svg(stroke="#1a1a1a" stroke-width="0.2"/>{}</g>)svg",
-        paper(layer_width - depth), paper(middle - across / 2), paper(depth), paper(across),
-        style.fill, crossed_lines(depth, across, style.line));
+        paper(layer_width - depth), paper(from), paper(depth), paper(across), style.fill, lines);
+  };
+  if (has_crossing_bridge(index)) {
+    const double across = layer_length / 3;
+    return element(layer_length - across, across, lengthwise_lines(depth, across, style.line));
+  }
+  const double apart = values.number(Known::BridgeSpacing).value_or(0) / scale_;
+  const double spacing = apart > 0 ? std::clamp(apart, 6.0, layer_length) : layer_length / 3;
+  const double across = spacing * heat.bridge->share;
+  std::string result;
+  for (double middle = spacing / 2; middle < layer_length; middle += spacing) {
+    result += element(middle - across / 2, across, crossed_lines(depth, across, style.line));
   }
   return result;
 }

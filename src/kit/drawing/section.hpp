@@ -29,6 +29,7 @@ class Section {
   double scale() const { return scale_; }
   double height() const;  ///< of all that is drawn
   bool has_thickened_layers() const { return thickened_; }
+  bool has_crossing_bridges() const;  ///< beside those that the section is cut through
 
   /// How many thicknesses are so close together that they stand in the list alone.
   std::size_t undimensioned_layers() const { return undimensioned_; }
@@ -39,6 +40,7 @@ class Section {
   void place_layers();
   bool place_layers(double scale, double deepest);
   Point at(double across, double along) const;
+  bool has_crossing_bridge(std::size_t index) const;
   std::string bridge_elements(std::size_t index, double layer_width, double layer_length) const;
   void place_dimensions();
   void draw_layer(Svg& svg, std::size_t index, const CutStyle& style,

@@ -146,6 +146,7 @@ class Panel {
     const double body_top = top_ + title_height() + 2.5;
     const Section section(composition_, unit_, {margin, body_top}, transmission_, rules_);
     thickened_ = section.has_thickened_layers();
+    crossing_ = section.has_crossing_bridges();
     undimensioned_ = section.undimensioned_layers();
     Svg body;
     hatched_ = section.draw(body);
@@ -443,6 +444,10 @@ class Panel {
       notes.front() += words_.say(" The thinnest layers are drawn thicker.",
                                   " Die dünnsten Schichten sind dicker gezeichnet.");
     }
+    if (crossing_) {
+      notes.emplace_back(words_.say("Bridges with lines along them cross those with diagonals.",
+                                    "Unterbrechungen mit Längslinien kreuzen die mit Diagonalen."));
+    }
     if (undimensioned_ > 0) {
       notes.push_back(
           fmt::format(fmt::runtime(words_.say("Thicknesses that have room in this list only: {}.",
@@ -472,6 +477,7 @@ class Panel {
   double top_;
   Transmission transmission_;
   bool thickened_ = false;
+  bool crossing_ = false;
   bool hatched_ = true;
   std::size_t undimensioned_ = 0;
 };
