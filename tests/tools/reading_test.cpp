@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <fstream>
 
 namespace veldra_tests {
 namespace {
@@ -62,7 +63,22 @@ TEST_F(Reading, of_what_has_no_end_takes_no_memory_for_what_is_beyond_it) {
   const auto run = shell("ulimit -v 190000; veldra import a.lib - --max-source 64MB < /dev/zero");
   EXPECT_EQ(run.err, "veldra: 'standard input': it is larger than 67108864 bytes\n");
 }
+
+TEST_F(Reading, of_a_line_that_has_no_end_ends_within_512_megabytes) {
+  const auto run = shell("ulimit -v 524288; veldra import a.lib - < /dev/zero");
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.err, "veldra: 'standard input': it has a line of more than 256 MiB\n");
+}
 #endif
+
+TEST_F(Reading, of_two_long_lines_is_of_both) {
+  constexpr std::size_t size = veldra_tool::most_bytes_of_line + 2;
+  make_sparse("zeros", size);
+  std::fstream file(path("zeros"));
+  file.seekp(size / 2);
+  file.put('\n').flush();
+  EXPECT_EQ(veldra_tool::content_of(path("zeros")).size(), size);
+}
 
 TEST_F(Reading, of_what_says_no_size_is_of_all_of_it) {
   EXPECT_THAT(veldra_tool::content_of("/proc/self/status"), HasSubstr("Name:"));

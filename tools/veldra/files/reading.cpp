@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <string_view>
 #include <vector>
 
 namespace veldra_tool {
@@ -48,11 +49,18 @@ std::size_t size_of(int descriptor) {
   return is_file ? static_cast<std::size_t>(status.st_size) : 0;
 }
 
+/// How long the last line is, of which `block` is the continuation.
+std::size_t length_of_line(std::size_t before, std::string_view block) {
+  const auto end = block.find_last_of("\n\r");
+  return end == std::string_view::npos ? before + block.size() : block.size() - end - 1;
+}
+
 std::string content_behind(int descriptor, const std::string& file, std::size_t most) {
   const auto known = size_of(descriptor);
   if (known > most) fail_for_size(file, most);
   std::string content;
   content.reserve(known);
+  std::size_t line = 0;
   std::vector<char> block(1 << 16);
   for (;;) {
     const auto size = ::read(descriptor, block.data(), block.size());
@@ -60,6 +68,8 @@ std::string content_behind(int descriptor, const std::string& file, std::size_t 
     if (size < 0 && errno != EINTR) fail(file, errno);
     const auto taken = static_cast<std::size_t>(std::max<ssize_t>(size, 0));
     if (taken > most - content.size()) fail_for_size(file, most);
+    line = length_of_line(line, {block.data(), taken});
+    if (line > most_bytes_of_line) throw failure_of(file, "it has a line of more than 256 MiB");
     content.append(block.data(), taken);
     stop_if_asked();
   }
