@@ -296,8 +296,7 @@ TEST_F(Process, that_would_make_a_file_larger_than_is_allowed_says_so) {
        {"create b.lib", "import b.lib n.idf", "import a.lib n.idf", "copy a.lib c.lib --all",
         "remove a.lib materials Free", "purge a.lib materials"}) {
     must({"create", "c.lib"});
-    // The shell counts in half kilobytes, and no file may grow beyond that.
-    const auto run = shell("ulimit -f 1; veldra " + command);
+    const auto run = on_full_disk(1, command);
     EXPECT_EQ(run.status, 1) << command;
     EXPECT_THAT(run.err, AllOf(is_one_sentence(),
                                HasSubstr("': the file would get larger than is allowed\n")))

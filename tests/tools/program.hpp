@@ -66,6 +66,9 @@ class ProgramTest : public testing::Test {
 
   /// Runs a command of the shell, in which `veldra` is the program.
   Outcome shell(const std::string& command) const;
+
+  /// Runs the program where no file may grow beyond so many half kilobytes.
+  Outcome on_full_disk(int half_kilobytes, const std::string& arguments) const;
   std::unique_ptr<Running> start_shell(const std::string& command) const;
 
   /// The same for a run that must work.
