@@ -6,12 +6,16 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <filesystem>
 #include <new>
 #include <stdexcept>
 
 namespace veldra_tests {
 
 namespace {
+
+/// The linker takes a blank in the name of what it loads first for its end.
+constexpr const char* preloaded = "faults.so";
 
 const char* name_of(Trouble trouble) {
   switch (trouble) {
@@ -60,6 +64,7 @@ SharedPlan::SharedPlan(const Fault& fault, const std::string& folder)
   plan_->only = fault.only;
   if (folder.size() >= sizeof plan_->folder) throw std::runtime_error("too long: " + folder);
   std::strcpy(plan_->folder, folder.c_str());
+  std::filesystem::create_symlink(VELDRA_FAULTS, folder_ / preloaded);
 }
 
 SharedPlan::~SharedPlan() { ::munmap(plan_, sizeof *plan_); }
@@ -67,7 +72,7 @@ SharedPlan::~SharedPlan() { ::munmap(plan_, sizeof *plan_); }
 std::vector<std::string> SharedPlan::environment() const {
   // Those of the address sanitizer, which wants to come first and looks for leaks with calls that
   // cannot be diverted.
-  return {"LD_PRELOAD=" VELDRA_FAULTS, std::string(FaultPlan::variable) + "=" + folder_ / "plan",
+  return {"LD_PRELOAD=" + folder_ / preloaded, std::string(FaultPlan::variable) + "=" + folder_ / "plan",
           "ASAN_OPTIONS=verify_asan_link_order=0:detect_leaks=0:exitcode=99"};
 }
 

@@ -2,6 +2,7 @@
 #ifndef VELDRA_TESTS_SUPPORT_EFFORT_HPP
 #define VELDRA_TESTS_SUPPORT_EFFORT_HPP
 
+#include "support/sanitized.hpp"
 #include "support/valgrind.hpp"
 
 #include <ctime>
@@ -12,12 +13,18 @@ namespace veldra_tests {
 /// clock depends on what else the machine does.
 class Effort {
  public:
-  /// Whether it is below so many seconds, or more under valgrind.
+  /// Whether it is below so many seconds, or more under valgrind and the sanitizers.
   bool is_below(int seconds) const {
-    return (std::clock() - begin_) / CLOCKS_PER_SEC < seconds_with_valgrind(seconds);
+    return (std::clock() - begin_) / CLOCKS_PER_SEC < seconds_with_valgrind(seconds) * slowness;
   }
 
  private:
+#ifdef VELDRA_KEEPS_FREED_MEMORY
+  static constexpr int slowness = 5;
+#else
+  static constexpr int slowness = 1;
+#endif
+
   std::clock_t begin_ = std::clock();
 };
 

@@ -100,7 +100,7 @@ TEST_F(ExampleCatalogue, is_what_a_librarian_begins_with_on_the_front_page) {
   const auto commands = commands_below("What a librarian does first");
   EXPECT_THAT(commands, HasSubstr("veldra draw"));
   const auto run = shell(
-      "mkdir examples && ln -s " VELDRA_CATALOGUE " examples/catalogue && set -e\n" + commands);
+      "mkdir examples && ln -s '" VELDRA_CATALOGUE "' examples/catalogue && set -e\n" + commands);
   EXPECT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(run.err, "");
   EXPECT_THAT(run.out, HasSubstr("DA-12 Gründach extensiv                       520.5"));

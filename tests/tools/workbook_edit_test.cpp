@@ -29,7 +29,7 @@ class EditedBook : public ProgramTest {
   }
 
   std::string edit(const std::vector<std::string>& arguments) {
-    auto command = std::string(python) + " " + VELDRA_EDIT_WORKBOOK + " '" + path("a.xlsx") + "'";
+    auto command = std::string(python) + " '" VELDRA_EDIT_WORKBOOK "' '" + path("a.xlsx") + "'";
     for (const auto& argument : arguments) command += " '" + argument + "'";
     FILE* out = popen(command.c_str(), "r");
     std::string text;
