@@ -197,6 +197,12 @@ TEST_F(DrawSheet, an_assumed_transmittance_is_smaller_than_a_stated_one) {
   EXPECT_GT(size_of(stated, "U = "), size_of(assumed, "U = "));
 }
 
+TEST_F(DrawSheet, what_is_stated_is_not_called_assumed) {
+  add(material("Concrete", {{"Thermal conductivity [W/(m K)]", "2"}}), 200);
+  wall_->custom_value("Boundary", "ground");
+  EXPECT_THAT(sheet(), HasSubstr(">assumed as usual: horizontal heat flow<"));
+}
+
 TEST_F(DrawSheet, an_interior_wall_has_a_room_on_both_sides) {
   wall_->custom_value("Boundary", "interior,horizontal");
   add(material("Brick", {{"Thermal conductivity [W/(m K)]", "0.4"}}), 200);

@@ -382,19 +382,12 @@ class Panel {
   }
 
   std::string assumed_text() const {
-    using Side = physics::Side;
     const auto basis = transmission_.border.basis;
     const auto* by = basis == BoundaryBasis::Name   ? words_.say("by its name", "nach dem Namen")
                      : basis == BoundaryBasis::Type ? words_.say("by its type", "nach der Art")
                                                     : words_.say("as usual", "wie üblich");
-    const auto side = transmission_.border.boundary.outside;
-    const auto* outside = side == Side::Outdoors
-                              ? words_.say("outdoor air outside", "außen Außenluft")
-                          : side == Side::Ground ? words_.say("ground outside", "außen Erdreich")
-                          : side == Side::Unheated
-                              ? words_.say("an unheated room outside", "außen ein unbeheizter Raum")
-                              : words_.say("a room on both sides", "beiderseits Räume");
-    return fmt::format("{} {}: {}", words_.say("assumed", "angenommen"), by, outside);
+    const auto* what = transmission_.border.outside_assumed ? assumed_outside() : assumed_flow();
+    return fmt::format("{} {}: {}", words_.say("assumed", "angenommen"), by, what);
   }
 
   std::string transmittance_text(double transmittance) const {
@@ -421,6 +414,33 @@ class Panel {
       figure(words_.say("vapour diffusion s_d", "Dampfdiffusion s_d"), *diffusion.total, 2, "m");
     }
     return y;
+  const char* assumed_outside() const {
+    using Side = physics::Side;
+    switch (transmission_.border.boundary.outside) {
+      case Side::Outdoors:
+        return words_.say("outdoor air outside", "außen Außenluft");
+      case Side::Ground:
+        return words_.say("ground outside", "außen Erdreich");
+      case Side::Unheated:
+        return words_.say("an unheated room outside", "außen ein unbeheizter Raum");
+      default:
+        return words_.say("a room on both sides", "beiderseits Räume");
+    }
+  }
+
+  const char* assumed_flow() const {
+    using physics::HeatFlow;
+    switch (transmission_.border.boundary.heat_flow) {
+      case HeatFlow::Upward:
+        return words_.say("upward heat flow", "Wärmestrom nach oben");
+      case HeatFlow::Downward:
+        return words_.say("downward heat flow", "Wärmestrom nach unten");
+      default:
+        return words_.say("horizontal heat flow", "waagrechter Wärmestrom");
+    }
+  }
+
+  /// With at least two figures that say something.
   }
 
   std::string lacking_text() const {
