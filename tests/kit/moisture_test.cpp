@@ -254,6 +254,16 @@ TEST(CompositionMoisture, is_that_of_its_layers) {
   EXPECT_NEAR(*diffusion.total, 10.5, 1e-12);
 }
 
+TEST(CompositionMoisture, is_the_same_in_inches) {
+  const auto metric = kit::moisture_of(*wall("10"), Unit::Millimetres, two_seasons());
+  const auto inches = wall("10");
+  inches->layer(0, toModify).thickness(20 / 25.4);
+  inches->layer(1, toModify).thickness(50 / 25.4);
+  const auto result = kit::moisture_of(*inches, Unit::Inches, two_seasons());
+  EXPECT_NEAR(result.year->greatest, metric.year->greatest, 1e-9);
+  EXPECT_NEAR(result.surface->factor, metric.surface->factor, 1e-12);
+}
+
 TEST(CompositionMoisture, tells_which_layer_says_nothing_of_vapour) {
   const auto result = kit::moisture_of(*wall(nullptr), Unit::Millimetres, two_seasons());
   EXPECT_FALSE(result.year);
