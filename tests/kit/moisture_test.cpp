@@ -69,6 +69,24 @@ TEST(Condensation, evaporates_in_summer) {
   EXPECT_NEAR(year.greatest, 3.68799, 1e-3);
 }
 
+// November to January and March are winter, and a February at 10 °C takes but a part of what is
+// there: the place has 10 + 10 * 0.09 / 0.47 = 11.9149 °C and 1393.96 Pa, from which 1393.96 - 0.5
+// * 1227.31 = 780.31 Pa drive through 10 m and 1393.96 - 0.5 * 2336.95 = 225.49 Pa through 0.5 m:
+// 2e-10 * (780.31 / 10 + 225.49 / 0.5) = 1.0580e-7 kg/(m2 s), in 28 days 0.25595 kg/m2 of
+// the 2.34534e-7 * 86400 * 92 = 1.86426 from before. March adds 0.62818, and the summer dries all.
+// A year from March would end with what is left in February.
+TEST(Condensation, of_two_wet_spells_begins_with_the_one_behind_the_drying) {
+  auto climate = all_year(summer);
+  for (const std::size_t month : {10, 11, 0, 2}) climate[month] = winter;
+  climate[1] = {10, 0.5, 20, 0.5};
+  const auto year = moisture_year(tight_outside, 0.04, 0.13, climate);
+  EXPECT_EQ(year.months.front().month, 10U);
+  EXPECT_NEAR(year.months[2].total(), 1.86426, 1e-3);
+  EXPECT_NEAR(year.months[3].total(), 1.86426 - 0.25595, 1e-3);
+  EXPECT_NEAR(year.greatest, 1.86426 - 0.25595 + 0.62818, 1e-3);
+  EXPECT_TRUE(year.dries);
+}
+
 TEST(Condensation, is_not_where_the_tight_layer_is_inside) {
   const auto year = moisture_year({{0.25, 0.5}, {0.05, 10}}, 0.04, 0.13, two_seasons());
   EXPECT_FALSE(year.condenses);
@@ -234,6 +252,16 @@ TEST(CompositionMoisture, is_that_of_its_layers) {
   EXPECT_NEAR(result.surface->factor, 0.34 / 0.59, 1e-9);
   const auto diffusion = kit::diffusion_of(*wall("10"), Unit::Millimetres);
   EXPECT_NEAR(*diffusion.total, 10.5, 1e-12);
+}
+
+TEST(CompositionMoisture, is_the_same_in_inches) {
+  const auto metric = kit::moisture_of(*wall("10"), Unit::Millimetres, two_seasons());
+  const auto inches = wall("10");
+  inches->layer(0, toModify).thickness(20 / 25.4);
+  inches->layer(1, toModify).thickness(50 / 25.4);
+  const auto result = kit::moisture_of(*inches, Unit::Inches, two_seasons());
+  EXPECT_NEAR(result.year->greatest, metric.year->greatest, 1e-9);
+  EXPECT_NEAR(result.surface->factor, metric.surface->factor, 1e-12);
 }
 
 TEST(CompositionMoisture, tells_which_layer_says_nothing_of_vapour) {

@@ -106,6 +106,25 @@ TEST(HeatStorage, is_what_small_steps_through_time_find) {
   }
 }
 
+// 140 mm of polystyrene outside 200 mm of brick, from the inside to the outside. Brick: penetration
+// sqrt(0.8 * 86400 / (pi * 1800 * 900)) = 0.116538 m, xi = 0.2 / 0.116538 = 1.71617, Z11 = cosh xi
+// cos xi + j sinh xi sin xi = -0.41597 + 2.66332j, Z12 = -0.17854 - 0.23534j, Z21 = 22.1806 -
+// 16.8271j. Polystyrene: 0.210371 m, 0.66549, 0.96733 + 0.44191j, -3.97385 - 0.58995j, 0.03266 -
+// 0.21999j. With the surfaces 0.13 and 0.04: Z11 = -100.827 + 56.427j, Z12 = 16.3286 - 18.0773j of
+// the size 24.3600, Z22 = -5.46729 + 3.24266j. So 1 / 24.3600 = 0.041051 W/(m2 K), times the
+// resistance 4 + 0.25 + 0.17 = 4.42 is 0.181445; 86400 / (2 pi) = 13750.99 times |Z11 - 1| =
+// 116.417 and |Z22 - 1| = 7.23469 over 24.3600 are 65716 and 4083.9 J/(m2 K); -1 / Z12 turns by
+// -2.30541, times 12 / pi: 8.8060 h.
+TEST(HeatStorage, of_two_layers_is_that_of_their_matrices) {
+  const auto storage =
+      heat_storage({layer(0.14, 0.035, 15, 1450), layer(0.2, 0.8, 1800, 900)}, 0.04, 0.13);
+  EXPECT_NEAR(storage.inside, 65716, 0.5);
+  EXPECT_NEAR(storage.outside, 4083.9, 0.05);
+  EXPECT_NEAR(storage.periodic_transmittance, 0.041051, 1e-6);
+  EXPECT_NEAR(storage.decrement, 0.181445, 1e-6);
+  EXPECT_NEAR(storage.time_shift, 8.8060, 1e-4);
+}
+
 // R = 2 with surfaces 0.04 and 0.13: all swings come through at once, 1 / 2.17.
 TEST(HeatStorage, of_a_wall_without_mass_is_none) {
   const auto storage = heat_storage({{2, 0.1, 0, 0}}, 0.04, 0.13);
@@ -152,6 +171,16 @@ TEST(CompositionStorage, is_that_of_its_layers) {
   const auto result = kit::storage_of(*wall_of({concrete()}), Unit::Millimetres);
   EXPECT_NEAR(*result.mass, 480, 1e-9);
   EXPECT_NEAR(result.storage->inside, heat_storage(walls[0], 0.04, 0.13).inside, 1e-6);
+}
+
+TEST(CompositionStorage, is_the_same_in_inches) {
+  const auto wall = wall_of({concrete(), concrete()});
+  const auto metric = kit::storage_of(*wall, Unit::Millimetres);
+  for (std::size_t i = 0; i < 2; ++i) wall->layer(i, toModify).thickness(200 / 25.4);
+  const auto inches = kit::storage_of(*wall, Unit::Inches);
+  EXPECT_NEAR(*inches.mass, *metric.mass, 1e-9);
+  EXPECT_NEAR(inches.storage->inside, metric.storage->inside, 1e-6);
+  EXPECT_NEAR(inches.storage->time_shift, metric.storage->time_shift, 1e-9);
 }
 
 // 90 % wool of 20 kg/m3, 10 % studs of 500 kg/m3 in 0.2 m: 0.2 * (18 + 50) = 13.6 kg/m2.

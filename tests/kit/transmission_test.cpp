@@ -121,6 +121,23 @@ TEST_F(TransmissionTest, has_the_usual_surfaces_where_neither_name_nor_type_tell
   EXPECT_TRUE(usual.assumed);
 }
 
+TEST_F(TransmissionTest, assumes_only_what_is_not_stated) {
+  wall_->custom_value("Boundary", "ground");
+  auto border = kit::boundary_of(*wall_);
+  EXPECT_TRUE(border.assumed);
+  EXPECT_FALSE(border.outside_assumed);
+  EXPECT_TRUE(border.heat_flow_assumed);
+  EXPECT_EQ(border.basis, BoundaryBasis::Usual);
+  wall_->custom_value("Boundary", "upward");
+  border = kit::boundary_of(*wall_);
+  EXPECT_TRUE(border.outside_assumed);
+  EXPECT_FALSE(border.heat_flow_assumed);
+  EXPECT_EQ(border.basis, BoundaryBasis::Usual);
+  wall_->custom_value("Boundary", "ground, horizontal");
+  border = kit::boundary_of(*wall_);
+  EXPECT_FALSE(border.assumed || border.outside_assumed || border.heat_flow_assumed);
+}
+
 TEST_F(TransmissionTest, of_no_layers_is_none_and_says_so) {
   EXPECT_FALSE(result().transmittance());
   EXPECT_THAT(result().faults, ElementsAre("it has no layers"));

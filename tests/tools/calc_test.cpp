@@ -97,7 +97,6 @@ TEST_F(Calc, takes_what_is_outside_from_an_option) {
   EXPECT_THAT(wrong.err, HasSubstr("'moon' in a boundary is none of outdoors"));
 }
 
-// 1 / 0.15 - 0.67 = 5.996667, times 0.04: 239.87 mm.
 TEST_F(Calc, what_was_assumed_is_dim_on_a_terminal_alone) {
   if (!terminals_can_be_made()) GTEST_SKIP() << "no terminal can be made here";
   save();
@@ -113,6 +112,18 @@ TEST_F(Calc, what_was_assumed_is_dim_on_a_terminal_alone) {
   }
 }
 
+TEST_F(Calc, calls_assumed_only_what_is_not_stated) {
+  wall_->type(veldra::Composition::Type::Other);
+  wall_->custom_value("Boundary", "ground");
+  save();
+  EXPECT_THAT(must({"calc", "a.lib", "Wall"}).out,
+              ContainsRegex("assumed +horizontal heat flow is assumed, as for a wall outside; "
+                            "no 'Boundary' states it\n"));
+  EXPECT_THAT(must({"calc", "a.lib", "Wall", "--boundary", "downward"}).out,
+              Not(HasSubstr("assumed")));
+}
+
+// 1 / 0.15 - 0.67 = 5.996667, times 0.04: 239.87 mm.
 TEST_F(Calc, finds_the_thickness_for_a_target) {
   save();
   EXPECT_NEAR(calculated({"--target-u", "0.15"})["solution"]["thickness"].get<double>(), 239.8667,

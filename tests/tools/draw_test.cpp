@@ -197,6 +197,12 @@ TEST_F(DrawSheet, an_assumed_transmittance_is_smaller_than_a_stated_one) {
   EXPECT_GT(size_of(stated, "U = "), size_of(assumed, "U = "));
 }
 
+TEST_F(DrawSheet, what_is_stated_is_not_called_assumed) {
+  add(material("Concrete", {{"Thermal conductivity [W/(m K)]", "2"}}), 200);
+  wall_->custom_value("Boundary", "ground");
+  EXPECT_THAT(sheet(), HasSubstr(">assumed as usual: horizontal heat flow<"));
+}
+
 TEST_F(DrawSheet, an_interior_wall_has_a_room_on_both_sides) {
   wall_->custom_value("Boundary", "interior,horizontal");
   add(material("Brick", {{"Thermal conductivity [W/(m K)]", "0.4"}}), 200);
@@ -270,10 +276,69 @@ TEST_F(DrawSheet, long_titles_and_words_are_broken) {
   add(material(std::string(120, 'b').c_str(), {}), 100);
   library("a.lib")->save(wall_);
   const auto svg = must({"draw", "a.lib", "1"}).out;
-  EXPECT_THAT(svg, HasSubstr(">" + std::string(88, 'W') + "<"));
-  EXPECT_THAT(svg, HasSubstr(">" + std::string(150 - 88, 'W') + "<"));
+  // Of 88 columns, each takes 1.65.
+  EXPECT_THAT(svg, HasSubstr(">" + std::string(53, 'W') + "<"));
+  EXPECT_THAT(svg, HasSubstr(">" + std::string(150 - 2 * 53, 'W') + "<"));
   EXPECT_THAT(svg, HasSubstr(">" + std::string(48, 'b') + "<"));
   EXPECT_THAT(svg, HasSubstr(">" + std::string(24, 'b') + "<"));
+}
+
+TEST_F(DrawSheet, capitals_have_more_room_than_small_letters) {
+  add(material("DÄMMPLATTE AUS STEINWOLLE NACH EN 13162 MIT VLIES", {}), 100);
+  add(material("Dämmplatte aus Steinwolle nach EN 13162, ohne Vl", {}), 100);
+  const auto svg = sheet();
+  EXPECT_THAT(svg, HasSubstr(">DÄMMPLATTE AUS STEINWOLLE NACH EN<"));
+  EXPECT_THAT(svg, HasSubstr(">13162 MIT VLIES<"));
+  EXPECT_THAT(svg, HasSubstr(">Dämmplatte aus Steinwolle nach EN 13162,<"));
+}
+
+TEST_F(DrawSheet, names_layer_and_field_where_there_is_no_figure) {
+  for (int i = 1; i <= 6; ++i) {
+    add(material(("Cork " + std::to_string(i)).c_str(),
+                 {{"Thermal conductivity [W/(m K)]", "-0.04"}}),
+        100);
+  }
+  const auto svg = sheet();
+  EXPECT_THAT(svg, HasSubstr(">U-value unknown: layer 1, 'Cork 1': its 'Thermal conductivity"));
+  EXPECT_THAT(svg, HasSubstr(">layer 4, 'Cork 4': its 'Thermal conductivity [W/(m K)]'"));
+  EXPECT_THAT(svg, HasSubstr(">and 2 more<"));
+  EXPECT_THAT(svg, Not(HasSubstr(">-0.040<")));
+}
+
+TEST_F(DrawSheet, one_layer_is_one) {
+  add(material("Brick", {{"Thermal conductivity [W/(m K)]", "0.4"}}), 200);
+  EXPECT_THAT(sheet(), HasSubstr("1 layer ·"));
+}
+
+// 0.5 / 0.04 + 0.17 = 12.67: 0.0789.
+TEST_F(DrawSheet, small_transmittances_have_two_figures) {
+  add(material("Wool", {{"Thermal conductivity [W/(m K)]", "0.04"}}), 500);
+  EXPECT_THAT(sheet(), HasSubstr(">U = 0.079 W/(m²K)<"));
+}
+
+TEST_F(DrawSheet, no_line_runs_over_the_number_of_a_layer) {
+  for (int i = 0; i < 20; ++i) add(material(("M" + std::to_string(i)).c_str(), {}), 1.5);
+  const auto svg = sheet();
+  const auto first = svg.find("<circle cx=", svg.find("r=\"2.3\"") - 60);
+  const auto title = svg.find(">outside<");
+  ASSERT_NE(title, std::string::npos);
+  EXPECT_EQ(svg.substr(first, title - first).find("<line"), std::string::npos);
+}
+
+TEST_F(DrawSheet, bridges_of_a_group_stand_behind_one_another) {
+  const auto wool = [this](const char* name, const char* spacing) {
+    return material(name, {{"Thermal conductivity [W/(m K)]", "0.04"},
+                           {"Bridge share [-]", "0.1"},
+                           {"Bridge group", "studs"},
+                           {"Bridge spacing [mm]", spacing},
+                           {"Bridge conductivity [W/(m K)]", "0.13"}});
+  };
+  add(wool("Battens", ""), 20);
+  add(wool("Studs", "50"), 80);
+  const auto svg = sheet();
+  // At 1:1, 10 % of 50.
+  EXPECT_THAT(svg, HasSubstr("<rect width=\"80\" height=\"5\""));
+  EXPECT_THAT(svg, HasSubstr("<rect width=\"20\" height=\"5\""));
 }
 
 TEST_F(DrawSheet, soft_insulation_is_never_guessed) {
@@ -430,11 +495,13 @@ TEST_F(DrawSheet, charts_of_moisture_stand_below_it) {
   const auto svg = sheet({"--climate", "climate.csv"});
   EXPECT_THAT(svg, HasSubstr(">Vapour pressures, December<"));
   EXPECT_THAT(svg, HasSubstr(">Accumulated moisture<"));
+  EXPECT_THAT(svg, ContainsRegex(">[0-9.]+ kg/m²; does not dry within the year<"));
   EXPECT_THAT(svg, HasSubstr(">s_d [m]<"));
   EXPECT_THAT(sheet(), Not(HasSubstr("Vapour pressures")));
   write_climate("20");
   const auto dry = sheet({"--climate", "climate.csv"});
   EXPECT_THAT(dry, HasSubstr(">nothing condenses<"));
+  EXPECT_THAT(dry, Not(HasSubstr("within the year")));
   EXPECT_THAT(dry, HasSubstr(">0.10<"));
   EXPECT_THAT(dry, Not(HasSubstr("0.000")));
 }

@@ -73,9 +73,13 @@ std::string assumption_text(const kit::Transmission& transmission) {
   const auto basis = border.basis == kit::BoundaryBasis::Name   ? " by its name"
                      : border.basis == kit::BoundaryBasis::Type ? " by its type"
                                                                 : ", as for a wall outside";
-  return fmt::format("{} heat flow and {} outside are assumed{}; no 'Boundary' is stated",
-                     physics::name_of(border.boundary.heat_flow),
-                     physics::name_of(border.boundary.outside), basis);
+  const auto flow = fmt::format("{} heat flow", physics::name_of(border.boundary.heat_flow));
+  const auto outside = fmt::format("{} outside", physics::name_of(border.boundary.outside));
+  if (border.outside_assumed && border.heat_flow_assumed) {
+    return fmt::format("{} and {} are assumed{}; no 'Boundary' is stated", flow, outside, basis);
+  }
+  return fmt::format("{} is assumed{}; no 'Boundary' states it",
+                     border.outside_assumed ? outside : flow, basis);
 }
 
 std::string basis_text(const kit::LayerHeat& layer) {

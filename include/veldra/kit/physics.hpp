@@ -37,15 +37,17 @@ enum class BoundaryBasis : int {
 /// What a composition borders on.
 struct CompositionBoundary {
   physics::Boundary boundary;                 ///< both sides and the direction
-  BoundaryBasis basis = BoundaryBasis::Type;  ///< from where it is known
-  bool assumed = true;  ///< whether the outside or the direction is no statement
-  std::string fault;    ///< why a statement of the composition cannot be read; usually empty
+  BoundaryBasis basis = BoundaryBasis::Type;  ///< from where it is known, or what is assumed of it
+  bool assumed = true;            ///< whether the outside or the direction is no statement
+  bool outside_assumed = true;    ///< whether the outside is none
+  bool heat_flow_assumed = true;  ///< whether the direction is none
+  std::string fault;  ///< why a statement of the composition cannot be read; usually empty
 };
 
 /// What a composition borders on: what is asked for, then what its property "Boundary" states. The
 /// rest is assumed: the direction by the type, of other types by the words for roof, ceiling and
 /// floor in the name; the outside by words for rooms, cellars or soil in the name, or else outdoor
-/// air.
+/// air. Where the outside is stated, the direction by the type is no assumption.
 ///
 /// Throws: `std::bad_alloc`.
 VELDRA_KIT_EXPORT CompositionBoundary boundary_of(const Composition& composition,

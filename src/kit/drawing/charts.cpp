@@ -159,6 +159,15 @@ void draw_year(Svg& svg, const MoistureYear& year, const Words& words, Point ori
   const Chart chart(svg, words, origin, 12, year.condenses ? year.greatest : usual);
   chart.title(words.say("Accumulated moisture", "Tauwasser über das Jahr"));
   chart.vertical_axis("kg/m²");
+  if (year.condenses) {
+    const auto amount = words.number(fixed_number(year.greatest, 3));
+    const auto* sentence = year.dries ? words.say("at most {} kg/m²; dries within the year",
+                                                  "höchstens {} kg/m²; trocknet im Jahr aus")
+                                      : words.say("{} kg/m²; does not dry within the year",
+                                                  "{} kg/m²; trocknet im Jahr nicht aus");
+    chart.note({origin.x + label_margin + chart_width, origin.y + 4},
+               fmt::format(fmt::runtime(sentence), amount), Anchor::End);
+  }
   for (std::size_t n = 0; n < year.months.size(); ++n) {
     const auto& month = year.months[n];
     const auto place = static_cast<double>(n);

@@ -200,6 +200,21 @@ bool Section::has_crossing_bridges() const {
   return false;
 }
 
+/// From axis to axis in millimetres; 0 where it is not known. Bridges of one group lie behind one
+/// another, so that one without a spacing has that of another.
+double Section::bridge_spacing(std::size_t index) const {
+  const auto stated = [this](std::size_t layer) {
+    return KnownValues(*composition_.layers()[layer].material()).number(Known::BridgeSpacing);
+  };
+  if (const auto own = stated(index)) return *own;
+  for (std::size_t i = 0; i < heat_.layers.size(); ++i) {
+    const auto& bridge = heat_.layers[i].bridge;
+    if (!bridge || bridge->group != heat_.layers[index].bridge->group) continue;
+    if (const auto spacing = stated(i)) return *spacing;
+  }
+  return 0;
+}
+
 /// What interrupts a layer, in the frame of its hatch, from the inner side as deep as it is. Those
 /// that are cut across are as wide as their share of the distance between two; one that runs with
 /// the section is seen in its last third, and goes on beyond it.
@@ -223,7 +238,7 @@ std::string Section::bridge_elements(std::size_t index, double layer_width,
     const double across = layer_length / 3;
     return element(layer_length - across, across, lengthwise_lines(depth, across, style.line));
   }
-  const double apart = values.number(Known::BridgeSpacing).value_or(0) / scale_;
+  const double apart = bridge_spacing(index) / scale_;
   const double spacing = apart > 0 ? std::clamp(apart, 6.0, layer_length) : layer_length / 3;
   const double across = spacing * heat.bridge->share;
   std::string result;
@@ -436,13 +451,14 @@ std::vector<double> Section::number_places(const std::vector<std::size_t>& layer
   return places;
 }
 
+/// No line runs over a number.
 void Section::draw_numbers(Svg& svg) const {
   const bool standing = lie_ == Lie::Standing;
   const auto layers = numbered_layers();
   const auto places = number_places(layers);
+  const double along = standing ? -number_distance : lying_length + number_distance;
   for (std::size_t n = 0; n < places.size(); ++n) {
     const std::size_t i = layers[n];
-    const double along = standing ? -number_distance : lying_length + number_distance;
     const Point center = at(places[n], along);
     const double middle = (edges_[i] + edges_[i + 1]) / 2;
     const double inside = standing ? 3.5 : lying_length - 3.5;
@@ -453,7 +469,10 @@ void Section::draw_numbers(Svg& svg) const {
     svg.raw(fmt::format(R"(<circle cx="{}" cy="{}" r="0.5" fill="#1a1a1a" stroke="#ffffff" )"
                         R"(stroke-width="0.15"/>)",
                         paper(target.x), paper(target.y)));
-    draw_number(svg, center, i + 1, i == composition_.structural_layer());
+  }
+  for (std::size_t n = 0; n < places.size(); ++n) {
+    const std::size_t i = layers[n];
+    draw_number(svg, at(places[n], along), i + 1, i == composition_.structural_layer());
   }
 }
 

@@ -41,6 +41,7 @@ class Section {
   bool place_layers(double scale, double deepest);
   Point at(double across, double along) const;
   bool has_crossing_bridge(std::size_t index) const;
+  double bridge_spacing(std::size_t index) const;
   std::string bridge_elements(std::size_t index, double layer_width, double layer_length) const;
   void place_dimensions();
   void draw_layer(Svg& svg, std::size_t index, const CutStyle& style,

@@ -32,29 +32,57 @@ constexpr std::size_t name_columns = 48;
 constexpr std::size_t title_columns = 88;
 constexpr std::size_t subtitle_columns = 165;
 constexpr std::size_t most_title_lines = 3;
-constexpr std::size_t note_columns = 92;
+constexpr std::size_t note_columns = 100;
+constexpr std::size_t fault_columns = 90;
+constexpr std::size_t most_faults = 4;          ///< that are told of a build-up
 constexpr std::size_t most_layers = 200;        ///< of a build-up that is drawn
 constexpr std::size_t longest_panel = 950'000;  ///< bytes of one, without its title
 
-/// As much of the beginning of a text as can have so many columns, without half a character, so
-/// that a word without end is gone through once.
-std::string_view beginning(std::string_view text, std::size_t columns) {
-  std::size_t end = std::min(text.size(), 16 * columns);
-  while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) ++end;
+/// The number of bytes of the first character of a text.
+std::size_t character_size(std::string_view text) {
+  std::size_t size = 1;
+  while (size < text.size() && (static_cast<unsigned char>(text[size]) & 0xC0U) == 0x80U) ++size;
+  return size;
+}
+
+/// The columns that a character takes on paper, where capitals are wider than small letters.
+double columns_on_paper(std::string_view character) {
+  constexpr double capital = 1.3;
+  constexpr double widest = 1.65;
+  const char first = character.front();
+  if (std::string_view("MWmw@%").find(first) != std::string_view::npos) return widest;
+  const bool accented = character.size() == 2 && first == '\xC3' && character[1] < '\x9F';
+  if ((first >= 'A' && first <= 'Z') || accented) return capital;
+  return static_cast<double>(display_width(character));
+}
+
+/// The beginning of a text that has room in so many columns on paper. Characters without a width
+/// end as well, so that a word without end is gone through once.
+std::string_view fitting(std::string_view text, std::size_t columns) {
+  double width = 0;
+  std::size_t end = 0;
+  while (end < text.size() && end < 16 * columns) {
+    const auto size = character_size(text.substr(end));
+    width += columns_on_paper(text.substr(end, size));
+    if (width > static_cast<double>(columns)) break;
+    end += size;
+  }
   return text.substr(0, end);
+}
+
+bool fits(std::string_view text, std::size_t columns) {
+  return fitting(text, columns).size() == text.size();
 }
 
 /// Puts what fills lines of a word into lines, and gives the rest.
 std::string broken(std::string_view word, std::size_t columns, std::vector<std::string>& lines) {
-  while (true) {
-    const auto part = beginning(word, columns);
-    if (part.size() == word.size() && display_width(part) <= columns) return std::string(word);
-    const auto line = leading_columns(part, columns);
-    if (line.empty()) return std::string(word);
+  while (!fits(word, columns)) {
+    const auto line = fitting(word, columns);
     lines.back() += line;
     lines.emplace_back();
     word.remove_prefix(line.size());
   }
+  return std::string(word);
 }
 
 /// The text in lines of at most so many columns, broken at blanks where there are any, and else
@@ -66,7 +94,7 @@ std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {
     auto end = text.find(' ', start + 1);
     if (end == std::string::npos) end = text.size();
     std::string word = text.substr(start, end - start);
-    if (!lines.back().empty() && display_width(lines.back() + word) > columns) {
+    if (!lines.back().empty() && !fits(lines.back() + word, columns)) {
       lines.emplace_back();
       word = trimmed(word);
     }
@@ -77,19 +105,19 @@ std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {
   return lines;
 }
 
+/// What fits into so many columns, with a sign that there was more.
+std::string shortened(const std::string& text, std::size_t columns) {
+  if (fits(text, columns)) return text;
+  return std::string(fitting(text, columns - 1)) + "…";
+}
+
 /// As many lines as a title may have; the last one tells that there was more.
 std::vector<std::string> title_lines(const std::string& text, std::size_t columns) {
   auto lines = wrapped(text, columns);
   if (lines.size() <= most_title_lines) return lines;
   lines.resize(most_title_lines);
-  lines.back() = leading_columns(lines.back(), columns - 1) + "…";
+  lines.back() = std::string(fitting(lines.back(), columns - 1)) + "…";
   return lines;
-}
-
-/// What fits into so many columns, with a sign that there was more.
-std::string shortened(const std::string& text, std::size_t columns) {
-  if (display_width(text) <= columns) return text;
-  return leading_columns(text, columns - 1) + "…";
 }
 
 TextStyle style_of(double size, Anchor anchor = Anchor::Start) {
@@ -212,8 +240,9 @@ class Panel {
   std::vector<std::string> subtitle_lines(double scale) const {
     const auto type = rules_.type.value_or(composition_.type());
     const auto count = composition_.layers().size();
-    std::string text = fmt::format("{} · {} {}", title_of(type, words_), count,
-                                   words_.say("layers", count == 1 ? "Schicht" : "Schichten"));
+    std::string text = fmt::format(
+        "{} · {} {}", title_of(type, words_), count,
+        count == 1 ? words_.say("layer", "Schicht") : words_.say("layers", "Schichten"));
     if (scale > 0) {
       text += fmt::format(" · {} 1:{} · {}", words_.say("scale", "Maßstab"),
                           words_.number(short_number(scale, 0)), unit_text());
@@ -266,7 +295,7 @@ class Panel {
     for (std::size_t i = 0; i < lines.size(); ++i) {
       svg.text({name_left, base + static_cast<double>(i) * line_height}, lines[i], style);
     }
-    const auto conductivity = conductivity_of(*layer.material());
+    const auto conductivity = KnownValues(*layer.material()).number(Known::Conductivity);
     draw_cells(svg, base, thickness_text(index), conductivity ? number(*conductivity) : "–",
                words_.number(resistance_text(index)));
     double end = y + row_padding + line_height * static_cast<double>(lines.size());
@@ -342,12 +371,7 @@ class Panel {
 
   double draw_transmission(Svg& svg, double y) const {
     const auto total = transmission_.total_resistance();
-    if (!total) {
-      const auto text =
-          fmt::format("{}: {}", words_.say("U-value unknown", "U-Wert unbekannt"), lacking_text());
-      svg.text({name_left, y}, text, style_of(2.8));
-      return y;
-    }
+    if (!total) return draw_faults(svg, y);
     const auto surfaces = fmt::format(
         fmt::runtime(words_.say("total R, with surfaces {:.2f} outside and {:.2f} inside",
                                 "R gesamt, mit Übergängen {:.2f} außen und {:.2f} innen")),
@@ -382,25 +406,46 @@ class Panel {
   }
 
   std::string assumed_text() const {
-    using Side = physics::Side;
     const auto basis = transmission_.border.basis;
     const auto* by = basis == BoundaryBasis::Name   ? words_.say("by its name", "nach dem Namen")
                      : basis == BoundaryBasis::Type ? words_.say("by its type", "nach der Art")
                                                     : words_.say("as usual", "wie üblich");
-    const auto side = transmission_.border.boundary.outside;
-    const auto* outside = side == Side::Outdoors
-                              ? words_.say("outdoor air outside", "außen Außenluft")
-                          : side == Side::Ground ? words_.say("ground outside", "außen Erdreich")
-                          : side == Side::Unheated
-                              ? words_.say("an unheated room outside", "außen ein unbeheizter Raum")
-                              : words_.say("a room on both sides", "beiderseits Räume");
-    return fmt::format("{} {}: {}", words_.say("assumed", "angenommen"), by, outside);
+    const auto* what = transmission_.border.outside_assumed ? assumed_outside() : assumed_flow();
+    return fmt::format("{} {}: {}", words_.say("assumed", "angenommen"), by, what);
   }
 
+  const char* assumed_outside() const {
+    using Side = physics::Side;
+    switch (transmission_.border.boundary.outside) {
+      case Side::Outdoors:
+        return words_.say("outdoor air outside", "außen Außenluft");
+      case Side::Ground:
+        return words_.say("ground outside", "außen Erdreich");
+      case Side::Unheated:
+        return words_.say("an unheated room outside", "außen ein unbeheizter Raum");
+      default:
+        return words_.say("a room on both sides", "beiderseits Räume");
+    }
+  }
+
+  const char* assumed_flow() const {
+    using physics::HeatFlow;
+    switch (transmission_.border.boundary.heat_flow) {
+      case HeatFlow::Upward:
+        return words_.say("upward heat flow", "Wärmestrom nach oben");
+      case HeatFlow::Downward:
+        return words_.say("downward heat flow", "Wärmestrom nach unten");
+      default:
+        return words_.say("horizontal heat flow", "waagrechter Wärmestrom");
+    }
+  }
+
+  /// With at least two figures that say something.
   std::string transmittance_text(double transmittance) const {
-    if (unit_ != Unit::Inches) return fmt::format("U = {:.2f} W/(m²K)", transmittance);
-    return fmt::format("U = {:.2f} W/(m²K) = {:.3f} Btu/(h·ft²·°F)", transmittance,
-                       transmittance * 0.17611);
+    const int decimals = transmittance < 0.1 ? 3 : 2;
+    const auto text = fmt::format("U = {:.{}f} W/(m²K)", transmittance, decimals);
+    if (unit_ != Unit::Inches) return text;
+    return text + fmt::format(" = {:.{}f} Btu/(h·ft²·°F)", transmittance * 0.17611, decimals + 1);
   }
 
   /// Those that are known.
@@ -423,17 +468,25 @@ class Panel {
     return y;
   }
 
-  std::string lacking_text() const {
-    std::string numbers;
-    for (std::size_t i = 0; i < transmission_.layers.size(); ++i) {
-      if (transmission_.layers[i].fault.empty()) continue;
-      numbers += fmt::format("{}{}", numbers.empty() ? "" : ", ", i + 1);
+  /// Why there is no U-value: some sentences, and how many there are beside them.
+  double draw_faults(Svg& svg, double y) const {
+    const auto& faults = transmission_.faults;
+    const auto told = std::min(faults.size(), most_faults);
+    std::string text = words_.say("U-value unknown: ", "U-Wert unbekannt: ");
+    for (std::size_t i = 0; i < told; ++i) {
+      for (const auto& line : wrapped(text + in_language(faults[i], words_), fault_columns)) {
+        svg.text({name_left, y}, line, style_of(2.8));
+        y += line_height;
+      }
+      text.clear();
     }
-    if (numbers.empty() && transmission_.faults.empty()) return "";
-    if (numbers.empty()) return in_language(transmission_.faults.front(), words_);
-    return fmt::format(
-        fmt::runtime(words_.say("nothing is known of layer {}", "nichts bekannt von Schicht {}")),
-        numbers);
+    if (faults.size() > told) {
+      const auto* more = words_.say("and {} more", "und {} weitere Gründe");
+      svg.text({name_left, y}, fmt::format(fmt::runtime(more), faults.size() - told),
+               style_of(2.8));
+      y += line_height;
+    }
+    return y - line_height;
   }
 
   std::vector<std::string> notes() const {

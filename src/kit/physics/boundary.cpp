@@ -116,20 +116,22 @@ CompositionBoundary boundary_of(const Composition& composition, const BoundarySt
   const auto by_type = flow_by_type(composition.type());
   const bool is_asked = asked.heat_flow || asked.outside || asked.inside;
   if (inside) result.boundary.inside = *inside;
-  if (outside && (flow || by_type)) {
+  result.outside_assumed = !outside;
+  result.heat_flow_assumed = !flow && !(outside && by_type);
+  result.assumed = result.outside_assumed || result.heat_flow_assumed;
+  if (!result.assumed) {
     result.boundary.outside = *outside;
     result.boundary.heat_flow = flow ? *flow : *by_type;
     result.basis = is_asked ? BoundaryBasis::Asked : BoundaryBasis::Stated;
-    result.assumed = false;
     return result;
   }
   const auto words = words_of(composition);
   const auto side_by_name = outside_by_name(words);
   const auto named_flow = flow_by_name(words);
   const bool by_name = (!outside && side_by_name) || (!flow && !by_type && named_flow);
-  result.basis = by_name                      ? BoundaryBasis::Name
-                 : flow || by_type || outside ? BoundaryBasis::Type
-                                              : BoundaryBasis::Usual;
+  result.basis = by_name            ? BoundaryBasis::Name
+                 : !flow && by_type ? BoundaryBasis::Type
+                                    : BoundaryBasis::Usual;
   result.boundary.outside = outside ? *outside : side_by_name.value_or(Side::Outdoors);
   result.boundary.heat_flow = flow      ? *flow
                               : by_type ? *by_type

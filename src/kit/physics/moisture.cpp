@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace veldra::kit::physics {
 
@@ -23,19 +24,15 @@ class Year {
     total_ = outside + resistances_.back() + inside;
   }
 
-  MoistureYear run() {
-    MoistureYear result;
-    const auto start = first_month();
-    std::vector<double> accumulated(places_.size(), 0);
-    for (std::size_t n = 0; n < 12; ++n) {
-      auto month = compute((start + n) % 12, accumulated);
-      accumulated = month.accumulated;
-      result.condenses |= month.total() > 0;
-      result.greatest = std::max(result.greatest, month.total());
-      result.months.push_back(std::move(month));
+  /// Where a year has several wet spells, one that begins before the longest drying ends dry, as
+  /// the years that follow do.
+  MoistureYear run() const {
+    const auto starts = first_months();
+    auto result = year_from(starts.front());
+    for (auto start = starts.begin() + 1; start != starts.end() && !result.dries; ++start) {
+      auto other = year_from(*start);
+      if (other.dries) result = std::move(other);
     }
-    result.dries = result.months.back().total() <= 0;
-    result.places = places_;
     return result;
   }
 
@@ -57,15 +54,33 @@ class Year {
     }
   }
 
-  /// The first month in which something condenses behind one in which nothing does (6.5).
-  std::size_t first_month() const {
+  MoistureYear year_from(std::size_t start) const {
+    MoistureYear result;
+    std::vector<double> accumulated(places_.size(), 0);
+    for (std::size_t n = 0; n < 12; ++n) {
+      auto month = compute((start + n) % 12, accumulated);
+      accumulated = month.accumulated;
+      result.condenses |= month.total() > 0;
+      result.greatest = std::max(result.greatest, month.total());
+      result.months.push_back(std::move(month));
+    }
+    result.dries = result.months.back().total() <= 0;
+    result.places = places_;
+    return result;
+  }
+
+  /// The months in which something condenses behind one in which nothing does (6.5); January where
+  /// there is none.
+  std::vector<std::size_t> first_months() const {
     const std::vector<double> dry(places_.size(), 0);
     std::array<bool, 12> wet{};
     for (std::size_t month = 0; month < 12; ++month) wet[month] = compute(month, dry).total() > 0;
+    std::vector<std::size_t> starts;
     for (std::size_t month = 0; month < 12; ++month) {
-      if (wet[month] && !wet[(month + 11) % 12]) return month;
+      if (wet[month] && !wet[(month + 11) % 12]) starts.push_back(month);
     }
-    return 0;
+    if (starts.empty()) starts.push_back(0);
+    return starts;
   }
 
   MoistureMonth compute(std::size_t index, const std::vector<double>& before) const {
