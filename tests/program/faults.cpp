@@ -72,7 +72,8 @@ SharedPlan::~SharedPlan() { ::munmap(plan_, sizeof *plan_); }
 std::vector<std::string> SharedPlan::environment() const {
   // Those of the address sanitizer, which wants to come first and looks for leaks with calls that
   // cannot be diverted.
-  return {"LD_PRELOAD=" + folder_ / preloaded, std::string(FaultPlan::variable) + "=" + folder_ / "plan",
+  return {"LD_PRELOAD=" + folder_ / preloaded,
+          std::string(FaultPlan::variable) + "=" + folder_ / "plan",
           "ASAN_OPTIONS=verify_asan_link_order=0:detect_leaks=0:exitcode=99"};
 }
 
