@@ -53,6 +53,34 @@ std::vector<std::string> problems_in(const kit::SourceReport& report) {
   return sentences;
 }
 
+TEST(SourcesTogether, are_the_same_where_they_are_given_away) {
+  const auto sources = [] {
+    std::vector<Source> result;
+    result.emplace_back("a.idf", std::string(brick) + thin_brick + wall);
+    result.emplace_back("b.json", own(R"("materials": [{"name": "Cork"}], "compositions":
+        [{"name": "Floor", "layers": [{"material": "Cork", "thickness": 20}]}])"));
+    return result;
+  };
+  const auto written = [](const kit::Sources& read) {
+    std::string text;
+    kit::write_json(*read.library, [&](std::string_view part) { text += part; });
+    return text;
+  };
+  const auto kept = sources();
+  const auto expected = kit::read_together(kept, {});
+  auto given = sources();
+  const auto last = kit::read_together(std::move(given), {});
+  EXPECT_TRUE(given.empty());
+  EXPECT_EQ(written(last), written(expected));
+  EXPECT_EQ(last.origins.size(), 4U);
+  EXPECT_EQ(last.reports[0].problems.size(), 1U);
+
+  // What somebody else still has stays.
+  auto copies = kept;
+  kit::read_together(std::move(copies), {});
+  EXPECT_EQ(written(kit::read_together(kept, {})), written(expected));
+}
+
 TEST(SourcesTogether, are_a_library_in_the_unit_that_was_asked_for) {
   kit::SourceRules rules;
   rules.unit = Unit::Inches;

@@ -219,7 +219,16 @@ class Import {
     if (arguments_.plan.only_tells()) tell_nothing_written(arguments_.plan, host_);
   }
 
+  /// Happens again where another program has made the library meanwhile.
   void read_all(veldra::Unit unit) {
+    if (read_in_ != unit) {
+      if (read_in_) read_files_again();
+      read_in(unit);
+    }
+    tell_findings(sources_);
+  }
+
+  void read_in(veldra::Unit unit) {
     Progress progress("reading");
     kit::SourceRules rules;
     rules.unit = unit;
@@ -228,11 +237,19 @@ class Import {
     rules.keep_unknown = arguments_.keep_unknown;
     rules.progress = [&progress] { progress.step(); };
     try {
-      sources_ = kit::read_together(files_, rules);
+      sources_ = kit::read_together(std::move(files_), rules);
     } catch (const kit::SourceClashes& clashes) {
       refuse(clashes);
     }
-    tell_findings(sources_);
+    read_in_ = unit;
+  }
+
+  void read_files_again() {
+    const auto& names = arguments_.sources;
+    if (std::find(names.begin(), names.end(), "-") != names.end()) {
+      throw failure_of(arguments_.file, "another program has made it meanwhile; import once more");
+    }
+    files_ = read_sources(arguments_);
   }
 
   /// All of them are told, each with what differs.
@@ -289,7 +306,8 @@ class Import {
   std::vector<kit::Source> files_;
   bool tables_ = false;
   kit::Sources sources_;
-  std::string told_;  ///< the beginning of the notes, which can be told shorter
+  std::optional<veldra::Unit> read_in_;  ///< the unit of the lengths in these
+  std::string told_;                     ///< the beginning of the notes, which can be told shorter
 };
 
 /// A number below zero would be taken for a very large one.

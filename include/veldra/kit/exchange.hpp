@@ -135,7 +135,7 @@ class VELDRA_KIT_EXPORT Source {
 
   std::string file_;
   const Format* format_;
-  std::shared_ptr<const SourceContent> content_;
+  std::shared_ptr<SourceContent> content_;
 };
 
 /// A value of a source that a library has no place for.
@@ -252,6 +252,10 @@ struct SourceRules {
 /// - a database error (`Library`), and what `progress` throws.
 VELDRA_KIT_EXPORT Sources read_together(const std::vector<Source>& sources,
                                         const SourceRules& rules);
+
+/// The same of sources that nobody needs any more, which takes half the memory: what is read is let
+/// go of as it is taken over. `sources` is empty then, also after a failure.
+VELDRA_KIT_EXPORT Sources read_together(std::vector<Source>&& sources, const SourceRules& rules);
 
 /// How tables are read.
 struct TableRules {

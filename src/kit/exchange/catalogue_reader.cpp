@@ -343,6 +343,11 @@ class CatalogueContent : public SourceContent {
     set.add(read_catalogue(*content_.document, content_.file, set.unit(), set.shared()), report);
   }
 
+  void give_to(SourceSet& set, SourceReport& report) override {
+    add_to(set, report);
+    content_.document.emplace();
+  }
+
  private:
   std::size_t number_in(const char* list) const {
     const JsonNode* objects = content_.document->member(list);
@@ -360,7 +365,7 @@ FormatModule catalogue_module() {
           [](const FileContent& content) {
             return content.document && is_catalogue(*content.document);
           },
-          [](FileContent content) -> std::shared_ptr<const SourceContent> {
+          [](FileContent content) -> std::shared_ptr<SourceContent> {
             return std::make_shared<CatalogueContent>(std::move(content));
           },
           write_catalogue};

@@ -154,7 +154,7 @@ FormatModule epjson_module() {
       "epJSON",
       {"epjson", "json"},
       [](const FileContent& content) { return content.document && is_epjson(*content.document); },
-      [](FileContent content) -> std::shared_ptr<const SourceContent> {
+      [](FileContent content) -> std::shared_ptr<SourceContent> {
         return std::make_shared<ModelContent>(
             read_epjson(std::move(*content.document), content.file));
       },

@@ -32,13 +32,17 @@ class SourceContent {
   virtual std::optional<Unit> unit() const { return std::nullopt; }
   virtual bool is_table() const { return false; }
   virtual void add_to(SourceSet& set, SourceReport& report) const = 0;
+
+  /// The same for the last time: it may hold nothing then.
+  virtual void give_to(SourceSet& set, SourceReport& report) { add_to(set, report); }
 };
 
 /// What was read of a source, by the name of its file.
 struct NamedContent {
   const std::string& file;
   const Format& format;
-  const SourceContent& content;
+  SourceContent& content;
+  bool for_the_last_time;  ///< whether nobody needs the content any more
 };
 
 /// The same as `read_together` of what was read already.
@@ -47,7 +51,7 @@ Sources read_together(const std::vector<NamedContent>& sources, const SourceRule
 /// How a format is read and written. What it has no function for, it cannot.
 struct FormatModule {
   using Recognises = bool (*)(const FileContent& content);
-  using Read = std::shared_ptr<const SourceContent> (*)(FileContent content);
+  using Read = std::shared_ptr<SourceContent> (*)(FileContent content);
   using Write = WriteReport (*)(const Library& library, const TextSink& sink,
                                 const WriteRules& rules);
 
@@ -93,8 +97,11 @@ class ModelContent : public SourceContent {
   bool has_objects() const override;
   std::size_t made_together() const override;
   void add_to(SourceSet& set, SourceReport& report) const override;
+  void give_to(SourceSet& set, SourceReport& report) override;
 
  private:
+  void tell(SourceReport& report) const;
+
   SourceModel model_;
 };
 

@@ -405,7 +405,7 @@ FormatModule gbxml_module() {
   return {"gbXML",
           {"gbxml", "xml"},
           [](const FileContent& content) { return !content.document && is_gbxml(content.text); },
-          [](FileContent content) -> std::shared_ptr<const SourceContent> {
+          [](FileContent content) -> std::shared_ptr<SourceContent> {
             require_encoding(content);
             const XmlDocument document(content.text, content.file,
                                        XmlDocument::most_parts_of(content.text.size()));

@@ -210,7 +210,7 @@ FormatModule honeybee_module() {
       "honeybee",
       {"hbjson", "json"},
       [](const FileContent& content) { return content.document && is_honeybee(*content.document); },
-      [](FileContent content) -> std::shared_ptr<const SourceContent> {
+      [](FileContent content) -> std::shared_ptr<SourceContent> {
         return std::make_shared<ModelContent>(
             HoneybeeReader(content.file).read(std::move(*content.document)));
       },

@@ -235,7 +235,7 @@ FormatModule idf_module() {
             // A STEP file has semicolons, too, and takes long to be found out by its objects.
             return !content.document && !is_step(content.text) && is_idf(content.text);
           },
-          [](FileContent content) -> std::shared_ptr<const SourceContent> {
+          [](FileContent content) -> std::shared_ptr<SourceContent> {
             return std::make_shared<ModelContent>(read_idf(content.text, content.file));
           },
           write_idf};

@@ -90,6 +90,11 @@ class IfcContent : public SourceContent {
     set.add(IfcCatalogue(model_, set.unit(), set.shared(), report).make(), report);
   }
 
+  void give_to(SourceSet& set, SourceReport& report) override {
+    add_to(set, report);
+    model_ = IfcModel();
+  }
+
  private:
   IfcModel model_;
 };
@@ -100,7 +105,7 @@ FormatModule ifc_module() {
   return {"IFC",
           {"ifc"},
           [](const FileContent& content) { return !content.document && is_step(content.text); },
-          [](FileContent content) -> std::shared_ptr<const SourceContent> {
+          [](FileContent content) -> std::shared_ptr<SourceContent> {
             return std::make_shared<IfcContent>(read_ifc(content.file, content.text));
           },
           write_ifc};

@@ -248,7 +248,7 @@ FormatModule openstudio_module() {
           [](const FileContent& content) {
             return content.document && is_openstudio_standards(*content.document);
           },
-          [](FileContent content) -> std::shared_ptr<const SourceContent> {
+          [](FileContent content) -> std::shared_ptr<SourceContent> {
             return std::make_shared<ModelContent>(
                 StandardsReader(content.file).read(*content.document));
           },

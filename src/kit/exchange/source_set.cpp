@@ -146,6 +146,14 @@ void IncomingObjects<T>::add(const Incoming<T>& incoming) {
                index);
 }
 
+template <class T>
+std::vector<Incoming<T>> IncomingObjects<T>::take_all() {
+  exact_.clear();
+  folded_.clear();
+  own_.clear();
+  return std::move(all_);
+}
+
 /// What comes from the simulation formats is tagged with its file, unless other tags are given.
 void SourceSet::choose_tags(bool from_simulation, SourceReport& report) const {
   for (const auto& tag : rules_.tags) report.tags.push_back(library_text(tag));
@@ -275,15 +283,16 @@ void SourceSet::add_material(const SourceMaterial& material, std::size_t source,
   enter(materials_, incoming, report);
 }
 
-void SourceSet::add(const SourceModel& model, SourceReport& report) {
+void SourceSet::add(SourceModel model, SourceReport& report) {
   const std::size_t source = files_.size();
   files_.push_back(report.file);
   choose_tags(true, report);
-  for (const auto& material : model.materials) {
+  for (auto& material : model.materials) {
     add_material(material, source, model, report);
+    material = SourceMaterial();  // there are many
   }
   for (const auto& [name, count] : model.skipped) report.skipped[name] += count;
-  constructions_.push_back({&model.constructions, &report, source, model.ignores_case});
+  constructions_.push_back({std::move(model.constructions), &report, source, model.ignores_case});
 }
 
 void SourceSet::add(Catalogue catalogue, SourceReport& report) {
@@ -309,11 +318,13 @@ void SourceSet::add(Catalogue catalogue, SourceReport& report) {
 
 void SourceSet::resolve() {
   for (const auto& constructions : constructions_) {
-    for (const auto& construction : *constructions.objects) resolve(construction, constructions);
+    for (const auto& construction : constructions.objects) resolve(construction, constructions);
   }
   for (const auto& compositions : catalogue_compositions_) {
     for (const auto& composition : compositions.objects) resolve(composition, compositions);
   }
+  constructions_.clear();
+  catalogue_compositions_.clear();
 }
 
 void SourceSet::count_layer(const std::shared_ptr<Material>& material, double thickness,

@@ -39,9 +39,11 @@ class IncomingObjects {
 
   const Incoming<T>* taken(const std::string& name, Names names) const;
   void add(const Incoming<T>& incoming);
-  const std::vector<Incoming<T>>& all() const { return all_; }
 
-  /// The place of one of them in their list.
+  /// All of them in their order, of which none can be found any more.
+  std::vector<Incoming<T>> take_all();
+
+  /// The place of one of them in that order.
   std::size_t index_of(const Incoming<T>& incoming) const {
     return static_cast<std::size_t>(&incoming - all_.data());
   }
@@ -64,14 +66,14 @@ class SourceSet {
 
   /// Adds a source, whose report must stay where it is; its layers are looked up when all sources
   /// are there.
-  void add(const SourceModel& model, SourceReport& report);
+  void add(SourceModel model, SourceReport& report);
   void add(Catalogue catalogue, SourceReport& report);
 
   SharedObjects& shared() { return shared_; }
   void resolve();
 
-  const IncomingObjects<Material>& materials() const { return materials_; }
-  const IncomingObjects<Composition>& compositions() const { return compositions_; }
+  std::vector<Incoming<Material>> take_materials() { return materials_.take_all(); }
+  std::vector<Incoming<Composition>> take_compositions() { return compositions_.take_all(); }
 
   /// The material types of the sources, where one of them lists all that there are.
   const std::optional<std::set<String>>& types() const { return types_; }
@@ -86,7 +88,7 @@ class SourceSet {
   using NamesOf = typename IncomingObjects<T>::Names;
 
   struct Constructions {
-    const std::vector<SourceConstruction>* objects;
+    std::vector<SourceConstruction> objects;
     SourceReport* report;
     std::size_t source;
     bool ignores_case;

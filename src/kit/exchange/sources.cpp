@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace veldra::kit {
 
@@ -37,21 +38,29 @@ void require_few_objects(std::size_t objects, std::size_t bytes, const std::stri
   fail_at(file, 0, fmt::format("this has more than {} materials and constructions", most));
 }
 
+using Ids = std::vector<unsigned>;
+
+/// Saves objects, lets go of each, and gives their ids in the same order.
 template <class T>
-void save_all(const IncomingObjects<T>& objects, const SourceRules& rules, Sources& sources) {
-  for (const auto& incoming : objects.all()) {
-    sources.library->save(incoming.object);
-    sources.origins[{ObjectTraits<T>::type, incoming.object->id()}] = incoming.origin;
+Ids save_all(std::vector<Incoming<T>> objects, const SourceRules& rules, Sources& sources) {
+  Ids ids;
+  ids.reserve(objects.size());
+  for (auto& incoming : objects) {
+    const auto object = std::move(incoming.object);
+    sources.library->save(object);
+    ids.push_back(object->id());
+    sources.origins[{ObjectTraits<T>::type, object->id()}] = std::move(incoming.origin);
     if (rules.progress) rules.progress();
   }
+  return ids;
 }
 
 /// Objects for which others stand know these by their places until they are saved.
-void give_ids(std::vector<RepeatedObject>& repeated, const SourceSet& set) {
+void give_ids(std::vector<RepeatedObject>& repeated, const Ids& materials,
+              const Ids& compositions) {
   for (auto& each : repeated) {
     auto& key = each.object;
-    key.id = key.type == ObjectType::Material ? set.materials().all()[key.id].object->id()
-                                              : set.compositions().all()[key.id].object->id();
+    key.id = (key.type == ObjectType::Material ? materials : compositions)[key.id];
   }
 }
 
@@ -67,6 +76,12 @@ std::shared_ptr<Library> library_in_memory(Unit unit) {
 class SourceReading {
  public:
   static const SourceContent& content_of(const Source& source) { return *source.content_; }
+
+  /// What a source holds, which may be given away where no copy of the source holds it as well.
+  static NamedContent named(const Source& source, bool for_the_last_time) {
+    return {source.file(), source.format(), *source.content_,
+            for_the_last_time && source.content_.use_count() == 1};
+  }
 };
 
 std::vector<FieldNotKept> fields_not_kept(const SourceReport& report) {
@@ -93,13 +108,27 @@ std::optional<Unit> Source::unit() const { return content_->unit(); }
 
 bool Source::is_table() const noexcept { return content_->is_table(); }
 
-Sources read_together(const std::vector<Source>& sources, const SourceRules& rules) {
+namespace {
+
+Sources read_named(const std::vector<Source>& sources, const SourceRules& rules,
+                   bool for_the_last_time) {
   std::vector<NamedContent> contents;
   contents.reserve(sources.size());
   for (const auto& source : sources) {
-    contents.push_back({source.file(), source.format(), SourceReading::content_of(source)});
+    contents.push_back(SourceReading::named(source, for_the_last_time));
   }
   return read_together(contents, rules);
+}
+
+}  // namespace
+
+Sources read_together(const std::vector<Source>& sources, const SourceRules& rules) {
+  return read_named(sources, rules, false);
+}
+
+Sources read_together(std::vector<Source>&& sources, const SourceRules& rules) {
+  const auto taken = std::move(sources);
+  return read_named(taken, rules, true);
 }
 
 Sources read_together(const std::vector<NamedContent>& sources, const SourceRules& rules) {
@@ -107,11 +136,17 @@ Sources read_together(const std::vector<NamedContent>& sources, const SourceRule
   result.reports.resize(sources.size());
   SourceSet set(rules);
   for (std::size_t i = 0; i < sources.size(); ++i) {
+    const auto& source = sources[i];
     auto& report = result.reports[i];
-    report.file = sources[i].file;
-    report.format = sources[i].format.name;
-    sources[i].content.add_to(set, report);
-    if (!sources[i].content.has_objects()) report.problems.push_back(nothing_in(sources[i]));
+    report.file = source.file;
+    report.format = source.format.name;
+    const bool has_objects = source.content.has_objects();
+    if (source.for_the_last_time) {
+      source.content.give_to(set, report);
+    } else {
+      source.content.add_to(set, report);
+    }
+    if (!has_objects) report.problems.push_back(nothing_in(source));
   }
   set.resolve();
   if (!set.clashes().empty()) throw SourceClashes(set.clashes());
@@ -120,9 +155,9 @@ Sources read_together(const std::vector<NamedContent>& sources, const SourceRule
   result.types = set.types();
   result.library = library_in_memory(rules.unit);
   set.shared().save_all(*result.library);
-  save_all(set.materials(), rules, result);
-  save_all(set.compositions(), rules, result);
-  for (auto& report : result.reports) give_ids(report.repeated, set);
+  const auto materials = save_all(set.take_materials(), rules, result);
+  const auto compositions = save_all(set.take_compositions(), rules, result);
+  for (auto& report : result.reports) give_ids(report.repeated, materials, compositions);
   return result;
 }
 

@@ -187,7 +187,7 @@ FormatModule table_module() {
             return !content.document &&
                    (looks_like_table(content.text) || is_named_table(content.file));
           },
-          [](FileContent content) -> std::shared_ptr<const SourceContent> {
+          [](FileContent content) -> std::shared_ptr<SourceContent> {
             return std::make_shared<TextContent>(std::move(content));
           },
           write_table,

@@ -39,7 +39,7 @@ FormatModule workbook_module() {
   return {"XLSX",
           {"xlsx"},
           [](const FileContent& content) { return content.encoding == Encoding::Binary; },
-          [](FileContent content) -> std::shared_ptr<const SourceContent> {
+          [](FileContent content) -> std::shared_ptr<SourceContent> {
             return std::make_shared<WorkbookContent>(content);
           },
           write_workbook,

@@ -161,7 +161,7 @@ void PlanReading::read_objects(JsonNode node) {
   const auto read = reader.read(std::move(content));
   SourceRules rules;
   rules.unit = read->unit().value_or(rules.unit);
-  sources_ = read_together({NamedContent{file_, reader.format, *read}}, rules);
+  sources_ = read_together({NamedContent{file_, reader.format, *read, true}}, rules);
   require_all_objects();
 }
 
