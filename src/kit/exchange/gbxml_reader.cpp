@@ -155,9 +155,9 @@ class GbxmlReader {
     for (const auto& child : node.children()) {
       if (child.type() != pugi::node_element) continue;
       const auto name = local_name(child.name());
-      const auto key = key_of_material(name);
+      const char* key = key_of_material(name);
       if (name == "Name" && children.first(name)) continue;
-      if (key.empty()) {
+      if (key == nullptr) {
         children.add(child, name, material.not_kept);
       } else if (!children.first(name)) {
         object.fault = fmt::format("{} is there twice", quoted(name));
@@ -174,10 +174,14 @@ class GbxmlReader {
     enter(attribute_of(node, "id"), std::move(material));
   }
 
-  /// The key of the field for which an element stands; empty for none.
-  static std::string key_of_material(const std::string& element) {
-    if (element == gbxml_transmittance || !gbxml_has_unit(element)) return {};
-    return element == "Thickness" ? "thickness" : element;
+  /// The key of the field for which an element stands; null for none.
+  static const char* key_of_material(const std::string& element) {
+    for (const auto& described : gbxml_classes()) {
+      for (const auto& field : described.fields) {
+        if (gbxml_element_of(field) == element) return field.key;
+      }
+    }
+    return nullptr;
   }
 
   /// Takes what stands in an element, and counts elements of each name.

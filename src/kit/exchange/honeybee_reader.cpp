@@ -159,7 +159,8 @@ class HoneybeeReader {
           material.fault = fmt::format("a mixture has at most {} gases", most_gases);
           return;
         }
-        material.values[key_of(gas)] = scalar_text(value, list, material.fault);
+        const char* key = key_in(*material.described, key_of(gas));
+        if (key != nullptr) material.values[key] = scalar_text(value, list, material.fault);
       }
     };
     read_list("gas_types", gas_type_key);

@@ -241,6 +241,32 @@ bool can_be_class(const std::string& name) {
   return before != ':';
 }
 
+FieldValues::Items::const_iterator FieldValues::find(std::string_view key) const {
+  return std::find_if(items_.begin(), items_.end(),
+                      [key](const auto& item) { return item.first == key; });
+}
+
+std::string& FieldValues::operator[](const char* key) {
+  const auto found = find(key);
+  if (found == items_.end()) return items_.emplace_back(key, std::string()).second;
+  return items_[static_cast<std::size_t>(found - items_.begin())].second;
+}
+
+bool FieldValues::operator==(const FieldValues& other) const {
+  return items_.size() == other.items_.size() &&
+         std::all_of(items_.begin(), items_.end(), [&other](const auto& item) {
+           const auto found = other.find(item.first);
+           return found != other.end() && found->second == item.second;
+         });
+}
+
+const char* key_in(const MaterialClass& described, std::string_view text) {
+  const auto& fields = described.fields;
+  const auto found = std::find_if(fields.begin(), fields.end(),
+                                  [text](const auto& field) { return field.key == text; });
+  return found != fields.end() ? found->key : nullptr;
+}
+
 bool has_field(const SourceMaterial& material, const std::string& key) {
   return material.values.count(key) > 0 ||
          std::any_of(material.not_kept.begin(), material.not_kept.end(),

@@ -7,6 +7,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -45,6 +46,9 @@ const MaterialClasses& material_classes();
 /// The class of that name in whatever case; null when there is none.
 const MaterialClass* material_class(const std::string& name);
 
+/// The key of a class that a text is; null for none.
+const char* key_in(const MaterialClass& described, std::string_view text);
+
 /// Whether the name is that of a class of materials or constructions.
 bool is_known_class(const std::string& name);
 
@@ -66,13 +70,35 @@ const ConstructionClass* construction_class(const std::string& name);
 /// Fields that a library has no place for, and their values.
 using FieldsNotKept = std::vector<std::pair<std::string, std::string>>;
 
+/// The values of a material by the keys of their fields: few, so that they are looked through. A
+/// file may have many materials, so that they take little room.
+class FieldValues {
+ public:
+  using Items = std::vector<std::pair<const char*, std::string>>;
+
+  Items::const_iterator begin() const { return items_.begin(); }
+  Items::const_iterator end() const { return items_.end(); }
+  Items::const_iterator find(std::string_view key) const;
+  std::size_t count(std::string_view key) const { return find(key) != end() ? 1 : 0; }
+
+  /// The value of a key, which is that of a class and lives as long as the program; an empty one
+  /// that is added where there is none.
+  std::string& operator[](const char* key);
+
+  /// Whether both have the same values, in whatever order.
+  bool operator==(const FieldValues& other) const;
+
+ private:
+  Items items_;
+};
+
 /// An object as a source has it, whatever its format.
 struct SourceMaterial {
   const MaterialClass* described = nullptr;
   std::string name;
   std::string identifier;  ///< where the format has one beside the name
   unsigned line = 0;
-  std::map<std::string, std::string> values;  ///< by the key of the field; none is empty
+  FieldValues values;  ///< none is empty
   FieldsNotKept not_kept;
   std::string fault;  ///< why it cannot be taken; empty for most
 };
