@@ -4,6 +4,7 @@
 
 #include <veldra/kit/exchange.hpp>
 
+#include <deque>
 #include <map>
 #include <set>
 #include <string>
@@ -126,7 +127,7 @@ void add_layer(SourceConstruction& construction, std::size_t place, const std::s
 
 /// What a file of the simulation formats holds.
 struct SourceModel {
-  std::vector<SourceMaterial> materials;
+  std::deque<SourceMaterial> materials;  ///< of which there may be many
   std::vector<SourceConstruction> constructions;
   std::map<std::string, unsigned> skipped;  ///< objects of other classes, by class
   bool ignores_case = true;                 ///< how names of the format compare

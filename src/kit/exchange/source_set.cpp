@@ -138,12 +138,19 @@ void IncomingObjects<T>::add(const Incoming<T>& incoming) {
   const std::string own_name = incoming.object->name().utf8();
   const std::string& source_name = incoming.origin.name;
   all_.push_back(incoming);
-  const std::string own_folded = lower_case(own_name);
   exact_.emplace(own_name, index);
-  folded_.emplace(own_folded, index);
-  own_.emplace(std::make_pair(incoming.origin.source,
-                              source_name == own_name ? own_folded : lower_case(source_name)),
-               index);
+  folded_.emplace(lower_case(own_name), index);
+  const auto source = incoming.origin.source;
+  const auto key = lower_case(source_name);
+  const auto found = folded_.find(key);
+  const bool is_found = found != folded_.end() && is_own(all_[found->second], source, key);
+  if (!is_found) own_.emplace(std::make_pair(source, key), index);
+}
+
+template <class T>
+bool IncomingObjects<T>::is_own(const Incoming<T>& incoming, std::size_t source,
+                                const std::string& folded_name) {
+  return incoming.origin.source == source && lower_case(incoming.origin.name) == folded_name;
 }
 
 template <class T>
@@ -287,9 +294,8 @@ void SourceSet::add(SourceModel model, SourceReport& report) {
   const std::size_t source = files_.size();
   files_.push_back(report.file);
   choose_tags(true, report);
-  for (auto& material : model.materials) {
-    add_material(material, source, model, report);
-    material = SourceMaterial();  // there are many
+  for (; !model.materials.empty(); model.materials.pop_front()) {
+    add_material(model.materials.front(), source, model, report);
   }
   for (const auto& [name, count] : model.skipped) report.skipped[name] += count;
   constructions_.push_back({std::move(model.constructions), &report, source, model.ignores_case});

@@ -49,10 +49,15 @@ class IncomingObjects {
   }
 
  private:
+  static bool is_own(const Incoming<T>& incoming, std::size_t source,
+                     const std::string& folded_name);
+
   std::vector<Incoming<T>> all_;
   std::map<std::string, std::size_t> exact_;
   std::map<std::string, std::size_t> folded_;
-  std::map<std::pair<std::size_t, std::string>, std::size_t> own_;  ///< by source, folded
+
+  /// By source and folded name, where the folded name alone finds another one or none.
+  std::map<std::pair<std::size_t, std::string>, std::size_t> own_;
 };
 
 /// Everything that sources hold, put together: a construction may name a material of another
