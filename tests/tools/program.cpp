@@ -130,11 +130,12 @@ Outcome ProgramTest::shell(const std::string& command) const {
   return start_shell(command)->outcome();
 }
 
-/// The counts of what is run, which are files too, go nowhere: one that is cut off would spoil
+/// The counts of what is run, which are files too, go elsewhere: one that is cut off would spoil
 /// those of all other runs.
 Outcome ProgramTest::on_full_disk(int half_kilobytes, const std::string& arguments) const {
-  return shell("export GCOV_PREFIX=/dev/null; ulimit -f " + std::to_string(half_kilobytes) +
-               "; veldra " + arguments);
+  return shell("export GCOV_PREFIX=$(mktemp -d) GCOV_ERROR_FILE=/dev/null; (ulimit -f " +
+               std::to_string(half_kilobytes) + "; veldra " + arguments +
+               "); status=$?; rm -r $GCOV_PREFIX; exit $status");
 }
 
 std::vector<std::string> ProgramTest::names(const std::string& folder) const {
