@@ -134,6 +134,26 @@ TEST_F(Creating, refuses_a_link_even_if_it_leads_nowhere) {
   EXPECT_THAT(names(), ElementsAre("a.lib"));
 }
 
+/// One of them makes the library, in the unit of its source; the other has read its own in another
+/// one by then.
+TEST_F(Creating, of_two_imports_at_once_has_the_objects_of_both) {
+  write_source("metric.idf", "Metric", 300);
+  write("imperial.json", R"({"format": "veldra", "version": 1, "library": {"unit": "in"},
+      "materials": [{"name": "Imperial", "thicknesses": [1]}]})");
+  for (int round = 0; round < 8; ++round) {
+    const auto one = start({"import", "a.lib", "metric.idf"});
+    const auto other = start({"import", "a.lib", "imperial.json"});
+    EXPECT_EQ(one->outcome().status, 0);
+    EXPECT_EQ(other->outcome().status, 0);
+    EXPECT_EQ(count("a.lib", "materials"), 301U);
+    const auto unit = library("a.lib")->unit();
+    const double inch = unit == veldra::Unit::Inches ? 1 : 25.4;
+    const auto material = library("a.lib")->get<veldra::Material>(veldra::String("Imperial"));
+    EXPECT_EQ(material->thicknesses(), std::set<double>{inch});
+    ASSERT_EQ(::unlink(path("a.lib").c_str()), 0);
+  }
+}
+
 TEST_F(Creating, of_several_one_makes_the_file_and_the_others_say_that_it_is_there) {
   for (int round = 0; round < 5; ++round) {
     std::vector<std::unique_ptr<Running>> runs;
