@@ -25,6 +25,7 @@ constexpr suseconds_t patience = 600000;  // microseconds
 
 // What the handler looks at. All of it changes while signals wait, or at once.
 std::atomic<bool> asked{false};
+std::atomic<bool> told{false};
 std::atomic<bool> sudden_end_forbidden{false};
 std::array<std::atomic<veldra::Library*>, 8> libraries{};
 std::array<std::atomic<const char*>, 8> leftovers{};
@@ -74,7 +75,7 @@ void end_suddenly() noexcept {
   for (const auto& leftover : leftovers) {
     if (const char* path = leftover) remove_with_companions(path);
   }
-  say_without_waiting(sentence_when_stopped().text);
+  if (!told) say_without_waiting(sentence_when_stopped().text);
   ::_exit(static_cast<int>(Status::Failed));
 }
 
@@ -143,7 +144,11 @@ void tell_when_stopped(const std::string& text) noexcept {
   state[size] = '\0';
 }
 
-void say_stopped() noexcept { say(sentence_when_stopped().text); }
+/// What comes after it may take so long that the alarm ends it.
+void say_stopped() noexcept {
+  say(sentence_when_stopped().text);
+  told = true;
+}
 
 void forbid_sudden_end() noexcept { sudden_end_forbidden = true; }
 
