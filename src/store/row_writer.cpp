@@ -34,49 +34,44 @@ bool ids_are_left(Database& database, const char* table) {
 
 }  // namespace
 
-template <class T>
-RowWriter::Attempt RowWriter::write(T& object) {
-  assert(database_.is_current());
-  try {
-    return {false, write_row(object), {}};
-  } catch (const odb::sqlite::database_exception& error) {
-    if (!is_conflict(error)) throw;
-    return {true, IdMapping::Existing, error.message()};
-  }
-}
-
-template <class T>
-IdMapping::Status RowWriter::write_row(T& object) {
-  if (object.id() != 0) return update(object);
-  insert(object);
-  return IdMapping::Inserted;
-}
-
 /// The largest id is given to nobody, so that the end of the ids is noticed before a wider one is
 /// given, also by what an object has in other tables, which fails then. SQLite says of the end of
 /// its own, larger range what it says of a full disk.
+/// All is caught here, once: where many names are taken, exceptions are what takes the time.
 template <class T>
-void RowWriter::insert(T& object) {
-  const auto got_none = [&object] { return object.id() == std::numeric_limits<unsigned>::max(); };
+RowWriter::Attempt RowWriter::write(T& object) {
+  assert(database_.is_current());
+  const bool is_new = object.id() == 0;
+  const auto got_none = [&object, is_new] {
+    return is_new && object.id() == std::numeric_limits<unsigned>::max();
+  };
   try {
-    database_.persist(object);
-    if (!got_none()) return;
+    const IdMapping::Status status = is_new ? insert(object) : update(object);
+    if (!got_none()) return {false, status, {}};
   } catch (const odb::object_already_persistent&) {
     if (!got_none()) throw;
+  } catch (const odb::object_not_persistent&) {
+    throw ObjectNotFound();
   } catch (const odb::sqlite::database_exception& error) {
-    const bool full = error.error() == SQLITE_FULL && !ids_are_left(database_, Kind<T>::table);
-    if (!got_none() && !full) throw;
+    const bool full =
+        is_new && error.error() == SQLITE_FULL && !ids_are_left(database_, Kind<T>::table);
+    if (!got_none() && !full) {
+      if (!is_conflict(error)) throw;
+      return {true, IdMapping::Existing, error.message()};
+    }
   }
   throw odb::sqlite::database_exception(SQLITE_FULL, SQLITE_FULL, "no id is left");
 }
 
 template <class T>
+IdMapping::Status RowWriter::insert(T& object) {
+  database_.persist(object);
+  return IdMapping::Inserted;
+}
+
+template <class T>
 IdMapping::Status RowWriter::update(T& object) {
-  try {
-    database_.update(object);
-  } catch (const odb::object_not_persistent&) {
-    throw ObjectNotFound();
-  }
+  database_.update(object);
   return IdMapping::Updated;
 }
 

@@ -28,9 +28,7 @@ class RowWriter {
 
  private:
   template <class T>
-  IdMapping::Status write_row(T& object);
-  template <class T>
-  void insert(T& object);
+  IdMapping::Status insert(T& object);
   template <class T>
   IdMapping::Status update(T& object);
   IdMapping::Status update(Tag& tag);
