@@ -6,8 +6,11 @@
 #include <utf8.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
+#include <limits>
 #include <memory>
+#include <type_traits>
 
 namespace veldra {
 
@@ -37,16 +40,29 @@ std::size_t decoded_size(const char* text, std::size_t size) noexcept {
   return units;
 }
 
-/// Most texts are ASCII, which needs no conversion.
-bool is_ascii(const char* text, std::size_t size) noexcept {
-  unsigned char bits = 0;
-  for (std::size_t i = 0; i != size; ++i) bits |= static_cast<unsigned char>(text[i]);
-  return bits < 0x80;
+/// Most texts are ASCII, which needs no conversion. As many code units as fit into a word are
+/// looked at at once: this is asked of every text that is read or written.
+template <class Unit>
+bool is_ascii(const Unit* text, std::size_t size) noexcept {
+  using Unsigned = std::make_unsigned_t<Unit>;
+  constexpr std::size_t at_once = sizeof(std::uint64_t) / sizeof(Unit);
+  // The bits of each code unit that are set in no ASCII character.
+  constexpr Unsigned other = static_cast<Unsigned>(~Unsigned{0x7F});
+  constexpr std::uint64_t others = ~std::uint64_t{0} / std::numeric_limits<Unsigned>::max() * other;
+
+  std::uint64_t bits = 0;
+  std::size_t i = 0;
+  for (; size - i >= at_once; i += at_once) {
+    std::uint64_t word;
+    std::memcpy(&word, text + i, sizeof word);
+    bits |= word;
+  }
+  for (; i != size; ++i) bits |= static_cast<Unsigned>(text[i]);
+  return (bits & others) == 0;
 }
 
 /// Writes the decoding to `units` and returns its end.
 unsigned short* convert(const char* text, std::size_t size, unsigned short* units) {
-  if (is_ascii(text, size)) return std::copy(text, text + size, units);
   try {
     return utf8::utf8to16(text, text + size, units);
   } catch (const utf8::invalid_utf8&) {
@@ -60,8 +76,11 @@ unsigned short* convert(const char* text, std::size_t size, unsigned short* unit
 
 Units decode(const char* text, std::size_t size) {
   if (size == 0) return nullptr;
-  Units units(new unsigned short[decoded_size(text, size) + 1]);
-  *convert(text, size, units.get()) = 0;
+  const bool ascii = is_ascii(text, size);
+  Units units(new unsigned short[(ascii ? size : decoded_size(text, size)) + 1]);
+  unsigned short* const end =
+      ascii ? std::copy(text, text + size, units.get()) : convert(text, size, units.get());
+  *end = 0;
   return units;
 }
 
@@ -82,6 +101,7 @@ bool is_surrogate(unsigned short unit) noexcept { return (unit & 0xF800) == 0xD8
 
 /// Each half of a character of four bytes counts as two.
 std::size_t utf8_size(const unsigned short* text, std::size_t units) noexcept {
+  if (is_ascii(text, units)) return units;
   std::size_t size = units;
   for (const unsigned short* unit = text; unit != text + units; ++unit) {
     size += static_cast<std::size_t>(*unit >= 0x80) +
@@ -91,9 +111,8 @@ std::size_t utf8_size(const unsigned short* text, std::size_t units) noexcept {
 }
 
 char* encode_utf8(const unsigned short* text, std::size_t units, char* out) {
-  const unsigned short* end = text + units;
-  const auto not_ascii = [](unsigned short unit) { return unit >= 0x80; };
-  if (std::none_of(text, end, not_ascii)) return std::copy(text, end, out);
+  const unsigned short* const end = text + units;
+  if (is_ascii(text, units)) return std::copy(text, end, out);
   return utf8::utf16to8(text, end, out);
 }
 

@@ -128,6 +128,19 @@ TEST(StringConversionTest, all_characters_in_one_text_come_back) {
   }
 }
 
+// Several characters are looked at at once, and those that are left over one by one.
+TEST(StringConversionTest, one_other_character_is_found_wherever_it_stands) {
+  for (const std::string other : {"\xC2\x80", "\xC3\xBF", "\xE2\x82\xAC", "\xF0\x9F\x93\x9A"}) {
+    for (std::size_t length = 0; length != 20; ++length) {
+      for (std::size_t place = 0; place <= length; ++place) {
+        std::string bytes(length, 'x');
+        bytes.insert(place, other);
+        expect_decoded_as_by_the_library(bytes, Way::Text);
+      }
+    }
+  }
+}
+
 TEST(StringConversionTest, no_bytes_give_the_empty_text) {
   for (const Way way : every_way) {
     String text("former");
