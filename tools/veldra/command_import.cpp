@@ -244,9 +244,14 @@ class Import {
     read_in_ = unit;
   }
 
-  void read_files_again() {
+  /// Standard input is there once only.
+  bool can_read_again() const {
     const auto& names = arguments_.sources;
-    if (std::find(names.begin(), names.end(), "-") != names.end()) {
+    return std::find(names.begin(), names.end(), "-") == names.end();
+  }
+
+  void read_files_again() {
+    if (!can_read_again()) {
       throw failure_of(arguments_.file, "another program has made it meanwhile; import once more");
     }
     files_ = read_sources(arguments_);
@@ -264,7 +269,9 @@ class Import {
                               has_choice ? "; --on-conflict says what to do" : ""));
   }
 
+  /// Happens again where another program has made the library meanwhile.
   void read_tables(const std::shared_ptr<const veldra::Library>& library) {
+    if (files_.empty()) read_files_again();
     Progress progress("reading");
     kit::TableRules rules;
     if (!arguments_.locale.empty()) {
@@ -274,6 +281,7 @@ class Import {
     }
     rules.progress = [&progress] { progress.step(); };
     sources_ = kit::read_tables(files_, library, rules);
+    if (can_read_again()) files_.clear();
     tell_findings(sources_);
   }
 

@@ -29,7 +29,7 @@ SourceProblem nothing_in(const NamedContent& source) {
           fmt::format("this {} source has no materials and no constructions", source.format.name)};
 }
 
-/// Each takes up to 3 kB until it is in a library, however short it is in its source.
+/// Each takes up to 2 kB until it is in a library, however short it is in its source.
 void require_few_objects(std::size_t objects, std::size_t bytes, const std::string& file) {
   constexpr std::size_t most_of_small = 300'000;
   constexpr std::size_t fewest_bytes_of_object = 200;
@@ -40,7 +40,9 @@ void require_few_objects(std::size_t objects, std::size_t bytes, const std::stri
 
 using Ids = std::vector<unsigned>;
 
-/// Saves objects, lets go of each, and gives their ids in the same order.
+/// Saves objects, lets go of each, and gives their ids in the same order. Where they come from is
+/// noted when all have gone: a note in the place of each would leave holes between that nothing of
+/// the size of an object fills.
 template <class T>
 Ids save_all(std::vector<Incoming<T>> objects, const SourceRules& rules, Sources& sources) {
   Ids ids;
@@ -49,8 +51,10 @@ Ids save_all(std::vector<Incoming<T>> objects, const SourceRules& rules, Sources
     const auto object = std::move(incoming.object);
     sources.library->save(object);
     ids.push_back(object->id());
-    sources.origins[{ObjectTraits<T>::type, object->id()}] = std::move(incoming.origin);
     if (rules.progress) rules.progress();
+  }
+  for (std::size_t i = 0; i < ids.size(); ++i) {
+    sources.origins[{ObjectTraits<T>::type, ids[i]}] = std::move(objects[i].origin);
   }
   return ids;
 }

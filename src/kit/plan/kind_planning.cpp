@@ -86,8 +86,10 @@ KindPlanning<T>::KindPlanning(const Library& source, const Library& destination,
 template <class T>
 void KindPlanning<T>::plan(std::vector<PlanEntry>& entries) {
   const std::size_t begin = entries.size();
+  const auto ids = source_.ids<T>();
+  entries.reserve(begin + ids.size());
   std::set<unsigned> part;
-  for (const unsigned id : source_.ids<T>()) {
+  for (const unsigned id : ids) {
     part.insert(part.end(), id);
     if (part.size() < part_size) continue;
     plan_part(part, entries);
