@@ -356,6 +356,22 @@ TEST_F(ExportedFormat, comes_back_as_a_table_that_a_person_changed) {
   EXPECT_EQ(again["format"], "CSV");
 }
 
+TEST_F(ExportedFormat, of_a_region_may_have_any_sign_between_its_cells) {
+  write("tabs.csv", "name\tproperty:Density [kg/m3]\tmark\nBrick\t1901,5\tt\n");
+  write("commas.csv", "name,property:Density [kg/m3],mark\nBrick,\"1902,5\",c\n");
+  write("semicolons.csv", "name;property:Density [kg/m3];mark\nBrick;1903,5;s\n");
+  for (const auto& [table, density] :
+       {std::pair("tabs.csv", "1901.5"), std::pair("commas.csv", "1902.5"),
+        std::pair("semicolons.csv", "1903.5")}) {
+    must({"import", "a.lib", table, "--locale", "de", "--on-conflict", "overwrite"});
+    const auto brick = must({"show", "a.lib", "material", "Brick", "--json"}).json();
+    EXPECT_EQ(brick["custom_values"]["Density [kg/m3]"], density) << table;
+  }
+  write("t.csv", "name;manufacturer, or trade\nBrick;Works\n");
+  EXPECT_THAT(veldra({"import", "a.lib", "t.csv", "--locale", "de"}).err,
+              HasSubstr("'manufacturer, or trade'"));
+}
+
 TEST_F(ExportedFormat, is_marked_as_utf8_for_spreadsheets_of_a_region) {
   const std::string mark = "\xEF\xBB\xBFkind";
   must({"export", "a.lib", "-o", "german.csv", "--locale", "de"});

@@ -276,7 +276,7 @@ class Import {
     kit::TableRules rules;
     if (!arguments_.locale.empty()) {
       const auto signs = table_signs(arguments_.locale);
-      rules.separator = signs.separator;
+      rules.usual_separator = signs.separator;
       rules.decimal = signs.decimal;
     }
     rules.progress = [&progress] { progress.step(); };

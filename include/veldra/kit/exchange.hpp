@@ -264,6 +264,10 @@ struct TableRules {
 
   /// Is called for each row.
   Progress progress;
+
+  /// Between cells of a table whose first line does not tell it: it has none at all, or several as
+  /// often.
+  char usual_separator = ',';
 };
 
 /// Reads what tables say of the objects of a library: each row is an object, found by its id, else

@@ -139,7 +139,8 @@ class TextContent : public TableContent {
                   std::vector<TableSource>& tables) const override {
     const auto& text = content_.text;
     TableStyle style;
-    style.separator = rules.separator != '\0' ? rules.separator : separator_in(text);
+    style.separator =
+        rules.separator != '\0' ? rules.separator : separator_in(text, rules.usual_separator);
     style.decimal = rules.decimal != '\0' ? rules.decimal : decimal_in(text, style.separator);
     auto sheet = std::make_shared<TextTable>(content_.file, text, style);
     tables.push_back({index, std::move(sheet), style, &report, TableKind::Materials, 1, {}});

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 #include <utility>
 
 namespace veldra::kit {
@@ -188,17 +189,20 @@ bool TableScanner::next(Cells& cells) {
   return false;
 }
 
-char separator_in(std::string_view text) {
-  std::size_t counts[3] = {0, 0, 0};
+char separator_in(std::string_view text, char usual) {
+  std::map<char, std::size_t> counts;
   bool quoted = false;
   for (const char character : text) {
     if (character == '"') quoted = !quoted;
     if (quoted) continue;
     if (character == '\n' || character == '\r') break;
-    for (int i = 0; i < 3; ++i) counts[i] += character == least_separators[i].first ? 1 : 0;
+    ++counts[character];
   }
-  const auto most = std::max_element(std::begin(counts), std::end(counts));
-  return least_separators[most - std::begin(counts)].first;
+  char most = usual;
+  for (const auto& [separator, least] : least_separators) {
+    if (counts[separator] > counts[most]) most = separator;
+  }
+  return most;
 }
 
 bool looks_like_table(std::string_view text) {

@@ -70,8 +70,9 @@ class TableScanner {
   bool too_long_ = false;
 };
 
-/// The separator of a table: the one that its first line has most of.
-char separator_in(std::string_view text);
+/// The separator of a table: the one that its first line has most of; of those that it has as many
+/// of, or none of any, the usual one.
+char separator_in(std::string_view text, char usual = ',');
 
 /// Whether a text looks like a table: its first lines have as many cells, which those of prose and
 /// of programs seldom have, or it begins as one that was written here.
