@@ -112,6 +112,16 @@ TEST(WrongNumber, is_a_limit_of_the_variable_layer_that_cannot_be) {
               ElementsAre("the greatest thickness of the variable layer is not known"));
 }
 
+TEST(WrongNumber, tells_its_field_and_layer) {
+  const auto faults = kit::number_faults(*of_layers({240, 0}));
+  ASSERT_EQ(faults.size(), 1U);
+  EXPECT_EQ(faults[0].field, "thickness");
+  EXPECT_EQ(faults[0].layer, 2U);
+  const auto known = kit::number_faults(*with_custom("A", kit::property::density, "much"));
+  ASSERT_EQ(known.size(), 1U);
+  EXPECT_EQ(known[0].field, kit::property::density);
+}
+
 TEST(WrongNumber, is_a_doubtful_one_as_well) {
   EXPECT_THAT(kit::wrong_numbers(*of_layers({0})),
               ElementsAre("the thickness 0 of layer 1 is not greater than 0"));

@@ -256,6 +256,14 @@ TEST_F(Tables, leave_rows_out_that_cannot_be_read_and_tell_the_line) {
   EXPECT_EQ(library_->count<Material>(), 2U);
 }
 
+TEST_F(Tables, name_the_column_of_a_doubtful_number) {
+  EXPECT_THAT(take({"name,thicknesses [mm],property:all:Density [kg/m3]\nA,0,1\nB,1,-2\n"}),
+              ElementsAre("'t.csv', line 2: column 'thicknesses [mm]': material 'A': the "
+                          "thickness 0 is not greater than 0",
+                          "'t.csv', line 3: column 'property:all:Density [kg/m3]': material 'B': "
+                          "its 'Density [kg/m3]' is less than 0: '-2'"));
+}
+
 TEST_F(Tables, are_refused_for_headings_that_nobody_knows) {
   EXPECT_THAT(refusal("name,manufakturer\nBrick,x\n"),
               AllOf(StartsWith("'t.csv', line 1: there is no column 'manufakturer'; did you mean "

@@ -470,6 +470,26 @@ TEST_F(Workbook, names_the_cell_in_each_error) {
       HasSubstr("'x.xlsx': materials!B1: there is no column 'colour'"));
 }
 
+TEST_F(Workbook, names_the_cell_of_each_doubtful_number) {
+  EXPECT_THAT(
+      take(workbook_of(
+          {{"materials", row_of({"name", "property:Thermal conductivity [W/(m K)]",
+                                 "thicknesses [mm]", "property:material:Solar absorptance [-]"}) +
+                             row_of({"A", "0", "0", "1.5"}) + row_of({"B", "1", "5"})},
+           {"compositions", row_of({"name", "type", "property:Precipitation [mm/d]"}) +
+                                row_of({"W", "wall", "-3"}) + row_of({"V", "wall"})},
+           {"layers", row_of({"composition", "position", "thickness [mm]", "material"}) +
+                          row_of({"W", "2", "0", "A"}) + row_of({"V", "1", "5", "A"}) +
+                          row_of({"W", "1", "3", "A"})}})),
+      ElementsAre("'x.xlsx': materials!B2: material 'A': its thermal conductivity is not greater "
+                  "than 0: '0'",
+                  "'x.xlsx': materials!D2: material 'A': its 'Solar absorptance [-]' is greater "
+                  "than 1: '1.5'",
+                  "'x.xlsx': materials!C2: material 'A': the thickness 0 is not greater than 0",
+                  "'x.xlsx': layers!C2: composition 'W': the thickness 0 of layer 2 is not greater "
+                  "than 0"));
+}
+
 TEST_F(Workbook, may_have_cells_of_all_types) {
   const auto files =
       files_of({{"materials",

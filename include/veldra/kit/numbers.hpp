@@ -5,6 +5,7 @@
 #include <veldra/composition.hpp>
 #include <veldra/kit/export.hpp>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,23 @@ VELDRA_KIT_EXPORT std::vector<std::string> wrong_numbers(const Material& materia
 ///
 /// Throws: `std::bad_alloc`.
 VELDRA_KIT_EXPORT std::vector<std::string> wrong_numbers(const Composition& composition);
+
+/// What is wrong with a number, and which number that is.
+struct NumberFault {
+  std::string sentence;   ///< as `wrong_numbers` gives it
+  std::string field;      ///< the key of the field, such as "thicknesses", or the custom property
+  std::size_t layer = 0;  ///< whose it is, counted from 1; 0 for the object itself
+};
+
+/// What `wrong_numbers` gives, with the fields.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::vector<NumberFault> number_faults(const Material& material);
+
+/// The same of a composition.
+///
+/// Throws: `std::bad_alloc`.
+VELDRA_KIT_EXPORT std::vector<NumberFault> number_faults(const Composition& composition);
 
 }  // namespace veldra::kit
 

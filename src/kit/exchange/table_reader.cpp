@@ -107,6 +107,25 @@ std::optional<std::size_t> column_of(const TableSource& table, const std::string
   return std::nullopt;
 }
 
+/// The place of the column of a field, or of a custom property of that name; nothing for none.
+std::optional<std::size_t> column_of_field(const TableSource& table, const std::string& key,
+                                           const std::string& kind) {
+  for (const auto& qualifier : {std::string(), kind + ":", std::string("all:")}) {
+    const auto heading = property_prefix + qualifier + key;
+    const auto found = std::find(table.headings.begin(), table.headings.end(), heading);
+    if (found != table.headings.end()) {
+      return static_cast<std::size_t>(found - table.headings.begin());
+    }
+  }
+  return column_of(table, key);
+}
+
+/// A column at the beginning of a sentence, where the place of a problem does not tell it.
+std::string called_column(const TableSource& table, const TablePlace& place) {
+  if (!place.column || table.sheet->is_workbook()) return {};
+  return fmt::format("column {}: ", quoted(table.headings[*place.column]));
+}
+
 /// Programs that edit workbooks keep so many digits of a number.
 bool is_rounded(const std::string& cell, const std::string& stored) {
   const auto number = number_in(cell);
@@ -209,17 +228,28 @@ class TableSet {
   struct Place {
     TableSource* table;
     unsigned line;
+    std::vector<unsigned> layers;  ///< the lines of its layers, of a table of these
   };
+
+  /// The line and column of a number. Rows of layers have no other numbers than theirs.
+  template <class T>
+  static TablePlace place_of(const NumberFault& fault, const Place& place) {
+    const bool is_of_layers = !place.layers.empty();
+    if (is_of_layers != (fault.layer > 0)) return {place.line, {}};
+    return {is_of_layers ? place.layers.at(fault.layer - 1) : place.line,
+            column_of_field(*place.table, fault.field, singular_of(ObjectTraits<T>::type))};
+  }
 
   /// Numbers that nobody changed may be as they are.
   template <class T>
   void tell_doubts(unsigned id, const Place& place) {
     const auto object = states_->get<T>(id);
     const auto name = object->name().utf8();
-    for (const auto& sentence : wrong_numbers(*object)) {
-      add_problem(
-          *place.table, {place.line, {}}, name,
-          fmt::format("{} {}: {}", singular_of(ObjectTraits<T>::type), quoted(name), sentence));
+    for (const auto& fault : number_faults(*object)) {
+      const auto cell = place_of<T>(fault, place);
+      add_problem(*place.table, cell, name,
+                  fmt::format("{}{} {}: {}", called_column(*place.table, cell),
+                              singular_of(ObjectTraits<T>::type), quoted(name), fault.sentence));
       place.table->report->problems.back().doubt = true;
     }
   }
@@ -464,7 +494,7 @@ class TableSet {
         at_.reset();
         if (clashes) tell_clash(row, *object, id);
         const unsigned state = set_.save(object, clashes ? 0 : id, table_, row.line);
-        if (changes) set_.changed_[{ObjectTraits<T>::type, state}] = {&table_, row.line};
+        if (changes) set_.changed_[{ObjectTraits<T>::type, state}] = {&table_, row.line, {}};
       } catch (const Error& error) {
         return tell(row, name, error.what());
       } catch (const ObjectNotUnique& taken) {
@@ -709,6 +739,13 @@ class TableSet {
     return library_->get<Material>(id);
   }
 
+  static std::vector<unsigned> lines_of(const LayersByPosition& rows) {
+    std::vector<unsigned> lines;
+    lines.reserve(rows.size());
+    for (const auto& [position, layer] : rows) lines.push_back(layer.row.line);
+    return lines;
+  }
+
   /// What rows of layers say, as `cells_of_layers` says it.
   static NamedCells cells_of_rows(const TableSource& table, const LayersByPosition& rows) {
     NamedCells cells;
@@ -773,7 +810,7 @@ class TableSet {
       if (is_state) states_->save(composition);
       const unsigned state = is_state ? composition->id() : save(composition, id, table, line);
       if (clashes) states_of_.erase({ObjectType::Composition, state});
-      if (changes) changed_[{ObjectType::Composition, state}] = {&table, line};
+      if (changes) changed_[{ObjectType::Composition, state}] = {&table, line, lines_of(rows)};
     } catch (const Error& error) {
       tell_layer(table, {line, {}}, name, error.what());
     }
