@@ -359,6 +359,49 @@ TEST(SourceReport, names_a_field_alike_in_both_formats_of_simulations) {
   }
 }
 
+TEST(SourceReport, has_words_that_the_format_does_not_know) {
+  const auto expect_told = [](const std::string& content, const std::string& told) {
+    const auto sources = read({content});
+    std::string fields;
+    for (const auto& field : sources.reports[0].not_kept) {
+      fields += field.object_class + "." + field.field + "=" + field.value + ";";
+    }
+    EXPECT_EQ(fields, told) << content;
+    const auto material = sources.library->get<Material>(text("A"));
+    ASSERT_TRUE(material) << content;
+    for (const auto& [property, value] : material->custom_values()) {
+      EXPECT_THAT(value.utf8(), testing::Not(HasSubstr("Odd"))) << property->name().utf8();
+    }
+  };
+  expect_told("Material, A, Odd, 0.1, 1, 2, 3;", "Material.roughness=Odd;");
+  expect_told("Material, A, mediumROUGH, 0.1, 1, 2, 3;", "");
+  expect_told("WindowMaterial:Gas, A, Odd, 0.1;", "WindowMaterial:Gas.gas_type=Odd;");
+  expect_told("WindowMaterial:GasMixture, A, 0.1, 2, Air, 0.5, Odd, 0.5;",
+              "WindowMaterial:GasMixture.gas_2_type=Odd;");
+  expect_told("WindowMaterial:Glazing, A, Odd, , 0.1;",
+              "WindowMaterial:Glazing.optical_data_type=Odd;");
+  expect_told(R"({"WindowMaterial:Gap:EquivalentLayer": {"A": {"gas_type": "Air",
+                  "thickness": 0.1, "gap_vent_type": "Odd"}}})",
+              "WindowMaterial:Gap:EquivalentLayer.gap_vent_type=Odd;");
+  expect_told(R"({"Material": {"A": {"thickness": 0.1, "conductivity": 1, "density": 2,
+                  "specific_heat": 3, "roughness": "Odd"}}})",
+              "Material.roughness=Odd;");
+  expect_told(R"({"type": "EnergyWindowMaterialGas", "identifier": "A", "gas_type": "Odd"})",
+              "EnergyWindowMaterialGas.gas_type=Odd;");
+  expect_told(R"({"type": "EnergyWindowMaterialGasMixture", "identifier": "A",
+                  "gas_types": ["Argon", "Odd"], "gas_fractions": [0.5, 0.5]})",
+              "EnergyWindowMaterialGasMixture.gas_2_type=Odd;");
+  expect_told(R"({"materials": [{"name": "A", "material_type": "StandardGlazing",
+                  "thickness": 0.1, "solar_diffusing": "Odd"}]})",
+              "StandardGlazing.solar_diffusing=Odd;");
+  expect_told(R"({"materials": [{"name": "A", "material_type": "Gas", "gas_type": "Odd",
+                  "thickness": 0.1}]})",
+              "Gas.gas_type=Odd;");
+  expect_told(R"(<gbXML lengthUnit="Meters"><Material id="a"><Name>A</Name><Roughness value="Odd"/>
+                  <R-value unit="SquareMeterKPerW">1</R-value></Material></gbXML>)",
+              "Material.Roughness@value=Odd;");
+}
+
 TEST(SourceReport, has_values_of_any_kind_that_were_not_kept) {
   const auto sources = read({R"({"Material": {"Brick": {"thickness": 0.1,
     "list": [1, "a", null, true], "object": {"b": 0.5}, "text": "plain", "yes": true}}})"});

@@ -26,7 +26,7 @@ std::vector<SourceField> glazing_fields() {
           number("emissivity_back", source_property::back_emissivity),
           number("conductivity", property::conductivity),
           number("dirt_correction", source_property::dirt_correction),
-          text("solar_diffusing", source_property::solar_diffusing)};
+          solar_diffusing()};
 }
 
 std::vector<SourceField> shade_fields() {
@@ -51,7 +51,7 @@ std::vector<SourceField> plant_fields() {
           number("sat_vol_moist_cont", "Saturation volumetric moisture content [-]"),
           number("residual_vol_moist_cont", "Residual volumetric moisture content [-]"),
           number("init_vol_moist_cont", "Initial volumetric moisture content [-]"),
-          text("moist_diff_model", "Moisture diffusion model")};
+          word("moist_diff_model", "Moisture diffusion model", {"Simple", "Advanced"})};
 }
 
 std::vector<SourceField> opaque_fields() {
@@ -88,11 +88,7 @@ MaterialClasses make_classes() {
        {number("u_factor", source_property::u_factor), number("shgc", source_property::heat_gain),
         number("vt", source_property::visible_transmittance)},
        {"u_factor", "shgc"}},
-      {"EnergyWindowMaterialGas",
-       "Gas",
-       usual_gap,
-       {text("gas_type", source_property::gas_type), thickness()},
-       {}},
+      {"EnergyWindowMaterialGas", "Gas", usual_gap, {gas_type(), thickness()}, {}},
       {"EnergyWindowMaterialGasMixture",
        "Gas mixture",
        usual_gap,

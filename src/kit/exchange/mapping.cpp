@@ -134,7 +134,7 @@ std::string source_value(const Material& material, const SourceField& field) {
   const auto value = material.custom_value(library_text(field.property));
   if (value.null()) return {};
   const auto text = value.get().utf8();
-  if (field.kind == FieldKind::Text) return text;
+  if (field.kind == FieldKind::Text) return can_have(field, text) ? text : std::string();
   return is_a_number(text) ? exact_number(number_of(text, field.key)) : std::string();
 }
 

@@ -45,9 +45,8 @@ std::vector<SourceField> with_origin(const std::vector<SourceField>& fields) {
 SourceField resistance() { return number("resistance", property::resistance); }
 
 std::vector<SourceField> glazing_fields() {
-  const std::vector<SourceField> glass{
-      thickness(), number("conductivity", property::conductivity), implied("resistance"),
-      text("optical_data_type", source_property::optical_data_type)};
+  const std::vector<SourceField> glass{thickness(), number("conductivity", property::conductivity),
+                                       implied("resistance"), optical_data_type()};
   return joined(joined(glass, optics_at_normal_incidence()), dirt_and_diffusion());
 }
 
@@ -63,7 +62,7 @@ MaterialClasses make_classes() {
       number("u_factor", source_property::u_factor),
       number("solar_heat_gain_coefficient", source_property::heat_gain),
       number("visible_transmittance", source_property::visible_transmittance)};
-  const std::vector<SourceField> gas{thickness(), text("gas_type", source_property::gas_type)};
+  const std::vector<SourceField> gas{thickness(), gas_type()};
   const auto generic =
       joined(joined(joined({roughness(), thickness()}, solid()), {resistance()}), absorptances());
   return {{"StandardOpaqueMaterial",

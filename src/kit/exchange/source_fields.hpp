@@ -7,6 +7,7 @@
 #include <veldra/kit/physics.hpp>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace veldra::kit {
@@ -64,7 +65,33 @@ inline std::vector<SourceField> dropped(const std::vector<const char*>& keys) {
   return fields;
 }
 
-inline SourceField roughness() { return text("roughness", "Roughness"); }
+inline SourceField word(const char* key, const char* property, std::vector<const char*> words) {
+  return {key, property, FieldKind::Text, std::move(words)};
+}
+
+inline SourceField roughness() {
+  return word("roughness", "Roughness",
+              {"VeryRough", "Rough", "MediumRough", "MediumSmooth", "Smooth", "VerySmooth"});
+}
+
+inline SourceField gas_of_mixture(const char* key, const char* property) {
+  return word(key, property, {"Air", "Argon", "Krypton", "Xenon", "SF6"});
+}
+
+/// One that is known by its coefficients is "Custom".
+inline SourceField gas_type() {
+  return word("gas_type", source_property::gas_type,
+              {"Air", "Argon", "Krypton", "Xenon", "SF6", "Custom"});
+}
+
+inline SourceField optical_data_type() {
+  return word("optical_data_type", source_property::optical_data_type,
+              {"SpectralAverage", "Spectral", "SpectralAndAngle", "BSDF"});
+}
+
+inline SourceField solar_diffusing() {
+  return word("solar_diffusing", source_property::solar_diffusing, {"Yes", "No"});
+}
 
 inline std::vector<SourceField> joined(std::vector<SourceField> fields,
                                        const std::vector<SourceField>& more) {
@@ -105,15 +132,16 @@ inline std::vector<SourceField> optics_at_normal_incidence() {
 inline std::vector<SourceField> dirt_and_diffusion() {
   return {number("dirt_correction_factor_for_solar_and_visible_transmittance",
                  source_property::dirt_correction),
-          text("solar_diffusing", source_property::solar_diffusing)};
+          solar_diffusing()};
 }
 
 /// The parts of a mixture, of which there are at most four.
 inline std::vector<SourceField> gases() {
-  return {text("gas_1_type", "Gas 1 type"), number("gas_1_fraction", "Gas 1 fraction [-]"),
-          text("gas_2_type", "Gas 2 type"), number("gas_2_fraction", "Gas 2 fraction [-]"),
-          text("gas_3_type", "Gas 3 type"), number("gas_3_fraction", "Gas 3 fraction [-]"),
-          text("gas_4_type", "Gas 4 type"), number("gas_4_fraction", "Gas 4 fraction [-]")};
+  return {
+      gas_of_mixture("gas_1_type", "Gas 1 type"), number("gas_1_fraction", "Gas 1 fraction [-]"),
+      gas_of_mixture("gas_2_type", "Gas 2 type"), number("gas_2_fraction", "Gas 2 fraction [-]"),
+      gas_of_mixture("gas_3_type", "Gas 3 type"), number("gas_3_fraction", "Gas 3 fraction [-]"),
+      gas_of_mixture("gas_4_type", "Gas 4 type"), number("gas_4_fraction", "Gas 4 fraction [-]")};
 }
 
 }  // namespace source_fields

@@ -27,8 +27,8 @@ std::vector<SourceField> gas_coefficients() {
 
 std::vector<SourceField> glazing_fields() {
   const std::vector<SourceField> data{
-      text("optical_data_type", source_property::optical_data_type),
-      text("window_glass_spectral_data_set_name", "Spectral data set"), thickness()};
+      optical_data_type(), text("window_glass_spectral_data_set_name", "Spectral data set"),
+      thickness()};
   const auto glass = joined(joined(data, optics_at_normal_incidence()),
                             {number("conductivity", property::conductivity)});
   return joined(
@@ -127,78 +127,79 @@ std::vector<SourceField> vegetation_fields() {
 
 MaterialClasses make_material_classes() {
   const auto resistance = number("thermal_resistance", property::resistance);
-  return {{"Material",
-           "Opaque",
-           required,
-           joined(joined({roughness(), thickness()}, solid()), absorptances()),
-           {"roughness", "thickness", "conductivity", "density", "specific_heat"}},
-          {"Material:NoMass",
-           "No mass",
-           none,
-           joined({roughness(), resistance}, absorptances()),
-           {"roughness", "thermal_resistance"}},
-          {"Material:AirGap", "Air gap", none, {resistance}, {"thermal_resistance"}},
-          {"Material:InfraredTransparent", "Infrared transparent", none, {}, {}},
-          {"Material:RoofVegetation", "Vegetation", 0.1, vegetation_fields(), {}},
-          {"WindowMaterial:Glazing",
-           "Glazing",
-           required,
-           glazing_fields(),
-           {"optical_data_type", "thickness"}},
-          {"WindowMaterial:Glazing:RefractionExtinctionMethod",
-           "Glazing",
-           required,
-           refraction_fields(),
-           {"thickness", "solar_index_of_refraction", "solar_extinction_coefficient",
-            "visible_index_of_refraction", "visible_extinction_coefficient"}},
-          {"WindowMaterial:Gas",
-           "Gas",
-           required,
-           joined({text("gas_type", source_property::gas_type), thickness()}, gas_coefficients()),
-           {"gas_type", "thickness"}},
-          {"WindowMaterial:GasMixture",
-           "Gas mixture",
-           required,
-           gas_mixture_fields(),
-           {"thickness", "gas_1_type", "gas_1_fraction", "gas_2_type", "gas_2_fraction"}},
-          {"WindowMaterial:Gap:EquivalentLayer",
-           "Gas",
-           required,
-           joined({text("gas_type", source_property::gas_type), thickness(),
-                   text("gap_vent_type", "Gap vent type")},
-                  gas_coefficients()),
-           {"gas_type", "thickness", "gap_vent_type"}},
-          {"WindowMaterial:SimpleGlazingSystem",
-           "Simple glazing",
-           none,
-           {number("u_factor", source_property::u_factor),
-            number("solar_heat_gain_coefficient", source_property::heat_gain),
-            number("visible_transmittance", source_property::visible_transmittance)},
-           {"u_factor", "solar_heat_gain_coefficient"}},
-          {"WindowMaterial:Shade",
-           "Shade",
-           required,
-           shade_fields(),
-           {"solar_transmittance", "solar_reflectance", "visible_transmittance",
-            "visible_reflectance", "infrared_hemispherical_emissivity", "infrared_transmittance",
-            "thickness", "conductivity"}},
-          {"WindowMaterial:Blind",
-           "Blind",
-           none,
-           blind_fields(),
-           {"slat_width", "slat_separation", "front_side_slat_beam_solar_reflectance",
-            "back_side_slat_beam_solar_reflectance", "front_side_slat_diffuse_solar_reflectance",
-            "back_side_slat_diffuse_solar_reflectance", "slat_beam_visible_transmittance"}},
-          {"WindowMaterial:Screen",
-           "Screen",
-           none,
-           screen_fields(),
-           {"diffuse_solar_reflectance", "diffuse_visible_reflectance"}},
-          {"WindowMaterial:Glazing:EquivalentLayer", "Glazing", none, {}, {}},
-          {"WindowMaterial:Shade:EquivalentLayer", "Shade", none, {}, {}},
-          {"WindowMaterial:Drape:EquivalentLayer", "Shade", none, {}, {}},
-          {"WindowMaterial:Blind:EquivalentLayer", "Blind", none, {}, {}},
-          {"WindowMaterial:Screen:EquivalentLayer", "Screen", none, {}, {}}};
+  return {
+      {"Material",
+       "Opaque",
+       required,
+       joined(joined({roughness(), thickness()}, solid()), absorptances()),
+       {"roughness", "thickness", "conductivity", "density", "specific_heat"}},
+      {"Material:NoMass",
+       "No mass",
+       none,
+       joined({roughness(), resistance}, absorptances()),
+       {"roughness", "thermal_resistance"}},
+      {"Material:AirGap", "Air gap", none, {resistance}, {"thermal_resistance"}},
+      {"Material:InfraredTransparent", "Infrared transparent", none, {}, {}},
+      {"Material:RoofVegetation", "Vegetation", 0.1, vegetation_fields(), {}},
+      {"WindowMaterial:Glazing",
+       "Glazing",
+       required,
+       glazing_fields(),
+       {"optical_data_type", "thickness"}},
+      {"WindowMaterial:Glazing:RefractionExtinctionMethod",
+       "Glazing",
+       required,
+       refraction_fields(),
+       {"thickness", "solar_index_of_refraction", "solar_extinction_coefficient",
+        "visible_index_of_refraction", "visible_extinction_coefficient"}},
+      {"WindowMaterial:Gas",
+       "Gas",
+       required,
+       joined({gas_type(), thickness()}, gas_coefficients()),
+       {"gas_type", "thickness"}},
+      {"WindowMaterial:GasMixture",
+       "Gas mixture",
+       required,
+       gas_mixture_fields(),
+       {"thickness", "gas_1_type", "gas_1_fraction", "gas_2_type", "gas_2_fraction"}},
+      {"WindowMaterial:Gap:EquivalentLayer",
+       "Gas",
+       required,
+       joined({gas_type(), thickness(),
+               word("gap_vent_type", "Gap vent type", {"Sealed", "VentedIndoor", "VentedOutdoor"})},
+              gas_coefficients()),
+       {"gas_type", "thickness", "gap_vent_type"}},
+      {"WindowMaterial:SimpleGlazingSystem",
+       "Simple glazing",
+       none,
+       {number("u_factor", source_property::u_factor),
+        number("solar_heat_gain_coefficient", source_property::heat_gain),
+        number("visible_transmittance", source_property::visible_transmittance)},
+       {"u_factor", "solar_heat_gain_coefficient"}},
+      {"WindowMaterial:Shade",
+       "Shade",
+       required,
+       shade_fields(),
+       {"solar_transmittance", "solar_reflectance", "visible_transmittance", "visible_reflectance",
+        "infrared_hemispherical_emissivity", "infrared_transmittance", "thickness",
+        "conductivity"}},
+      {"WindowMaterial:Blind",
+       "Blind",
+       none,
+       blind_fields(),
+       {"slat_width", "slat_separation", "front_side_slat_beam_solar_reflectance",
+        "back_side_slat_beam_solar_reflectance", "front_side_slat_diffuse_solar_reflectance",
+        "back_side_slat_diffuse_solar_reflectance", "slat_beam_visible_transmittance"}},
+      {"WindowMaterial:Screen",
+       "Screen",
+       none,
+       screen_fields(),
+       {"diffuse_solar_reflectance", "diffuse_visible_reflectance"}},
+      {"WindowMaterial:Glazing:EquivalentLayer", "Glazing", none, {}, {}},
+      {"WindowMaterial:Shade:EquivalentLayer", "Shade", none, {}, {}},
+      {"WindowMaterial:Drape:EquivalentLayer", "Shade", none, {}, {}},
+      {"WindowMaterial:Blind:EquivalentLayer", "Blind", none, {}, {}},
+      {"WindowMaterial:Screen:EquivalentLayer", "Screen", none, {}, {}}};
 }
 
 template <class Class>
@@ -246,6 +247,11 @@ FieldValues::Items::const_iterator FieldValues::find(std::string_view key) const
                       [key](const auto& item) { return item.first == key; });
 }
 
+void FieldValues::erase(std::string_view key) {
+  const auto found = find(key);
+  if (found != items_.end()) items_.erase(found);
+}
+
 std::string& FieldValues::operator[](const char* key) {
   const auto found = find(key);
   if (found == items_.end()) return items_.emplace_back(key, std::string()).second;
@@ -265,6 +271,21 @@ const char* key_in(const MaterialClass& described, std::string_view text) {
   const auto found = std::find_if(fields.begin(), fields.end(),
                                   [text](const auto& field) { return field.key == text; });
   return found != fields.end() ? found->key : nullptr;
+}
+
+bool can_have(const SourceField& field, const std::string& text) {
+  return field.words.empty() ||
+         std::any_of(field.words.begin(), field.words.end(),
+                     [&](const char* word) { return lower_case(word) == lower_case(text); });
+}
+
+void leave_unknown_words_out(SourceMaterial& material) {
+  for (const auto& field : material.described->fields) {
+    const auto value = material.values.find(field.key);
+    if (value == material.values.end() || can_have(field, value->second)) continue;
+    material.not_kept.emplace_back(field.key, value->second);
+    material.values.erase(field.key);
+  }
 }
 
 bool has_field(const SourceMaterial& material, const std::string& key) {

@@ -28,7 +28,11 @@ struct SourceField {
   const char* key;       ///< the name of the field in epJSON
   const char* property;  ///< the custom property that takes the value
   FieldKind kind;
+  std::vector<const char*> words = {};  ///< those that a text may be; none where it may be any
 };
+
+/// Whether a text is one that a field can have. Words compare without regard to case.
+bool can_have(const SourceField& field, const std::string& text);
 
 /// A class of materials of the simulation formats.
 struct MaterialClass {
@@ -86,6 +90,8 @@ class FieldValues {
   /// that is added where there is none.
   std::string& operator[](const char* key);
 
+  void erase(std::string_view key);
+
   /// Whether both have the same values, in whatever order.
   bool operator==(const FieldValues& other) const;
 
@@ -103,6 +109,9 @@ struct SourceMaterial {
   FieldsNotKept not_kept;
   std::string fault;  ///< why it cannot be taken; empty for most
 };
+
+/// Leaves out the texts of fields that can be certain words only, and have others.
+void leave_unknown_words_out(SourceMaterial& material);
 
 /// Whether a material says something for a field, be it that a library has no place for it.
 bool has_field(const SourceMaterial& material, const std::string& key);

@@ -272,9 +272,10 @@ void SourceSet::require_free_code(const Incoming<Material>& incoming, const Sour
                         quoted(material.code().utf8()), quoted(holder->second.utf8())));
 }
 
-void SourceSet::add_material(const SourceMaterial& material, std::size_t source,
-                             const SourceModel& model, SourceReport& report) {
+void SourceSet::add_material(SourceMaterial& material, std::size_t source, const SourceModel& model,
+                             SourceReport& report) {
   ++report.read[material.described->name];
+  leave_unknown_words_out(material);
   std::shared_ptr<Material> object;
   try {
     object = map_material(material, rules_.unit, shared_);

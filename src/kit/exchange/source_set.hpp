@@ -126,7 +126,7 @@ class SourceSet {
                           SourceReport& report);
   void release_code(const Material& material) { names_by_code_.erase(material.code()); }
   void release_code(const Composition&) {}
-  void add_material(const SourceMaterial& material, std::size_t source, const SourceModel& model,
+  void add_material(SourceMaterial& material, std::size_t source, const SourceModel& model,
                     SourceReport& report);
   void resolve(const SourceConstruction& construction, const Constructions& of);
   void resolve(const CatalogueComposition& composition, const Compositions& of);
