@@ -116,8 +116,7 @@ TEST(Gbxml, tells_what_a_library_has_no_place_for) {
   for (const auto& each : report.not_kept) {
     values[each.object_class + "." + each.field] = each.value;
   }
-  EXPECT_THAT(values, UnorderedElementsAre(Pair("Material.Description", "from a quarry"),
-                                           Pair("Material.Absorptance", "0.9"),
+  EXPECT_THAT(values, UnorderedElementsAre(Pair("Material.Absorptance", "0.9"),
                                            Pair("Material.Absorptance@unit", "Fraction"),
                                            Pair("Material.Absorptance@type", "ExtIR"),
                                            Pair("Material.Absorptance 2", "0.6"),
@@ -132,6 +131,29 @@ TEST(Gbxml, reads_back_to_what_came_in) {
   }
 }
 
+TEST(Gbxml, has_descriptions) {
+  const auto sources = read(document(R"(<Material id="m"><Name>A</Name>
+    <Description>of clay</Description><Description>burnt</Description>
+    <R-value unit="SquareMeterKPerW">0.2</R-value></Material>
+    <Layer id="l"><Description>outside</Description><MaterialId materialIdRef="m"/></Layer>
+    <Construction id="c"><Name>W</Name><Description>a wall</Description>
+    <LayerId layerIdRef="l"/></Construction>)"));
+  EXPECT_EQ(sources.library->get<Material>(text("A"))->description(), text("of clay"));
+  EXPECT_EQ(sources.library->get<Composition>(text("W"))->description(), text("a wall"));
+  std::vector<std::string> told;
+  for (const auto& value : sources.reports[0].not_kept) told.push_back(value.value);
+  EXPECT_THAT(told, UnorderedElementsAre("burnt", "outside")) << "layers have no descriptions";
+  expect_identity(*sources.library, false);
+}
+
+TEST(Gbxml, tells_a_description_that_is_more_than_a_text) {
+  const auto sources = read(document(R"(<Material id="m"><Name>A</Name>
+    <Description lang="de">Ton</Description>
+    <R-value unit="SquareMeterKPerW">0.2</R-value></Material>)"));
+  EXPECT_EQ(sources.library->get<Material>(text("A"))->description(), text(""));
+  EXPECT_EQ(sources.reports[0].not_kept.size(), 2U);
+}
+
 TEST(Gbxml, reads_back_with_what_a_library_has_no_place_for) {
   const auto library = read(all_objects, true).library;
   const auto written = written_as("gbXML", *library);
@@ -139,7 +161,7 @@ TEST(Gbxml, reads_back_with_what_a_library_has_no_place_for) {
               HasSubstr(R"(<Absorptance type="ExtSolar" unit="Fraction">0.6</Absorptance>)"));
   const auto back = read(written.text, true).library;
   const auto brick = back->get<Material>(text("Ziegel, rot & hart"));
-  EXPECT_EQ(brick->custom_value("Material.Description").get(), text("from a quarry"));
+  EXPECT_EQ(brick->description(), text("from a quarry"));
   EXPECT_EQ(brick->custom_value("Material.Absorptance 2@type").get(), text("ExtSolar"));
   std::vector<std::string> lost;
   for (const auto& field : written.report.not_written) lost.push_back(field.field);
@@ -403,7 +425,7 @@ TEST(Gbxml, never_breaks_by_names_and_values) {
                                        "a\rb"};
   for (const auto& name : names) {
     const auto material = with_custom(name, "Thermal resistance [m2 K/W]", "1");
-    material->custom_value(text("Material.Description"), text(name + "<&>"));
+    material->description(text(name + "<&>"));
     library->save(material);
     wall->appendLayer({material, Material::Function::None, 0});
   }
@@ -418,8 +440,7 @@ TEST(Gbxml, never_breaks_by_names_and_values) {
   for (const char* name : {"<a>", "a & b", "&amp;", "a\nb", "a\tb", "]]>", "&#65;"}) {
     const auto material = back.library->get<Material>(text(name));
     ASSERT_NE(material, nullptr) << name;
-    EXPECT_EQ(material->custom_value("Material.Description").get(),
-              text(name + std::string("<&>")));
+    EXPECT_EQ(material->description(), text(name + std::string("<&>")));
   }
   EXPECT_THAT(written.report.problems, testing::Contains(HasSubstr("material 'a\x01"
                                                                    "b' is written as 'a_b'")));

@@ -61,8 +61,10 @@ std::optional<GbxmlField> gbxml_field(const std::string& key) {
     field.element.erase(blank);
     if (field.number == 0) return std::nullopt;
   }
-  const bool is_own =
-      field.element == "Name" || field.element == "LayerId" || gbxml_has_unit(field.element);
+  const bool is_description =
+      field.element == "Description" && field.number == 1 && field.attribute.empty();
+  const bool is_own = is_description || field.element == "Name" || field.element == "LayerId" ||
+                      gbxml_has_unit(field.element);
   if (is_own || !is_element(field.element)) return std::nullopt;
   return field;
 }

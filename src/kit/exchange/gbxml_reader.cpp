@@ -157,7 +157,9 @@ class GbxmlReader {
       const auto name = local_name(child.name());
       const char* key = key_of_material(name);
       if (name == "Name" && children.first(name)) continue;
-      if (key == nullptr) {
+      if (is_description(child, name) && children.first(name)) {
+        material.description = document_.text_of(child);
+      } else if (key == nullptr) {
         children.add(child, name, material.not_kept);
       } else if (!children.first(name)) {
         object.fault = fmt::format("{} is there twice", quoted(name));
@@ -172,6 +174,14 @@ class GbxmlReader {
     material.fault = object.fault;
     tell_what_is_missing(material, object);
     enter(attribute_of(node, "id"), std::move(material));
+  }
+
+  /// Whether an element is a text that describes its object, and nothing else.
+  static bool is_description(const xml_node& node, const std::string& name) {
+    const auto children = node.children();
+    return name == "Description" && !node.first_attribute() &&
+           std::none_of(children.begin(), children.end(),
+                        [](const xml_node& child) { return child.type() == pugi::node_element; });
   }
 
   /// The key of the field for which an element stands; null for none.
@@ -276,7 +286,7 @@ class GbxmlReader {
     const auto found = by_name_.find(material.name);
     if (found != by_name_.end()) {
       const auto& first = model_.materials[found->second];
-      if (first.values == material.values && first.not_kept == material.not_kept) {
+      if (is_same(first, material)) {
         materials_.emplace(id, material.name);
         model_.materials.push_back(std::move(material));
         return;
@@ -288,6 +298,11 @@ class GbxmlReader {
     }
     by_name_.emplace(material.name, model_.materials.size());
     model_.materials.push_back(std::move(material));
+  }
+
+  static bool is_same(const SourceMaterial& first, const SourceMaterial& second) {
+    return first.values == second.values && first.description == second.description &&
+           first.not_kept == second.not_kept;
   }
 
   static std::string with_id(const std::string& name, const std::string& id) {
@@ -323,7 +338,9 @@ class GbxmlReader {
       if (child.type() != pugi::node_element) continue;
       const auto name = local_name(child.name());
       if (name == "Name" && children.first(name)) continue;
-      if (name == "LayerId") {
+      if (is_description(child, name) && children.first(name)) {
+        construction.description = document_.text_of(child);
+      } else if (name == "LayerId") {
         add_layer(attribute_of(child, "layerIdRef"), construction);
       } else if (name == gbxml_transmittance && children.first(name)) {
         construction.transmittance = transmittance_in(child, object);

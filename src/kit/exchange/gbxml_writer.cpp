@@ -71,6 +71,10 @@ std::string element_of_number(const std::string& name, const std::string& number
   return element(name, number, fmt::format(" unit=\"{}\"", gbxml_si_unit(name).name));
 }
 
+std::string description(const std::string& text) {
+  return text.empty() ? std::string() : element("Description", text);
+}
+
 /// Elements that a library has no place for, each with its attributes.
 std::string further_elements(const FieldsNotKept& fields) {
   struct Element {
@@ -108,7 +112,7 @@ class DocumentWriter {
     const auto number = layers_.size() + 1;
     layers_[material.name] = number;
     std::string text = fmt::format("  <Material id=\"material-{}\">\n", number);
-    text += element("Name", material.name);
+    text += element("Name", material.name) + description(material.description);
     for (const auto& field : material.described->fields) {
       const auto value = material.values.find(field.key);
       if (value == material.values.end()) continue;
@@ -124,7 +128,7 @@ class DocumentWriter {
 
   void write(const SourceConstruction& construction) {
     std::string text = fmt::format("  <Construction id=\"construction-{}\">\n", ++constructions_);
-    text += element("Name", construction.name);
+    text += element("Name", construction.name) + description(construction.description);
     if (!construction.transmittance.empty()) {
       text += element_of_number(gbxml_transmittance, construction.transmittance);
     }
@@ -154,7 +158,8 @@ WriteReport write_gbxml(const Library& library, const TextSink& sink, const Writ
                                   holds,
                                   holds_of_construction,
                                   gbxml_class_of,
-                                  true};
+                                  true,
+                                  can_be_content};
   DocumentWriter writer(sink);
   return write_model_to(writer, library, format, rules.progress);
 }

@@ -153,6 +153,7 @@ std::shared_ptr<Material> map_material(const SourceMaterial& source, Unit unit,
   auto material = Material::create(library_text(source.name));
   material->type(shared.type(source.described->type));
   if (!source.identifier.empty()) material->mark(library_text(source.identifier));
+  material->description(library_text(source.description));
   if (source.described->default_thickness >= 0) {
     material->thicknesses(toModify).insert(from_metres(thickness_of(source), unit));
   }
@@ -198,6 +199,7 @@ std::shared_ptr<Composition> map_construction(const SourceConstruction& source,
     composition->custom_value(shared.property(identifier_property, ObjectType::Composition),
                               library_text(source.identifier));
   }
+  composition->description(library_text(source.description));
   composition->type(source.type);
   for (const auto& [name, value] : source.properties) {
     composition->custom_value(shared.property(library_text(name), ObjectType::Composition),

@@ -191,6 +191,7 @@ class ModelWriter {
         unmap_material(material, *part.described, thickness, library_.unit(), format_.holds);
     source.name = part.name;
     source.identifier = is_own_identifier(source.identifier, part) ? source.identifier : "";
+    source.description = description_of(material);
     return source;
   }
 
@@ -263,10 +264,18 @@ class ModelWriter {
     const bool identifies = format_.has_identifiers && !identifier.empty() &&
                             identifiers_[identifier] == 1 && trimmed(identifier) == identifier;
     if (identifies) source.identifier = identifier;
+    source.description = description_of(composition);
     source.transmittance = transmittance_of(composition);
     lost_.compare(composition, *mapped_back(source, composition));
     ++report_.written[source.described->name];
     sink_.construction(source);
+  }
+
+  template <class T>
+  std::string description_of(const T& object) const {
+    auto text = object.description().utf8();
+    const bool holds = format_.holds_description != nullptr && format_.holds_description(text);
+    return holds ? text : std::string();
   }
 
   /// What the composition states, or what its layers say; empty if that is not known.

@@ -34,6 +34,9 @@ struct ModelFormat {
   const MaterialClass& (*read_as)(const SourceMaterial& material) = nullptr;
 
   bool has_transmittances = false;  ///< constructions state them
+
+  /// Whether objects can have a text as their description; null where they have none.
+  bool (*holds_description)(const std::string& text) = nullptr;
 };
 
 /// Takes the objects of a library as a format has them: materials class by class, each class by

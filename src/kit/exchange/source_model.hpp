@@ -103,7 +103,8 @@ class FieldValues {
 struct SourceMaterial {
   const MaterialClass* described = nullptr;
   std::string name;
-  std::string identifier;  ///< where the format has one beside the name
+  std::string identifier;   ///< where the format has one beside the name
+  std::string description;  ///< likewise
   unsigned line = 0;
   FieldValues values;  ///< none is empty
   FieldsNotKept not_kept;
@@ -119,7 +120,8 @@ bool has_field(const SourceMaterial& material, const std::string& key);
 struct SourceConstruction {
   const ConstructionClass* described = nullptr;
   std::string name;
-  std::string identifier;  ///< likewise
+  std::string identifier;   ///< likewise
+  std::string description;  ///< likewise
   unsigned line = 0;
   std::vector<std::string> layers;  ///< from outside to inside
   Composition::Type type = Composition::Type::Other;
