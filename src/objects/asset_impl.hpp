@@ -54,7 +54,7 @@ struct ThermalAssetValues {
   }
 };
 
-struct Asset::Impl : ObjectRecord, AssetValues {
+struct Asset::Impl : NamedRecord<String>, AssetValues {
   using Parts = DescribedBy<AssetValues>;
 
   virtual ~Impl() = default;

@@ -11,8 +11,8 @@ namespace veldra {
 
 /// The rule of the setters: an equal value changes nothing, any other is stored and marks the
 /// record dirty. The mark comes last, so that a failed copy leaves the object as it was.
-template <class Record, class Value>
-void change(Record& record, Value& field, const Value& value) {
+template <class Record, class Field, class Value>
+void change(Record& record, Field& field, const Value& value) {
   if (field == value) return;
   field = value;
   record.dirty = true;

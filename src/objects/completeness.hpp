@@ -74,11 +74,11 @@ constexpr bool is_complete() {
          names_each_once(Values::members(), std::make_index_sequence<described>());
 }
 
-template <class Parts>
+template <class Beginning, class Parts>
 struct ExactRecord;
 
-template <class... Values>
-struct ExactRecord<DescribedBy<Values...>> : ObjectRecord, Values... {
+template <class Beginning, class... Values>
+struct ExactRecord<Beginning, DescribedBy<Values...>> : Beginning, Values... {
   static constexpr bool is_described() {
     bool all = true;
     const bool parts[] = {true, is_complete<Values>()...};
@@ -91,7 +91,7 @@ struct ExactRecord<DescribedBy<Values...>> : ObjectRecord, Values... {
 /// objects have. (A record with a table of virtual functions is larger than its parts.)
 template <class Record>
 constexpr bool is_described() {
-  using Exact = ExactRecord<typename Record::Parts>;
+  using Exact = ExactRecord<typename Record::Beginning, typename Record::Parts>;
   return Exact::is_described() &&
          (std::is_polymorphic<Record>::value || sizeof(Record) == sizeof(Exact));
 }

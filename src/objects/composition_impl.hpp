@@ -42,7 +42,7 @@ struct CompositionValues {
   }
 };
 
-struct Composition::Impl : ObjectRecord, CompositionValues {
+struct Composition::Impl : NamedRecord<String>, CompositionValues {
   using Parts = DescribedBy<CompositionValues>;
 };
 

@@ -4,6 +4,7 @@
 
 #include "objects/changes.hpp"
 #include "objects/references.hpp"
+#include "objects/shared_name.hpp"
 
 #include <memory>
 
@@ -16,6 +17,7 @@ template <class T>
 std::shared_ptr<T> clone_of(const T& object) {
   const auto clone = ObjectAccess::make<T>();
   assign_values(ObjectAccess::impl(*clone), ObjectAccess::impl(object));
+  own(ObjectAccess::impl(*clone).name);
   return clone;
 }
 

@@ -4,6 +4,7 @@
 
 #include "objects/description.hpp"
 #include "objects/record.hpp"
+#include "objects/shared_name.hpp"
 
 #include <veldra/custom_property.hpp>
 
@@ -17,7 +18,7 @@ struct CustomPropertyValues {
   }
 };
 
-struct CustomProperty::Impl : ObjectRecord, CustomPropertyValues {
+struct CustomProperty::Impl : NamedRecord<SharedName>, CustomPropertyValues {
   using Parts = DescribedBy<CustomPropertyValues>;
 };
 

@@ -4,12 +4,13 @@
 
 #include "objects/description.hpp"
 #include "objects/record.hpp"
+#include "objects/shared_name.hpp"
 
 #include <veldra/layer.hpp>
 
 namespace veldra {
 
-struct Layer::Impl : ObjectRecord {
+struct Layer::Impl : NamedRecord<SharedName> {
   using Parts = DescribedBy<>;
 };
 

@@ -27,7 +27,6 @@ struct MaterialValues {
   String model;
   String url;
   String classification;
-  bool shading_use_appearance = false;
   Color shading_color;
   Pattern surface_pattern;
   Color surface_pattern_color;
@@ -39,8 +38,9 @@ struct MaterialValues {
   std::shared_ptr<StructuralAsset> structural_asset;
   std::shared_ptr<ThermalAsset> thermal_asset;
   Material::Function function = Material::Function::None;
-  std::set<double> thicknesses;
+  bool shading_use_appearance = false;
   bool allow_custom_thickness = true;
+  std::set<double> thicknesses;
   std::map<CustomPropertyKey, String> custom_values;
 
   /// What it refers to is saved in this order. The custom values come last, which compares the
@@ -63,7 +63,7 @@ struct MaterialValues {
   }
 };
 
-struct Material::Impl : ObjectRecord, MaterialValues {
+struct Material::Impl : NamedRecord<String>, MaterialValues {
   using Parts = DescribedBy<MaterialValues>;
 };
 

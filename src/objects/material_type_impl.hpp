@@ -4,12 +4,13 @@
 
 #include "objects/description.hpp"
 #include "objects/record.hpp"
+#include "objects/shared_name.hpp"
 
 #include <veldra/material_type.hpp>
 
 namespace veldra {
 
-struct MaterialType::Impl : ObjectRecord {
+struct MaterialType::Impl : NamedRecord<SharedName> {
   using Parts = DescribedBy<>;
 };
 

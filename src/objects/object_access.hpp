@@ -19,14 +19,15 @@ class ObjectAccess {
   ///
   /// The record lies behind the handle, whose pointer owns nothing then. The invariant: from the
   /// end of the constructor until the destructor begins, and no longer, the pointer is that of
-  /// `record`. `Lent` keeps it as the last member, which goes first, before the record and the
-  /// handle.
+  /// `record`.
   template <class T>
   static std::shared_ptr<T> make() {
     struct Made : T {
-      Made() : T(static_cast<typename T::Impl*>(nullptr)), lent(this->impl_, record) {}
+      Made() : T(static_cast<typename T::Impl*>(nullptr)) { this->impl_.reset(&record); }
+      Made(const Made&) = delete;
+      Made& operator=(const Made&) = delete;
+      ~Made() { static_cast<void>(this->impl_.release()); }
       typename T::Impl record;
-      Lent<decltype(T::impl_)> lent;
     };
     return std::make_shared<Made>();
   }
@@ -50,22 +51,6 @@ class ObjectAccess {
   static std::shared_ptr<const CustomProperty>& property(const CustomPropertyKey& key) noexcept {
     return key.property_;
   }
-
- private:
-  /// Makes a pointer one to what it does not own, for as long as it lives.
-  template <class Pointer>
-  class Lent {
-   public:
-    Lent(Pointer& pointer, typename Pointer::element_type& lent) : pointer_(pointer) {
-      pointer_.reset(&lent);
-    }
-    Lent(const Lent&) = delete;
-    Lent& operator=(const Lent&) = delete;
-    ~Lent() { static_cast<void>(pointer_.release()); }
-
-   private:
-    Pointer& pointer_;
-  };
 };
 
 /// The parts by which the record of a class is described.

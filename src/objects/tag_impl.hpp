@@ -4,12 +4,13 @@
 
 #include "objects/description.hpp"
 #include "objects/record.hpp"
+#include "objects/shared_name.hpp"
 
 #include <veldra/tag.hpp>
 
 namespace veldra {
 
-struct Tag::Impl : ObjectRecord {
+struct Tag::Impl : NamedRecord<SharedName> {
   using Parts = DescribedBy<>;
 };
 

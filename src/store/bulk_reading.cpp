@@ -14,6 +14,7 @@
 #include <utf8.h>
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <tuple>
 #include <utility>
@@ -139,11 +140,25 @@ class ReaderOf : public ContainerReader<T> {
     id_ = object.id();
     former_place_ = std::numeric_limits<long long>::min();
     const bool has_any = rows_.go_to(id_);
-    Container::container_traits_type::load(ObjectAccess::impl(object).*member_, has_any,
-                                           functions_);
+    load(ObjectAccess::impl(object).*member_, has_any);
   }
 
  private:
+  using Loading = typename Container::container_traits_type;
+
+  template <class Values>
+  void load(Values& values, bool has_any) {
+    Loading::load(values, has_any, functions_);
+  }
+
+  /// A list grows in a place of its own, and has no room to spare in the object.
+  template <class Value>
+  void load(std::vector<Value>& values, bool has_any) {
+    Loading::load(growing_, has_any, functions_);
+    values = {std::make_move_iterator(growing_.begin()), std::make_move_iterator(growing_.end())};
+    growing_.clear();
+  }
+
   // What the container asks for each of its values, until there are no more.
 
   template <class Value>
@@ -179,6 +194,7 @@ class ReaderOf : public ContainerReader<T> {
   typename Container::container_type Record::*member_;
   RowsOfMany<ContainerRows<Container>> rows_;
   typename Container::functions_type functions_{this};
+  typename Container::container_type growing_;
   unsigned id_ = 0;
   long long former_place_ = 0;
 };

@@ -25,7 +25,7 @@ class CopySaving {
   std::shared_ptr<T> standing_for(const T& object, unsigned id) {
     if (!is_there<T>(id)) return nullptr;
     const auto copy = ObjectAccess::make<T>();
-    ObjectRecord& record = ObjectAccess::impl(*copy);
+    auto& record = ObjectAccess::impl(*copy);
     record.id = id;
     record.name = object.name();
     return copy;

@@ -80,12 +80,14 @@ using NullableDouble = odb::nullable<double>;
 #pragma db object(veldra::Tag) definition pointer(std::shared_ptr) transient session readonly
 #pragma db member(veldra::Tag::id) virtual(unsigned long long) get(impl().id) \
     set(impl().id = veldra::narrowed_id(?)) id auto
-#pragma db member(veldra::Tag::name) virtual(veldra::String) access(impl().name) unique
+#pragma db member(veldra::Tag::name) virtual(veldra::String) get(impl().name) \
+    set(impl().name = (?))unique
 
 #pragma db object(veldra::CustomProperty) definition pointer(std::shared_ptr) transient session
 #pragma db member(veldra::CustomProperty::id) virtual(unsigned long long) get(impl().id) \
     set(impl().id = veldra::narrowed_id(?)) id auto
-#pragma db member(veldra::CustomProperty::name) virtual(veldra::String) access(impl().name)
+#pragma db member(veldra::CustomProperty::name) virtual(veldra::String) get(impl().name) \
+    set(impl().name = (?))
 #pragma db member(veldra::CustomProperty::object_type) virtual(veldra::ObjectType) \
     access(impl().object_type)
 #pragma db index(veldra::CustomProperty::"object_type_name_i") unique members(object_type, name)
@@ -93,7 +95,8 @@ using NullableDouble = odb::nullable<double>;
 #pragma db object(veldra::Layer) definition pointer(std::shared_ptr) transient session
 #pragma db member(veldra::Layer::id) virtual(unsigned long long) get(impl().id) \
     set(impl().id = veldra::narrowed_id(?)) id auto
-#pragma db member(veldra::Layer::name) virtual(veldra::String) access(impl().name) unique
+#pragma db member(veldra::Layer::name) virtual(veldra::String) get(impl().name) \
+    set(impl().name = (?))unique
 
 #pragma db object(veldra::Asset) definition pointer(std::shared_ptr) transient session polymorphic
 #pragma db member(veldra::Asset::id) virtual(unsigned long long) get(impl().id) \
@@ -123,7 +126,8 @@ using NullableDouble = odb::nullable<double>;
 #pragma db object(veldra::MaterialType) definition pointer(std::shared_ptr) transient session
 #pragma db member(veldra::MaterialType::id) virtual(unsigned long long) get(impl().id) \
     set(impl().id = veldra::narrowed_id(?)) id auto
-#pragma db member(veldra::MaterialType::name) virtual(veldra::String) access(impl().name) unique
+#pragma db member(veldra::MaterialType::name) virtual(veldra::String) get(impl().name) \
+    set(impl().name = (?))unique
 
 #pragma db object(veldra::Material) definition pointer(std::shared_ptr) transient session
 #pragma db member(veldra::Material::id) virtual(unsigned long long) get(impl().id) \

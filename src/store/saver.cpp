@@ -217,7 +217,7 @@ IdMapping::Status Saver<Policy>::write(T& object) {
 template <class Policy>
 template <class T>
 bool Saver<Policy>::carry_out(const Verdict& verdict, T& object) {
-  ObjectRecord& record = ObjectAccess::impl(object);
+  auto& record = ObjectAccess::impl(object);
   switch (verdict.kind) {
     case Verdict::BecomeStored:
       policy_.become_stored(object, verdict.id);
@@ -230,7 +230,7 @@ bool Saver<Policy>::carry_out(const Verdict& verdict, T& object) {
       record.id = verdict.id;
       return false;
     case Verdict::Rename:
-      policy_.set(record.name, verdict.name);
+      policy_.set(record.name, decltype(record.name)(verdict.name));
       return false;
     case Verdict::TryAgain:
       return false;

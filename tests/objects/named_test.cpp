@@ -192,6 +192,14 @@ TYPED_TEST(RenamingTest, the_same_name_leaves_it_clean) {
   EXPECT_FALSE(this->object->isDirty());
 }
 
+TYPED_TEST(RenamingTest, a_copy_of_the_object_keeps_the_former_name) {
+  const auto other = this->stored.template get<TypeParam>();
+  const String copy = this->object->name();
+  this->object->name("Other");
+  EXPECT_EQ(copy.utf8(), "Stored");
+  EXPECT_EQ(other->name().utf8(), "Stored");
+}
+
 TYPED_TEST(RenamingTest, its_own_name_leaves_it_clean) {
   this->object->name(this->object->name());
   EXPECT_EQ(this->object->name().utf8(), "Stored");

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <set>
 #include <sstream>
+#include <thread>
 #include <vector>
 
 namespace veldra_tests {
@@ -118,6 +119,36 @@ TEST_F(ReadingLists, changing_an_object_of_a_list_changes_no_other) {
   materials[0]->thicknesses(veldra::toModify).insert(99.0);
   materials[0]->custom_value("Price", "0");
   EXPECT_EQ(state_of(materials[1]), before);
+}
+
+TEST_F(ReadingLists, renaming_what_an_object_refers_to_renames_it_for_no_other) {
+  auto materials = all_of<Material>(*library);
+  const std::string before = state_of(materials[1]);
+  std::const_pointer_cast<Layer>(materials[0]->cut_layer())->name("New");
+  std::const_pointer_cast<MaterialType>(materials[0]->type())->name("New");
+  const auto& property = materials[0]->custom_values().begin()->first;
+  std::const_pointer_cast<CustomProperty>(property.operator->())->name("New");
+  EXPECT_EQ(state_of(materials[1]), before);
+  materials.erase(materials.begin(), materials.begin() + 1);
+  EXPECT_EQ(state_of(materials[0]), before);
+}
+
+TEST_F(ReadingLists, the_objects_of_a_list_may_be_used_and_freed_by_several_threads) {
+  std::vector<std::thread> threads;
+  for (auto& material : all_of<Material>(*library)) {
+    threads.emplace_back([material = std::move(material)]() mutable {
+      for (int i = 0; i != 200; ++i) {
+        const auto tag = material->tags()[1]->clone();
+        const auto layer = material->cut_layer()->clone();
+        layer->name((layer->name().utf8() + " 2").c_str());
+        EXPECT_EQ(tag->name().utf8(), "dry");
+        EXPECT_EQ(layer->name().utf8(), "Section 2");
+        EXPECT_EQ(material->cut_layer()->name().utf8(), "Section");
+      }
+      material.reset();
+    });
+  }
+  for (auto& thread : threads) thread.join();
 }
 
 TEST_F(ReadingLists, all_that_is_read_is_linked_to_the_library_and_clean) {
