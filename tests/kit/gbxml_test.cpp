@@ -154,6 +154,19 @@ TEST(Gbxml, tells_a_description_that_is_more_than_a_text) {
   EXPECT_EQ(sources.reports[0].not_kept.size(), 2U);
 }
 
+TEST(Gbxml, tells_attributes_that_have_no_place) {
+  const auto sources = read(document(R"(<Material id="m" imageId="i" xml:lang="de"><Name>A</Name>
+    <R-value unit="SquareMeterKPerW">0.2</R-value></Material>
+    <Layer id="l" foo="bar"><MaterialId materialIdRef="m"/></Layer>
+    <Construction id="c" DOELibIdRef="d" xmlns:x="urn:x"><Name>W</Name>
+    <LayerId layerIdRef="l"/></Construction>)"));
+  std::vector<std::string> told;
+  for (const auto& value : sources.reports[0].not_kept) {
+    told.push_back(value.object + "." + value.field + "=" + value.value);
+  }
+  EXPECT_THAT(told, UnorderedElementsAre("A.@imageId=i", "W.Layer 1/@foo=bar", "W.@DOELibIdRef=d"));
+}
+
 TEST(Gbxml, reads_back_with_what_a_library_has_no_place_for) {
   const auto library = read(all_objects, true).library;
   const auto written = written_as("gbXML", *library);

@@ -146,6 +146,20 @@ TEST(HoneybeeSource, tells_what_it_cannot_take) {
   EXPECT_EQ(report.not_kept[0].field, "user_data");
 }
 
+TEST(HoneybeeSource, tells_of_properties_that_say_more_than_their_type) {
+  const auto sources = read(R"([
+    {"type": "EnergyMaterialNoMass", "identifier": "A", "r_value": 1, "properties": {"x": 5}},
+    {"type": "EnergyMaterialNoMass", "identifier": "B", "r_value": 1, "properties":
+      {"type": "EnergyMaterialNoMassProperties", "other": {"type": "Other", "list": []}}},
+    {"type": "OpaqueConstructionAbridged", "identifier": "W", "materials": ["A"],
+     "properties": {"type": "Properties", "other": {"type": "Other", "mark": "x"}}}])");
+  std::vector<std::string> told;
+  for (const auto& value : sources.reports[0].not_kept) {
+    told.push_back(value.object + "." + value.field);
+  }
+  EXPECT_THAT(told, UnorderedElementsAre("A.properties", "W.properties"));
+}
+
 /// Reads an object, and a good one behind it, which comes in whatever the first one is.
 kit::SourceReport report_beside_a_good_one(const std::string& object) {
   const auto sources = read(R"([{"type": "EnergyMaterialNoMass", "identifier": "B", "r_value": 1},)"
@@ -258,6 +272,24 @@ TEST(OpenstudioStandards, tell_of_units_and_of_types_that_are_not_known) {
   EXPECT_THAT(report.skipped, UnorderedElementsAre(Pair("schedules", 1U)));
   ASSERT_EQ(report.not_kept.size(), 1U);
   EXPECT_EQ(report.not_kept[0].field, "colour");
+}
+
+TEST(OpenstudioStandards, tell_of_values_that_others_contradict_or_that_have_no_place) {
+  const auto report = read(R"({"materials": [
+    {"name": "A", "material_type": "StandardOpaqueMaterial", "thickness": 0.5,
+     "conductivity": 1.11, "resistance": 50, "density": 49.94, "specific_heat": 0.26},
+    {"name": "B", "material_type": "MasslessOpaqueMaterial", "resistance": 10, "thickness": 3,
+     "conductivity": 7},
+    {"name": "C", "material_type": "StandardOpaqueMaterial", "thickness": 0.5,
+     "conductivity": 1.11, "resistance": 0.45, "density": 49.94, "specific_heat": 0.26},
+    {"name": "D", "material_type": "StandardGlazing", "thickness": 0.5, "resistance": 2}]})")
+                          .reports[0];
+  std::vector<std::string> told;
+  for (const auto& value : report.not_kept) {
+    told.push_back(value.object + "." + value.field + "=" + value.value);
+  }
+  EXPECT_THAT(told, UnorderedElementsAre("A.resistance=50", "B.thickness=3", "B.conductivity=7",
+                                         "D.resistance=2"));
 }
 
 TEST(OpenstudioStandards, that_are_broken_in_one_object_are_read_without_it) {

@@ -152,6 +152,7 @@ class GbxmlReader {
     SourceMaterial material;
     auto object = object_of("Material", node);
     Children children(*this, node);
+    children.add_attributes(material.not_kept);
     for (const auto& child : node.children()) {
       if (child.type() != pugi::node_element) continue;
       const auto name = local_name(child.name());
@@ -217,6 +218,16 @@ class GbxmlReader {
         if (child.type() != pugi::node_element) continue;
         if (depth == deepest) return;
         add(child, key + "/" + local_name(child.name()), depth + 1, fields);
+      }
+    }
+
+    /// The attributes of the object itself, but for what identifies it and declarations.
+    void add_attributes(FieldsNotKept& fields) const {
+      for (const auto& attribute : parent_.attributes()) {
+        const std::string name = attribute.name();
+        const bool is_declaration = name == "xmlns" || name.compare(0, 6, "xmlns:") == 0;
+        if (is_declaration || is_one_of(name, {"id", "lang", "xml:lang"})) continue;
+        take("@" + name, reader_.document_.text_of(parent_, attribute), fields);
       }
     }
 
@@ -312,6 +323,7 @@ class GbxmlReader {
   void read_layer(const xml_node& node) {
     LayerParts layer;
     Children children(*this, node);
+    children.add_attributes(layer.not_kept);
     for (const auto& child : node.children()) {
       if (child.type() != pugi::node_element) continue;
       const auto name = local_name(child.name());
@@ -334,6 +346,7 @@ class GbxmlReader {
     construction.name = object.name;
     construction.line = object.line;
     Children children(*this, node);
+    children.add_attributes(construction.not_kept);
     for (const auto& child : node.children()) {
       if (child.type() != pugi::node_element) continue;
       const auto name = local_name(child.name());

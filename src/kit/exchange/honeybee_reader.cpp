@@ -34,9 +34,23 @@ bool is_honeybee(const JsonNode& document) {
   return !document.members().empty() && is_object(document.members().front().value);
 }
 
-/// Members that every object has, and those that are for other programs.
-bool is_common(const std::string& key) {
-  return key == "type" || key == "identifier" || key == "display_name" || key == "properties";
+/// Whether a value is empty, or has nothing in it but the names of types.
+bool says_nothing(const JsonNode& node) {
+  if (node.kind == JsonNode::Kind::Null) return true;
+  if (node.kind == JsonNode::Kind::Array) return node.elements().empty();
+  const auto& members = node.members();
+  return node.kind == JsonNode::Kind::Object &&
+         std::all_of(members.begin(), members.end(), [](const auto& member) {
+           return member.name == "type" || says_nothing(member.value);
+         });
+}
+
+/// Members that need not be told: the names of an object, what is empty, and properties of other
+/// programs that have not set any.
+bool is_common(const std::string& key, const JsonNode& value) {
+  if (value.kind == JsonNode::Kind::Null) return true;
+  if (key == "properties") return says_nothing(value);
+  return key == "type" || key == "identifier" || key == "display_name";
 }
 
 /// Reads the objects of one document.
@@ -143,7 +157,7 @@ class HoneybeeReader {
       known.insert({"gas_types", "gas_fractions"});
     }
     for (const auto& [key, value] : node.members()) {
-      if (known.count(key) > 0 || is_common(key) || value.kind == JsonNode::Kind::Null) continue;
+      if (known.count(key) > 0 || is_common(key, value)) continue;
       material.not_kept.emplace_back(key, text_of_any(value));
     }
     model_.materials.push_back(std::move(material));
@@ -173,7 +187,7 @@ class HoneybeeReader {
     construction.described = &described;
     take_name(node, constructions_, construction);
     for (const auto& [key, value] : node.members()) {
-      if (key == "materials" || is_common(key) || value.kind == JsonNode::Kind::Null) continue;
+      if (key == "materials" || is_common(key, value)) continue;
       construction.not_kept.emplace_back(key, text_of_any(value));
     }
     if (const JsonNode* materials = node.member("materials")) {

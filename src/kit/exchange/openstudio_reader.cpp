@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <set>
 
@@ -46,18 +47,16 @@ SourceField resistance() { return number("resistance", property::resistance); }
 
 std::vector<SourceField> glazing_fields() {
   const std::vector<SourceField> glass{thickness(), number("conductivity", property::conductivity),
-                                       implied("resistance"), optical_data_type()};
+                                       optical_data_type()};
   return joined(joined(glass, optics_at_normal_incidence()), dirt_and_diffusion());
 }
 
 std::vector<SourceField> opaque_fields() {
-  return joined(joined(joined({roughness(), thickness()}, solid()), absorptances()),
-                {implied("resistance")});
+  return joined(joined({roughness(), thickness()}, solid()), absorptances());
 }
 
 MaterialClasses make_classes() {
-  const auto no_mass = joined(joined({roughness(), resistance()}, absorptances()),
-                              {implied("thickness"), implied("conductivity")});
+  const auto no_mass = joined({roughness(), resistance()}, absorptances());
   const std::vector<SourceField> simple{
       number("u_factor", source_property::u_factor),
       number("solar_heat_gain_coefficient", source_property::heat_gain),
@@ -188,9 +187,23 @@ class StandardsReader {
       if (!text.empty()) material.values[field.key] = converted(text, field);
     }
     for (const auto& [key, value] : node.members()) {
-      if (known.count(key) == 0) add_not_kept(key, value, material.not_kept);
+      if (known.count(key) > 0 || (key == "resistance" && is_implied(node))) continue;
+      add_not_kept(key, value, material.not_kept);
     }
     model_.materials.push_back(std::move(material));
+  }
+
+  /// Whether the resistance is that of the thickness and the conductivity, but for rounding.
+  static bool is_implied(const JsonNode& node) {
+    constexpr double rounding = 0.01;
+    const auto number_at = [&](const char* key) {
+      const JsonNode* value = node.member(key);
+      return value != nullptr ? number_in(text_of_any(*value)).value_or(0) : 0;
+    };
+    const double conductivity = number_at("conductivity");
+    if (conductivity == 0) return false;
+    const double implied = number_at("thickness") / conductivity;
+    return std::abs(number_at("resistance") - implied) <= rounding * std::abs(implied);
   }
 
   void tell_generic(const SourceMaterial& material, const std::string& type) {
