@@ -348,6 +348,22 @@ TEST(Gbxml, has_the_identifiers_in_names_that_differ_in_nothing_else) {
   EXPECT_EQ(sources.library->get<Composition>(text("W (c2)"))->layers().size(), 6U);
 }
 
+TEST(Gbxml, has_names_of_their_own_for_objects_that_differ) {
+  const auto sources = read(document(R"(
+  <Material id="m1"><Name>M (m3)</Name><R-value unit="SquareMeterKPerW">1</R-value></Material>
+  <Material id="m2"><Name>M</Name><R-value unit="SquareMeterKPerW">2</R-value></Material>
+  <Material id="m3"><Name>M</Name><R-value unit="SquareMeterKPerW">3</R-value></Material>
+  <Layer id="l"><MaterialId materialIdRef="m3"/></Layer>
+  <Construction id="c1"><Name>W</Name><LayerId layerIdRef="l"/></Construction>
+  <Construction id="c2"><Name>W</Name><Description>other</Description><LayerId layerIdRef="l"/>
+  </Construction>)"));
+  EXPECT_THAT(sentences_of(sources.reports[0]), IsEmpty());
+  const auto material = sources.library->get<Composition>(text("W"))->layer(0).material();
+  EXPECT_EQ(material->name(), text("M (2)"));
+  EXPECT_EQ(material->custom_value(text("Thermal resistance [m2 K/W]")).get(), text("3"));
+  EXPECT_EQ(sources.library->get<Composition>(text("W (c2)"))->description(), text("other"));
+}
+
 TEST(Gbxml, tells_of_types_that_it_cannot_hold) {
   const auto library = Library::create(":memory:", Unit::Millimetres, "");
   const auto add = [&](const char* name, const char* type, const char* property) {

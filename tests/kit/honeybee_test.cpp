@@ -121,15 +121,51 @@ TEST(HoneybeeSource, may_have_the_materials_within_constructions) {
   EXPECT_EQ(sources.library->get<Composition>(text("W"))->layers().size(), 3U);
 }
 
-TEST(HoneybeeSource, has_identifiers_as_names_where_names_are_shared) {
+/// The materials of the layers of a composition, with their resistances.
+std::vector<std::string> layers_of(const kit::Sources& sources, const char* name) {
+  const auto composition = sources.library->get<Composition>(text(name));
+  std::vector<std::string> layers;
+  for (const auto& layer : composition->layers()) {
+    const auto& material = *layer.material();
+    const auto resistance = material.custom_value(text("Thermal resistance [m2 K/W]"));
+    layers.push_back(material.name().utf8() + ": " + resistance.get().utf8());
+  }
+  return layers;
+}
+
+TEST(HoneybeeSource, has_identifiers_in_names_that_are_shared) {
   const auto sources = read(R"([
     {"type": "EnergyMaterialNoMass", "identifier": "1", "display_name": "A", "r_value": 1},
     {"type": "EnergyMaterialNoMass", "identifier": "2", "display_name": "A", "r_value": 2},
-    {"type": "OpaqueConstructionAbridged", "identifier": "W", "materials": ["1", "2"]}])");
+    {"type": "EnergyMaterialNoMass", "identifier": "A", "display_name": "2", "r_value": 3},
+    {"type": "OpaqueConstructionAbridged", "identifier": "W", "materials": ["1", "2", "A"]}])");
   EXPECT_THAT(sources.reports[0].problems, IsEmpty());
-  const auto layers = sources.library->get<Composition>(text("W"))->layers();
-  EXPECT_EQ(layers[0].material()->name(), text("A"));
-  EXPECT_EQ(layers[1].material()->name(), text("2"));
+  EXPECT_THAT(layers_of(sources, "W"), ElementsAre("A: 1", "A (2): 2", "2: 3"));
+}
+
+TEST(HoneybeeSource, has_constructions_with_materials_of_their_own) {
+  const auto sources = read(R"([
+    {"type": "OpaqueConstruction", "identifier": "V", "materials": [
+      {"type": "EnergyMaterialNoMass", "identifier": "m", "display_name": "M", "r_value": 1}]},
+    {"type": "OpaqueConstruction", "identifier": "W", "materials": [
+      {"type": "EnergyMaterialNoMass", "identifier": "m", "display_name": "M", "r_value": 5},
+      {"type": "EnergyMaterialNoMass", "identifier": "m", "display_name": "M", "r_value": 1},
+      {"type": "EnergyMaterialNoMass", "identifier": "m", "display_name": "M", "r_value": 7}]}])");
+  EXPECT_THAT(sources.reports[0].problems, IsEmpty());
+  EXPECT_THAT(layers_of(sources, "V"), ElementsAre("M: 1"));
+  EXPECT_THAT(layers_of(sources, "W"), ElementsAre("M (m): 5", "M: 1", "M (3): 7"));
+}
+
+TEST(HoneybeeSource, tells_of_identifiers_that_are_there_twice) {
+  const auto sources = read(R"([
+    {"type": "EnergyMaterialNoMass", "identifier": "m", "display_name": "A", "r_value": 1},
+    {"type": "EnergyMaterialNoMass", "identifier": "m", "display_name": "B", "r_value": 2},
+    {"type": "EnergyMaterialNoMass", "identifier": "m", "display_name": "A", "r_value": 1},
+    {"type": "OpaqueConstructionAbridged", "identifier": "W", "materials": ["m"]}])");
+  ASSERT_EQ(sources.reports[0].problems.size(), 1U);
+  EXPECT_EQ(sources.reports[0].problems[0].text(),
+            "'a.json', line 3: EnergyMaterialNoMass 'B': another material has the identifier 'm'");
+  EXPECT_THAT(layers_of(sources, "W"), ElementsAre("A: 1"));
 }
 
 TEST(HoneybeeSource, tells_what_it_cannot_take) {

@@ -435,6 +435,26 @@ TEST(IfcSource, may_have_its_statements_written_in_any_way) {
   EXPECT_NE(material_in(sources, "a\\bää😀😀\\X2\\00"), nullptr);
 }
 
+TEST(IfcSource, has_names_of_their_own_for_materials_that_differ) {
+  const auto sources = read(ifc_model(std::string(ifc_millimetres) +
+                                      "#20=IFCMATERIAL('Brick','red',$);\n"
+                                      "#21=IFCMATERIAL('Brick','red',$);\n"
+                                      "#22=IFCMATERIAL('Brick','yellow',$);\n"
+                                      "#30=IFCMATERIALLAYER(#20,100.,$,$,$,$,$);\n"
+                                      "#31=IFCMATERIALLAYER(#22,200.,$,$,$,$,$);\n"
+                                      "#32=IFCMATERIALLAYER(#21,300.,$,$,$,$,$);\n"
+                                      "#40=IFCMATERIALLAYERSET((#30,#31,#32),'W',$);\n"));
+  EXPECT_EQ(sources.library->count<Material>(), 2U);
+  const auto wall = sources.library->get<Composition>(text("W"));
+  ASSERT_NE(wall, nullptr);
+  std::vector<std::string> names;
+  for (const auto& layer : wall->layers()) {
+    names.push_back(layer.material()->description().utf8());
+  }
+  EXPECT_THAT(names, ElementsAre("red", "yellow", "red"));
+  EXPECT_EQ(wall->layer(1).material()->name(), text("Brick (2)"));
+}
+
 TEST(IfcSource, has_names_for_materials_without_any) {
   EXPECT_NE(material_in(read(ifc_model("#12=IFCMATERIAL('',$,$);\n")), "Material #12"), nullptr);
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/exchange/distinct_names.hpp"
 #include "kit/exchange/format_modules.hpp"
 #include "kit/exchange/gbxml_fields.hpp"
 #include "kit/exchange/gbxml_model.hpp"
@@ -291,23 +292,20 @@ class GbxmlReader {
                                true});
   }
 
-  /// Materials of one name that differ have their identifiers in their names, as a library has
-  /// each name once. Those of formats that know no other identity are one.
+  /// Those without an identifier that differ are no two materials, as nothing else tells them
+  /// apart.
   void enter(const std::string& id, SourceMaterial material) {
-    const auto found = by_name_.find(material.name);
-    if (found != by_name_.end()) {
-      const auto& first = model_.materials[found->second];
-      if (is_same(first, material)) {
-        materials_.emplace(id, material.name);
-        model_.materials.push_back(std::move(material));
-        return;
+    const auto place = model_.materials.size();
+    const auto name = material_names_.name_for(material.name, id, place, [&](std::size_t other) {
+      return is_same(model_.materials[other], material);
+    });
+    if (!id.empty()) {
+      material.name = name.text;
+      const bool is_free = materials_.emplace(id, name.text).second;
+      if (name.is_new && !is_free) {
+        material.fault = fmt::format("another material has the id {}", quoted(id));
       }
-      if (!id.empty()) material.name = with_id(material.name, id);
     }
-    if (!id.empty() && !materials_.emplace(id, material.name).second) {
-      material.fault = fmt::format("another material has the id {}", quoted(id));
-    }
-    by_name_.emplace(material.name, model_.materials.size());
     model_.materials.push_back(std::move(material));
   }
 
@@ -316,8 +314,9 @@ class GbxmlReader {
            first.not_kept == second.not_kept;
   }
 
-  static std::string with_id(const std::string& name, const std::string& id) {
-    return fmt::format("{} ({})", name, id);
+  static bool is_same(const SourceConstruction& first, const SourceConstruction& second) {
+    return first.layers == second.layers && first.description == second.description &&
+           first.transmittance == second.transmittance && first.not_kept == second.not_kept;
   }
 
   void read_layer(const xml_node& node) {
@@ -363,10 +362,10 @@ class GbxmlReader {
     }
     construction.fault = object.fault;
     const auto id = attribute_of(node, "id");
-    const auto taken = constructions_.emplace(construction.name, construction.layers);
-    if (!taken.second && taken.first->second != construction.layers && !id.empty()) {
-      construction.name = with_id(construction.name, id);
-    }
+    const auto name = construction_names_.name_for(
+        construction.name, id, model_.constructions.size(),
+        [&](std::size_t other) { return is_same(model_.constructions[other], construction); });
+    if (!id.empty()) construction.name = name.text;
     model_.constructions.push_back(std::move(construction));
   }
 
@@ -427,10 +426,10 @@ class GbxmlReader {
   bool inch_pound_ = false;
   std::size_t bytes_of_layers_ = 0;
   SourceModel model_;
-  std::map<std::string, std::size_t> by_name_;                     ///< places of materials
-  std::map<std::string, std::string> materials_;                   ///< names, by identifier
-  std::map<std::string, LayerParts> layers_;                       ///< by identifier
-  std::map<std::string, std::vector<std::string>> constructions_;  ///< layers, by name
+  DistinctNames material_names_;
+  DistinctNames construction_names_;
+  std::map<std::string, std::string> materials_;  ///< names, by identifier
+  std::map<std::string, LayerParts> layers_;      ///< by identifier
 };
 
 }  // namespace

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/exchange/distinct_names.hpp"
 #include "kit/exchange/format_modules.hpp"
 #include "kit/exchange/honeybee_model.hpp"
 #include "kit/exchange/writers.hpp"
+#include "kit/text/quoted.hpp"
 
 #include <veldra/kit/text.hpp>
 
@@ -69,8 +71,9 @@ class HoneybeeReader {
         for (auto& member : *members) use_up(member.value);
       }
     }
-    for (auto& construction : model_.constructions) {
-      for (auto& layer : construction.layers) layer = name_of(layer);
+    for (const auto& [construction, layer] : layers_by_identifier_) {
+      auto& material = model_.constructions[construction].layers[layer];
+      material = name_of(material);
     }
     return std::move(model_);
   }
@@ -127,25 +130,64 @@ class HoneybeeReader {
     return trimmed(node.member("identifier")->text());
   }
 
-  /// The name that people see, and the identifier beside it. Materials of one name have their
-  /// identifiers as names.
+  /// The name that people see, or else the identifier.
   template <class Object>
-  void take_name(const JsonNode& node, std::map<std::string, std::string>& identifiers,
-                 Object& object) const {
-    const auto identifier = identifier_of(node);
-    const auto shown = text_of(node, "display_name", object);
-    const auto taken = identifiers.emplace(shown.empty() ? identifier : shown, identifier);
-    const bool is_free = taken.first->second == identifier;
-    object.name = shown.empty() || !is_free ? identifier : shown;
-    if (!shown.empty() && is_free) object.identifier = identifier;
+  static void take_name(const JsonNode& node, Object& object) {
+    object.name = text_of(node, "display_name", object);
+    object.identifier = identifier_of(node);
     object.line = node.line;
+    if (object.name.empty()) object.name = object.identifier;
   }
 
+  /// Gives an object a name that no other one of the list has; returns whether no equal one has it.
+  template <class Objects, class Object>
+  static bool make_distinct(const Objects& objects, DistinctNames& names, Object& object) {
+    const auto identifier = object.identifier;
+    const auto name =
+        names.name_for(object.name, identifier == object.name ? "" : identifier, objects.size(),
+                       [&](std::size_t place) {
+                         const auto& other = objects[place];
+                         return identifier_of(other) == identifier && is_same(other, object);
+                       });
+    object.name = name.text;
+    if (object.name == identifier) object.identifier.clear();
+    return name.is_new;
+  }
+
+  template <class Object>
+  static const std::string& identifier_of(const Object& object) {
+    return object.identifier.empty() ? object.name : object.identifier;
+  }
+
+  static bool is_same(const SourceMaterial& first, const SourceMaterial& second) {
+    return first.described == second.described && first.values == second.values &&
+           first.not_kept == second.not_kept && first.fault == second.fault;
+  }
+
+  static bool is_same(const SourceConstruction& first, const SourceConstruction& second) {
+    return first.described == second.described && first.layers == second.layers &&
+           first.not_kept == second.not_kept && first.fault == second.fault;
+  }
+
+  /// An identifier belongs to the first material that has it.
   void read_material(const JsonNode& node, const MaterialClass& described) {
+    auto material = material_of(node, described);
+    const bool is_new = make_distinct(model_.materials, material_names_, material);
+    const bool is_first = names_.emplace(identifier_of(material), material.name).second;
+    if (is_new && !is_first) {
+      model_.problems.push_back(
+          {file_, node.line, material.name,
+           fmt::format("{} {}: another material has the identifier {}", described.name,
+                       quoted(material.name), quoted(identifier_of(material))),
+           true});
+    }
+    model_.materials.push_back(std::move(material));
+  }
+
+  static SourceMaterial material_of(const JsonNode& node, const MaterialClass& described) {
     SourceMaterial material;
     material.described = &described;
-    take_name(node, materials_, material);
-    names_.emplace(identifier_of(node), material.name);
+    take_name(node, material);
     std::set<std::string> known;
     for (const auto& field : described.fields) {
       known.insert(field.key);
@@ -160,7 +202,7 @@ class HoneybeeReader {
       if (known.count(key) > 0 || is_common(key, value)) continue;
       material.not_kept.emplace_back(key, text_of_any(value));
     }
-    model_.materials.push_back(std::move(material));
+    return material;
   }
 
   static void read_gases(const JsonNode& node, SourceMaterial& material) {
@@ -185,16 +227,21 @@ class HoneybeeReader {
   void read_construction(const JsonNode& node, const ConstructionClass& described) {
     SourceConstruction construction;
     construction.described = &described;
-    take_name(node, constructions_, construction);
+    take_name(node, construction);
     for (const auto& [key, value] : node.members()) {
       if (key == "materials" || is_common(key, value)) continue;
       construction.not_kept.emplace_back(key, text_of_any(value));
     }
+    const auto place = model_.constructions.size();
     if (const JsonNode* materials = node.member("materials")) {
       for (const auto& layer : materials->elements()) {
+        if (layer.kind != JsonNode::Kind::Object) {
+          layers_by_identifier_.emplace_back(place, construction.layers.size());
+        }
         construction.layers.push_back(read_layer(layer, construction));
       }
     }
+    make_distinct(model_.constructions, construction_names_, construction);
     model_.constructions.push_back(std::move(construction));
   }
 
@@ -206,16 +253,28 @@ class HoneybeeReader {
       construction.fault = "a layer has no type or no identifier";
       return {};
     }
-    const auto identifier = identifier_of(node);
-    if (names_.count(identifier) == 0) read_object(node);
-    return identifier;
+    const auto* described = honeybee_class(node.member("type")->text());
+    if (described != nullptr) return own_material(node, *described);
+    read_object(node);
+    return identifier_of(node);
+  }
+
+  /// The name of a material that a construction has in it. Each has its own, most of them equal.
+  std::string own_material(const JsonNode& node, const MaterialClass& described) {
+    auto material = material_of(node, described);
+    const bool is_new = make_distinct(model_.materials, material_names_, material);
+    const auto name = material.name;
+    names_.emplace(identifier_of(material), name);
+    if (is_new) model_.materials.push_back(std::move(material));
+    return name;
   }
 
   const std::string& file_;
   SourceModel model_;
-  std::map<std::string, std::string> names_;          ///< of materials, by identifier
-  std::map<std::string, std::string> materials_;      ///< identifiers, by name
-  std::map<std::string, std::string> constructions_;  ///< likewise
+  std::map<std::string, std::string> names_;  ///< of materials, by identifier
+  DistinctNames material_names_;
+  DistinctNames construction_names_;
+  std::vector<std::pair<std::size_t, std::size_t>> layers_by_identifier_;  ///< of constructions
 };
 
 }  // namespace

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/exchange/distinct_names.hpp"
 #include "kit/exchange/format_modules.hpp"
 #include "kit/exchange/ifc_model.hpp"
 #include "kit/exchange/source_set.hpp"
@@ -26,10 +27,16 @@ class IfcCatalogue {
   }
 
   Catalogue make() {
+    DistinctNames names;
     for (const auto& source : model_.materials) {
       const auto material =
           map_ifc(source, model_.length, unit_, shared_, teller("material", source));
-      names_.push_back(material->name().utf8());
+      names_.push_back(
+          names
+              .name_for(material->name().utf8(), "", names_.size(),
+                        [&](std::size_t other) { return model_.materials[other] == source; })
+              .text);
+      material->name(library_text(names_.back()));
       catalogue_.materials.push_back({material, source.line, source.not_kept});
     }
     for (const auto& set : model_.sets) add_air(set);

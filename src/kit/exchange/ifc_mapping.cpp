@@ -15,6 +15,7 @@
 #include <cmath>
 #include <limits>
 #include <map>
+#include <tuple>
 
 namespace veldra::kit {
 
@@ -183,6 +184,15 @@ void set_category(const IfcMaterial& source, Material& material, SharedObjects& 
 }
 
 }  // namespace
+
+bool operator==(const IfcMaterial& left, const IfcMaterial& right) {
+  const auto contents = [](const IfcMaterial& material) {
+    return std::tie(material.name, material.description, material.category, material.classification,
+                    material.shading_color, material.cut_pattern_color, material.properties,
+                    material.own, material.not_kept);
+  };
+  return contents(left) == contents(right);
+}
 
 std::string known_material_type(const std::string& name) {
   static const auto types = make_known_types();

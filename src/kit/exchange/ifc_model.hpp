@@ -49,6 +49,9 @@ struct IfcMaterial {
   FieldsNotKept not_kept;
 };
 
+/// Whether both have the same contents, wherever they stand.
+bool operator==(const IfcMaterial& left, const IfcMaterial& right);
+
 struct IfcLayer {
   static constexpr std::size_t air = static_cast<std::size_t>(-1);
 
