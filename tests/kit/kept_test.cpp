@@ -45,6 +45,7 @@ std::string group_of(const std::string& property) {
       {"Solar transmittance [-]", "optical values, gases"},
       {"Front infrared emissivity [-]", "optical values, gases"},
       {"Gas type", "optical values, gases"},
+      {"Optical data type", "optical values, gases"},
       {"U-factor [W/(m2 K)]", "U-factor"}};
   const auto found = groups.find(property);
   return found != groups.end() ? found->second : "other custom properties";
@@ -86,6 +87,7 @@ class RandomLibrary {
     set(material, "Roughness", "Rough");
     set(material, "Thermal absorptance [-]", "0.9");
     set(material, "Solar absorptance [-]", "0.7");
+    if (number(4) == 0) set(material, "Thermal resistance [m2 K/W]");
     material.thicknesses(toModify) = {length()};
     if (number(4) == 0) material.thicknesses(toModify).insert(length());
   }
@@ -104,6 +106,7 @@ class RandomLibrary {
         material.thicknesses(toModify) = {length()};
         set(material, "Thermal conductivity [W/(m K)]");
         set(material, "Solar transmittance [-]", "0.6");
+        set(material, "Optical data type", "SpectralAverage");
         return set(material, "Front infrared emissivity [-]", "0.84");
       case 3:
         material.type(MaterialType::create("Gas"));
