@@ -111,6 +111,15 @@ TEST_F(Tables, are_written_the_same_again) {
   EXPECT_EQ(first.substr(first.size() - 2), "\r\n");
 }
 
+TEST_F(Tables, without_rows_are_told_to_have_nothing) {
+  for (const char* content : {"kind,name\n", "kind,name\n,\n\n"}) {
+    EXPECT_THAT(take({content}),
+                ElementsAre("'t.csv': this CSV source has no materials and no constructions"));
+  }
+  EXPECT_FALSE(changes_);
+  EXPECT_THAT(take({"kind,name\n", "kind,name\nmaterial,Brick\n"}), IsEmpty());
+}
+
 TEST_F(Tables, change_what_a_person_changed) {
   library_->save(with_custom("Brick", "Fire class", "A1"));
   library_->save(with_custom("Wool", "Fire class", "A2"));

@@ -24,9 +24,11 @@ const FormatModule& module_of(const FileContent& content) {
   return *found;
 }
 
-SourceProblem nothing_in(const NamedContent& source) {
-  return {source.file, 0, "",
-          fmt::format("this {} source has no materials and no constructions", source.format.name)};
+/// Tells of a source that has nothing.
+void tell_nothing_in(SourceReport& report) {
+  report.problems.push_back(
+      {report.file, 0, "",
+       fmt::format("this {} source has no materials and no constructions", report.format)});
 }
 
 /// Each takes up to 2 kB until it is in a library, however short it is in its source.
@@ -150,7 +152,7 @@ Sources read_together(const std::vector<NamedContent>& sources, const SourceRule
     } else {
       source.content.add_to(set, report);
     }
-    if (!has_objects) report.problems.push_back(nothing_in(source));
+    if (!has_objects) tell_nothing_in(report);
   }
   set.resolve();
   if (!set.clashes().empty()) throw SourceClashes(set.clashes());
@@ -177,6 +179,10 @@ Sources read_tables(const std::vector<Source>& sources,
     if (content == nullptr) fail_at(source.file(), 0, "this is no table");
     content->add_tables(i, rules, reports[i], tables);
   }
+  // There is a table for each kind of objects, and a library may have none of one.
+  const bool has_any = std::any_of(sources.begin(), sources.end(),
+                                   [](const Source& source) { return source.has_objects(); });
+  if (!has_any) std::for_each(reports.begin(), reports.end(), tell_nothing_in);
   auto result = read_tables(tables, library, rules.progress);
   result.reports = std::move(reports);
   return result;
