@@ -334,7 +334,7 @@ TEST_F(Tables, leave_layers_alone_of_which_they_say_nothing_that_can_be) {
   EXPECT_THAT(take({"composition,position,material\nWall,1,Nothing\nWall,2,Wall core\n"}),
               ElementsAre("'t.csv', line 2: layers of 'Wall': there is no material 'Nothing'"));
   EXPECT_THAT(take({"composition,position,material\nWall,1,Wall core\nWall,3,Wall core\n"}),
-              ElementsAre("'t.csv', line 2: layers of 'Wall': a position is missing"));
+              ElementsAre("'t.csv', line 3: layers of 'Wall': a position is missing"));
   EXPECT_THAT(take({"composition,position,material\nWall,1,Wall core\nWall,1,Wall core\n"}),
               ElementsAre("'t.csv', line 3: layers of 'Wall': the position 1 is there twice"));
   EXPECT_THAT(take({"composition,position,material\nWall,0,Wall core\n"}),

@@ -4,7 +4,7 @@
 #include "kit/exchange/problem.hpp"
 #include "kit/exchange/row_fingerprint.hpp"
 #include "kit/exchange/table_columns.hpp"
-#include "kit/fields/field.hpp"
+#include "kit/fields/tables.hpp"
 #include "kit/text/quoted.hpp"
 
 #include <veldra/exceptions.hpp>
@@ -107,7 +107,8 @@ std::optional<std::size_t> column_of(const TableSource& table, const std::string
   return std::nullopt;
 }
 
-/// The place of the column of a field, or of a custom property of that name; nothing for none.
+/// The place of the column of a field, or of a custom property of that name, which may be that of
+/// the quantity that it holds; nothing for none.
 std::optional<std::size_t> column_of_field(const TableSource& table, const std::string& key,
                                            const std::string& kind) {
   for (const auto& qualifier : {std::string(), kind + ":", std::string("all:")}) {
@@ -117,7 +118,8 @@ std::optional<std::size_t> column_of_field(const TableSource& table, const std::
       return static_cast<std::size_t>(found - table.headings.begin());
     }
   }
-  return column_of(table, key);
+  const auto quantity = quantity_held_by(key);
+  return column_of(table, quantity.empty() ? key : quantity);
 }
 
 /// A column at the beginning of a sentence, where the place of a problem does not tell it.
@@ -698,8 +700,17 @@ class TableSet {
     add_problem(table, place, name, fmt::format("{}: {}", what, sentence));
   }
 
+  /// As other lengths, but that none may be given.
+  static FieldDescription layer_thickness() {
+    const FieldDescription& length =
+        built_in_fields<Composition>().at("variable_layer_max_thickness");
+    FieldDescription field = length;
+    field.key = "thickness";
+    return field;
+  }
+
   void read_numbers(const TableSource& table, LayerRow& layer) {
-    static const auto& length = built_in_fields<Composition>().at("variable_layer_max_thickness");
+    static const auto length = layer_thickness();
     static const auto& whole = built_in_fields<Material>().at("function");
     if (const auto place = column_of(table, "thickness")) {
       layer_at_ = place;

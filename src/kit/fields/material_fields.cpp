@@ -289,6 +289,13 @@ QuantitySource quantity_source(const FieldDescription& field, const Material& ma
   return QuantitySource::None;
 }
 
+std::string quantity_held_by(const std::string& property) {
+  for (const Quantity& quantity : quantities) {
+    if (quantity.property == property) return quantity.key;
+  }
+  return {};
+}
+
 template <>
 Table<Material> table_of<Material>(const Context& context) {
   Table<Material> table;

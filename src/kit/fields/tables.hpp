@@ -30,6 +30,9 @@ struct Table {
   }
 };
 
+/// The key of the quantity of materials that a custom property of that name holds; empty for none.
+std::string quantity_held_by(const std::string& property);
+
 /// The table of a class; one specialization for each.
 template <class T>
 Table<T> table_of(const Context& context);
