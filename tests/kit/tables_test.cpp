@@ -273,6 +273,22 @@ TEST_F(Tables, name_the_column_of_a_doubtful_number) {
                           "its 'Density [kg/m3]' is less than 0: '-2'"));
 }
 
+TEST_F(Tables, name_the_column_of_a_doubtful_quantity) {
+  EXPECT_THAT(take({"name,density,conductivity [W/(m K)]\nA,1,0\n"}),
+              ElementsAre("'t.csv', line 2: column 'conductivity [W/(m K)]': material 'A': its "
+                          "thermal conductivity is not greater than 0: '0'"));
+}
+
+TEST_F(Tables, name_the_field_of_a_layer_that_has_no_number) {
+  EXPECT_THAT(take({"kind,name\nmaterial,Brick\n",
+                    "composition,position,material,thickness,function\nW,1,Brick,wide,0\n"
+                    "V,1,Brick,1,core\n"}),
+              ElementsAre("'t.csv', line 2: layers of 'W': 'wide' is no value for 'thickness': it "
+                          "must be a number, in mm or with a unit",
+                          StartsWith("'t.csv', line 3: layers of 'V': 'core' is no value for "
+                                     "'function'")));
+}
+
 TEST_F(Tables, are_refused_for_headings_that_nobody_knows) {
   EXPECT_THAT(refusal("name,manufakturer\nBrick,x\n"),
               AllOf(StartsWith("'t.csv', line 1: there is no column 'manufakturer'; did you mean "
@@ -343,6 +359,17 @@ TEST_F(Tables, leave_layers_alone_of_which_they_say_nothing_that_can_be) {
   EXPECT_THAT(take({"composition,position,material\nRoof,1,Wall core\n"}),
               ElementsAre("'t.csv', line 2: layers of 'Roof': there is no such composition"));
   EXPECT_EQ(fields_of(*library_), before);
+}
+
+TEST_F(Tables, name_the_line_of_the_layer_that_is_wrong) {
+  library_->save(full_composition("Wall"));
+  EXPECT_THAT(take({"composition,position,material\nWall,2,Nothing\nWall,1,Wall core\n"}),
+              ElementsAre("'t.csv', line 2: layers of 'Wall': there is no material 'Nothing'"));
+  EXPECT_THAT(take({"composition,position,material\nWall,1,Wall core\nWall,2,Nothing\n"}),
+              ElementsAre("'t.csv', line 3: layers of 'Wall': there is no material 'Nothing'"));
+  EXPECT_THAT(take({"composition,position,material\nWall,4,Wall core\nWall,1,Wall core\n"
+                    "Wall,3,Wall core\n"}),
+              ElementsAre("'t.csv', line 4: layers of 'Wall': a position is missing"));
 }
 
 TEST_F(Tables, tell_what_no_table_has) {

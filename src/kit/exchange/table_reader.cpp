@@ -808,12 +808,14 @@ class TableSet {
     const bool untouched =
         !fingerprint.empty() && fingerprint_of_row(cells_of_rows(table, rows)) == fingerprint;
     if (untouched) return;
+    TablePlace at{line, {}};
     try {
       unsigned id = 0;
       const auto composition = composition_named(name, id);
       if (!composition) throw Error("there is no such composition");
-      if (rows.rbegin()->first != rows.size()) throw Error("a position is missing");
-      const bool changes = replace_layers(*composition, rows);
+      require_positions(table, rows, at);
+      const auto materials = materials_of(table, rows, at);
+      const bool changes = replace_layers(*composition, rows, materials);
       const bool clashes = changes && has_changed_since(id, fingerprint);
       if (clashes) tell_clash(table, line, name, *composition, id);
       table.report->layers += static_cast<unsigned>(rows.size());
@@ -823,14 +825,41 @@ class TableSet {
       if (clashes) states_of_.erase({ObjectType::Composition, state});
       if (changes) changed_[{ObjectType::Composition, state}] = {&table, line, lines_of(rows)};
     } catch (const Error& error) {
-      tell_layer(table, {line, {}}, name, error.what());
+      tell_layer(table, at, name, error.what());
     }
+  }
+
+  /// Each layer stands behind the one before it. `at` becomes the cell of one that does not.
+  static void require_positions(const TableSource& table, const LayersByPosition& rows,
+                                TablePlace& at) {
+    unsigned expected = 0;
+    for (const auto& [position, layer] : rows) {
+      if (position == ++expected) continue;
+      at = {layer.row.line, column_of(table, "position")};
+      throw Error("a position is missing");
+    }
+  }
+
+  using MaterialsByName = std::map<std::string, std::shared_ptr<const Material>>;
+
+  /// The materials of layers. `at` becomes the cell of one that is not there.
+  MaterialsByName materials_of(const TableSource& table, const LayersByPosition& rows,
+                               TablePlace& at) {
+    const auto before = at;
+    const auto column = column_of(table, "material");
+    MaterialsByName materials;
+    for (const auto& [position, layer] : rows) {
+      at = {layer.row.line, column};
+      materials[layer.material] = material_named(layer.material);
+    }
+    at = before;
+    return materials;
   }
 
   /// What a row does not say stays as the layer in its place has it. Gives whether anything
   /// changes.
-  bool replace_layers(Composition& composition, const LayersByPosition& rows) {
-    std::map<std::string, std::shared_ptr<const Material>> materials;
+  static bool replace_layers(Composition& composition, const LayersByPosition& rows,
+                             const MaterialsByName& materials) {
     Value::Layers values;
     for (const auto& [position, row] : rows) {
       const auto& before = composition.layers();
@@ -840,14 +869,13 @@ class TableSet {
       if (stands) value.function = static_cast<int>(before[position - 1].function());
       if (row.thickness) value.thickness = *row.thickness;
       if (row.function) value.function = *row.function;
-      materials[row.material] = material_named(row.material);
       values.push_back(value);
     }
     static const auto& field = built_in_fields<Composition>().at("layers");
     if (field.get(composition) == Value(values)) return false;
     field.set(composition, values);
     for (std::size_t i = 0; i < values.size(); ++i) {
-      composition.layer(i, toModify) = {materials[values[i].material],
+      composition.layer(i, toModify) = {materials.at(values[i].material),
                                         static_cast<Material::Function>(values[i].function),
                                         values[i].thickness};
     }
