@@ -22,7 +22,8 @@ class Apply : public ProgramTest {
   /// Writes the plan of the import; it has clashes, about which the program tells.
   void make_plan() const {
     const auto run = veldra({"import", "a.lib", "new.idf", "--tag", "t", "--plan", "p.json"});
-    ASSERT_EQ(run.status, 1) << run.err;
+    ASSERT_EQ(run.status, 3) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("the plan in 'p.json' says, once all of it is decided."));
     ASSERT_TRUE(exists("p.json"));
   }
 
@@ -56,7 +57,7 @@ class Apply : public ProgramTest {
 TEST_F(Apply, tells_of_all_that_is_undecided_whatever_the_case_of_its_name) {
   write("case.idf",
         "Material, BRICK, Rough, 0.24, 0.5, 1800, 1000; Material, BRIK, Rough, 1, 1, 1, 1;");
-  EXPECT_EQ(veldra({"import", "a.lib", "case.idf", "--plan", "q.json"}).status, 1);
+  EXPECT_EQ(veldra({"import", "a.lib", "case.idf", "--plan", "q.json"}).status, 3);
   expect_refusal({"apply", "q.json"},
                  "the library has a material 'BRICK' already, written 'Brick', which differs");
 }
@@ -106,7 +107,8 @@ TEST_F(Apply, does_what_the_command_would_have_done_at_once) {
 TEST_F(Apply, tells_of_a_plan_with_conflicts_as_a_dry_run_does) {
   const auto planned = veldra({"import", "a.lib", "new.idf", "--plan", "p.json"});
   const auto tried = veldra({"import", "a.lib", "new.idf", "--dry-run"});
-  EXPECT_EQ(planned.status, tried.status);
+  EXPECT_EQ(planned.status, 3) << "the plan is made, and something in it is to be decided";
+  EXPECT_EQ(tried.status, 1) << "the import would fail";
   EXPECT_EQ(planned.err, tried.err);
 }
 
@@ -178,6 +180,21 @@ TEST_F(Apply, names_file_and_object_of_a_decision_that_makes_no_sense) {
   write("p.json", json.dump(2));
   expect_refusal({"apply", "p.json"},
                  "material 'Wool': 'keep' makes no sense, as the library has none of that name");
+}
+
+TEST_F(Apply, tells_of_numbers_that_nobody_could_compute_with) {
+  make_plan();
+  decide("change");
+  auto json = plan();
+  const auto set_thicknesses = [&](nlohmann::ordered_json& object) {
+    if (object.contains("thicknesses")) object["thicknesses"] = {-5};
+  };
+  for (auto& material : json["objects"]["materials"]) set_thicknesses(material);
+  write("p.json", json.dump(2));
+  const auto run = veldra({"apply", "p.json"});
+  EXPECT_EQ(run.status, 3);
+  EXPECT_THAT(run.err, HasSubstr("veldra: material 'Brick': a thickness is negative"));
+  EXPECT_EQ(veldra({"check", "a.lib"}).status, 3);
 }
 
 TEST_F(Apply, refuses_what_is_no_plan) {

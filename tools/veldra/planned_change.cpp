@@ -65,7 +65,7 @@ veldra::ObjectKey key_in_sources(const veldra::Library& source, veldra::ObjectTy
   try {
     return object_key(source, kind, text);
   } catch (const LibraryFailure& failure) {
-    throw Failure(fmt::format("--on-conflict: in what comes in, {}", failure.what()));
+    throw Failure(fmt::format("--on-conflict: {}", failure.what()));
   }
 }
 
@@ -157,8 +157,9 @@ void tell_nothing_written(const PlanArguments& arguments, Host& host) {
   if (arguments.plan_file.empty()) {
     return host.output.print("Nothing was written, because this was a dry run.\n");
   }
-  host.output.print("The library is as it was; 'veldra apply' does what the plan in {} says.\n",
-                    in_quotes(arguments.plan_file));
+  const auto* when = host.status == Status::Findings ? ", once all of it is decided" : "";
+  host.output.print("The library is as it was; 'veldra apply' does what the plan in {} says{}.\n",
+                    in_quotes(arguments.plan_file), when);
 }
 
 std::string clashes_text(std::size_t count) {
@@ -215,7 +216,8 @@ void PlannedChange::refuse_clashes(const kit::Plan& plan) {
   const auto summary = clashes_text(clashes.size()) + advice;
   if (refuses) throw LibraryFailure(summary);
   host_.notes += fmt::format("veldra: {}\n", summary);
-  host_.status = Status::Failed;
+  // A plan is written with what is to be decided in it; a dry run would have failed.
+  host_.status = arguments_.plan_file.empty() ? Status::Failed : Status::Findings;
 }
 
 }  // namespace veldra_tool
