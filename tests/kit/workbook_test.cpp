@@ -472,13 +472,12 @@ TEST_F(Workbook, names_the_cell_in_each_error) {
 
 TEST_F(Workbook, names_the_cell_of_a_wrong_layer) {
   EXPECT_THAT(
-      take(workbook_of(
-          {{"materials", row_of({"name"}) + row_of({"A"})},
-           {"compositions",
-            row_of({"name", "type"}) + row_of({"V", "wall"}) + row_of({"W", "wall"})},
-           {"layers", row_of({"composition", "position", "material"}) + row_of({"V", "1", "A"}) +
-                          row_of({"W", "1", "A"}) + row_of({"W", "2", "nope"}) +
-                          row_of({"V", "3", "A"})}})),
+      take(workbook_of({{"materials", row_of({"name"}) + row_of({"A"})},
+                        {"compositions",
+                         row_of({"name", "type"}) + row_of({"V", "wall"}) + row_of({"W", "wall"})},
+                        {"layers", row_of({"composition", "position", "material"}) +
+                                       row_of({"V", "1", "A"}) + row_of({"W", "1", "A"}) +
+                                       row_of({"W", "2", "nope"}) + row_of({"V", "3", "A"})}})),
       ElementsAre("'x.xlsx': layers!B5: layers of 'V': a position is missing",
                   "'x.xlsx': layers!C4: layers of 'W': there is no material 'nope'"));
 }
